@@ -1,0 +1,32 @@
+# Settings shared by every target: strict Qt, warnings, sanitizers.
+
+option(QUAVERLY_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
+option(QUAVERLY_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+
+add_library(quaverly_options INTERFACE)
+target_compile_definitions(quaverly_options INTERFACE
+  QT_NO_CAST_FROM_ASCII
+  QT_NO_CAST_TO_ASCII
+  QT_NO_CAST_FROM_BYTEARRAY
+  QT_NO_URL_CAST_FROM_STRING
+  QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
+  QT_NO_FOREACH
+  QT_NO_KEYWORDS
+  QT_STRICT_ITERATORS
+  QT_DISABLE_DEPRECATED_BEFORE=0x060400
+  QUAVERLY_VERSION="${PROJECT_VERSION}")
+target_compile_options(quaverly_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wunused -Wnull-dereference
+  $<$<BOOL:${QUAVERLY_WARNINGS_AS_ERRORS}>:-Werror>
+  $<$<BOOL:${QUAVERLY_SANITIZE}>:-fsanitize=address,undefined -fno-omit-frame-pointer>)
+target_link_options(quaverly_options INTERFACE
+  $<$<BOOL:${QUAVERLY_SANITIZE}>:-fsanitize=address,undefined>)
+
+# One static library per folder. Includes are written from the top of the tree ("controller/Published.h"), so that a
+# line which breaks the order of the layers can be seen at a glance.
+function(quaverly_library name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE quaverly_options)
+endfunction()

@@ -1,0 +1,154 @@
+#pragma once
+
+#include "controller/Published.h"
+#include "controller/Surroundings.h"
+#include "controller/TrackInfo.h"
+#include "engine_host/BridgeMessages.h"
+#include "engine_host/MessageReceiver.h"
+
+#include <QList>
+#include <QObject>
+#include <QStringList>
+#include <QUrl>
+
+#include <memory>
+#include <optional>
+
+class PDFDocument;
+class ScriptHandler;
+
+/// Holds everything that the window shows and does everything that the window can be asked for.
+///
+/// Views read the published properties and change the system by assigning them or by calling the operations below.
+/// Main thread only. Times are milliseconds of score time.
+class AlphaTabController final : public QObject, public MessageReceiver {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(AlphaTabController)
+
+public:
+    explicit AlphaTabController(Surroundings surroundings);
+    ~AlphaTabController() override;
+
+    /// The program's one controller, made on first use and never destroyed.
+    static AlphaTabController &shared();
+
+    // File kinds, as lower-case file-name extensions without the dot
+    static const QStringList &scoreExtensions();
+    static const QStringList &openableExtensions();
+    /// What the open panel offers.
+    static const QStringList &gpContentTypes();
+
+    // What the engine reports
+    Published<bool> bridgeReady{ false };
+    Published<bool> playerReady{ false };
+    Published<bool> isPlaying{ false };
+    Published<bool> hasScore{ false };
+    Published<double> currentTime{ 0.0 };
+    Published<double> endTime{ 0.0 };
+    Published<QString> title;
+    Published<QString> artist;
+    Published<QList<TrackInfo>> tracks;
+    Published<bool> hasBackingTrack{ false };
+
+    // Documents
+    /// Most recent first, at most eight.
+    Published<QList<QUrl>> recentFiles;
+    Published<std::shared_ptr<PDFDocument>> pdfDocument;
+    Published<std::optional<QUrl>> pdfURL;
+    /// The page index to scroll to.
+    Published<std::optional<int>> pdfScrollTarget;
+    /// 1...6
+    Published<int> pdfPagesAcross;
+    Published<bool> converting{ false };
+    /// A whole sentence for the user; nothing when all is well.
+    Published<std::optional<QString>> conversionError;
+
+    // Settings; each assignment tells the engine at once
+    Published<bool> preferSynth;
+    /// The sliders offer 25...200.
+    Published<double> tempoPercent;
+    /// 0...1
+    Published<double> masterVolume;
+    Published<bool> looping;
+    Published<bool> metronome;
+    Published<bool> countIn;
+    /// 0...1
+    Published<double> metronomeVolume;
+    /// "woodblock", "beep", "click" or "tick"
+    Published<QString> metronomeSound;
+    Published<bool> metronomeAccent;
+    /// "bar", "beat", "half" or "quarter"
+    Published<QString> metronomeMode;
+    Published<bool> horizontalLayout;
+    /// The buttons offer 0.5...2.
+    Published<double> zoom;
+
+    /// The one web view, null where there is no engine to show.
+    QWidget *webView() const;
+    /// Evaluates `script` in the page; a failure leaves one log line and nothing else.
+    void js(const QString &script);
+    /// A picture of the page's visible content; null when there is none.
+    void snapshot(std::function<void(const QImage &)> arrived);
+    void handle(const QVariantMap &message) override;
+
+    // Loading
+    /// Opens a local file of any kind: a PDF is shown, everything else goes to the engine. Before the engine is ready
+    /// the file waits; the last one asked for wins. A file that cannot be read leaves one log line.
+    void load(const QUrl &url);
+    void presentOpenPanel();
+
+    // Recent files
+    void saveRecents();
+    void clearRecents();
+
+    // Mixer; an id that no track has is ignored
+    void toggleVisible(int id);
+    void toggleMute(int id);
+    void toggleSolo(int id);
+    /// @param volume stored and sent as given
+    void setTrackVolume(int id, double volume);
+    /// Sends the visible tracks to the page; with none visible the page keeps what it shows.
+    void setVisibleTracks();
+
+    // Transport
+    /// @param fraction of the whole score; values outside 0...1 are pulled into the range
+    void seek(double toFraction);
+
+private:
+    void apply(const BridgeMessages::Ready &);
+    void apply(const BridgeMessages::PlayerReady &);
+    void apply(const BridgeMessages::Score &score);
+    void apply(const BridgeMessages::State &state);
+    void apply(const BridgeMessages::Position &position);
+    void apply(const BridgeMessages::Error &error);
+    void apply(const BridgeMessages::GpData &answer);
+    void apply(const BridgeMessages::Rendered &);
+    void apply(const BridgeMessages::Unknown &);
+
+    void pushMetronomeConfig();
+    void soundSourceChanged();
+
+    void loadScore(const QUrl &url);
+    void loadPDF(const QUrl &url);
+    void forgetRecent(const QString &path);
+    void setWindowTitle(const QString &title);
+
+    void loadRecents();
+    void recordRecent(const QUrl &url);
+
+    bool editTrack(int id, const std::function<void(TrackInfo &)> &change);
+
+    void saveGp(const QString &base64, const QString &title);
+
+    void startSmokeLog();
+    void smokeLog(const QString &line);
+    void snapshotIfSmoke();
+
+    Surroundings m_surroundings;
+    const std::unique_ptr<ScriptHandler> m_scriptHandler;
+    std::optional<QUrl> m_pendingURL;
+    const bool m_smokeTest;
+    const QString m_smokeLogPath;
+    bool m_didSnapshot = false;
+    const std::unique_ptr<EngineHost> m_engine;
+};

@@ -1,0 +1,106 @@
+#include "controller/AlphaTabController.h"
+#include "engine_host/BridgeCalls.h"
+#include "engine_host/ScriptHandler.h"
+#include "pdf/conversion/PDFDocument.h"
+
+#include <QFileInfo>
+#include <QImage>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+int storedPagesAcross(const DefaultsStore &defaults)
+{
+    return static_cast<int>(std::clamp<qint64>(defaults.integer(u"pdfPagesAcross"_s).value_or(2), 1, 6));
+}
+
+bool isSmokeTest(const Surroundings &surroundings)
+{
+    return surroundings.environment.value(u"QV_SMOKE"_s) == "1"_L1
+        || QFileInfo::exists(surroundings.temporaryFolder + u"/qv_smoke"_s);
+}
+
+} // namespace
+
+AlphaTabController::AlphaTabController(Surroundings surroundings)
+    : pdfPagesAcross(storedPagesAcross(*surroundings.defaults),
+        [this] { m_surroundings.defaults->setInteger(u"pdfPagesAcross"_s, pdfPagesAcross.value()); })
+    , preferSynth(false, [this] { soundSourceChanged(); })
+    , tempoPercent(100.0, [this] { js(BridgeCalls::setSpeed(tempoPercent / 100)); })
+    , masterVolume(1.0, [this] { js(BridgeCalls::setMasterVolume(masterVolume)); })
+    , looping(false, [this] { js(BridgeCalls::setLooping(looping)); })
+    , metronome(false, [this] { js(BridgeCalls::setMetronome(metronome)); })
+    , countIn(false, [this] { js(BridgeCalls::setCountIn(countIn)); })
+    , metronomeVolume(surroundings.defaults->real(u"metronomeVolume"_s).value_or(0.6),
+          [this] {
+              m_surroundings.defaults->setReal(u"metronomeVolume"_s, metronomeVolume);
+              pushMetronomeConfig();
+          })
+    , metronomeSound(surroundings.defaults->text(u"metronomeSound"_s).value_or(u"woodblock"_s),
+          [this] {
+              m_surroundings.defaults->setText(u"metronomeSound"_s, metronomeSound);
+              pushMetronomeConfig();
+          })
+    , metronomeAccent(surroundings.defaults->boolean(u"metronomeAccent"_s).value_or(true),
+          [this] {
+              m_surroundings.defaults->setBoolean(u"metronomeAccent"_s, metronomeAccent);
+              pushMetronomeConfig();
+          })
+    , metronomeMode(surroundings.defaults->text(u"metronomeMode"_s).value_or(u"beat"_s),
+          [this] {
+              m_surroundings.defaults->setText(u"metronomeMode"_s, metronomeMode);
+              pushMetronomeConfig();
+          })
+    , horizontalLayout(false, [this] { js(BridgeCalls::setLayout(horizontalLayout)); })
+    , zoom(1.0, [this] { js(BridgeCalls::setZoom(zoom)); })
+    , m_surroundings(std::move(surroundings))
+    , m_scriptHandler(std::make_unique<ScriptHandler>(m_surroundings.log))
+    , m_smokeTest(isSmokeTest(m_surroundings))
+    , m_smokeLogPath(
+          m_surroundings.environment.value(u"QV_LOGFILE"_s, m_surroundings.temporaryFolder + u"/qv_smoke.log"_s))
+    , m_engine(m_surroundings.makeEngine(*m_scriptHandler, m_surroundings.webFolder))
+{
+    m_scriptHandler->setController(this);
+    startSmokeLog();
+    loadRecents();
+    m_engine->load(QUrl(u"qv-app://app/index.html"_s));
+}
+
+AlphaTabController::~AlphaTabController() { m_scriptHandler->setController(nullptr); }
+
+AlphaTabController &AlphaTabController::shared()
+{
+    static auto *const instance = new AlphaTabController(Surroundings::system());
+    return *instance;
+}
+
+QWidget *AlphaTabController::webView() const { return m_engine->view(); }
+
+void AlphaTabController::js(const QString &script)
+{
+    m_engine->evaluate(script, [log = m_surroundings.log](const std::optional<QString> &error) {
+        if (error)
+            log(u"[Quaverly] JS error: "_s + *error);
+    });
+}
+
+void AlphaTabController::snapshot(std::function<void(const QImage &)> arrived)
+{
+    m_engine->snapshot(std::move(arrived));
+}
+
+void AlphaTabController::pushMetronomeConfig()
+{
+    js(BridgeCalls::configMetronome(metronomeVolume, metronomeSound, metronomeAccent, metronomeMode));
+}
+
+void AlphaTabController::soundSourceChanged()
+{
+    js(BridgeCalls::setSoundSource(preferSynth));
+    // The file's recording cannot count in.
+    if (hasBackingTrack && !preferSynth)
+        countIn = false;
+}

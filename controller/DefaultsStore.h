@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <optional>
+
+/// The user's settings: typed values in one JSON file, written as a whole at each assignment.
+///
+/// A getter gives nothing when the key is absent or holds a value of another type. A file that cannot be understood
+/// is renamed at the first look, so that nothing of it is lost, and the store begins empty.
+class DefaultsStore final {
+    Q_DISABLE_COPY_MOVE(DefaultsStore)
+
+public:
+    using Log = std::function<void(const QString &)>;
+
+    /// @param filePath the JSON file; it and its folder are made at the first assignment
+    /// @param log takes one line for a damaged file and for a write that failed
+    DefaultsStore(QString filePath, Log log);
+
+    /// The file in the user's configuration folder.
+    static QString userFilePath();
+
+    std::optional<qint64> integer(const QString &key) const;
+    std::optional<double> real(const QString &key) const;
+    std::optional<bool> boolean(const QString &key) const;
+    std::optional<QString> text(const QString &key) const;
+    std::optional<QStringList> textList(const QString &key) const;
+
+    void setInteger(const QString &key, qint64 value);
+    void setReal(const QString &key, double value);
+    void setBoolean(const QString &key, bool value);
+    void setText(const QString &key, const QString &value);
+    void setTextList(const QString &key, const QStringList &value);
+
+private:
+    void read();
+    void setAside(const QString &reason);
+    void write(const QString &key, const QJsonValue &value);
+
+    const QString m_filePath;
+    const Log m_log;
+    QJsonObject m_values;
+};

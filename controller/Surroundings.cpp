@@ -1,0 +1,48 @@
+#include "controller/Surroundings.h"
+
+#include "controller/FileDialogs.h"
+#include "engine_host/SystemLog.h"
+#include "engine_host/WebEngineHost.h"
+#include "engine_host/WebFolder.h"
+
+#include <QApplication>
+#include <QMainWindow>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The title belongs to the main window: on X11 and Wayland the window from which a file was dragged has the focus
+/// when the file arrives, and a panel that happens to be open must not be renamed.
+void setMainWindowTitle(const QString &title)
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (QWidget *window : windows) {
+        if (window->isVisible() && qobject_cast<QMainWindow *>(window)) {
+            window->setWindowTitle(title);
+            return;
+        }
+    }
+}
+
+} // namespace
+
+Surroundings Surroundings::system()
+{
+    Surroundings real;
+    real.log = &SystemLog::write;
+    real.defaults = std::make_unique<DefaultsStore>(DefaultsStore::userFilePath(), real.log);
+    real.dialogs = std::make_unique<FileDialogs>();
+    real.environment = QProcessEnvironment::systemEnvironment();
+    real.temporaryFolder = u"/tmp"_s;
+    real.webFolder = WebFolder::find(QCoreApplication::applicationDirPath());
+    real.makeEngine = [](ScriptHandler &scriptHandler, const std::optional<QString> &webFolder) {
+        return std::make_unique<WebEngineHost>(scriptHandler, webFolder);
+    };
+    real.after = [](std::chrono::milliseconds delay, QObject *context, std::function<void()> work) {
+        QTimer::singleShot(delay, context, std::move(work));
+    };
+    real.setKeyWindowTitle = &setMainWindowTitle;
+    return real;
+}

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "controller/DefaultsStore.h"
+#include "controller/Dialogs.h"
+#include "engine_host/EngineHost.h"
+
+#include <QProcessEnvironment>
+#include <QString>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
+class QObject;
+class ScriptHandler;
+
+/// Everything outside itself that the controller touches; system() gives the real things, a test its own.
+struct Surroundings {
+    using MakeEngine
+        = std::function<std::unique_ptr<EngineHost>(ScriptHandler &, const std::optional<QString> &webFolder)>;
+
+    std::unique_ptr<DefaultsStore> defaults;
+    std::unique_ptr<Dialogs> dialogs;
+    QProcessEnvironment environment;
+    /// Where the marker files are looked for and the diagnostic files go by default.
+    QString temporaryFolder;
+    /// The folder that holds the engine page, if there is one.
+    std::optional<QString> webFolder;
+    MakeEngine makeEngine;
+    /// Writes one line to the system log.
+    std::function<void(const QString &line)> log;
+    /// Runs `work` on the main thread after `delay`, unless `context` is gone by then.
+    std::function<void(std::chrono::milliseconds delay, QObject *context, std::function<void()> work)> after;
+    /// Sets the title of the application's window now; nothing happens where there is none.
+    std::function<void(const QString &title)> setKeyWindowTitle;
+
+    static Surroundings system();
+};

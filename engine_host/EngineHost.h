@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+class QImage;
+class QUrl;
+class QWidget;
+
+/// The embedded web view as its owner sees it: evaluate, load, snapshot.
+///
+/// The real one is WebEngineHost; tests put a recording one in its place and need no web engine.
+class EngineHost {
+public:
+    /// Called once per evaluation: with nothing on success, with the error's text otherwise.
+    using Completion = std::function<void(const std::optional<QString> &error)>;
+
+    virtual ~EngineHost() = default;
+
+    /// Evaluates `script` in the page. Never blocks; the script's value is not reported.
+    virtual void evaluate(const QString &script, Completion completion) = 0;
+    /// Starts loading `url` and returns at once.
+    virtual void load(const QUrl &url) = 0;
+    /// Takes a picture of the page's visible content; a null image when there is none.
+    virtual void snapshot(std::function<void(const QImage &)> arrived) = 0;
+    /// The one web view, owned by this host; null where there is none (tests).
+    virtual QWidget *view() const = 0;
+};

@@ -1,0 +1,39 @@
+#include "engine_host/EngineView.h"
+
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QWebEnginePage>
+#include <QWebEngineProfile>
+
+EngineView::EngineView(QWidget *parent)
+    : QWebEngineView(parent)
+{
+    setAcceptDrops(false);
+}
+
+EngineView::~EngineView() { delete m_inspector; }
+
+void EngineView::contextMenuEvent(QContextMenuEvent *event)
+{
+    auto *menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(tr("Inspect"), this, &EngineView::inspect);
+    menu->popup(event->globalPos());
+}
+
+void EngineView::inspect()
+{
+    if (!m_inspector) {
+        // A window and a profile of its own: the engine page's interceptor would block the inspector's resources.
+        m_inspector = new QWebEngineView;
+        auto *profile = new QWebEngineProfile(m_inspector);
+        m_inspector->setPage(new QWebEnginePage(profile, m_inspector));
+        m_inspector->setWindowTitle(tr("Inspector"));
+        m_inspector->resize(1000, 600);
+        m_inspector->setAttribute(Qt::WA_QuitOnClose, false);
+        page()->setDevToolsPage(m_inspector->page());
+    }
+    m_inspector->show();
+    m_inspector->raise();
+    page()->triggerAction(QWebEnginePage::InspectElement);
+}

@@ -1,0 +1,23 @@
+#include "engine_host/ScriptEvaluation.h"
+
+using namespace Qt::StringLiterals;
+
+namespace ScriptEvaluation {
+
+QString wrapped(const QString &script)
+{
+    // The line feed keeps a trailing line comment of the script from swallowing the rest.
+    return u"(() => { try { "_s + script
+        + u"\n; return true; } catch (error) { return { error: String(error) }; } })()"_s;
+}
+
+std::optional<QString> errorOf(const QVariant &value)
+{
+    if (value.typeId() == QMetaType::Bool)
+        return std::nullopt;
+    if (value.typeId() == QMetaType::QVariantMap)
+        return value.toMap().value(u"error"_s).toString();
+    return u"the script could not be evaluated (a syntax error, or no page)"_s;
+}
+
+} // namespace ScriptEvaluation

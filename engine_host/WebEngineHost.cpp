@@ -1,0 +1,81 @@
+#include "engine_host/WebEngineHost.h"
+
+#include "engine_host/EnginePage.h"
+#include "engine_host/EngineView.h"
+#include "engine_host/RequestInterceptor.h"
+#include "engine_host/ScriptEvaluation.h"
+#include "engine_host/ScriptHandler.h"
+#include "engine_host/SystemLog.h"
+#include "engine_host/WebSchemeHandler.h"
+
+#include <QImage>
+#include <QPixmap>
+#include <QPointer>
+#include <QWebChannel>
+#include <QWebEngineDownloadRequest>
+#include <QWebEngineHistory>
+#include <QWebEngineLoadingInfo>
+#include <QWebEngineProfile>
+#include <QWebEngineSettings>
+
+using namespace Qt::StringLiterals;
+
+WebEngineHost::WebEngineHost(ScriptHandler &scriptHandler, const std::optional<QString> &webFolder)
+    : m_interceptor(std::make_unique<RequestInterceptor>())
+    , m_profile(std::make_unique<QWebEngineProfile>()) // without a name: off the record
+    , m_channel(std::make_unique<QWebChannel>())
+    , m_scriptHandler(scriptHandler)
+{
+    m_profile->setUrlRequestInterceptor(m_interceptor.get());
+    connect(m_profile.get(), &QWebEngineProfile::downloadRequested, this,
+        [](QWebEngineDownloadRequest *download) { download->cancel(); });
+    m_channel->registerObject(ScriptHandler::name(), &scriptHandler);
+    if (webFolder) {
+        m_schemeHandler = std::make_unique<WebSchemeHandler>(*webFolder);
+        m_profile->installUrlSchemeHandler(WebSchemeHandler::scheme(), m_schemeHandler.get());
+    }
+
+    m_view = std::make_unique<EngineView>();
+    m_page = new EnginePage(m_profile.get(), m_view.get());
+    configurePage();
+    m_view->setPage(m_page);
+}
+
+WebEngineHost::~WebEngineHost() = default;
+
+void WebEngineHost::configurePage()
+{
+    QWebEngineSettings *settings = m_page->settings();
+    // Reads false already, yet only an explicit false lets a native button start the sound.
+    settings->setAttribute(QWebEngineSettings::PlaybackRequiresUserGesture, false);
+    settings->setAttribute(QWebEngineSettings::NavigateOnDropEnabled, false);
+    settings->setAttribute(QWebEngineSettings::FullScreenSupportEnabled, false);
+    settings->setAttribute(QWebEngineSettings::JavascriptCanOpenWindows, false);
+    settings->setAttribute(QWebEngineSettings::JavascriptCanAccessClipboard, false);
+    settings->setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, false);
+    settings->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, false);
+    settings->setAttribute(QWebEngineSettings::ErrorPageEnabled, false);
+    settings->setAttribute(QWebEngineSettings::PluginsEnabled, false);
+    settings->setAttribute(QWebEngineSettings::FocusOnNavigationEnabled, false);
+    m_page->setWebChannel(m_channel.get());
+
+    connect(m_page, &QWebEnginePage::loadingChanged, this, [this](const QWebEngineLoadingInfo &info) {
+        // A document that never began to arrive leaves no history; its failure is nobody's news.
+        if (info.status() == QWebEngineLoadingInfo::LoadFailedStatus && m_page->history()->count() > 0)
+            m_scriptHandler.navigationFailed(info.errorString());
+    });
+    connect(m_page, &EnginePage::consoleError, this,
+        [](const QString &text) { SystemLog::write(u"[Quaverly] page: "_s + text); });
+}
+
+void WebEngineHost::evaluate(const QString &script, Completion completion)
+{
+    m_page->runJavaScript(ScriptEvaluation::wrapped(script),
+        [completion = std::move(completion)](const QVariant &value) { completion(ScriptEvaluation::errorOf(value)); });
+}
+
+void WebEngineHost::load(const QUrl &url) { m_page->load(url); }
+
+void WebEngineHost::snapshot(std::function<void(const QImage &)> arrived) { arrived(m_view->grab().toImage()); }
+
+QWidget *WebEngineHost::view() const { return m_view.get(); }

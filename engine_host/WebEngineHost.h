@@ -1,0 +1,48 @@
+#pragma once
+
+#include "engine_host/EngineHost.h"
+
+#include <QObject>
+
+#include <memory>
+
+class EnginePage;
+class EngineView;
+class QWebChannel;
+class QWebEngineProfile;
+class RequestInterceptor;
+class ScriptHandler;
+class WebSchemeHandler;
+
+/// The real engine host: Qt WebEngine with the message channel, the resource scheme and all its doors shut.
+class WebEngineHost final : public QObject, public EngineHost {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(WebEngineHost)
+
+public:
+    /// @param scriptHandler receives the page's messages; has to outlive this host
+    /// @param webFolder the folder to serve; without one no scheme handler is registered and nothing can load
+    WebEngineHost(ScriptHandler &scriptHandler, const std::optional<QString> &webFolder);
+    ~WebEngineHost() override;
+
+    void evaluate(const QString &script, Completion completion) override;
+    void load(const QUrl &url) override;
+    void snapshot(std::function<void(const QImage &)> arrived) override;
+    QWidget *view() const override;
+
+    EnginePage *page() const { return m_page; }
+    /// Present exactly when there is a web folder.
+    WebSchemeHandler *schemeHandler() const { return m_schemeHandler.get(); }
+
+private:
+    void configurePage();
+
+    // The order of members is the order of dismantling, backwards: view and page go before the profile they use.
+    std::unique_ptr<WebSchemeHandler> m_schemeHandler;
+    std::unique_ptr<RequestInterceptor> m_interceptor;
+    std::unique_ptr<QWebEngineProfile> m_profile;
+    std::unique_ptr<QWebChannel> m_channel;
+    std::unique_ptr<EngineView> m_view;
+    EnginePage *m_page = nullptr; // owned by the view
+    ScriptHandler &m_scriptHandler;
+};
