@@ -21,7 +21,8 @@ import time
 
 WIDTH, HEIGHT = 1400, 900
 PATIENCE = 60.0
-LOOK_EVERY = 0.008
+# Looking costs the program processor time: seldom enough not to be felt, often enough for a figure in hundredths.
+LOOK_EVERY = 0.02
 
 # What the program writes to standard error, by the name of the event in the table.
 LOGGED = {
@@ -84,7 +85,7 @@ def staff_rows(column):
 def shows_notation(screen):
     """True when a staff runs through at least half of the columns looked at, right of the window's sidebar."""
     found = {}
-    columns = range(WIDTH * 2 // 5, WIDTH - 100, 37)
+    columns = range(WIDTH * 2 // 5, WIDTH - 100, 97)
     for x in columns:
         for row in staff_rows(screen.column(x)):
             found[row] = found.get(row, 0) + 1
