@@ -6,7 +6,7 @@
 #include "engine_host/WebSchemeHandler.h"
 
 #include <QApplication>
-#include <QIcon>
+#include <QLoggingCategory>
 
 #include <cstdio>
 
@@ -24,6 +24,8 @@ int main(int argc, char *argv[])
         return 0;
     }
 
+    // The web engine reports its graphics set-up at every start; QT_LOGGING_RULES brings the report back.
+    QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false"_s);
     RootSandbox::adapt();
     WebSchemeHandler::registerScheme();
     const QApplication application(argc, argv);

@@ -40,6 +40,6 @@ QUrl TestSurroundings::file(const QString &name, const QByteArray &bytes) const
 
 std::unique_ptr<DefaultsStore> TestSurroundings::defaults()
 {
-    return std::make_unique<DefaultsStore>(path(u"defaults.json"_s),
-                                           [log = log](const QString &line) { log->append(line); });
+    return std::make_unique<DefaultsStore>(
+        path(u"defaults.json"_s), [log = log](const QString &line) { log->append(line); });
 }

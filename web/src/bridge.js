@@ -1,0 +1,111 @@
+// @ts-check
+/**
+ * Both directions between the page and the program around it, in one place: the calls the program makes on
+ * `window.qv` and the messages the page posts back.
+ *
+ * Times are milliseconds of score time, which run at the score's own tempo whatever the playback speed.
+ *
+ * @typedef {object} Calls
+ * @property {(base64: string) => void} loadBase64 Opens a Guitar Pro or MusicXML file; the format is found out here.
+ * @property {() => void} loadSample Opens the demo score.
+ * @property {() => void} playPause
+ * @property {() => void} stop
+ * @property {(ms: number) => void} seekToTime
+ * @property {(ratio: number) => void} setSpeed 1 is the score's own tempo.
+ * @property {(volume: number) => void} setMasterVolume 0 is silent, 1 is full.
+ * @property {(on: boolean) => void} setLooping
+ * @property {(on: boolean) => void} setMetronome
+ * @property {(on: number) => void} setCountIn 1 or 0.
+ * @property {(volume: number, sound: string, accent: boolean, mode: string) => void} configMetronome
+ * @property {() => void} previewMetronome
+ * @property {(synthesized: boolean) => void} setSoundSource false plays the file's own recording where it has one.
+ * @property {(layout: string) => void} setLayout "page" or "horizontal".
+ * @property {(zoom: number) => void} setZoom 1 is the engraved size.
+ * @property {(trackIds: number[]) => void} renderTracks
+ * @property {(trackId: number, mute: boolean) => void} setTrackMute
+ * @property {(trackId: number, solo: boolean) => void} setTrackSolo
+ * @property {(trackId: number, volume: number) => void} setTrackVolume
+ * @property {() => void} exportGp
+ *
+ * @typedef {{ index: number, name: string }} TrackEntry
+ * @typedef {{ title: string, artist: string, tracks: TrackEntry[], hasBackingTrack: boolean }} ScoreFacts
+ *
+ * @typedef {{ type: "ready" }
+ *   | { type: "playerReady" }
+ *   | { type: "score" } & ScoreFacts
+ *   | { type: "state", playing: boolean }
+ *   | { type: "position", currentTime: number, endTime: number }
+ *   | { type: "error", message: string }
+ *   | { type: "gpData", data: string, title: string }
+ *   | { type: "rendered" }} Message
+ *
+ * @typedef {(message: Message) => void} Post
+ */
+
+/** @type {readonly (keyof Calls)[]} */
+export const callNames = [
+  "loadBase64",
+  "loadSample",
+  "playPause",
+  "stop",
+  "seekToTime",
+  "setSpeed",
+  "setMasterVolume",
+  "setLooping",
+  "setMetronome",
+  "setCountIn",
+  "configMetronome",
+  "previewMetronome",
+  "setSoundSource",
+  "setLayout",
+  "setZoom",
+  "renderTracks",
+  "setTrackMute",
+  "setTrackSolo",
+  "setTrackVolume",
+  "exportGp",
+];
+
+/** @type {readonly Message["type"][]} */
+export const messageTypes = ["ready", "playerReady", "score", "state", "position", "error", "gpData", "rendered"];
+
+/**
+ * Makes the calls reachable for the program around the page.
+ *
+ * @param {Calls} calls
+ */
+export function expose(calls) {
+  Object.defineProperty(globalThis, "qv", { value: Object.freeze({ ...calls }) });
+}
+
+/**
+ * Opens the way to the program. Messages posted before the channel stands wait for it in order; in a page without a
+ * channel around it (a plain browser) they go nowhere.
+ *
+ * @param {any} [scope] where the channel's two globals are looked up
+ * @returns {Post}
+ */
+export function connect(scope = globalThis) {
+  const transport = scope.qt?.webChannelTransport;
+  if (!transport || !scope.QWebChannel) {
+    return () => {};
+  }
+  /** @type {Message[] | null} */
+  let waiting = [];
+  /** @type {{ postMessage: Post } | undefined} */
+  let receiver;
+  new scope.QWebChannel(transport, (/** @type {any} */ channel) => {
+    receiver = channel.objects.qv;
+    for (const message of waiting ?? []) {
+      receiver?.postMessage(message);
+    }
+    waiting = null;
+  });
+  return (message) => {
+    if (waiting) {
+      waiting.push(message);
+    } else {
+      receiver?.postMessage(message);
+    }
+  };
+}

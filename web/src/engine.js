@@ -1,0 +1,85 @@
+// @ts-check
+import { alphaTab } from "./alphatab.js";
+
+/**
+ * The engine with the page's settings, plus two corrections of what it does around a new score.
+ */
+export class Engine extends alphaTab.AlphaTabApi {
+  #midiHeldBack = false;
+
+  /** @param {HTMLElement} sheet where the notation is drawn */
+  constructor(sheet) {
+    super(sheet, pageSettings());
+    this.sheet = sheet;
+  }
+
+  /**
+   * Draws a score and prepares it for playing. Left alone the engine generates the playback twice and before it hands
+   * the score to the drawing worker; here the worker has its work first and the playback is generated once meanwhile.
+   *
+   * @param {import("./alphatab.js").Score} score
+   */
+  show(score) {
+    this.#midiHeldBack = true;
+    try {
+      this.renderScore(score, [-1]);
+    } finally {
+      this.#midiHeldBack = false;
+    }
+    this.loadMidiForScore();
+  }
+
+  /** @override */
+  loadMidiForScore() {
+    if (!this.#midiHeldBack) {
+      super.loadMidiForScore();
+    }
+  }
+}
+
+function pageSettings() {
+  const settings = new alphaTab.Settings();
+  // Debug lines of the engine cost seconds with a large score.
+  settings.core.logLevel = alphaTab.LogLevel.Warning;
+  settings.core.smuflFontSources = new Map([
+    [alphaTab.FontFileFormat.Woff2, new URL("../vendor/font/Bravura.woff2", import.meta.url).href],
+  ]);
+  // The paper has its own margins.
+  settings.display.padding = [12, 8];
+  chooseFonts(settings.display.resources);
+
+  const player = settings.player;
+  // Started at once and not with the first score: loading the sound bank takes longest.
+  player.playerMode = alphaTab.PlayerMode.EnabledSynthesizer;
+  player.outputMode = alphaTab.PlayerOutputMode.WebAudioAudioWorklets;
+  player.scrollElement = "#desk";
+  player.scrollMode = alphaTab.ScrollMode.Continuous;
+  // Clicks and drags on the score are read by the page's own Selection.
+  player.enableUserInteraction = false;
+  return settings;
+}
+
+/** @param {import("@coderline/alphatab").RenderingResources} resources */
+function chooseFonts(resources) {
+  const serif = ["Noto Serif", "Noto Serif CJK SC", "Noto Serif CJK JP", "serif"];
+  const sans = ["Noto Sans", "Noto Sans CJK SC", "Noto Sans CJK JP", "sans-serif"];
+  const { Plain, Italic } = alphaTab.model.FontStyle;
+  const { Regular, Bold } = alphaTab.model.FontWeight;
+  /** @type {(families: string[], size: number, style?: number, weight?: number) => import("@coderline/alphatab").model.Font} */
+  const font = (families, size, style = Plain, weight = Regular) =>
+    alphaTab.model.Font.withFamilyList([...families], size, style, weight);
+  resources.titleFont = font(serif, 30);
+  resources.subTitleFont = font(serif, 18);
+  resources.wordsFont = font(serif, 14);
+  resources.copyrightFont = font(sans, 11, Plain, Bold);
+  resources.effectFont = font(serif, 12, Italic);
+  resources.markerFont = font(serif, 14, Plain, Bold);
+  resources.directionsFont = font(serif, 14);
+  resources.fretboardNumberFont = font(sans, 11);
+  resources.barNumberFont = font(sans, 11);
+  resources.timerFont = font(serif, 12);
+  resources.tablatureFont = font(sans, 13);
+  resources.graceFont = font(sans, 11);
+  resources.fingeringFont = font(serif, 14);
+  resources.inlineFingeringFont = font(serif, 12);
+}

@@ -1,0 +1,58 @@
+// @ts-check
+import { decodeBase64, encodeBase64 } from "./base64.js";
+import { connect, expose } from "./bridge.js";
+import { Documents } from "./documents.js";
+import { Engine } from "./engine.js";
+import { Metronome } from "./metronome.js";
+import { Mixer } from "./mixer.js";
+import { Playback } from "./playback.js";
+import { Sheet } from "./sheet.js";
+import { SoundBank } from "./sound-bank.js";
+
+/** Wires the page together: every call of the program goes to the one module that answers for it. */
+
+/** @param {string} id */
+function element(id) {
+  const found = document.getElementById(id);
+  if (!found) {
+    throw new Error(`The page has no element ${id}.`);
+  }
+  return found;
+}
+
+const post = connect();
+const paper = element("paper");
+const engine = new Engine(element("sheet"));
+const playback = new Playback(engine, post);
+const metronome = new Metronome(engine);
+const mixer = new Mixer(engine, (anySolo) => metronome.setBesideSolo(anySolo));
+const sheet = new Sheet(engine, paper, element("desk"), () => post({ type: "rendered" }));
+const documents = new Documents({ engine, playback, mixer, sheet, post });
+new SoundBank(engine, post);
+
+engine.error.on((error) => post({ type: "error", message: error.message }));
+
+expose({
+  loadBase64: (base64) => documents.open(decodeBase64(base64)),
+  loadSample: () => documents.openDemo(),
+  playPause: () => playback.playPause(),
+  stop: () => playback.stop(),
+  seekToTime: (ms) => playback.seekToTime(ms),
+  setSpeed: (ratio) => playback.setSpeed(ratio),
+  setMasterVolume: (volume) => playback.setMasterVolume(volume),
+  setLooping: (on) => playback.setLooping(on),
+  setMetronome: (on) => metronome.turn(on),
+  setCountIn: (on) => playback.setCountIn(on === 1),
+  configMetronome: (volume, sound, accent, mode) => metronome.configure({ volume, sound, accent, mode }),
+  previewMetronome: () => metronome.preview(),
+  setSoundSource: (synthesized) => documents.preferSynthesizer(synthesized),
+  setLayout: (layout) => sheet.setLayout(layout),
+  setZoom: (zoom) => sheet.setZoom(zoom),
+  renderTracks: (trackIds) => sheet.showTracks(trackIds),
+  setTrackMute: (trackId, mute) => mixer.setMute(trackId, mute),
+  setTrackSolo: (trackId, solo) => mixer.setSolo(trackId, solo),
+  setTrackVolume: (trackId, volume) => mixer.setVolume(trackId, volume),
+  exportGp: () => documents.exportGuitarPro(encodeBase64),
+});
+
+post({ type: "ready" });

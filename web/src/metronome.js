@@ -1,0 +1,140 @@
+// @ts-check
+import { alphaTab } from "./alphatab.js";
+import { clickBank, clickKey } from "./click-bank.js";
+import { audibleLevels, clicksOf, levels } from "./click-pattern.js";
+import { clickSamples, sampleRate, soundNamed } from "./click-sounds.js";
+
+/**
+ * The metronome. Its clicks are written into the playback itself as notes on channels of their own, one channel for
+ * each level of the pattern (bars, beats, half beats, quarter beats): so they are in time to the sample at any speed
+ * and through seeks, repeats and changes of tempo, which clicks timed by the page could not be. What sounds is
+ * chosen without touching the notes: a channel is muted or not, and transposed to the key of the chosen sound.
+ *
+ * @typedef {{ volume: number, sound: string, accent: boolean, mode: string }} Configuration volume from 0 to 1
+ */
+
+const velocity = 112;
+
+/** The key the notes are written with; a channel's transposition leads from it to the chosen sound. */
+const writtenKey = clickKey("woodblock", false);
+
+export class Metronome {
+  #api;
+  #on = false;
+  /** @type {Configuration} */
+  #configuration = { volume: 0.8, sound: "woodblock", accent: true, mode: "beat" };
+  #besideSolo = false;
+  #firstChannel = 0;
+  /** @type {AudioContext | undefined} */
+  #previewContext;
+
+  /** @param {import("./engine.js").Engine} api */
+  constructor(api) {
+    this.#api = api;
+    api.midiLoad.on((midi) => this.#write(midi));
+    api.playerReady.on(() => this.#apply());
+  }
+
+  /** @param {boolean} on */
+  turn(on) {
+    this.#on = Boolean(on);
+    this.#apply();
+  }
+
+  /** @param {Configuration} configuration */
+  configure(configuration) {
+    this.#configuration = configuration;
+    this.#apply();
+  }
+
+  /**
+   * A soloed track silences every other channel; the metronome goes on beside it.
+   *
+   * @param {boolean} anySolo
+   */
+  setBesideSolo(anySolo) {
+    this.#besideSolo = anySolo;
+    this.#apply();
+  }
+
+  /** Plays one click with the sound and volume as they are, whatever else is going on. */
+  preview() {
+    this.#previewContext ??= new AudioContext();
+    const context = this.#previewContext;
+    void context.resume();
+    const samples = clickSamples(soundNamed(this.#configuration.sound), false);
+    const buffer = context.createBuffer(1, samples.length, sampleRate);
+    buffer.copyToChannel(samples, 0);
+    const source = new AudioBufferSourceNode(context, { buffer });
+    const gain = new GainNode(context, { gain: this.#configuration.volume });
+    source.connect(gain).connect(context.destination);
+    source.start();
+  }
+
+  #apply() {
+    const player = this.#api.player;
+    if (!player || this.#firstChannel === 0) {
+      return;
+    }
+    const { volume, accent, mode } = this.#configuration;
+    const sound = soundNamed(this.#configuration.sound);
+    const audible = this.#on ? audibleLevels(mode) : 0;
+    levels.forEach((name, level) => {
+      const channel = this.#firstChannel + level;
+      player.setChannelMute(channel, level >= audible);
+      player.setChannelSolo(channel, this.#besideSolo);
+      player.setChannelVolume(channel, volume);
+      player.setChannelTranspositionPitch(channel, clickKey(sound, accent && name === "bar") - writtenKey);
+    });
+  }
+
+  /** @param {import("./alphatab.js").MidiFile} midi the playback just generated */
+  #write(midi) {
+    const bars = (this.#api.tickCache?.masterBars ?? []).map(({ start, end, masterBar }) => ({
+      start: start + midi.tickShift,
+      end: end + midi.tickShift,
+      denominator: masterBar.timeSignatureDenominator,
+      pickup: masterBar.isAnacrusis,
+    }));
+    const notes = midi.tracks[0];
+    this.#firstChannel = highestChannel(notes.events) + 1;
+    const clicks = clicksOf(bars, midi.division).flatMap(({ tick, level }) => this.#note(tick, this.#firstChannel + level));
+    const setUp = levels.flatMap((_, level) => this.#chooseClicks(this.#firstChannel + level));
+    // The sort keeps the order of events at the same tick; the end of the track stays last, as it is past every click.
+    const all = [...setUp, ...notes.events, ...clicks].sort((a, b) => a.tick - b.tick);
+    notes.events.length = 0;
+    for (const event of all) {
+      notes.events.push(event);
+    }
+  }
+
+  /**
+   * @param {number} tick
+   * @param {number} channel
+   */
+  #note(tick, channel) {
+    return [new alphaTab.midi.NoteOnEvent(0, tick, channel, writtenKey, velocity)];
+  }
+
+  /** @param {number} channel */
+  #chooseClicks(channel) {
+    const { BankSelectCoarse, BankSelectFine } = alphaTab.midi.ControllerType;
+    return [
+      new alphaTab.midi.ControlChangeEvent(0, 0, channel, BankSelectCoarse, clickBank.msb),
+      new alphaTab.midi.ControlChangeEvent(0, 0, channel, BankSelectFine, clickBank.lsb),
+      new alphaTab.midi.ProgramChangeEvent(0, 0, channel, clickBank.program),
+    ];
+  }
+}
+
+/** @param {import("@coderline/alphatab").midi.MidiEvent[]} events */
+function highestChannel(events) {
+  let highest = 0;
+  for (const event of events) {
+    const channel = /** @type {{ channel?: number }} */ (event).channel;
+    if (channel !== undefined && channel > highest) {
+      highest = channel;
+    }
+  }
+  return highest;
+}

@@ -1,0 +1,258 @@
+// @ts-check
+import { alphaTab } from "./alphatab.js";
+import { PositionFeed } from "./position-feed.js";
+import { Timeline } from "./timeline.js";
+
+/**
+ * The transport: plays the score on the desk, and reports how far it has come.
+ *
+ * @typedef {{ startTick: number, endTick: number }} TickRange
+ */
+
+/** Two ticks this close are the same place: the engine rounds each way between ticks and milliseconds. */
+const sameTick = 8;
+
+export class Playback {
+  #api;
+  #post;
+  #feed;
+  #timeline = new Timeline([], 0, 960);
+  #speed = 1;
+  #countIn = false;
+  #playing = false;
+  #readyPosted = false;
+  /** The engine still reports on the score before until it has loaded this one. */
+  #stale = false;
+  #startWhenReady = false;
+  #tick = 0;
+  /** @type {number | null} */
+  #awaitedTick = null;
+  /** @type {TickRange | null} */
+  #range = null;
+
+  /**
+   * @param {import("./engine.js").Engine} api
+   * @param {import("./bridge.js").Post} post
+   */
+  constructor(api, post) {
+    this.#api = api;
+    this.#post = post;
+    this.#feed = new PositionFeed((position) => post({ type: "position", ...position }), () => performance.now());
+    api.midiLoad.on((midi) => this.#measure(midi));
+    // Listened to on the element: subscribing on the object asks the player for its last answer, which recurses for ever.
+    api.sheet.addEventListener("alphaTab.midiFileLoaded", () => {
+      this.#stale = false;
+    });
+    api.playerReady.on(() => this.#onReady());
+    api.playerStateChanged.on((event) => this.#onState(event));
+    api.playerPositionChanged.on((event) => this.#onPosition(event));
+  }
+
+  /** Milliseconds of score time; 0 without a score. */
+  get endTime() {
+    return this.#timeline.endMs;
+  }
+
+  /** The place in the score as the engine last reported it. */
+  get tick() {
+    return this.#tick;
+  }
+
+  get timeline() {
+    return this.#timeline;
+  }
+
+  get playing() {
+    return this.#playing;
+  }
+
+  get speed() {
+    return this.#speed;
+  }
+
+  /** To be called before another score is handed to the engine. */
+  leaveScore() {
+    this.#stale = true;
+    this.#startWhenReady = false;
+    this.#awaitedTick = null;
+    this.#tick = 0;
+    this.setRange(null);
+    this.#setPlaying(false);
+  }
+
+  /** Tells the length of the score just handed to the engine. */
+  announceLength() {
+    this.#feed.jump({ currentTime: 0, endTime: this.endTime });
+  }
+
+  playPause() {
+    if (!this.#api.score) {
+      return;
+    }
+    if (this.#api.isReadyForPlayback) {
+      this.#api.playPause();
+    } else {
+      this.#startWhenReady = !this.#startWhenReady;
+    }
+  }
+
+  stop() {
+    this.#startWhenReady = false;
+    if (this.#api.score) {
+      this.#awaitedTick = null;
+      this.#api.stop();
+    }
+  }
+
+  /** @param {number} ms of score time */
+  seekToTime(ms) {
+    if (this.#api.score && Number.isFinite(ms)) {
+      this.#awaitedTick = null;
+      this.#api.timePosition = Math.min(Math.max(ms, 0), this.endTime) / this.#speed;
+    }
+  }
+
+  /** @param {number} tick */
+  seekToTick(tick) {
+    this.#awaitedTick = null;
+    this.#api.tickPosition = tick;
+  }
+
+  /** @param {number} ratio */
+  setSpeed(ratio) {
+    if (Number.isFinite(ratio) && ratio > 0) {
+      // The engine keeps to these bounds itself; positions are worked out with the speed it really plays at.
+      this.#speed = Math.min(Math.max(ratio, 0.125), 8);
+      this.#api.playbackSpeed = this.#speed;
+    }
+  }
+
+  /** @param {number} volume */
+  setMasterVolume(volume) {
+    if (Number.isFinite(volume)) {
+      this.#api.masterVolume = Math.max(volume, 0);
+    }
+  }
+
+  /** @param {boolean} on */
+  setLooping(on) {
+    this.#api.isLooping = Boolean(on);
+    this.#applyRange();
+  }
+
+  /** @param {boolean} on */
+  setCountIn(on) {
+    this.#countIn = on;
+    this.applyCountIn();
+  }
+
+  /** A recording cannot be counted in: only the synthesizer plays the bar before the start. */
+  applyCountIn() {
+    const synthesized = this.#api.actualPlayerMode === alphaTab.PlayerMode.EnabledSynthesizer;
+    this.#api.countInVolume = this.#countIn && synthesized ? 1 : 0;
+  }
+
+  /**
+   * Chooses what looping loops.
+   *
+   * @param {TickRange | null} range null for the whole score
+   */
+  setRange(range) {
+    this.#range = range;
+    this.#applyRange();
+  }
+
+  /** Keeps the place (and goes on playing, if it was) across a change of the player. */
+  carryOver() {
+    const tick = this.#tick;
+    this.#startWhenReady = this.#playing;
+    this.#setPlaying(false);
+    return () => {
+      this.#stale = false;
+      this.#applyRange();
+      this.applyCountIn();
+      this.#api.tickPosition = tick;
+    };
+  }
+
+  #applyRange() {
+    const player = this.#api.player;
+    // Outside of looping the range binds nothing: the engine would refuse to seek or play past its end.
+    const range = this.#range && this.#api.isLooping ? this.#range : null;
+    if (!player || (!range && !player.playbackRange)) {
+      return;
+    }
+    const tick = this.#tick;
+    const inside = !range || (tick >= range.startTick && tick < range.endTick);
+    player.playbackRange = range ? Object.assign(new alphaTab.synth.PlaybackRange(), range) : null;
+    if (inside && range) {
+      this.seekToTick(tick);
+    }
+  }
+
+  /** @param {import("./alphatab.js").MidiFile} midi */
+  #measure(midi) {
+    /** @type {import("./timeline.js").TempoChange[]} */
+    const changes = [];
+    const events = midi.events;
+    for (const event of events) {
+      if (event instanceof alphaTab.midi.TempoChangeEvent) {
+        changes.push({ tick: event.tick, bpm: event.beatsPerMinute });
+      }
+    }
+    this.#timeline = new Timeline(changes, events.length > 0 ? events[events.length - 1].tick : 0, midi.division);
+  }
+
+  #onReady() {
+    this.applyCountIn();
+    if (!this.#readyPosted) {
+      this.#readyPosted = true;
+      this.#post({ type: "playerReady" });
+    }
+    if (this.#startWhenReady) {
+      this.#startWhenReady = false;
+      this.#api.play();
+    }
+  }
+
+  /** @param {import("@coderline/alphatab").synth.PlayerStateChangedEventArgs} event */
+  #onState(event) {
+    const playing = event.state === alphaTab.synth.PlayerState.Playing;
+    if (!playing && !event.stopped && this.#playing) {
+      // The engine steps back to the first time the current beat is played, also in the middle of a repeat. A pause
+      // stays where it is.
+      this.#awaitedTick = this.#tick;
+      this.#api.tickPosition = this.#tick;
+    }
+    this.#setPlaying(playing);
+  }
+
+  /** @param {boolean} playing */
+  #setPlaying(playing) {
+    if (playing !== this.#playing) {
+      this.#playing = playing;
+      this.#post({ type: "state", playing });
+    }
+  }
+
+  /** @param {import("@coderline/alphatab").synth.PositionChangedEventArgs} event */
+  #onPosition(event) {
+    if (this.#stale || !this.#api.score || event.endTime <= 0) {
+      return;
+    }
+    if (this.#awaitedTick !== null && event.isSeek) {
+      if (Math.abs(event.currentTick - this.#awaitedTick) > sameTick) {
+        return;
+      }
+      this.#awaitedTick = null;
+    }
+    this.#tick = event.currentTick;
+    // The engine counts in time as played, which stretches with the speed. Its own end tells by how much.
+    const position = { currentTime: (event.currentTime / event.endTime) * this.endTime, endTime: this.endTime };
+    if (event.isSeek || !this.#playing) {
+      this.#feed.jump(position);
+    } else {
+      this.#feed.flow(position);
+    }
+  }
+}

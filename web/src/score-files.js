@@ -1,0 +1,95 @@
+// @ts-check
+import { alphaTab } from "./alphatab.js";
+import { decodeText, detectFormat } from "./formats.js";
+
+/**
+ * Reads score files with the engine's importers, and tells in a sentence why one cannot be read.
+ *
+ * @typedef {import("./alphatab.js").Score} Score
+ * @typedef {import("./alphatab.js").Settings} Settings
+ * @typedef {{ score: Score } | { problem: string }} Reading
+ */
+
+/**
+ * @param {Uint8Array | null} bytes null when the transport text could not be decoded
+ * @param {Settings} settings
+ * @returns {Reading}
+ */
+export function readScore(bytes, settings) {
+  if (!bytes) {
+    return { problem: "The file arrived damaged: its base64 text cannot be decoded." };
+  }
+  if (bytes.length === 0) {
+    return { problem: "The file is empty." };
+  }
+  const format = detectFormat(bytes);
+  if (!format) {
+    return { problem: "The file is neither a Guitar Pro nor a MusicXML score." };
+  }
+  try {
+    const score = format === "musicXml" ? importMusicXml(bytes, settings) : importBytes(bytes, settings);
+    return score.tracks.length > 0 && score.masterBars.length > 0 ? { score } : { problem: "The score has no music in it." };
+  } catch (reason) {
+    return { problem: `The score file is damaged or cut short (${sentenceOf(reason)}).` };
+  }
+}
+
+/**
+ * Old Guitar Pro files carry their texts in the code page of the machine that wrote them and do not say which. Read
+ * as UTF-8 first; a text that is none is read again as Windows' western code page.
+ *
+ * @param {Uint8Array} bytes
+ * @param {Settings} settings
+ */
+function importBytes(bytes, settings) {
+  const score = quietly(() => alphaTab.importer.ScoreLoader.loadScoreFromBytes(bytes, settings));
+  if (!textsOf(score).includes("\ufffd")) {
+    return score;
+  }
+  const encoding = settings.importer.encoding;
+  settings.importer.encoding = "windows-1252";
+  try {
+    return quietly(() => alphaTab.importer.ScoreLoader.loadScoreFromBytes(bytes, settings));
+  } finally {
+    settings.importer.encoding = encoding;
+  }
+}
+
+/**
+ * @param {Uint8Array} bytes
+ * @param {Settings} settings
+ */
+function importMusicXml(bytes, settings) {
+  const utf8 = new TextEncoder().encode(decodeText(bytes));
+  return quietly(() => alphaTab.importer.ScoreLoader.loadScoreFromBytes(utf8, settings));
+}
+
+/** @param {Score} score */
+function textsOf(score) {
+  const names = score.tracks.map((track) => track.name);
+  return [score.title, score.subTitle, score.artist, score.album, score.words, score.music, ...names].join("\n");
+}
+
+/**
+ * A file that cannot be read is an answer here and not a fault of the page: the engine's own report of it stays out
+ * of the console.
+ *
+ * @template T
+ * @param {() => T} work
+ * @returns {T}
+ */
+function quietly(work) {
+  const level = alphaTab.Logger.logLevel;
+  alphaTab.Logger.logLevel = alphaTab.LogLevel.None;
+  try {
+    return work();
+  } finally {
+    alphaTab.Logger.logLevel = level;
+  }
+}
+
+/** @param {unknown} reason */
+function sentenceOf(reason) {
+  const text = reason instanceof Error ? reason.message : String(reason);
+  return text.trim().replace(/\.$/, "") || "no reason given";
+}

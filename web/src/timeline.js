@@ -1,0 +1,54 @@
+// @ts-check
+/**
+ * Where a score's ticks lie in time, at the score's own tempo.
+ *
+ * @typedef {{ tick: number, bpm: number }} TempoChange quarter notes a minute from that tick on
+ */
+
+/** Before its first tempo mark a score runs at this many quarter notes a minute. */
+const initialTempo = 120;
+
+export class Timeline {
+  /** @type {{ tick: number, ms: number, msPerTick: number }[]} */
+  #stretches;
+  #endTick;
+
+  /**
+   * @param {TempoChange[]} changes in rising order of tick
+   * @param {number} endTick
+   * @param {number} ticksPerQuarter
+   */
+  constructor(changes, endTick, ticksPerQuarter) {
+    this.#endTick = endTick;
+    this.#stretches = [{ tick: 0, ms: 0, msPerTick: 60000 / (initialTempo * ticksPerQuarter) }];
+    for (const { tick, bpm } of changes) {
+      const ms = this.msAt(tick);
+      this.#stretches.push({ tick, ms, msPerTick: 60000 / (Math.max(bpm, 1) * ticksPerQuarter) });
+    }
+  }
+
+  /** Length of the whole score with its repeats, in milliseconds. */
+  get endMs() {
+    return this.msAt(this.#endTick);
+  }
+
+  /**
+   * @param {number} tick
+   * @returns {number} milliseconds
+   */
+  msAt(tick) {
+    const stretches = this.#stretches;
+    let low = 0;
+    let high = stretches.length - 1;
+    while (low < high) {
+      const middle = (low + high + 1) >> 1;
+      if (stretches[middle].tick <= tick) {
+        low = middle;
+      } else {
+        high = middle - 1;
+      }
+    }
+    const stretch = stretches[low];
+    return stretch.ms + (tick - stretch.tick) * stretch.msPerTick;
+  }
+}
