@@ -82,7 +82,8 @@ ContentView::ContentView(AlphaTabController &controller, QWidget *parent)
 
     // After the views have put their rows in place.
     const auto order = [this](const auto &) {
-        QMetaObject::invokeMethod(this, [this] { TabOrder::followReadingOrder(*this); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { TabOrder::followReadingOrder(*this); }, Qt::QueuedConnection);
     };
     controller.tracks.observe(this, order);
     controller.recentFiles.observe(this, order);

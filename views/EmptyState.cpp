@@ -51,8 +51,8 @@ QWidget *EmptyState::makeInvitation()
         layout->addWidget(label);
     };
     addText(tr("Open a Guitar Pro file, MusicXML, or PDF"), Theme::Type::Title, &Theme::Colors::text);
-    addText(tr("Drag a .gp / .gp3–.gp5 / .gpx / .mxl / .pdf file here, or:"), Theme::Type::Body,
-            &Theme::Colors::secondary);
+    addText(
+        tr("Drag a .gp / .gp3–.gp5 / .gpx / .mxl / .pdf file here, or:"), Theme::Type::Body, &Theme::Colors::secondary);
 
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(10);

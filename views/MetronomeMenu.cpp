@@ -41,14 +41,14 @@ Picker *boundPicker(const QString &name, const MetronomeMenu::Choices &choices, 
         picker->addItem(label, id);
     property.observe(picker, [picker](const QString &id) { picker->display(id); });
     QObject::connect(picker, &Picker::currentIndexChanged, picker,
-                     [picker, &property] { property = picker->currentData().toString(); });
+        [picker, &property] { property = picker->currentData().toString(); });
     return picker;
 }
 
 } // namespace
 
-MetronomeMenu::MetronomeMenu(AlphaTabController &controller, const Choices &sounds, const Choices &modes,
-                             QWidget *parent)
+MetronomeMenu::MetronomeMenu(
+    AlphaTabController &controller, const Choices &sounds, const Choices &modes, QWidget *parent)
     : QWidget(parent)
     , m_controller(controller)
     , m_knownSound(controller.metronomeSound)
@@ -78,7 +78,7 @@ QWidget *MetronomeMenu::makeSettings(const Choices &sounds, const Choices &modes
     layout->addWidget(makeVolume());
     layout->addWidget(boundPicker(tr("Sound"), sounds, m_controller.metronomeSound));
     layout->addWidget(boundToggle(Toggle::Look::CheckBox, tr("Accent first beat of bar"), m_controller.metronomeAccent),
-                      0, Qt::AlignLeft);
+        0, Qt::AlignLeft);
 
     auto *opacity = new QGraphicsOpacityEffect(settings);
     opacity->setOpacity(dimmed);

@@ -17,8 +17,8 @@ public:
     /// What is stored, and what the user reads.
     using Choices = QList<std::pair<QString, QString>>;
 
-    MetronomeMenu(AlphaTabController &controller, const Choices &sounds, const Choices &modes,
-                  QWidget *parent = nullptr);
+    MetronomeMenu(
+        AlphaTabController &controller, const Choices &sounds, const Choices &modes, QWidget *parent = nullptr);
 
 private:
     QWidget *makeSettings(const Choices &sounds, const Choices &modes);

@@ -200,9 +200,8 @@ void TransportBar::addMetronome(QHBoxLayout &row)
     m_metronome->setIconName(u"metronome"_s);
     m_metronome->setToolTip(tr("Metronome & count-in"));
     m_metronome->setAccessibleName(tr("Metronome & count-in"));
-    m_controller.metronome.observe(m_metronome, [this](bool on) {
-        m_metronome->setTint(on ? &Theme::Colors::accent : &Theme::Colors::text);
-    });
+    m_controller.metronome.observe(
+        m_metronome, [this](bool on) { m_metronome->setTint(on ? &Theme::Colors::accent : &Theme::Colors::text); });
     connect(m_metronome, &Button::clicked, this, &TransportBar::toggleMetronomeMenu);
     row.addWidget(m_metronome);
 }

@@ -34,14 +34,10 @@ void score(AlphaTabController &controller, const QString &title, const QStringLi
     controller.handle({ { u"type"_s, u"score"_s }, { u"title"_s, title }, { u"artist"_s, u"Robin"_s },
         { u"tracks"_s, list }, { u"hasBackingTrack"_s, backing } });
     controller.handle({ { u"type"_s, u"playerReady"_s } });
-    controller.handle(
-        { { u"type"_s, u"position"_s }, { u"currentTime"_s, 61999.0 }, { u"endTime"_s, 214000.0 } });
+    controller.handle({ { u"type"_s, u"position"_s }, { u"currentTime"_s, 61999.0 }, { u"endTime"_s, 214000.0 } });
 }
 
-QStringList band()
-{
-    return { u"Lead Guitar"_s, u"Rhythm Guitar"_s, u"Bass"_s, u"Drums"_s };
-}
+QStringList band() { return { u"Lead Guitar"_s, u"Rhythm Guitar"_s, u"Bass"_s, u"Drums"_s }; }
 
 QStringList numbered(int count)
 {
@@ -68,9 +64,9 @@ void playing(AlphaTabController &controller)
 void longNames(AlphaTabController &controller)
 {
     score(controller, u"The Extraordinarily Long Title of a Piece for Nine Guitars and a Choir of Tuning Forks"_s,
-          { u"Steel-string Acoustic Guitar with a Capo on the Seventh Fret"_s, u"M"_s,
+        { u"Steel-string Acoustic Guitar with a Capo on the Seventh Fret"_s, u"M"_s,
             u"E-Bass <b>fretless</b> & bowed, through an amplifier"_s },
-          true);
+        true);
     controller.masterVolume = 0.35;
     controller.tempoPercent = 200;
 }

@@ -30,7 +30,8 @@ void DigitLabel::paintEvent(QPaintEvent *)
     const QString line = text();
     int x = alignment() & Qt::AlignRight ? width() - room(line) : 0;
     for (const QChar character : line) {
-        painter.drawText(QRect(x, 0, cell(character), height()), Qt::AlignCenter | Qt::TextDontClip, QString(character));
+        painter.drawText(
+            QRect(x, 0, cell(character), height()), Qt::AlignCenter | Qt::TextDontClip, QString(character));
         x += cell(character);
     }
 }

@@ -11,7 +11,7 @@ class ElidedLabel final : public QLabel {
 
 public:
     explicit ElidedLabel(Theme::Type type = Theme::Type::Body, Theme::Role color = &Theme::Colors::text,
-                         Qt::TextElideMode mode = Qt::ElideRight, QWidget *parent = nullptr);
+        Qt::TextElideMode mode = Qt::ElideRight, QWidget *parent = nullptr);
 
     /// What is to be read at the present width.
     QString shownText() const;

@@ -49,13 +49,13 @@ void Picker::paintEvent(QPaintEvent *)
     }
     painter.setPen(isEnabled() ? colors.text : colors.disabled);
     painter.drawText(rect().adjusted(11, 0, -28, 0), Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
-                     fontMetrics().elidedText(currentText(), Qt::ElideRight, width() - 39));
+        fontMetrics().elidedText(currentText(), Qt::ElideRight, width() - 39));
     const QPointF tip(width() - 16, height() / 2.0 + 2.2);
     QPainterPath chevron(tip + QPointF(-4, -4));
     chevron.lineTo(tip);
     chevron.lineTo(tip + QPointF(4, -4));
-    painter.setPen(QPen(isEnabled() ? colors.secondary : colors.disabled, 1.6, Qt::SolidLine, Qt::RoundCap,
-                        Qt::RoundJoin));
+    painter.setPen(
+        QPen(isEnabled() ? colors.secondary : colors.disabled, 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(Qt::NoBrush);
     painter.drawPath(chevron);
     if (hasFocus())

@@ -75,7 +75,8 @@ void Popover::place()
     // The arrow's tip touches the control; the shadow may go beyond it.
     const int reach = size.height() - shadowDepth;
     m_above = anchor.top() - reach + shadowDepth >= room.top() || anchor.top() >= room.bottom() - anchor.bottom();
-    const int y = m_above ? std::max(anchor.top() - reach, room.top() - shadowDepth) : anchor.bottom() + 1 - shadowDepth;
+    const int y
+        = m_above ? std::max(anchor.top() - reach, room.top() - shadowDepth) : anchor.bottom() + 1 - shadowDepth;
     const int left = room.left() + clearance - inset;
     const int right = std::max(left, room.right() + 1 - clearance + inset - size.width());
     const int x = std::clamp(anchor.center().x() - size.width() / 2, left, right);
@@ -135,7 +136,8 @@ bool Popover::focusNextPrevChild(bool next)
         return true;
     const qsizetype current = stops.indexOf(QApplication::focusWidget());
     const qsizetype step = next ? 1 : -1;
-    const qsizetype target = current < 0 ? (next ? 0 : stops.size() - 1) : (current + step + stops.size()) % stops.size();
+    const qsizetype target
+        = current < 0 ? (next ? 0 : stops.size() - 1) : (current + step + stops.size()) % stops.size();
     stops[target]->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
     return true;
 }

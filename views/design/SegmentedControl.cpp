@@ -28,7 +28,10 @@ public:
         setFont(Theme::font(Theme::Type::Caption));
     }
 
-    QSize sizeHint() const override { return { fontMetrics().horizontalAdvance(text()) + 18, Theme::controlHeight - 4 }; }
+    QSize sizeHint() const override
+    {
+        return { fontMetrics().horizontalAdvance(text()) + 18, Theme::controlHeight - 4 };
+    }
     QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
@@ -48,7 +51,8 @@ protected:
         if (isChecked()) {
             painter.setPen(QPen(colors.knobRim, 0.5));
             painter.setBrush(Theme::isDark(palette()) ? colors.disabled : colors.knob);
-            painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Theme::radius - 2, Theme::radius - 2);
+            painter.drawRoundedRect(
+                QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), Theme::radius - 2, Theme::radius - 2);
         }
         painter.setPen(isEnabled() ? (isChecked() ? colors.text : colors.secondary) : colors.disabled);
         painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());

@@ -71,8 +71,8 @@ void Style::polish(QPalette &palette)
     }
 }
 
-int Style::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
-                     QStyleHintReturn *returnData) const
+int Style::styleHint(
+    StyleHint hint, const QStyleOption *option, const QWidget *widget, QStyleHintReturn *returnData) const
 {
     switch (hint) {
     case SH_EtchDisabledText:
@@ -103,8 +103,8 @@ int Style::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWi
     }
 }
 
-void Style::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
-                          const QWidget *widget) const
+void Style::drawPrimitive(
+    PrimitiveElement element, const QStyleOption *option, QPainter *painter, const QWidget *widget) const
 {
     switch (element) {
     case PE_PanelButtonCommand:
@@ -118,8 +118,8 @@ void Style::drawPrimitive(PrimitiveElement element, const QStyleOption *option, 
     }
 }
 
-void Style::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
-                        const QWidget *widget) const
+void Style::drawControl(
+    ControlElement element, const QStyleOption *option, QPainter *painter, const QWidget *widget) const
 {
     const Theme::Colors &colors = Theme::colors(option->palette);
     switch (element) {
@@ -142,8 +142,8 @@ void Style::drawControl(ControlElement element, const QStyleOption *option, QPai
     }
 }
 
-void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option, QPainter *painter,
-                               const QWidget *widget) const
+void Style::drawComplexControl(
+    ComplexControl control, const QStyleOptionComplex *option, QPainter *painter, const QWidget *widget) const
 {
     const auto *slider = qstyleoption_cast<const QStyleOptionSlider *>(option);
     if (control == CC_ScrollBar && slider)
@@ -152,8 +152,8 @@ void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex
         QProxyStyle::drawComplexControl(control, option, painter, widget);
 }
 
-QSize Style::sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &size,
-                              const QWidget *widget) const
+QSize Style::sizeFromContents(
+    ContentsType type, const QStyleOption *option, const QSize &size, const QWidget *widget) const
 {
     QSize result = QProxyStyle::sizeFromContents(type, option, size, widget);
     if (type == CT_PushButton)

@@ -12,4 +12,7 @@ Surface::Surface(Theme::Role fill, QWidget *parent)
 
 Surface::~Surface() = default;
 
-void Surface::paintEvent(QPaintEvent *event) { QPainter(this).fillRect(event->rect(), Theme::colors(palette()).*m_fill); }
+void Surface::paintEvent(QPaintEvent *event)
+{
+    QPainter(this).fillRect(event->rect(), Theme::colors(palette()).*m_fill);
+}

@@ -30,7 +30,7 @@ QSize Toggle::sizeHint() const
 {
     const qreal mark = m_look == Look::Switch ? switchSize.width() : boxSize;
     return { fontMetrics().horizontalAdvance(text()) + gap + qCeil(mark) + 2 * ring,
-             std::max(24, fontMetrics().height() + 2 * ring) };
+        std::max(24, fontMetrics().height() + 2 * ring) };
 }
 
 QSize Toggle::minimumSizeHint() const { return sizeHint(); }
