@@ -6,7 +6,6 @@
 #include "engine_host/WebSchemeHandler.h"
 #include "tests/support/EngineTestMain.h"
 
-#include <QContextMenuEvent>
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -190,13 +189,13 @@ private Q_SLOTS:
 
     void theMenuOffersInspectOnly()
     {
-        QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), m_host->view()->mapToGlobal(QPoint(5, 5)));
-        QCoreApplication::sendEvent(m_host->view(), &event);
-        auto *menu = m_host->view()->findChild<QMenu *>();
-        QVERIFY(menu);
+        QVERIFY(m_host->view()->focusProxy());
+        QTest::mouseClick(m_host->view()->focusProxy(), Qt::RightButton);
+        const QMenu *menu = nullptr;
+        QTRY_VERIFY((menu = m_host->view()->findChild<QMenu *>()));
         QCOMPARE(menu->actions().size(), 1);
         QCOMPARE(menu->actions().constFirst()->text(), u"Inspect"_s);
-        menu->close();
+        m_host->view()->findChild<QMenu *>()->close();
     }
 
     void theSnapshotShowsThePage()
