@@ -1,0 +1,50 @@
+#include "views/design/DigitLabel.h"
+
+#include "views/design/Theme.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+DigitLabel::DigitLabel(const QString &widest, Qt::Alignment alignment, QWidget *parent)
+    : QLabel(parent)
+{
+    setAlignment(alignment | Qt::AlignVCenter);
+    setFont(Theme::font(Theme::Type::Caption));
+    for (char16_t digit = u'0'; digit <= u'9'; ++digit)
+        m_digitWidth = std::max(m_digitWidth, fontMetrics().horizontalAdvance(QChar(digit)));
+    setFixedSize(room(widest), fontMetrics().height());
+}
+
+void DigitLabel::display(const QString &text)
+{
+    if (room(text) > width())
+        setFixedWidth(room(text));
+    setText(text);
+}
+
+void DigitLabel::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setPen(Theme::colors(palette()).secondary);
+    const QString line = text();
+    int x = alignment() & Qt::AlignRight ? width() - room(line) : 0;
+    for (const QChar character : line) {
+        painter.drawText(
+            QRect(x, 0, cell(character), height()), Qt::AlignCenter | Qt::TextDontClip, QString(character));
+        x += cell(character);
+    }
+}
+
+int DigitLabel::cell(QChar character) const
+{
+    return character.isDigit() ? m_digitWidth : fontMetrics().horizontalAdvance(character);
+}
+
+int DigitLabel::room(const QString &text) const
+{
+    int sum = 0;
+    for (const QChar character : text)
+        sum += cell(character);
+    return sum;
+}

@@ -1,0 +1,63 @@
+#include "views/design/Picker.h"
+
+#include "views/design/Theme.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QSignalBlocker>
+
+Picker::Picker(QWidget *parent)
+    : QComboBox(parent)
+{
+    setFocusPolicy(Qt::TabFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void Picker::display(const QString &id)
+{
+    const QSignalBlocker blocker(this);
+    setCurrentIndex(findData(id));
+}
+
+QSize Picker::sizeHint() const
+{
+    return { QComboBox::sizeHint().width(), std::max(Theme::controlHeight, fontMetrics().height() + 10) };
+}
+
+QSize Picker::minimumSizeHint() const { return { QComboBox::minimumSizeHint().width(), sizeHint().height() }; }
+
+void Picker::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        showPopup();
+    else
+        QComboBox::keyPressEvent(event);
+}
+
+void Picker::paintEvent(QPaintEvent *)
+{
+    const Theme::Colors &colors = Theme::colors(palette());
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colors.fill);
+    painter.drawRoundedRect(rect(), Theme::radius, Theme::radius);
+    if (isEnabled() && underMouse()) {
+        painter.setBrush(colors.hover);
+        painter.drawRoundedRect(rect(), Theme::radius, Theme::radius);
+    }
+    painter.setPen(isEnabled() ? colors.text : colors.disabled);
+    painter.drawText(rect().adjusted(11, 0, -28, 0), Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+        fontMetrics().elidedText(currentText(), Qt::ElideRight, width() - 39));
+    const QPointF tip(width() - 16, height() / 2.0 + 2.2);
+    QPainterPath chevron(tip + QPointF(-4, -4));
+    chevron.lineTo(tip);
+    chevron.lineTo(tip + QPointF(4, -4));
+    painter.setPen(
+        QPen(isEnabled() ? colors.secondary : colors.disabled, 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPath(chevron);
+    if (hasFocus())
+        Theme::paintFocusRing(painter, rect(), Theme::radius - 1, palette());
+}

@@ -1,0 +1,28 @@
+#include "views/design/TabOrder.h"
+
+#include <QWidget>
+
+namespace {
+
+void chain(QWidget &parent, QWidget *&last)
+{
+    for (QObject *child : parent.children()) {
+        auto *widget = qobject_cast<QWidget *>(child);
+        if (!widget || widget->isWindow())
+            continue;
+        if (widget->focusPolicy() & Qt::TabFocus) {
+            if (last)
+                QWidget::setTabOrder(last, widget);
+            last = widget;
+        }
+        chain(*widget, last);
+    }
+}
+
+} // namespace
+
+void TabOrder::followReadingOrder(QWidget &root)
+{
+    QWidget *last = nullptr;
+    chain(root, last);
+}
