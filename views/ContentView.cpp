@@ -64,6 +64,9 @@ ContentView::ContentView(AlphaTabController &controller, QWidget *parent)
 {
     Theme::install();
     setAcceptDrops(true);
+    // Holds the focus until Tab or a click gives it to a control: a fresh window shows no ring.
+    setFocusPolicy(Qt::ClickFocus);
+    setFocus();
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->setSpacing(0);

@@ -28,7 +28,7 @@ const Theme::Colors &light()
         .muted = QColor(0xd2, 0x2f, 0x37),
         .knob = QColor(0xff, 0xff, 0xff),
         .knobRim = QColor(0, 0, 0, 56),
-        .shadow = QColor(0, 0, 0, 9),
+        .shadow = QColor(0, 0, 0, 3),
     };
     return colors;
 }
@@ -53,7 +53,7 @@ const Theme::Colors &dark()
         .muted = QColor(0xff, 0x6b, 0x6b),
         .knob = QColor(0xe8, 0xe8, 0xee),
         .knobRim = QColor(0, 0, 0, 110),
-        .shadow = QColor(0, 0, 0, 26),
+        .shadow = QColor(0, 0, 0, 10),
     };
     return colors;
 }
