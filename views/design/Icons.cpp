@@ -28,6 +28,7 @@ const QHash<QString, Drawing> &drawings()
         { u"arrow.left.and.right"_s, { u"move-horizontal"_s } },
         { u"checkmark.square.fill"_s, { u"checkmark-square-fill"_s } },
         { u"doc.text"_s, { u"file-text"_s } },
+        { u"exclamationmark.triangle"_s, { u"triangle-alert"_s } },
         { u"folder"_s, { u"folder"_s } },
         { u"guitars"_s, { u"guitar"_s } },
         { u"metronome"_s, { u"metronome"_s } },

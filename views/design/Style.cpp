@@ -152,7 +152,7 @@ void Style::drawControl(
         const auto *button = qstyleoption_cast<const QStyleOptionButton *>(option);
         QStyleOptionButton copy = button ? *button : QStyleOptionButton();
         if (copy.features & QStyleOptionButton::DefaultButton)
-            copy.palette.setColor(QPalette::Active, QPalette::ButtonText, colors.onAccent);
+            copy.palette.setColor(QPalette::ButtonText, colors.onAccent);
         QProxyStyle::drawControl(element, &copy, painter, widget);
         break;
     }

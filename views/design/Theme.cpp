@@ -3,8 +3,10 @@
 #include "views/design/Style.h"
 
 #include <QApplication>
+#include <QGraphicsEffect>
 #include <QPainter>
 #include <QPalette>
+#include <QWidget>
 
 namespace {
 
@@ -101,6 +103,17 @@ void Theme::install()
 {
     if (!qobject_cast<Style *>(QApplication::style()))
         QApplication::setStyle(new Style);
+}
+
+bool Theme::paintsEnabled(const QWidget &widget)
+{
+    if (widget.isEnabled())
+        return true;
+    for (const QWidget *part = &widget; part && !part->isEnabled(); part = part->parentWidget()) {
+        if (part->graphicsEffect() && part->graphicsEffect()->isEnabled())
+            return true;
+    }
+    return false;
 }
 
 void Theme::paintFocusRing(QPainter &painter, const QRectF &rect, qreal cornerRadius, const QPalette &palette)
