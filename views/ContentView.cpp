@@ -6,6 +6,7 @@
 #include "views/Toolbar.h"
 #include "views/TrackSidebar.h"
 #include "views/TransportBar.h"
+#include "views/design/Icons.h"
 #include "views/design/Separator.h"
 #include "views/design/Surface.h"
 #include "views/design/TabOrder.h"
@@ -28,6 +29,7 @@ namespace {
 constexpr int minimumSidebar = 180;
 constexpr int idealSidebar = 220;
 constexpr int maximumSidebar = 320;
+constexpr int alertIcon = 32;
 
 /// Lays its children over one another, each as large as itself; the later ones lie on top.
 class Layers final : public QWidget {
@@ -64,6 +66,7 @@ ContentView::ContentView(AlphaTabController &controller, QWidget *parent)
 {
     Theme::install();
     setAcceptDrops(true);
+    setFocusPolicy(Qt::ClickFocus);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->setSpacing(0);
@@ -143,6 +146,14 @@ QWidget *ContentView::makeDetail()
     return detail;
 }
 
+void ContentView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    // Holds the focus until Tab or a click gives it to a control: a fresh window shows no ring.
+    if (!window()->focusWidget())
+        setFocus();
+}
+
 void ContentView::dragEnterEvent(QDragEnterEvent *event)
 {
     if (firstOpenable(*event->mimeData()))
@@ -160,6 +171,18 @@ void ContentView::dropEvent(QDropEvent *event)
     m_controller.load(*url);
 }
 
+QMessageBox *ContentView::makeAlert()
+{
+    auto *alert = new QMessageBox(QMessageBox::NoIcon, tr("Conversion"), QString(), QMessageBox::Ok, this);
+    alert->setAttribute(Qt::WA_DeleteOnClose);
+    alert->setTextFormat(Qt::PlainText);
+    alert->button(QMessageBox::Ok)->setText(tr("OK"));
+    alert->setIconPixmap(Icons::pixmap(
+        u"exclamationmark.triangle"_s, alertIcon, Theme::colors(palette()).secondary, devicePixelRatioF()));
+    alert->layout()->setContentsMargins(24, 24, 24, 18);
+    return alert;
+}
+
 void ContentView::showError(const std::optional<QString> &error)
 {
     if (!error) {
@@ -168,10 +191,7 @@ void ContentView::showError(const std::optional<QString> &error)
         return;
     }
     if (!m_alert) {
-        m_alert = new QMessageBox(QMessageBox::Warning, tr("Conversion"), QString(), QMessageBox::Ok, this);
-        m_alert->setAttribute(Qt::WA_DeleteOnClose);
-        m_alert->setTextFormat(Qt::PlainText);
-        m_alert->button(QMessageBox::Ok)->setText(tr("OK"));
+        m_alert = makeAlert();
         connect(m_alert, &QMessageBox::finished, this, [this] {
             // Closed by the user, not because the error is gone already.
             if (std::exchange(m_alert, nullptr))

@@ -18,12 +18,14 @@ public:
     ~ContentView() override;
 
 protected:
+    void showEvent(QShowEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
 
 private:
     QWidget *makeSidebar();
     QWidget *makeDetail();
+    QMessageBox *makeAlert();
     void showError(const std::optional<QString> &error);
 
     AlphaTabController &m_controller;

@@ -28,7 +28,7 @@ EmptyState::EmptyState(AlphaTabController &controller, QWidget *parent)
     layout->setContentsMargins(40, 40, 40, 40);
     layout->setSpacing(20);
     layout->addStretch();
-    layout->addWidget(makeInvitation(), 0, Qt::AlignHCenter);
+    layout->addWidget(makeInvitation());
     auto *recents = new RecentFilesList(controller);
     layout->addWidget(recents, 0, Qt::AlignHCenter);
     layout->addStretch();

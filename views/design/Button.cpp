@@ -84,6 +84,9 @@ void Button::keyPressEvent(QKeyEvent *event)
         QAbstractButton::keyPressEvent(event);
 }
 
+// In a list the tint alone tells on from off.
+bool Button::showsChecked() const { return m_look != Look::Plain && isChecked(); }
+
 QColor Button::contentColor() const
 {
     const Theme::Colors &colors = Theme::colors(palette());
@@ -91,7 +94,7 @@ QColor Button::contentColor() const
         return colors.disabled;
     if (m_look == Look::Prominent)
         return colors.onAccent;
-    return isCheckable() && isChecked() ? colors.accent : colors.*m_tint;
+    return showsChecked() ? colors.accent : colors.*m_tint;
 }
 
 void Button::paintBody(QPainter &painter) const
@@ -104,7 +107,7 @@ void Button::paintBody(QPainter &painter) const
     };
     if (m_look == Look::Standard || m_look == Look::Prominent)
         fill(m_look == Look::Prominent && isEnabled() ? colors.accent : colors.fill);
-    if (isCheckable() && isChecked()) {
+    if (showsChecked()) {
         QColor tinted = isEnabled() ? colors.accent : colors.disabled;
         tinted.setAlphaF(0.16F);
         fill(tinted);

@@ -43,6 +43,7 @@ protected:
 private:
     void paintBody(QPainter &painter) const;
     QColor contentColor() const;
+    bool showsChecked() const;
 
     const Look m_look;
     QString m_iconName;

@@ -28,6 +28,7 @@ const QHash<QString, Drawing> &drawings()
         { u"arrow.left.and.right"_s, { u"move-horizontal"_s } },
         { u"checkmark.square.fill"_s, { u"checkmark-square-fill"_s } },
         { u"doc.text"_s, { u"file-text"_s } },
+        { u"exclamationmark.triangle"_s, { u"triangle-alert"_s } },
         { u"folder"_s, { u"folder"_s } },
         { u"guitars"_s, { u"guitar"_s } },
         { u"metronome"_s, { u"metronome"_s } },
@@ -47,7 +48,10 @@ const QHash<QString, Drawing> &drawings()
     return table;
 }
 
-QByteArray coloured(const Drawing &drawing, const QColor &color)
+/// The drawing's strokes are meant for 24 pixels; larger ones are drawn finer, so that they do not shout.
+QByteArray strokeWidth(int size) { return size > 32 ? "1.1" : "1.85"; }
+
+QByteArray prepared(const Drawing &drawing, int size, const QColor &color)
 {
     QFile file(u":/icons/"_s + drawing.file + u".svg"_s);
     if (!file.open(QIODevice::ReadOnly))
@@ -57,6 +61,7 @@ QByteArray coloured(const Drawing &drawing, const QColor &color)
         svg.replace("fill=\"none\"", "fill=\"currentColor\"");
     else if (drawing.fill == Fill::FirstShape)
         svg.insert(svg.indexOf("<path") + 5, " fill=\"currentColor\"");
+    svg.replace("stroke-width=\"2\"", "stroke-width=\"" + strokeWidth(size) + '"');
     return svg.replace("currentColor", color.name().toLatin1());
 }
 
@@ -77,7 +82,7 @@ QPixmap Icons::pixmap(const QString &identifier, int size, const QColor &color, 
     const QString key = u"icon %1 %2 %3 %4"_s.arg(identifier, color.name()).arg(size).arg(scale);
     QPixmap pixmap;
     if (!QPixmapCache::find(key, &pixmap)) {
-        pixmap = rendered(coloured(drawings().value(identifier), color), size, scale);
+        pixmap = rendered(prepared(drawings().value(identifier), size, color), size, scale);
         QPixmapCache::insert(key, pixmap);
     }
     return pixmap;
@@ -99,6 +104,6 @@ QIcon Icons::application()
 {
     QIcon icon;
     for (const int size : { 16, 24, 32, 48, 64, 128, 256 })
-        icon.addPixmap(rendered(coloured({ u"quaverly"_s }, Qt::black), size, 1));
+        icon.addPixmap(rendered(prepared({ u"quaverly"_s }, size, Qt::black), size, 1));
     return icon;
 }

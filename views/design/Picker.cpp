@@ -47,15 +47,15 @@ void Picker::paintEvent(QPaintEvent *)
         painter.setBrush(colors.hover);
         painter.drawRoundedRect(rect(), Theme::radius, Theme::radius);
     }
-    painter.setPen(isEnabled() ? colors.text : colors.disabled);
+    painter.setPen(Theme::paintsEnabled(*this) ? colors.text : colors.disabled);
     painter.drawText(rect().adjusted(11, 0, -28, 0), Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
         fontMetrics().elidedText(currentText(), Qt::ElideRight, width() - 39));
     const QPointF tip(width() - 16, height() / 2.0 + 2.2);
     QPainterPath chevron(tip + QPointF(-4, -4));
     chevron.lineTo(tip);
     chevron.lineTo(tip + QPointF(4, -4));
-    painter.setPen(
-        QPen(isEnabled() ? colors.secondary : colors.disabled, 1.6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setPen(QPen(Theme::paintsEnabled(*this) ? colors.secondary : colors.disabled, 1.6, Qt::SolidLine,
+        Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(Qt::NoBrush);
     painter.drawPath(chevron);
     if (hasFocus())

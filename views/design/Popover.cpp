@@ -159,9 +159,9 @@ void Popover::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
-    for (int width = 2 * shadowDepth; width > 0; width -= 3) {
+    for (int width = 2 * shadowDepth; width > 0; width -= 2) {
         painter.setPen(QPen(colors.shadow, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        painter.drawPath(sheet.translated(0, 1));
+        painter.drawPath(sheet.translated(0, 2));
     }
     painter.setPen(QPen(colors.separator, 1));
     painter.setBrush(colors.popover);

@@ -162,13 +162,13 @@ void Slider::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     const QRectF groove(radius, middle - thickness / 2, width() - 2 * radius, thickness);
-    painter.setBrush(isEnabled() ? colors.separator : colors.fill);
+    painter.setBrush(Theme::paintsEnabled(*this) ? colors.separator : colors.fill);
     painter.drawRoundedRect(groove, thickness / 2, thickness / 2);
     QRectF passed = groove;
     passed.setRight(knobCenter());
-    painter.setBrush(isEnabled() ? colors.accent : colors.disabled);
+    painter.setBrush(Theme::paintsEnabled(*this) ? colors.accent : colors.disabled);
     painter.drawRoundedRect(passed, thickness / 2, thickness / 2);
-    painter.setBrush(isEnabled() ? colors.knob : colors.fill);
+    painter.setBrush(Theme::paintsEnabled(*this) ? colors.knob : colors.fill);
     painter.setPen(QPen(colors.knobRim, 1));
     painter.drawEllipse(QPointF(knobCenter(), middle), radius - 0.5, radius - 0.5);
     if (hasFocus()) {

@@ -44,6 +44,22 @@ void paintScrollBar(const QStyleOptionSlider &option, QPainter &painter, const Q
     painter.restore();
 }
 
+void paintMenuBarItem(const QStyleOptionMenuItem &item, QPainter &painter)
+{
+    const Theme::Colors &colors = Theme::colors(item.palette);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.fillRect(item.rect, colors.bar);
+    if (item.state & (QStyle::State_Selected | QStyle::State_Sunken)) {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(item.state & QStyle::State_Sunken ? colors.pressed : colors.hover);
+        painter.drawRoundedRect(item.rect.adjusted(1, 1, -1, -1), Theme::radius - 2, Theme::radius - 2);
+    }
+    painter.setPen(item.state & QStyle::State_Enabled ? colors.text : colors.disabled);
+    painter.drawText(item.rect, Qt::AlignCenter | Qt::TextHideMnemonic | Qt::TextSingleLine, item.text);
+    painter.restore();
+}
+
 } // namespace
 
 Style::Style()
@@ -77,7 +93,6 @@ int Style::styleHint(
     switch (hint) {
     case SH_EtchDisabledText:
     case SH_DitherDisabledText:
-    case SH_UnderlineShortcut:
     case SH_ScrollBar_Transient:
         return 0;
     case SH_ScrollBar_LeftClickAbsolutePosition:
@@ -126,6 +141,10 @@ void Style::drawControl(
     case CE_Splitter:
         painter->fillRect(option->rect, colors.separator);
         break;
+    case CE_MenuBarItem:
+        if (const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option))
+            paintMenuBarItem(*item, *painter);
+        break;
     case CE_MenuBarEmptyArea:
         painter->fillRect(option->rect, colors.bar);
         break;
@@ -133,7 +152,7 @@ void Style::drawControl(
         const auto *button = qstyleoption_cast<const QStyleOptionButton *>(option);
         QStyleOptionButton copy = button ? *button : QStyleOptionButton();
         if (copy.features & QStyleOptionButton::DefaultButton)
-            copy.palette.setColor(QPalette::Active, QPalette::ButtonText, colors.onAccent);
+            copy.palette.setColor(QPalette::ButtonText, colors.onAccent);
         QProxyStyle::drawControl(element, &copy, painter, widget);
         break;
     }

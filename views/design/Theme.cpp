@@ -3,8 +3,10 @@
 #include "views/design/Style.h"
 
 #include <QApplication>
+#include <QGraphicsEffect>
 #include <QPainter>
 #include <QPalette>
+#include <QWidget>
 
 namespace {
 
@@ -28,7 +30,7 @@ const Theme::Colors &light()
         .muted = QColor(0xd2, 0x2f, 0x37),
         .knob = QColor(0xff, 0xff, 0xff),
         .knobRim = QColor(0, 0, 0, 56),
-        .shadow = QColor(0, 0, 0, 9),
+        .shadow = QColor(0, 0, 0, 3),
     };
     return colors;
 }
@@ -53,7 +55,7 @@ const Theme::Colors &dark()
         .muted = QColor(0xff, 0x6b, 0x6b),
         .knob = QColor(0xe8, 0xe8, 0xee),
         .knobRim = QColor(0, 0, 0, 110),
-        .shadow = QColor(0, 0, 0, 26),
+        .shadow = QColor(0, 0, 0, 10),
     };
     return colors;
 }
@@ -101,6 +103,17 @@ void Theme::install()
 {
     if (!qobject_cast<Style *>(QApplication::style()))
         QApplication::setStyle(new Style);
+}
+
+bool Theme::paintsEnabled(const QWidget &widget)
+{
+    if (widget.isEnabled())
+        return true;
+    for (const QWidget *part = &widget; part && !part->isEnabled(); part = part->parentWidget()) {
+        if (part->graphicsEffect() && part->graphicsEffect()->isEnabled())
+            return true;
+    }
+    return false;
 }
 
 void Theme::paintFocusRing(QPainter &painter, const QRectF &rect, qreal cornerRadius, const QPalette &palette)

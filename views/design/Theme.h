@@ -59,6 +59,10 @@ inline constexpr int iconSize = 18;
 /// Gives the application the style that draws all of this; later calls do nothing.
 void install();
 
+/// Whether to paint `widget` as usable. Something that lies in a part of the window which is dimmed as a whole is:
+/// twice faint would be illegible.
+bool paintsEnabled(const QWidget &widget);
+
 /// A ring just inside `rect`.
 void paintFocusRing(QPainter &painter, const QRectF &rect, qreal cornerRadius, const QPalette &palette);
 

@@ -51,7 +51,7 @@ void Toggle::paintSwitch(QPainter &painter) const
     const QRectF body(QPointF(width() - ring - switchSize.width(), (height() - switchSize.height()) / 2), switchSize);
     painter.setPen(Qt::NoPen);
     painter.setBrush(isChecked() ? colors.positive : colors.separator);
-    painter.setOpacity(isEnabled() ? 1 : 0.5);
+    painter.setOpacity(Theme::paintsEnabled(*this) ? 1 : 0.5);
     painter.drawRoundedRect(body, body.height() / 2, body.height() / 2);
     const qreal radius = body.height() / 2;
     const QPointF knob(isChecked() ? body.right() - radius : body.left() + radius, body.center().y());
@@ -66,7 +66,8 @@ void Toggle::paintCheckBox(QPainter &painter) const
     const Theme::Colors &colors = Theme::colors(palette());
     const QRectF box(ring, (height() - boxSize) / 2, boxSize, boxSize);
     painter.setPen(isChecked() ? QPen(Qt::NoPen) : QPen(colors.secondary, 1.2));
-    painter.setBrush(isChecked() ? QBrush(isEnabled() ? colors.accent : colors.disabled) : QBrush(Qt::NoBrush));
+    painter.setBrush(
+        isChecked() ? QBrush(Theme::paintsEnabled(*this) ? colors.accent : colors.disabled) : QBrush(Qt::NoBrush));
     painter.drawRoundedRect(box.adjusted(0.5, 0.5, -0.5, -0.5), 4, 4);
     if (!isChecked())
         return;
@@ -90,7 +91,7 @@ void Toggle::paintEvent(QPaintEvent *)
         paintCheckBox(painter);
         label.adjust(int(boxSize) + gap, 0, 0, 0);
     }
-    painter.setPen(isEnabled() ? colors.text : colors.disabled);
+    painter.setPen(Theme::paintsEnabled(*this) ? colors.text : colors.disabled);
     painter.drawText(label, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, text());
     if (hasFocus())
         Theme::paintFocusRing(painter, rect(), Theme::radius - 2, palette());
