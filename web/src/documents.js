@@ -81,7 +81,6 @@ export class Documents {
     this.#choosePlayer(score);
     this.#sheet.lay();
     this.#sheet.scrollToTop();
-    this.#engine.show(score);
     this.#post({
       type: "score",
       title: score.title,
@@ -89,6 +88,7 @@ export class Documents {
       tracks: score.tracks.map((track) => ({ index: track.index, name: track.name })),
       hasBackingTrack: hasRecording(score),
     });
+    this.#sheet.show(score);
     this.#playback.announceLength();
   }
 
