@@ -74,6 +74,8 @@ function chooseFonts(resources) {
   /** @type {(families: string[], size: number, style?: number, weight?: number) => import("@coderline/alphatab").model.Font} */
   const font = (families, size, style = Plain, weight = Regular) =>
     alphaTab.model.Font.withFamilyList([...families], size, style, weight);
+  // Second voices are told apart by their stems; the engine's own light gray is hard to read.
+  resources.secondaryGlyphColor = new alphaTab.model.Color(74, 74, 82, 255);
   resources.titleFont = font(serif, 30);
   resources.subTitleFont = font(serif, 18);
   resources.wordsFont = font(serif, 14);
