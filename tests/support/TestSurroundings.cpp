@@ -1,0 +1,45 @@
+#include "tests/support/TestSurroundings.h"
+
+#include <QFile>
+#include <QObject>
+#include <QPointer>
+
+using namespace Qt::StringLiterals;
+
+TestSurroundings::TestSurroundings() = default;
+
+Surroundings TestSurroundings::make()
+{
+    Surroundings made;
+    made.log = [log = log](const QString &line) { log->append(line); };
+    made.defaults = defaults();
+    made.dialogs = std::make_unique<ScriptedDialogs>(dialogs);
+    made.environment = environment;
+    made.temporaryFolder = m_folder.path();
+    made.webFolder = webFolder;
+    made.makeEngine = [engine = engine](ScriptHandler &, const std::optional<QString> &) {
+        return std::make_unique<RecordingEngine>(engine);
+    };
+    made.after = [delayed = delayed](std::chrono::milliseconds delay, QObject *context, std::function<void()> work) {
+        delayed->append({ delay, [alive = QPointer<QObject>(context), work = std::move(work)] {
+                             if (alive)
+                                 work();
+                         } });
+    };
+    made.setKeyWindowTitle = [titles = windowTitles](const QString &title) { titles->append(title); };
+    return made;
+}
+
+QUrl TestSurroundings::file(const QString &name, const QByteArray &bytes) const
+{
+    QFile file(path(name));
+    const bool written = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+    Q_ASSERT(written);
+    return QUrl::fromLocalFile(written ? file.fileName() : QString());
+}
+
+std::unique_ptr<DefaultsStore> TestSurroundings::defaults()
+{
+    return std::make_unique<DefaultsStore>(
+        path(u"defaults.json"_s), [log = log](const QString &line) { log->append(line); });
+}
