@@ -6,6 +6,7 @@
 #include "engine_host/WebSchemeHandler.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QLoggingCategory>
 
 #include <cstdio>
@@ -29,6 +30,7 @@ int main(int argc, char *argv[])
     RootSandbox::adapt();
     WebSchemeHandler::registerScheme();
     const QApplication application(argc, argv);
+    QApplication::setWindowIcon(QIcon(u":/icons/quaverly.svg"_s));
 
     const CommandLine commandLine = CommandLine::parse(QCoreApplication::arguments());
     if (!commandLine.error.isEmpty()) {
