@@ -17,7 +17,6 @@ int main(int argc, char *argv[])
 {
     QCoreApplication::setApplicationName(u"quaverly"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(QUAVERLY_VERSION));
-    QGuiApplication::setApplicationDisplayName(u"Quaverly"_s);
     QGuiApplication::setDesktopFileName(u"quaverly"_s);
 
     if (const std::optional<QString> answer = CommandLine::immediateAnswer(argc, argv)) {
