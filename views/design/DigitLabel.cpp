@@ -5,6 +5,17 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
+
+namespace {
+
+/// Rounded up: the sum of many cells must not fall short of the text.
+int wholeAdvance(const QFont &font, QChar character)
+{
+    return static_cast<int>(std::ceil(QFontMetricsF(font).horizontalAdvance(character)));
+}
+
+} // namespace
 
 DigitLabel::DigitLabel(const QString &widest, Qt::Alignment alignment, QWidget *parent)
     : QLabel(parent)
@@ -12,7 +23,7 @@ DigitLabel::DigitLabel(const QString &widest, Qt::Alignment alignment, QWidget *
     setAlignment(alignment | Qt::AlignVCenter);
     setFont(Theme::font(Theme::Type::Caption));
     for (char16_t digit = u'0'; digit <= u'9'; ++digit)
-        m_digitWidth = std::max(m_digitWidth, fontMetrics().horizontalAdvance(QChar(digit)));
+        m_digitWidth = std::max(m_digitWidth, wholeAdvance(font(), QChar(digit)));
     setFixedSize(room(widest), fontMetrics().height());
 }
 
@@ -38,7 +49,7 @@ void DigitLabel::paintEvent(QPaintEvent *)
 
 int DigitLabel::cell(QChar character) const
 {
-    return character.isDigit() ? m_digitWidth : fontMetrics().horizontalAdvance(character);
+    return character.isDigit() ? m_digitWidth : wholeAdvance(font(), character);
 }
 
 int DigitLabel::room(const QString &text) const
