@@ -81,6 +81,8 @@ ContentView::ContentView(AlphaTabController &controller, QWidget *parent)
     columns->addWidget(sidebar);
     QWidget *detail = makeDetail();
     columns->addWidget(detail);
+    // A splitter puts each new widget below the others; screen readers read from the bottom up.
+    sidebar->lower();
     columns->setStretchFactor(0, 0);
     columns->setStretchFactor(1, 1);
     columns->setSizes({ idealSidebar, 10 * idealSidebar });

@@ -77,6 +77,15 @@ private Q_SLOTS:
         QVERIFY(w.controller.preferSynth);
     }
 
+    void screenReadersMeetTheSidebarBeforeTheScore()
+    {
+        ShownWindow w;
+        everything(w);
+        const QList<QWidget *> all = w.window.findChildren<QWidget *>();
+        QVERIFY(all.indexOf(w.control(u"Zoom in"_s)) < all.indexOf(w.control(u"Show Lead"_s)));
+        QVERIFY(all.indexOf(w.control(u"Volume of Bass"_s)) < all.indexOf(w.control(u"Position"_s)));
+    }
+
     void tabStaysInThePopover()
     {
         ShownWindow w;
