@@ -10,6 +10,7 @@ import { readScore } from "./score-files.js";
  * @property {import("./engine.js").Engine} engine
  * @property {import("./playback.js").Playback} playback
  * @property {import("./mixer.js").Mixer} mixer
+ * @property {import("./selection.js").Selection} selection
  * @property {import("./sheet.js").Sheet} sheet
  * @property {import("./bridge.js").Post} post
  */
@@ -17,15 +18,17 @@ export class Documents {
   #engine;
   #playback;
   #mixer;
+  #selection;
   #sheet;
   #post;
   #preferSynthesizer = false;
 
   /** @param {Surroundings} surroundings */
-  constructor({ engine, playback, mixer, sheet, post }) {
+  constructor({ engine, playback, mixer, selection, sheet, post }) {
     this.#engine = engine;
     this.#playback = playback;
     this.#mixer = mixer;
+    this.#selection = selection;
     this.#sheet = sheet;
     this.#post = post;
   }
@@ -76,12 +79,12 @@ export class Documents {
 
   /** @param {import("./alphatab.js").Score} score */
   #show(score) {
+    this.#selection.leaveScore();
     this.#playback.leaveScore();
     this.#mixer.leaveScore();
     this.#choosePlayer(score);
     this.#sheet.lay();
     this.#sheet.scrollToTop();
-    this.#engine.show(score);
     this.#post({
       type: "score",
       title: score.title,
@@ -89,6 +92,7 @@ export class Documents {
       tracks: score.tracks.map((track) => ({ index: track.index, name: track.name })),
       hasBackingTrack: hasRecording(score),
     });
+    this.#sheet.show(score);
     this.#playback.announceLength();
   }
 

@@ -2,10 +2,14 @@
 import { alphaTab } from "./alphatab.js";
 
 /**
- * The engine with the page's settings, plus two corrections of what it does around a new score.
+ * The engine with the page's settings. It also prepares a score for playing once: left alone it does so up to three
+ * times, and before the drawing worker has its work.
  */
 export class Engine extends alphaTab.AlphaTabApi {
   #midiHeldBack = false;
+  /** @type {import("./alphatab.js").Score | null} */
+  #preparedScore = null;
+  #preparedMode = alphaTab.PlayerMode.Disabled;
 
   /** @param {HTMLElement} sheet where the notation is drawn */
   constructor(sheet) {
@@ -14,8 +18,7 @@ export class Engine extends alphaTab.AlphaTabApi {
   }
 
   /**
-   * Draws a score and prepares it for playing. Left alone the engine generates the playback twice and before it hands
-   * the score to the drawing worker; here the worker has its work first and the playback is generated once meanwhile.
+   * Draws a score with all its tracks, and prepares it for playing while the worker draws.
    *
    * @param {import("./alphatab.js").Score} score
    */
@@ -31,7 +34,10 @@ export class Engine extends alphaTab.AlphaTabApi {
 
   /** @override */
   loadMidiForScore() {
-    if (!this.#midiHeldBack) {
+    const prepared = this.score === this.#preparedScore && this.actualPlayerMode === this.#preparedMode;
+    if (!this.#midiHeldBack && !prepared) {
+      this.#preparedScore = this.score;
+      this.#preparedMode = this.actualPlayerMode;
       super.loadMidiForScore();
     }
   }
@@ -68,6 +74,8 @@ function chooseFonts(resources) {
   /** @type {(families: string[], size: number, style?: number, weight?: number) => import("@coderline/alphatab").model.Font} */
   const font = (families, size, style = Plain, weight = Regular) =>
     alphaTab.model.Font.withFamilyList([...families], size, style, weight);
+  // Second voices are told apart by their stems; the engine's own light gray is hard to read.
+  resources.secondaryGlyphColor = new alphaTab.model.Color(74, 74, 82, 255);
   resources.titleFont = font(serif, 30);
   resources.subTitleFont = font(serif, 18);
   resources.wordsFont = font(serif, 14);

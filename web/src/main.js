@@ -3,9 +3,11 @@ import { decodeBase64, encodeBase64 } from "./base64.js";
 import { connect, expose } from "./bridge.js";
 import { Documents } from "./documents.js";
 import { Engine } from "./engine.js";
+import { Follow } from "./follow.js";
 import { Metronome } from "./metronome.js";
 import { Mixer } from "./mixer.js";
 import { Playback } from "./playback.js";
+import { Selection } from "./selection.js";
 import { Sheet } from "./sheet.js";
 import { SoundBank } from "./sound-bank.js";
 
@@ -27,7 +29,9 @@ const playback = new Playback(engine, post);
 const metronome = new Metronome(engine);
 const mixer = new Mixer(engine, (anySolo) => metronome.setBesideSolo(anySolo));
 const sheet = new Sheet(engine, paper, element("desk"), () => post({ type: "rendered" }));
-const documents = new Documents({ engine, playback, mixer, sheet, post });
+const selection = new Selection(engine, playback);
+new Follow(engine, playback, element("desk"));
+const documents = new Documents({ engine, playback, mixer, selection, sheet, post });
 new SoundBank(engine, post);
 
 engine.error.on((error) => post({ type: "error", message: error.message }));

@@ -58,8 +58,8 @@ export class Playback {
     return this.#tick;
   }
 
-  get timeline() {
-    return this.#timeline;
+  get atStart() {
+    return this.#tick <= sameTick;
   }
 
   get playing() {

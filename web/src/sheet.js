@@ -8,11 +8,15 @@ import { alphaTab } from "./alphatab.js";
 /** Width of the paper at zoom 1, in CSS pixels: about five bars of guitar to a line. */
 const paperWidth = 1180;
 
+/** How much is drawn before the rest, in bars of one track. */
+const sampledBars = 90;
+
 /** How long a finished drawing may keep its visible part waiting before it is reported all the same, in milliseconds. */
 const patience = 2000;
 
 export class Sheet {
   #api;
+  #sampling = false;
   #paper;
   #desk;
   #onRendered;
@@ -33,7 +37,20 @@ export class Sheet {
     api.renderStarted.on(() => {
       this.#drawing++;
     });
-    api.postRenderFinished.on(() => this.#reportWhenVisible());
+    api.postRenderFinished.on(() => (this.#sampling ? this.#drawRest() : this.#reportWhenVisible()));
+  }
+
+  /**
+   * Draws another score with all its tracks. Laying out a long one takes seconds, in which its first lines are on the
+   * paper already: they are drawn alone first.
+   *
+   * @param {import("./alphatab.js").Score} score
+   */
+  show(score) {
+    const sample = Math.max(8, Math.round(sampledBars / score.tracks.length));
+    this.#sampling = score.masterBars.length >= 2 * sample;
+    this.#limitTo(this.#sampling ? sample : -1);
+    this.#api.show(score);
   }
 
   /** Puts the paper on the desk; it is not there before the first score. */
@@ -50,6 +67,7 @@ export class Sheet {
     const score = this.#api.score;
     const tracks = score ? trackIds.map((id) => score.tracks[id]).filter(Boolean) : [];
     if (tracks.length > 0) {
+      this.#endSample();
       this.#api.renderTracks(tracks);
     }
   }
@@ -81,7 +99,30 @@ export class Sheet {
     this.#paper.style.setProperty("--paper-width", `${width}px`);
   }
 
+  #drawRest() {
+    this.#endSample();
+    // The lines that are there stay until they are drawn anew.
+    this.#api.renderer.render({ reuseViewport: true });
+  }
+
+  #endSample() {
+    if (this.#sampling) {
+      this.#sampling = false;
+      this.#limitTo(-1);
+    }
+  }
+
+  /** @param {number} bars -1 for all */
+  #limitTo(bars) {
+    const settings = this.#api.settings;
+    settings.display.barCount = bars;
+    // Parts of a sample are painted at once, parts of a whole score when they come into view.
+    settings.core.enableLazyLoading = bars < 0;
+    this.#api.renderer.updateSettings(settings);
+  }
+
   #redraw() {
+    this.#endSample();
     this.#api.updateSettings();
     if (this.#api.score) {
       this.#api.render();

@@ -9,7 +9,7 @@
 const initialTempo = 120;
 
 export class Timeline {
-  /** @type {{ tick: number, ms: number, msPerTick: number }[]} */
+  /** @type {{ tick: number, ms: number, ticksPerMinute: number }[]} */
   #stretches;
   #endTick;
 
@@ -20,10 +20,10 @@ export class Timeline {
    */
   constructor(changes, endTick, ticksPerQuarter) {
     this.#endTick = endTick;
-    this.#stretches = [{ tick: 0, ms: 0, msPerTick: 60000 / (initialTempo * ticksPerQuarter) }];
+    this.#stretches = [{ tick: 0, ms: 0, ticksPerMinute: initialTempo * ticksPerQuarter }];
     for (const { tick, bpm } of changes) {
       const ms = this.msAt(tick);
-      this.#stretches.push({ tick, ms, msPerTick: 60000 / (Math.max(bpm, 1) * ticksPerQuarter) });
+      this.#stretches.push({ tick, ms, ticksPerMinute: Math.max(bpm, 1) * ticksPerQuarter });
     }
   }
 
@@ -49,6 +49,6 @@ export class Timeline {
       }
     }
     const stretch = stretches[low];
-    return stretch.ms + (tick - stretch.tick) * stretch.msPerTick;
+    return stretch.ms + ((tick - stretch.tick) * 60000) / stretch.ticksPerMinute;
   }
 }

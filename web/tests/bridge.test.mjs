@@ -1,0 +1,50 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { callNames, connect, expose, messageTypes } from "../src/bridge.js";
+
+/** A channel whose opening the test decides. */
+function heldChannel() {
+  const received = [];
+  let open;
+  const scope = {
+    qt: { webChannelTransport: {} },
+    QWebChannel: class {
+      constructor(transport, ready) {
+        assert.equal(transport, scope.qt.webChannelTransport);
+        open = () => ready({ objects: { qv: { postMessage: (message) => received.push(message) } } });
+      }
+    },
+  };
+  return { scope, received, open: () => open() };
+}
+
+test("there are twenty calls and eight messages, each once", () => {
+  assert.equal(new Set(callNames).size, 20);
+  assert.equal(new Set(messageTypes).size, 8);
+});
+
+test("messages posted before the channel stands arrive in order", () => {
+  const { scope, received, open } = heldChannel();
+  const post = connect(scope);
+  post({ type: "ready" });
+  post({ type: "state", playing: true });
+  assert.deepEqual(received, []);
+  open();
+  post({ type: "rendered" });
+  assert.deepEqual(received.map((message) => message.type), ["ready", "state", "rendered"]);
+});
+
+test("without a channel around the page messages go nowhere", () => {
+  assert.doesNotThrow(() => connect({})({ type: "ready" }));
+});
+
+test("the calls are reachable and cannot be replaced", () => {
+  const calls = Object.fromEntries(callNames.map((name) => [name, () => name]));
+  expose(calls);
+  assert.deepEqual(Object.keys(globalThis.qv), [...callNames]);
+  assert.equal(globalThis.qv.stop(), "stop");
+  assert.throws(() => {
+    "use strict";
+    globalThis.qv.stop = null;
+  });
+});
