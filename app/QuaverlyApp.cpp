@@ -26,7 +26,8 @@ QuaverlyApp::QuaverlyApp(AlphaTabController &controller)
     : m_controller(controller)
     , m_appDelegate(controller)
 {
-    m_window.setWindowTitle(QGuiApplication::applicationDisplayName());
+    // Not the application's display name: Qt would add that to every title the window gets later.
+    m_window.setWindowTitle(u"Quaverly"_s);
     m_window.setMinimumSize(minimumSize);
     m_window.setCentralWidget(new ContentView(controller));
     buildFileMenu();

@@ -6,6 +6,7 @@
 #include "engine_host/WebSchemeHandler.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QLoggingCategory>
 
 #include <cstdio>
@@ -16,7 +17,6 @@ int main(int argc, char *argv[])
 {
     QCoreApplication::setApplicationName(u"quaverly"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(QUAVERLY_VERSION));
-    QGuiApplication::setApplicationDisplayName(u"Quaverly"_s);
     QGuiApplication::setDesktopFileName(u"quaverly"_s);
 
     if (const std::optional<QString> answer = CommandLine::immediateAnswer(argc, argv)) {
@@ -29,6 +29,7 @@ int main(int argc, char *argv[])
     RootSandbox::adapt();
     WebSchemeHandler::registerScheme();
     const QApplication application(argc, argv);
+    QApplication::setWindowIcon(QIcon(u":/icons/quaverly.svg"_s));
 
     const CommandLine commandLine = CommandLine::parse(QCoreApplication::arguments());
     if (!commandLine.error.isEmpty()) {

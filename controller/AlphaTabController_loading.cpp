@@ -18,6 +18,8 @@ struct ReadResult {
 
 ReadResult readWhole(const QString &path)
 {
+    if (path.isEmpty())
+        return { std::nullopt, u"Not a local file"_s };
     const QFileInfo info(path);
     // A pipe or a device would keep the window waiting for its end.
     if (info.exists() && !info.isFile())

@@ -1,5 +1,6 @@
 #include "engine_host/EngineView.h"
 
+#include <QChildEvent>
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <QWebEnginePage>
@@ -12,6 +13,16 @@ EngineView::EngineView(QWidget *parent)
 }
 
 EngineView::~EngineView() { delete m_inspector; }
+
+void EngineView::childEvent(QChildEvent *event)
+{
+    QWebEngineView::childEvent(event);
+    // The web engine's own surface lies over this view and would take the drops.
+    if (event->type() == QEvent::ChildPolished) {
+        if (auto *surface = qobject_cast<QWidget *>(event->child()))
+            surface->setAcceptDrops(false);
+    }
+}
 
 void EngineView::contextMenuEvent(QContextMenuEvent *event)
 {

@@ -12,6 +12,7 @@ public:
     ~EngineView() override;
 
 protected:
+    void childEvent(QChildEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:

@@ -8,9 +8,9 @@
 #include "engine_host/SystemLog.h"
 #include "engine_host/WebSchemeHandler.h"
 
+#include <QCoreApplication>
 #include <QImage>
 #include <QPixmap>
-#include <QPointer>
 #include <QWebChannel>
 #include <QWebEngineDownloadRequest>
 #include <QWebEngineHistory>
@@ -36,12 +36,21 @@ WebEngineHost::WebEngineHost(ScriptHandler &scriptHandler, const std::optional<Q
     }
 
     m_view = std::make_unique<EngineView>();
-    m_page = new EnginePage(m_profile.get(), m_view.get());
+    m_page = std::make_unique<EnginePage>(m_profile.get(), nullptr);
     configurePage();
-    m_view->setPage(m_page);
+    m_view->setPage(m_page.get());
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &WebEngineHost::shutDown);
 }
 
 WebEngineHost::~WebEngineHost() = default;
+
+void WebEngineHost::shutDown()
+{
+    // This host may never be destroyed; the web engine wants its views and pages gone before it ends with the application.
+    m_view.reset();
+    m_page.reset();
+    m_profile.reset();
+}
 
 void WebEngineHost::configurePage()
 {
@@ -59,17 +68,21 @@ void WebEngineHost::configurePage()
     settings->setAttribute(QWebEngineSettings::FocusOnNavigationEnabled, false);
     m_page->setWebChannel(m_channel.get());
 
-    connect(m_page, &QWebEnginePage::loadingChanged, this, [this](const QWebEngineLoadingInfo &info) {
+    connect(m_page.get(), &QWebEnginePage::loadingChanged, this, [this](const QWebEngineLoadingInfo &info) {
         // A document that never began to arrive leaves no history; its failure is nobody's news.
         if (info.status() == QWebEngineLoadingInfo::LoadFailedStatus && m_page->history()->count() > 0)
             m_scriptHandler.navigationFailed(info.errorString());
     });
-    connect(m_page, &EnginePage::consoleError, this,
+    connect(m_page.get(), &EnginePage::consoleError, this,
         [](const QString &text) { SystemLog::write(u"[Quaverly] page: "_s + text); });
 }
 
 void WebEngineHost::evaluate(const QString &script, Completion completion)
 {
+    if (!m_page) {
+        completion(u"the application is about to quit"_s);
+        return;
+    }
     m_page->runJavaScript(ScriptEvaluation::wrapped(script),
         [completion = std::move(completion)](const QVariant &value) { completion(ScriptEvaluation::errorOf(value)); });
 }

@@ -30,12 +30,14 @@ public:
     void snapshot(std::function<void(const QImage &)> arrived) override;
     QWidget *view() const override;
 
-    EnginePage *page() const { return m_page; }
+    /// Null once the application is about to quit.
+    EnginePage *page() const { return m_page.get(); }
     /// Present exactly when there is a web folder.
     WebSchemeHandler *schemeHandler() const { return m_schemeHandler.get(); }
 
 private:
     void configurePage();
+    void shutDown();
 
     // The order of members is the order of dismantling, backwards: view and page go before the profile they use.
     std::unique_ptr<WebSchemeHandler> m_schemeHandler;
@@ -43,6 +45,6 @@ private:
     std::unique_ptr<QWebEngineProfile> m_profile;
     std::unique_ptr<QWebChannel> m_channel;
     std::unique_ptr<EngineView> m_view;
-    EnginePage *m_page = nullptr; // owned by the view
+    std::unique_ptr<EnginePage> m_page;
     ScriptHandler &m_scriptHandler;
 };

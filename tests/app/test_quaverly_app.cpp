@@ -54,7 +54,7 @@ private Q_SLOTS:
     {
         m_app->window().resize(100, 100);
         QCOMPARE(m_app->window().size(), QSize(760, 520));
-        QCOMPARE(m_app->window().windowTitle(), QGuiApplication::applicationDisplayName());
+        QCOMPARE(m_app->window().windowTitle(), u"Quaverly"_s);
     }
 
     void open()

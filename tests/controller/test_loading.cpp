@@ -104,6 +104,16 @@ private Q_SLOTS:
         QCOMPARE(world.engine->take().size(), 1);
     }
 
+    void anAddressThatIsNoLocalFileLeavesOneLine()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        makeReady(c, world);
+        c.load(QUrl(u"https://example.org/song.gp5"_s));
+        QCOMPARE(*world.log, QStringList { u"[Quaverly] failed to read : Not a local file"_s });
+        QVERIFY(world.engine->scripts.isEmpty());
+    }
+
     void aFileWithoutPermission()
     {
         TestSurroundings world;

@@ -1,0 +1,245 @@
+#include "engine_host/AlphaTabWebView.h"
+#include "engine_host/EnginePage.h"
+#include "engine_host/MessageReceiver.h"
+#include "engine_host/ScriptHandler.h"
+#include "engine_host/WebEngineHost.h"
+#include "engine_host/WebSchemeHandler.h"
+#include "tests/support/EngineTestMain.h"
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QMenu>
+#include <QTcpServer>
+#include <QTemporaryDir>
+#include <QVBoxLayout>
+#include <QWebEngineHistory>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class Inbox final : public MessageReceiver {
+public:
+    void handle(const QVariantMap &message) override { messages << message; }
+    QList<QVariantMap> messages;
+};
+
+constexpr char pageText[] = R"(<!doctype html><meta charset="utf-8"><title>host test</title>
+<style>html { background: rgb(10, 200, 30) }</style>
+<script src="qwebchannel.js"></script>
+<script>
+new QWebChannel(qt.webChannelTransport, channel => {
+  window.post = body => channel.objects.qv.postMessage(body);
+  post({ type: "ready", name: "Grüße 谱" });
+});
+</script>)";
+
+} // namespace
+
+class TestWebEngineHost final : public QObject {
+    Q_OBJECT
+
+private:
+    QTemporaryDir m_folder;
+    QStringList m_log;
+    QStringList m_consoleErrors;
+    Inbox m_inbox;
+    std::unique_ptr<ScriptHandler> m_handler;
+    std::unique_ptr<WebEngineHost> m_host;
+
+    void put(const QString &name, const QByteArray &bytes)
+    {
+        QFile file(m_folder.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+    }
+
+    /// What an evaluation reports: an error's text, or "fine".
+    QString outcome(const QString &script)
+    {
+        std::optional<QString> result;
+        m_host->evaluate(script, [&result](const auto &error) { result = error.value_or(u"fine"_s); });
+        return QTest::qWaitFor([&result] { return result.has_value(); }) ? *result : u"no answer"_s;
+    }
+
+    /// The value that a promise-valued expression of the page settles with.
+    QVariant settled(const QString &expression)
+    {
+        const qsizetype before = m_inbox.messages.size();
+        const QString script = u"Promise.resolve().then(() => (%1)).then("
+                               "v => post({ type: 'settled', value: v }), "
+                               "e => post({ type: 'settled', value: 'rejected: ' + e.name }))"_s.arg(expression);
+        m_host->evaluate(script, [](const auto &) {});
+        if (!QTest::qWaitFor([&] { return m_inbox.messages.size() > before; }))
+            return u"no answer"_s;
+        return m_inbox.messages.constLast().value(u"value"_s);
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        put(u"index.html"_s, pageText);
+        put(u"data.json"_s, "{}");
+        QVERIFY(QFile::copy(u":/qtwebchannel/qwebchannel.js"_s, m_folder.filePath(u"qwebchannel.js"_s)));
+        m_handler = std::make_unique<ScriptHandler>([this](const QString &line) { m_log << line; });
+        m_handler->setController(&m_inbox);
+        m_host = std::make_unique<WebEngineHost>(*m_handler, m_folder.path());
+        connect(m_host->page(), &EnginePage::consoleError, this, [this](const QString &e) { m_consoleErrors << e; });
+        QVERIFY(m_host->schemeHandler());
+        m_host->view()->resize(300, 200);
+        m_host->view()->show();
+        m_host->load(QUrl(u"qv-app://app/index.html"_s));
+        QTRY_COMPARE_WITH_TIMEOUT(m_inbox.messages.size(), 1, 30000);
+        QCOMPARE(m_inbox.messages.constFirst().value(u"name"_s), u"Grüße 谱"_s);
+        QVERIFY(m_consoleErrors.isEmpty());
+    }
+
+    void cleanupTestCase()
+    {
+        QVERIFY2(m_log.isEmpty(), qPrintable(m_log.join(u'\n')));
+        m_host.reset();
+    }
+
+    void onlyDictionariesArrive()
+    {
+        m_inbox.messages.clear();
+        QCOMPARE(outcome(u"post('ready'); post(4); post([1]); post(null); post({ type: 'last', n: 1.5, yes: true })"_s),
+            u"fine"_s);
+        QTRY_COMPARE(m_inbox.messages.size(), 1);
+        const QVariantMap message = m_inbox.messages.constFirst();
+        QCOMPARE(message.value(u"type"_s), u"last"_s);
+        QCOMPARE(message.value(u"n"_s).toDouble(), 1.5);
+        QCOMPARE(message.value(u"yes"_s), QVariant(true));
+    }
+
+    void anEvaluationReportsItsError()
+    {
+        QCOMPARE(outcome(u"1 + 1"_s), u"fine"_s);
+        QCOMPARE(outcome(u"undefined"_s), u"fine"_s);
+        QCOMPARE(outcome(u"1 // a comment"_s), u"fine"_s);
+        QCOMPARE(outcome(u"window.nobody.call()"_s).left(11), u"TypeError: "_s);
+        QCOMPARE(outcome(u"throw new Error('no')"_s), u"Error: no"_s);
+        QVERIFY(outcome(u"window.qv.load('it's')"_s).contains(u"syntax error"_s));
+        m_consoleErrors.clear(); // the syntax error stands there too
+    }
+
+    void soundNeedsNoGesture()
+    {
+        QCOMPARE(settled(u"isSecureContext && typeof AudioWorkletNode"_s), u"function"_s);
+        QCOMPARE(settled(u"(async () => { const c = new AudioContext(); await c.resume(); return c.state })()"_s),
+            u"running"_s);
+    }
+
+    void headersReachThePage()
+    {
+        const QString request = u"new Promise((done, fail) => { const r = new XMLHttpRequest(); r.open('GET', '%1'); "
+                                "r.onload = () => done(r.status + ' ' + r.getResponseHeader('Content-Type')); "
+                                "r.onerror = () => fail(new TypeError('failed')); r.send() })"_s;
+        QCOMPARE(settled(request.arg(u"data.json?v=3"_s)), u"200 application/json"_s);
+        QCOMPARE(settled(u"document.characterSet"_s), u"UTF-8"_s);
+        QCOMPARE(settled(request.arg(u"missing.json"_s)), u"rejected: TypeError"_s);
+        m_consoleErrors.clear(); // the missing file
+    }
+
+    void nothingLeavesTheApplication()
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        const QString host = u"127.0.0.1:%1/"_s.arg(server.serverPort());
+        const QString attempt = u"(() => { fetch('http://%1').catch(() => 0); new WebSocket('ws://%1'); "
+                                "new Image().src = 'http://%1a.png'; navigator.sendBeacon('http://%1b'); "
+                                "const f = document.createElement('iframe'); f.src = 'http://%1c'; "
+                                "document.body.append(f); })()"_s.arg(host);
+        QCOMPARE(outcome(attempt), u"fine"_s);
+        QCOMPARE(settled(u"new Promise(done => { const s = new WebSocket('ws://%1'); s.onopen = () => done('open'); "
+                         "s.onerror = () => done('refused') })"_s.arg(host)),
+            u"refused"_s);
+        QCOMPARE(settled(u"fetch('http://%1')"_s.arg(host)), u"rejected: TypeError"_s);
+        QVERIFY(!server.hasPendingConnections());
+        m_consoleErrors.clear(); // the refusals
+    }
+
+    void thePageStaysAndOpensNothing()
+    {
+        const QUrl address = m_host->page()->url();
+        QCOMPARE(settled(u"String(window.open('qv-app://app/data.json'))"_s), u"null"_s);
+        QCOMPARE(outcome(u"location.href = 'data:text/html,gone'"_s), u"fine"_s);
+        QCOMPARE(outcome(u"location.href = 'qv-app://app/data.json'"_s), u"fine"_s);
+        QCOMPARE(settled(u"document.title"_s), u"host test"_s);
+        QCOMPARE(m_host->page()->url(), address);
+        QCOMPARE(m_host->page()->history()->count(), 1);
+        m_consoleErrors.clear();
+    }
+
+    void everyPermissionIsDenied()
+    {
+        QCOMPARE(settled(u"navigator.mediaDevices.getUserMedia({ audio: true })"_s).toString().left(9), u"rejected:"_s);
+        QCOMPARE(settled(u"Notification.requestPermission()"_s), u"denied"_s);
+    }
+
+    void dropsAreTheWindows()
+    {
+        QVERIFY(!m_host->view()->acceptDrops());
+        const QList<QWidget *> children = m_host->view()->findChildren<QWidget *>();
+        QVERIFY(!children.isEmpty());
+        for (const QWidget *child : children)
+            QVERIFY(!child->acceptDrops());
+    }
+
+    void theMenuOffersInspectOnly()
+    {
+        QVERIFY(m_host->view()->focusProxy());
+        QTest::mouseClick(m_host->view()->focusProxy(), Qt::RightButton);
+        const QMenu *menu = nullptr;
+        QTRY_VERIFY((menu = m_host->view()->findChild<QMenu *>()));
+        QCOMPARE(menu->actions().size(), 1);
+        QCOMPARE(menu->actions().constFirst()->text(), u"Inspect"_s);
+        m_host->view()->findChild<QMenu *>()->close();
+    }
+
+    void theSnapshotShowsThePage()
+    {
+        QTRY_VERIFY(([this] {
+            QImage picture;
+            m_host->snapshot([&picture](const QImage &image) { picture = image; });
+            return picture.size() == QSize(300, 200) && picture.pixelColor(150, 100) == QColor(10, 200, 30);
+        })());
+    }
+
+    void wrappersShareTheViewAndGiveItBack()
+    {
+        QWidget window;
+        auto *layout = new QVBoxLayout(&window);
+        const qsizetype messages = m_inbox.messages.size();
+        for (int i = 0; i < 2; ++i) {
+            auto *wrapper = new AlphaTabWebView(m_host->view());
+            layout->addWidget(wrapper);
+            window.show();
+            QCOMPARE(wrapper->webView(), m_host->view());
+            QTRY_VERIFY(m_host->view()->isVisible());
+            delete wrapper;
+        }
+        QCOMPARE(settled(u"document.title"_s), u"host test"_s);
+        QCOMPARE(m_inbox.messages.size(), messages + 1); // no second "ready": the page was not loaded again
+    }
+
+    void withoutAWebFolderNothingLoadsAndNobodyComplains()
+    {
+        ScriptHandler handler([this](const QString &line) { m_log << line; });
+        WebEngineHost host(handler, std::nullopt);
+        QVERIFY(!host.schemeHandler());
+        bool failed = false;
+        connect(host.page(), &QWebEnginePage::loadFinished, this, [&failed](bool ok) { failed = !ok; });
+        host.load(QUrl(u"qv-app://app/index.html"_s));
+        QTRY_VERIFY(failed);
+        std::optional<QString> error;
+        host.evaluate(u"window.qv.stop()"_s, [&error](const auto &e) { error = e.value_or(u"fine"_s); });
+        QTRY_VERIFY(error);
+        QVERIFY2(*error != "fine"_L1, qPrintable(*error));
+    }
+};
+
+int main(int argc, char *argv[]) { return runEngineTest<TestWebEngineHost>(argc, argv); }
+
+#include "test_web_engine_host.moc"

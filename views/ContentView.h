@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+
+class AlphaTabController;
+class QMessageBox;
+class QUrl;
+
+/// Everything in the window: tool bar, sidebar, score area and transport bar; also takes dropped files and shows what
+/// went wrong.
+class ContentView final : public QWidget {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(ContentView)
+
+public:
+    explicit ContentView(AlphaTabController &controller, QWidget *parent = nullptr);
+    ~ContentView() override;
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    QWidget *makeSidebar();
+    QWidget *makeDetail();
+    QMessageBox *makeAlert();
+    void showError(const std::optional<QString> &error);
+
+    AlphaTabController &m_controller;
+    QPointer<QMessageBox> m_alert;
+};

@@ -1,0 +1,92 @@
+#include "views/Toolbar.h"
+
+#include "controller/AlphaTabController.h"
+#include "engine_host/BridgeCalls.h"
+#include "views/design/Button.h"
+
+#include <QHBoxLayout>
+#include <QSignalBlocker>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr double zoomStep = 0.1;
+constexpr double minimumZoom = 0.5;
+constexpr double maximumZoom = 2.0;
+
+Button *toolButton(const QString &icon, const QString &name)
+{
+    auto *button = new Button(Button::Look::Tool);
+    button->setIconName(icon);
+    button->setAccessibleName(name);
+    return button;
+}
+
+} // namespace
+
+Toolbar::Toolbar(AlphaTabController &controller, QWidget *parent)
+    : Surface(&Theme::Colors::bar, parent)
+    , m_controller(controller)
+    , m_pdfPlace(new QWidget)
+{
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(10, 8, 10, 8);
+    layout->setSpacing(4);
+
+    Button *open = toolButton(u"folder"_s, tr("Open"));
+    open->setText(tr("Open"));
+    connect(open, &Button::clicked, &controller, &AlphaTabController::presentOpenPanel);
+    layout->addWidget(open);
+
+    QWidget *scoreTools = makeScoreTools();
+    layout->addWidget(scoreTools);
+    layout->addWidget(m_pdfPlace);
+    controller.pdfDocument.observe(this, [this, scoreTools](const auto &document) {
+        scoreTools->setVisible(!document);
+        m_pdfPlace->setVisible(bool(document));
+    });
+}
+
+QWidget *Toolbar::makeScoreTools()
+{
+    auto *tools = new QWidget;
+    auto *layout = new QHBoxLayout(tools);
+    layout->setContentsMargins({});
+    layout->setSpacing(4);
+
+    Button *demo = toolButton(u"music.note"_s, tr("Demo"));
+    demo->setText(tr("Demo"));
+    connect(demo, &Button::clicked, this, [this] { m_controller.js(BridgeCalls::loadSample()); });
+    layout->addWidget(demo);
+    layout->addStretch();
+
+    Button *horizontal = toolButton(u"arrow.left.and.right"_s, tr("Horizontal"));
+    horizontal->setText(tr("Horizontal"));
+    horizontal->setCheckable(true);
+    m_controller.horizontalLayout.observe(horizontal, [horizontal](bool on) {
+        const QSignalBlocker blocker(horizontal);
+        horizontal->setChecked(on);
+    });
+    connect(horizontal, &Button::toggled, this, [this](bool on) { m_controller.horizontalLayout = on; });
+    layout->addWidget(horizontal);
+
+    Button *zoomOut = toolButton(u"minus.magnifyingglass"_s, tr("Zoom out"));
+    zoomOut->setToolTip(tr("Zoom out"));
+    connect(zoomOut, &Button::clicked, this, [this] { stepZoom(-zoomStep); });
+    layout->addWidget(zoomOut);
+
+    Button *zoomIn = toolButton(u"plus.magnifyingglass"_s, tr("Zoom in"));
+    zoomIn->setToolTip(tr("Zoom in"));
+    connect(zoomIn, &Button::clicked, this, [this] { stepZoom(zoomStep); });
+    layout->addWidget(zoomIn);
+    return tools;
+}
+
+void Toolbar::stepZoom(double step)
+{
+    const double wanted = m_controller.zoom + step;
+    m_controller.zoom = step < 0 ? std::max(wanted, minimumZoom) : std::min(wanted, maximumZoom);
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "views/design/Surface.h"
+
+class AlphaTabController;
+
+/// The strip at the top of the window: open, and what can be done with what is shown.
+class Toolbar final : public Surface {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(Toolbar)
+
+public:
+    explicit Toolbar(AlphaTabController &controller, QWidget *parent = nullptr);
+
+    /// Where the controls of an open PDF stand; hidden while there is none.
+    QWidget *pdfPlace() const { return m_pdfPlace; }
+
+private:
+    QWidget *makeScoreTools();
+    void stepZoom(double step);
+
+    AlphaTabController &m_controller;
+    QWidget *m_pdfPlace;
+};

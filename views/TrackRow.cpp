@@ -1,0 +1,80 @@
+#include "views/TrackRow.h"
+
+#include "controller/AlphaTabController.h"
+#include "views/design/Button.h"
+#include "views/design/ElidedLabel.h"
+#include "views/design/Slider.h"
+
+#include <QHBoxLayout>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+Button *letterButton(const QString &letter)
+{
+    auto *button = new Button(Button::Look::Plain);
+    button->setText(letter);
+    button->setFont(Theme::font(Theme::Type::Headline));
+    return button;
+}
+
+void display(Button &button, bool on)
+{
+    const QSignalBlocker blocker(button);
+    button.setChecked(on);
+}
+
+} // namespace
+
+TrackRow::TrackRow(AlphaTabController &controller, const TrackInfo &track, QWidget *parent)
+    : QWidget(parent)
+    , m_controller(controller)
+    , m_id(track.id)
+    , m_visible(new Button(Button::Look::Plain))
+    , m_name(new ElidedLabel)
+    , m_mute(letterButton(u"M"_s))
+    , m_solo(letterButton(u"S"_s))
+    , m_volume(new Slider(0, 1, 1000, 50, Slider::Size::Mini))
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 2, 0, 2);
+    layout->setSpacing(4);
+    auto *line = new QHBoxLayout;
+    line->setSpacing(8);
+    line->addWidget(m_visible);
+    line->addWidget(m_name, 1);
+    line->addWidget(m_mute);
+    line->addWidget(m_solo);
+    layout->addLayout(line);
+    layout->addWidget(m_volume);
+
+    for (Button *button : { m_visible, m_mute, m_solo })
+        button->setCheckable(true);
+    connect(m_visible, &Button::toggled, this, [this] { m_controller.toggleVisible(m_id); });
+    connect(m_mute, &Button::toggled, this, [this] { m_controller.toggleMute(m_id); });
+    connect(m_solo, &Button::toggled, this, [this] { m_controller.toggleSolo(m_id); });
+    connect(m_volume, &Slider::moved, this, [this](double volume) { m_controller.setTrackVolume(m_id, volume); });
+    display(track);
+}
+
+void TrackRow::display(const TrackInfo &track)
+{
+    ::display(*m_visible, track.visible);
+    m_visible->setIconName(track.visible ? u"checkmark.square.fill"_s : u"square"_s);
+    m_visible->setTint(track.visible ? &Theme::Colors::accent : &Theme::Colors::secondary);
+    ::display(*m_mute, track.mute);
+    m_mute->setTint(track.mute ? &Theme::Colors::muted : &Theme::Colors::secondary);
+    ::display(*m_solo, track.solo);
+    m_solo->setTint(track.solo ? &Theme::Colors::accent : &Theme::Colors::secondary);
+    m_volume->display(track.volume);
+    if (m_name->text() == track.name && !m_visible->accessibleName().isEmpty())
+        return;
+    m_name->setText(track.name);
+    m_visible->setAccessibleName(tr("Show %1").arg(track.name));
+    m_mute->setAccessibleName(tr("Mute %1").arg(track.name));
+    m_solo->setAccessibleName(tr("Solo %1").arg(track.name));
+    m_volume->setAccessibleName(tr("Volume of %1").arg(track.name));
+}

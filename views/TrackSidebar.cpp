@@ -1,0 +1,84 @@
+#include "views/TrackSidebar.h"
+
+#include "controller/AlphaTabController.h"
+#include "views/TrackRow.h"
+#include "views/design/ElidedLabel.h"
+
+#include <QScrollArea>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int sidePadding = 14;
+
+} // namespace
+
+TrackSidebar::TrackSidebar(AlphaTabController &controller, QWidget *parent)
+    : Surface(&Theme::Colors::sidebar, parent)
+    , m_controller(controller)
+    , m_placeholder(new ElidedLabel(Theme::Type::Callout, &Theme::Colors::secondary))
+    , m_rowLayout(new QVBoxLayout)
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    auto *header = new ElidedLabel(Theme::Type::Headline, &Theme::Colors::secondary);
+    header->setContentsMargins(sidePadding, 12, sidePadding, 6);
+    layout->addWidget(header);
+    layout->addWidget(makeList(), 1);
+    m_placeholder->setText(tr("No tracks loaded"));
+
+    controller.title.observe(
+        header, [header](const QString &title) { header->setText(title.isEmpty() ? tr("Tracks") : title); });
+    controller.tracks.observe(this, [this](const QList<TrackInfo> &tracks) { refresh(tracks); });
+}
+
+QWidget *TrackSidebar::makeList()
+{
+    auto *scroll = new QScrollArea;
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll->setFocusPolicy(Qt::NoFocus);
+    auto *list = new Surface(&Theme::Colors::sidebar);
+    auto *layout = new QVBoxLayout(list);
+    layout->setContentsMargins(sidePadding, 2, sidePadding, 10);
+    layout->setSpacing(0);
+    layout->addWidget(m_placeholder);
+    m_rowLayout->setSpacing(8);
+    layout->addLayout(m_rowLayout);
+    layout->addStretch();
+    scroll->setWidget(list);
+    return scroll;
+}
+
+void TrackSidebar::refresh(const QList<TrackInfo> &tracks)
+{
+    // Rows stay as long as they show the same tracks: one of their sliders may be in the user's hand.
+    const auto sameTrack = [](const TrackRow *row, const TrackInfo &track) { return row->trackId() == track.id; };
+    if (std::equal(m_rows.begin(), m_rows.end(), tracks.begin(), tracks.end(), sameTrack)) {
+        for (qsizetype i = 0; i < tracks.size(); ++i)
+            m_rows[i]->display(tracks[i]);
+    } else {
+        rebuild(tracks);
+    }
+    m_placeholder->setVisible(tracks.isEmpty());
+}
+
+void TrackSidebar::rebuild(const QList<TrackInfo> &tracks)
+{
+    for (TrackRow *row : std::as_const(m_rows)) {
+        m_rowLayout->removeWidget(row);
+        // Later: one of its controls may be what brought us here.
+        row->hide();
+        row->deleteLater();
+    }
+    m_rows.clear();
+    for (const TrackInfo &track : tracks) {
+        auto *row = new TrackRow(m_controller, track);
+        m_rowLayout->addWidget(row);
+        m_rows << row;
+    }
+}

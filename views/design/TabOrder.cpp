@@ -1,0 +1,29 @@
+#include "views/design/TabOrder.h"
+
+#include <QWidget>
+
+namespace {
+
+void chain(QWidget &parent, QWidget *&last)
+{
+    for (QObject *child : parent.children()) {
+        auto *widget = qobject_cast<QWidget *>(child);
+        if (!widget || widget->isWindow())
+            continue;
+        if (widget->focusPolicy() & Qt::TabFocus) {
+            if (last)
+                QWidget::setTabOrder(last, widget);
+            last = widget;
+        }
+        chain(*widget, last);
+    }
+}
+
+} // namespace
+
+void TabOrder::followReadingOrder(std::initializer_list<QWidget *> parts)
+{
+    QWidget *last = nullptr;
+    for (QWidget *part : parts)
+        chain(*part, last);
+}
