@@ -8,16 +8,20 @@
 #include "tests/support/TestSurroundings.h"
 
 #include <QApplication>
+#include <QDeadlineTimer>
 #include <QDir>
+#include <QEventLoop>
 #include <QLoggingCategory>
 #include <QMessageBox>
 #include <QPainter>
-#include <QTest>
 #include <QTextStream>
+#include <QTimer>
 
+#include <chrono>
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -42,8 +46,25 @@ QPixmap withAlert(QWidget &window)
     return picture;
 }
 
-/// Waits for what the page has to do, seconds at most; false when it does not come.
-bool waitFor(const std::function<bool()> &condition) { return QTest::qWaitFor(condition, 30000); }
+void rest(std::chrono::milliseconds time)
+{
+    QEventLoop loop;
+    QTimer::singleShot(time, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+/// Waits for what the page has to do, half a minute at most; false when it does not come. Not with QTest::qWaitFor,
+/// whose way of turning the event loop slows the web engine down to a crawl.
+bool waitFor(const std::function<bool()> &condition)
+{
+    const QDeadlineTimer deadline(30s);
+    while (!condition()) {
+        if (deadline.hasExpired())
+            return false;
+        rest(20ms);
+    }
+    return true;
+}
 
 /// Lets the page show the demo score, and play it, until it stands still enough for a picture.
 bool setThePage(const Scene &scene, AlphaTabController &controller)
@@ -69,12 +90,12 @@ bool setThePage(const Scene &scene, AlphaTabController &controller)
 bool settle(QWidget &page, Scene::Page state)
 {
     if (state == Scene::Page::PlayingDemo) {
-        QTest::qWait(1500); // a cursor never stands still
+        rest(1500ms); // a cursor never stands still
         return true;
     }
     QImage last;
     return waitFor([&] {
-        QTest::qWait(400);
+        rest(400ms);
         const QImage now = page.grab().toImage();
         return now == std::exchange(last, now);
     });

@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
+import { hideEngineHeading } from "./heading.js";
 
 /**
  * The engine with the page's settings. It also prepares a score for playing once: left alone it does so up to three
@@ -72,6 +73,7 @@ function pageSettings() {
   // The paper has its own margins.
   settings.display.padding = [12, 8];
   chooseFonts(settings.display.resources);
+  hideEngineHeading(settings);
 
   const player = settings.player;
   // Started at once and not with the first score: loading the sound bank takes longest.

@@ -21,6 +21,7 @@ export class Sheet {
   #underWay = 0;
   #paper;
   #desk;
+  #heading;
   #onRendered;
   #drawing = 0;
 
@@ -28,14 +29,16 @@ export class Sheet {
    * @param {import("./engine.js").Engine} api
    * @param {HTMLElement} paper
    * @param {HTMLElement} desk what scrolls
+   * @param {import("./heading.js").Heading} heading
    * @param {() => void} onRendered called when what can be seen of a finished drawing is on the paper
    */
-  constructor(api, paper, desk, onRendered) {
+  constructor(api, paper, desk, heading, onRendered) {
     this.#api = api;
     this.#paper = paper;
     this.#desk = desk;
+    this.#heading = heading;
     this.#onRendered = onRendered;
-    this.#setPaperWidth(1);
+    this.#sizePaper(1);
     this.#countDrawings();
     api.renderStarted.on(() => {
       this.#drawing++;
@@ -79,6 +82,7 @@ export class Sheet {
     const sample = Math.max(8, Math.round(sampledBars / score.tracks.length));
     this.#sampling = score.masterBars.length >= 2 * sample;
     this.#limitTo(this.#sampling ? sample : -1);
+    this.#heading.show(score, score.tracks);
     this.#api.show(score);
   }
 
@@ -108,6 +112,7 @@ export class Sheet {
     const tracks = score ? trackIds.map((id) => score.tracks[id]).filter(Boolean) : [];
     if (tracks.length > 0) {
       this.#endSample();
+      this.#heading.show(/** @type {import("./alphatab.js").Score} */ (score), tracks);
       this.#api.renderTracks(tracks);
     }
   }
@@ -123,7 +128,7 @@ export class Sheet {
   /** @param {number} zoom */
   setZoom(zoom) {
     if (Number.isFinite(zoom) && zoom > 0) {
-      this.#setPaperWidth(zoom);
+      this.#sizePaper(zoom);
       this.#api.settings.display.scale = zoom;
       this.#redraw();
     }
@@ -134,9 +139,10 @@ export class Sheet {
    *
    * @param {number} zoom
    */
-  #setPaperWidth(zoom) {
+  #sizePaper(zoom) {
     const width = Math.round(paperWidth * Math.min(Math.max(zoom, 0.75), 2));
     this.#paper.style.setProperty("--paper-width", `${width}px`);
+    this.#paper.style.setProperty("--zoom", String(zoom));
   }
 
   #drawRest() {
