@@ -70,23 +70,28 @@ ContentView::ContentView(AlphaTabController &controller, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->setSpacing(0);
-    layout->addWidget(new Toolbar(controller));
+    auto *toolbar = new Toolbar(controller);
+    layout->addWidget(toolbar);
     layout->addWidget(new Separator(Qt::Horizontal));
 
     auto *columns = new QSplitter(Qt::Horizontal);
     columns->setHandleWidth(1);
     columns->setChildrenCollapsible(false);
-    columns->addWidget(makeSidebar());
-    columns->addWidget(makeDetail());
+    QWidget *sidebar = makeSidebar();
+    columns->addWidget(sidebar);
+    QWidget *detail = makeDetail();
+    columns->addWidget(detail);
+    // A splitter puts each new widget below the others; screen readers read from the bottom up.
+    sidebar->lower();
     columns->setStretchFactor(0, 0);
     columns->setStretchFactor(1, 1);
     columns->setSizes({ idealSidebar, 10 * idealSidebar });
     layout->addWidget(columns, 1);
 
     // After the views have put their rows in place.
-    const auto order = [this](const auto &) {
-        QMetaObject::invokeMethod(
-            this, [this] { TabOrder::followReadingOrder(*this); }, Qt::QueuedConnection);
+    const auto order = [this, toolbar, sidebar, detail](const auto &) {
+        const auto now = [toolbar, sidebar, detail] { TabOrder::followReadingOrder({ toolbar, sidebar, detail }); };
+        QMetaObject::invokeMethod(this, now, Qt::QueuedConnection);
     };
     controller.tracks.observe(this, order);
     controller.recentFiles.observe(this, order);

@@ -16,7 +16,8 @@ RecentFileRow::RecentFileRow(AlphaTabController &controller, const QUrl &url, QW
     : QAbstractButton(parent)
 {
     const QFileInfo file(url.toLocalFile());
-    setAccessibleName(file.completeBaseName());
+    const QString title = file.completeBaseName().isEmpty() ? file.fileName() : file.completeBaseName();
+    setAccessibleName(title);
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     connect(this, &QAbstractButton::clicked, &controller, [&controller, url] { controller.load(url); });
@@ -28,7 +29,7 @@ RecentFileRow::RecentFileRow(AlphaTabController &controller, const QUrl &url, QW
     auto *lines = new QVBoxLayout;
     lines->setSpacing(1);
     auto *name = new ElidedLabel;
-    name->setText(file.completeBaseName());
+    name->setText(title);
     lines->addWidget(name);
     auto *folder = new ElidedLabel(Theme::Type::Caption, &Theme::Colors::secondary, Qt::ElideMiddle);
     folder->setText(file.path());

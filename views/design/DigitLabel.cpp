@@ -5,6 +5,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 DigitLabel::DigitLabel(const QString &widest, Qt::Alignment alignment, QWidget *parent)
     : QLabel(parent)
@@ -12,7 +13,7 @@ DigitLabel::DigitLabel(const QString &widest, Qt::Alignment alignment, QWidget *
     setAlignment(alignment | Qt::AlignVCenter);
     setFont(Theme::font(Theme::Type::Caption));
     for (char16_t digit = u'0'; digit <= u'9'; ++digit)
-        m_digitWidth = std::max(m_digitWidth, fontMetrics().horizontalAdvance(QChar(digit)));
+        m_digitWidth = std::max(m_digitWidth, QFontMetricsF(font()).horizontalAdvance(QChar(digit)));
     setFixedSize(room(widest), fontMetrics().height());
 }
 
@@ -28,23 +29,23 @@ void DigitLabel::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setPen(Theme::colors(palette()).secondary);
     const QString line = text();
-    int x = alignment() & Qt::AlignRight ? width() - room(line) : 0;
+    qreal x = alignment() & Qt::AlignRight ? width() - room(line) : 0;
     for (const QChar character : line) {
-        painter.drawText(
-            QRect(x, 0, cell(character), height()), Qt::AlignCenter | Qt::TextDontClip, QString(character));
-        x += cell(character);
+        const QRectF place(x, 0, cell(character), height());
+        painter.drawText(place, Qt::AlignCenter | Qt::TextDontClip, QString(character));
+        x += place.width();
     }
 }
 
-int DigitLabel::cell(QChar character) const
+qreal DigitLabel::cell(QChar character) const
 {
-    return character.isDigit() ? m_digitWidth : fontMetrics().horizontalAdvance(character);
+    return character.isDigit() ? m_digitWidth : QFontMetricsF(font()).horizontalAdvance(character);
 }
 
 int DigitLabel::room(const QString &text) const
 {
-    int sum = 0;
+    qreal sum = 0;
     for (const QChar character : text)
         sum += cell(character);
-    return sum;
+    return static_cast<int>(std::ceil(sum));
 }

@@ -19,8 +19,8 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    int cell(QChar character) const;
+    qreal cell(QChar character) const;
     int room(const QString &text) const;
 
-    int m_digitWidth = 0;
+    qreal m_digitWidth = 0;
 };

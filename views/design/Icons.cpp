@@ -3,7 +3,6 @@
 #include <QColor>
 #include <QFile>
 #include <QHash>
-#include <QIcon>
 #include <QPaintDevice>
 #include <QPainter>
 #include <QPixmap>
@@ -98,12 +97,4 @@ void Icons::paint(QPainter &painter, const QString &identifier, const QRectF &re
     painter.setOpacity(painter.opacity() * color.alphaF());
     painter.drawPixmap(snapped, pixmap(identifier, size, color, scale));
     painter.restore();
-}
-
-QIcon Icons::application()
-{
-    QIcon icon;
-    for (const int size : { 16, 24, 32, 48, 64, 128, 256 })
-        icon.addPixmap(rendered(prepared({ u"quaverly"_s }, size, Qt::black), size, 1));
-    return icon;
 }

@@ -3,7 +3,6 @@
 #include <QString>
 
 class QColor;
-class QIcon;
 class QPainter;
 class QPixmap;
 class QRectF;
@@ -17,8 +16,5 @@ QPixmap pixmap(const QString &identifier, int size, const QColor &color, qreal s
 
 /// Paints centred in `rect`, at `size` by `size`.
 void paint(QPainter &painter, const QString &identifier, const QRectF &rect, int size, const QColor &color);
-
-/// The application's own icon.
-QIcon application();
 
 } // namespace Icons

@@ -2,14 +2,54 @@
 
 #include "views/design/Theme.h"
 
+#include <QAccessibleWidget>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QSignalBlocker>
 
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The toolkit's own calls a combo box by the text that is chosen in it; this one keeps its name.
+class AccessiblePicker final : public QAccessibleWidget {
+public:
+    explicit AccessiblePicker(Picker *picker)
+        : QAccessibleWidget(picker, QAccessible::ComboBox)
+        , m_picker(picker)
+    {
+    }
+
+    QString text(QAccessible::Text kind) const override
+    {
+        return kind == QAccessible::Value ? m_picker->currentText() : QAccessibleWidget::text(kind);
+    }
+
+    QStringList actionNames() const override { return { showMenuAction(), pressAction() }; }
+
+    void doAction(const QString &) override
+    {
+        if (m_picker->isEnabled())
+            m_picker->showPopup();
+    }
+
+private:
+    Picker *const m_picker;
+};
+
+QAccessibleInterface *makeAccessible(const QString &className, QObject *object)
+{
+    auto *picker = className == "Picker"_L1 ? qobject_cast<Picker *>(object) : nullptr;
+    return picker ? new AccessiblePicker(picker) : nullptr;
+}
+
+} // namespace
+
 Picker::Picker(QWidget *parent)
     : QComboBox(parent)
 {
+    [[maybe_unused]] static const bool installed = (QAccessible::installFactory(makeAccessible), true);
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }

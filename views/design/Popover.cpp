@@ -142,6 +142,12 @@ bool Popover::focusNextPrevChild(bool next)
     return true;
 }
 
+void Popover::mousePressEvent(QMouseEvent *event)
+{
+    // Left alone, a press between the controls would go on to the window and count as one outside.
+    event->accept();
+}
+
 void Popover::paintEvent(QPaintEvent *)
 {
     const Theme::Colors &colors = Theme::colors(palette());

@@ -2,6 +2,7 @@
 
 #include "views/design/Theme.h"
 
+#include <QFrame>
 #include <QPainter>
 #include <QPalette>
 #include <QStyleOption>
@@ -60,6 +61,16 @@ void paintMenuBarItem(const QStyleOptionMenuItem &item, QPainter &painter)
     painter.restore();
 }
 
+/// The edge of a menu and of a picker's list.
+void paintFrame(const QStyleOption &option, QPainter &painter)
+{
+    painter.save();
+    painter.setPen(Theme::colors(option.palette).separator);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(option.rect.adjusted(0, 0, -1, -1));
+    painter.restore();
+}
+
 } // namespace
 
 Style::Style()
@@ -95,6 +106,8 @@ int Style::styleHint(
     case SH_DitherDisabledText:
     case SH_ScrollBar_Transient:
         return 0;
+    case SH_ComboBox_PopupFrameStyle:
+        return QFrame::StyledPanel | QFrame::Plain;
     case SH_ScrollBar_LeftClickAbsolutePosition:
         return 1;
     case SH_ToolTip_WakeUpDelay:
@@ -111,6 +124,8 @@ int Style::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWi
         return 12;
     case PM_SplitterWidth:
         return 1;
+    case PM_MenuVMargin:
+        return 4;
     case PM_MenuBarVMargin:
         return 2;
     default:
@@ -124,6 +139,13 @@ void Style::drawPrimitive(
     switch (element) {
     case PE_PanelButtonCommand:
         paintPushButton(*option, *painter);
+        break;
+    case PE_Frame:
+    case PE_FrameMenu:
+        paintFrame(*option, *painter);
+        break;
+    case PE_PanelMenu:
+        painter->fillRect(option->rect, Theme::colors(option->palette).popover);
         break;
     case PE_FrameFocusRect:
         Theme::paintFocusRing(*painter, option->rect, Theme::radius - 2, option->palette);
@@ -145,6 +167,9 @@ void Style::drawControl(
         if (const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option))
             paintMenuBarItem(*item, *painter);
         break;
+    case CE_MenuItem:
+        drawMenuItem(*option, *painter, widget);
+        break;
     case CE_MenuBarEmptyArea:
         painter->fillRect(option->rect, colors.bar);
         break;
@@ -161,6 +186,25 @@ void Style::drawControl(
     }
 }
 
+void Style::drawMenuItem(const QStyleOption &option, QPainter &painter, const QWidget *widget) const
+{
+    const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(&option);
+    QStyleOptionMenuItem copy = item ? *item : QStyleOptionMenuItem();
+    if (copy.state & State_Selected) {
+        const Theme::Colors &colors = Theme::colors(option.palette);
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(colors.accent);
+        painter.drawRoundedRect(option.rect.adjusted(3, 1, -3, -1), Theme::radius - 2, Theme::radius - 2);
+        painter.restore();
+        copy.state &= ~State_Selected;
+        for (const auto role : { QPalette::WindowText, QPalette::Text, QPalette::ButtonText })
+            copy.palette.setColor(role, colors.onAccent);
+    }
+    QProxyStyle::drawControl(CE_MenuItem, &copy, &painter, widget);
+}
+
 void Style::drawComplexControl(
     ComplexControl control, const QStyleOptionComplex *option, QPainter *painter, const QWidget *widget) const
 {
@@ -175,6 +219,8 @@ QSize Style::sizeFromContents(
     ContentsType type, const QStyleOption *option, const QSize &size, const QWidget *widget) const
 {
     QSize result = QProxyStyle::sizeFromContents(type, option, size, widget);
+    if (type == CT_MenuItem && result.height() > 12) // separators are lower
+        result.rheight() += 4;
     if (type == CT_PushButton)
         result = result.expandedTo(QSize(84, Theme::controlHeight));
     return result;

@@ -27,4 +27,7 @@ public:
         const QWidget *widget) const override;
     QSize sizeFromContents(
         ContentsType type, const QStyleOption *option, const QSize &size, const QWidget *widget) const override;
+
+private:
+    void drawMenuItem(const QStyleOption &option, QPainter &painter, const QWidget *widget) const;
 };

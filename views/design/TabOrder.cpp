@@ -21,8 +21,9 @@ void chain(QWidget &parent, QWidget *&last)
 
 } // namespace
 
-void TabOrder::followReadingOrder(QWidget &root)
+void TabOrder::followReadingOrder(std::initializer_list<QWidget *> parts)
 {
     QWidget *last = nullptr;
-    chain(root, last);
+    for (QWidget *part : parts)
+        chain(*part, last);
 }

@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
+import { Recordings } from "./recordings.js";
 import { fetchBytes } from "./resources.js";
 import { readScore } from "./score-files.js";
 
@@ -21,7 +22,10 @@ export class Documents {
   #selection;
   #sheet;
   #post;
+  #recordings = new Recordings();
   #preferSynthesizer = false;
+  /** Counts the openings, so that of two under way only the later one is shown. */
+  #turn = 0;
 
   /** @param {Surroundings} surroundings */
   constructor({ engine, playback, mixer, selection, sheet, post }) {
@@ -34,20 +38,28 @@ export class Documents {
   }
 
   /** @param {Uint8Array | null} bytes null when they could not be decoded */
-  open(bytes) {
+  async open(bytes) {
     const reading = readScore(bytes, this.#engine.settings);
     if ("problem" in reading) {
       this.#post({ type: "error", message: reading.problem });
-    } else {
+      return;
+    }
+    const turn = ++this.#turn;
+    if (this.#recordings.isWaiting(reading.score)) {
+      await this.#recordings.prepare(reading.score);
+    }
+    if (turn === this.#turn) {
       this.#show(reading.score);
     }
   }
 
   async openDemo() {
-    try {
-      this.open(await fetchBytes("demo/demo.gp"));
-    } catch (reason) {
-      this.#post({ type: "error", message: `The demo score cannot be loaded: ${reason}` });
+    const turn = ++this.#turn;
+    const bytes = await fetchBytes("demo/demo.gp").catch(() => null);
+    if (!bytes) {
+      this.#post({ type: "error", message: "The demo score cannot be loaded." });
+    } else if (turn === this.#turn) {
+      await this.open(bytes);
     }
   }
 
@@ -56,9 +68,8 @@ export class Documents {
     this.#preferSynthesizer = Boolean(synthesized);
     const score = this.#engine.score;
     if (score && this.#choosePlayer(score)) {
-      const settle = this.#playback.carryOver();
+      this.#playback.handOver();
       this.#engine.updateSettings();
-      settle();
     }
   }
 
@@ -90,7 +101,7 @@ export class Documents {
       title: score.title,
       artist: score.artist,
       tracks: score.tracks.map((track) => ({ index: track.index, name: track.name })),
-      hasBackingTrack: hasRecording(score),
+      hasBackingTrack: this.#recordings.of(score) !== null,
     });
     this.#sheet.show(score);
     this.#playback.announceLength();
@@ -102,13 +113,9 @@ export class Documents {
    */
   #choosePlayer(score) {
     const { EnabledBackingTrack, EnabledSynthesizer } = alphaTab.PlayerMode;
-    const mode = hasRecording(score) && !this.#preferSynthesizer ? EnabledBackingTrack : EnabledSynthesizer;
+    this.#engine.recording = this.#recordings.of(score);
+    const mode = this.#engine.recording && !this.#preferSynthesizer ? EnabledBackingTrack : EnabledSynthesizer;
     this.#engine.settings.player.playerMode = mode;
     return mode !== this.#engine.actualPlayerMode;
   }
-}
-
-/** @param {import("./alphatab.js").Score} score */
-function hasRecording(score) {
-  return (score.backingTrack?.rawAudioFile?.length ?? 0) > 0;
 }

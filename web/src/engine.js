@@ -10,6 +10,8 @@ export class Engine extends alphaTab.AlphaTabApi {
   /** @type {import("./alphatab.js").Score | null} */
   #preparedScore = null;
   #preparedMode = alphaTab.PlayerMode.Disabled;
+  /** @type {Uint8Array<ArrayBuffer> | null} what plays in the player's place while the score's recording is chosen */
+  recording = null;
 
   /** @param {HTMLElement} sheet where the notation is drawn */
   constructor(sheet) {
@@ -39,6 +41,23 @@ export class Engine extends alphaTab.AlphaTabApi {
       this.#preparedScore = this.score;
       this.#preparedMode = this.actualPlayerMode;
       super.loadMidiForScore();
+      if (this.actualPlayerMode === alphaTab.PlayerMode.EnabledBackingTrack) {
+        this.#loadRecording();
+      }
+    }
+  }
+
+  #loadRecording() {
+    const output = /** @type {import("@coderline/alphatab").synth.IAudioElementBackingTrackSynthOutput | undefined} */ (
+      this.player?.output
+    );
+    if (output && this.recording) {
+      const audio = output.audioElement;
+      // A pause while the element is still starting is no fault.
+      audio.play = () => HTMLMediaElement.prototype.play.call(audio).catch(() => {});
+      // A recording may end before the last bar does.
+      audio.onended = () => this.stop();
+      output.loadBackingTrack(Object.assign(new alphaTab.model.BackingTrack(), { rawAudioFile: this.recording }));
     }
   }
 }

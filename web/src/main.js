@@ -37,8 +37,8 @@ new SoundBank(engine, post);
 engine.error.on((error) => post({ type: "error", message: error.message }));
 
 expose({
-  loadBase64: (base64) => documents.open(decodeBase64(base64)),
-  loadSample: () => documents.openDemo(),
+  loadBase64: (base64) => void documents.open(decodeBase64(base64)),
+  loadSample: () => void documents.openDemo(),
   playPause: () => playback.playPause(),
   stop: () => playback.stop(),
   seekToTime: (ms) => playback.seekToTime(ms),

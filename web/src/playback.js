@@ -24,6 +24,8 @@ export class Playback {
   /** The engine still reports on the score before until it has loaded this one. */
   #stale = false;
   #startWhenReady = false;
+  /** @type {number | null} */
+  #resumeTick = null;
   #tick = 0;
   /** @type {number | null} */
   #awaitedTick = null;
@@ -40,9 +42,7 @@ export class Playback {
     this.#feed = new PositionFeed((position) => post({ type: "position", ...position }), () => performance.now());
     api.midiLoad.on((midi) => this.#measure(midi));
     // Listened to on the element: subscribing on the object asks the player for its last answer, which recurses for ever.
-    api.sheet.addEventListener("alphaTab.midiFileLoaded", () => {
-      this.#stale = false;
-    });
+    api.sheet.addEventListener("alphaTab.midiFileLoaded", () => this.#onLoaded());
     api.playerReady.on(() => this.#onReady());
     api.playerStateChanged.on((event) => this.#onState(event));
     api.playerPositionChanged.on((event) => this.#onPosition(event));
@@ -74,6 +74,7 @@ export class Playback {
   leaveScore() {
     this.#stale = true;
     this.#startWhenReady = false;
+    this.#resumeTick = null;
     this.#awaitedTick = null;
     this.#tick = 0;
     this.setRange(null);
@@ -130,7 +131,8 @@ export class Playback {
   /** @param {number} volume */
   setMasterVolume(volume) {
     if (Number.isFinite(volume)) {
-      this.#api.masterVolume = Math.max(volume, 0);
+      // An audio element takes nothing above its full volume.
+      this.#api.masterVolume = Math.min(Math.max(volume, 0), 1);
     }
   }
 
@@ -162,17 +164,12 @@ export class Playback {
     this.#applyRange();
   }
 
-  /** Keeps the place (and goes on playing, if it was) across a change of the player. */
-  carryOver() {
-    const tick = this.#tick;
-    this.#startWhenReady = this.#playing;
+  /** To be called before another player takes over: it starts at this place, and goes on playing if this one did. */
+  handOver() {
+    this.#resumeTick = this.#tick;
+    this.#startWhenReady ||= this.#playing;
+    this.#stale = true;
     this.#setPlaying(false);
-    return () => {
-      this.#stale = false;
-      this.#applyRange();
-      this.applyCountIn();
-      this.#api.tickPosition = tick;
-    };
   }
 
   #applyRange() {
@@ -187,6 +184,17 @@ export class Playback {
     player.playbackRange = range ? Object.assign(new alphaTab.synth.PlaybackRange(), range) : null;
     if (inside && range) {
       this.seekToTick(tick);
+    }
+  }
+
+  #onLoaded() {
+    this.#stale = false;
+    const tick = this.#resumeTick;
+    if (tick !== null) {
+      this.#resumeTick = null;
+      this.#tick = tick;
+      this.#applyRange();
+      this.#api.tickPosition = tick;
     }
   }
 
@@ -248,7 +256,8 @@ export class Playback {
     }
     this.#tick = event.currentTick;
     // The engine counts in time as played, which stretches with the speed. Its own end tells by how much.
-    const position = { currentTime: (event.currentTime / event.endTime) * this.endTime, endTime: this.endTime };
+    const part = Math.min(Math.max(event.currentTime / event.endTime, 0), 1);
+    const position = { currentTime: part * this.endTime, endTime: this.endTime };
     if (event.isSeek || !this.#playing) {
       this.#feed.jump(position);
     } else {

@@ -28,6 +28,7 @@ export function readScore(bytes, settings) {
   }
   try {
     const score = format === "musicXml" ? importMusicXml(bytes, settings) : importBytes(bytes, settings);
+    breakableSpaces(score);
     return score.tracks.length > 0 && score.masterBars.length > 0 ? { score } : { problem: "The score has no music in it." };
   } catch (reason) {
     return { problem: `The score file is damaged or cut short (${sentenceOf(reason)}).` };
@@ -60,8 +61,30 @@ function importBytes(bytes, settings) {
  * @param {Settings} settings
  */
 function importMusicXml(bytes, settings) {
-  const utf8 = new TextEncoder().encode(decodeText(bytes));
+  const text = decodeText(bytes);
+  // The engine takes a file that breaks off for a shorter one.
+  if (new DOMParser().parseFromString(text, "application/xml").querySelector("parsererror")) {
+    throw new Error("it is not well-formed XML");
+  }
+  const utf8 = new TextEncoder().encode(text);
   return quietly(() => alphaTab.importer.ScoreLoader.loadScoreFromBytes(utf8, settings));
+}
+
+/**
+ * The engine's MusicXML reader puts no-break spaces in place of all spaces; nobody searches or names files by those.
+ *
+ * @param {Score} score
+ */
+function breakableSpaces(score) {
+  /** @type {("title" | "subTitle" | "artist" | "album" | "words" | "music" | "copyright")[]} */
+  const fields = ["title", "subTitle", "artist", "album", "words", "music", "copyright"];
+  for (const field of fields) {
+    score[field] = score[field].replaceAll("\u00a0", " ");
+  }
+  for (const track of score.tracks) {
+    track.name = track.name.replaceAll("\u00a0", " ");
+    track.shortName = track.shortName.replaceAll("\u00a0", " ");
+  }
 }
 
 /** @param {Score} score */

@@ -1,0 +1,58 @@
+#include "tests/engine/EngineScores.h"
+
+#include <QDir>
+#include <QFile>
+
+using namespace Qt::StringLiterals;
+
+namespace EngineScores {
+namespace {
+
+QDir samples() { return QDir(qEnvironmentVariable("QUAVERLY_SAMPLES")); }
+
+QString measure(int number, int tempo)
+{
+    static const QString note
+        = u"<note><pitch><step>%1</step><octave>4</octave></pitch><duration>1</duration><type>quarter</type></note>"_s;
+    QString music;
+    if (number == 1) {
+        music
+            += u"<attributes><divisions>1</divisions><time><beats>4</beats><beat-type>4</beat-type></time></attributes>"
+               "<direction><direction-type><metronome><beat-unit>quarter</beat-unit><per-minute>%1</per-minute>"
+               "</metronome></direction-type><sound tempo=\"%1\"/></direction>"_s.arg(tempo);
+    }
+    for (const QChar step : u"CEGE"_s)
+        music += note.arg(step);
+    return u"<measure number=\"%1\">%2</measure>"_s.arg(QString::number(number), music);
+}
+
+} // namespace
+
+QByteArray musicXml(const Tune &tune)
+{
+    QString list;
+    QString parts;
+    for (qsizetype part = 0; part < tune.parts.size(); ++part) {
+        const QString id = u"P%1"_s.arg(part + 1);
+        list += u"<score-part id=\"%1\"><part-name>%2</part-name></score-part>"_s.arg(id, tune.parts.at(part));
+        parts += u"<part id=\"%1\">"_s.arg(id);
+        for (int bar = 1; bar <= tune.bars; ++bar)
+            parts += measure(bar, tune.tempo);
+        parts += u"</part>"_s;
+    }
+    return u"<?xml version=\"1.0\" encoding=\"UTF-8\"?><score-partwise "
+           u"version=\"4.0\"><work><work-title>%1</work-title>"
+           "</work><identification><creator type=\"composer\">%2</creator></identification><part-list>%3</part-list>%4"
+           "</score-partwise>"_s.arg(tune.title, tune.composer, list, parts)
+               .toUtf8();
+}
+
+QByteArray sample(const QString &name)
+{
+    QFile file(samples().filePath(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool haveSamples() { return samples().exists(u"canon.gp5"_s); }
+
+} // namespace EngineScores

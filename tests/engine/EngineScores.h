@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+/// Scores for the tests, made up on the spot.
+namespace EngineScores {
+
+struct Tune {
+    QString title = QStringLiteral("Tune");
+    QString composer = QStringLiteral("Nobody");
+    /// One part for each name; all play the same quarter notes.
+    QStringList parts = { QStringLiteral("Guitar") };
+    /// Bars in four-four time.
+    int bars = 8;
+    /// Quarter notes a minute.
+    int tempo = 120;
+};
+
+/// The tune as a MusicXML file. At 120 quarter notes a minute each bar lasts 2000 milliseconds.
+QByteArray musicXml(const Tune &tune);
+
+/// A real score file of the collection beside the project; empty where the collection is not there.
+QByteArray sample(const QString &name);
+bool haveSamples();
+
+} // namespace EngineScores

@@ -1,0 +1,86 @@
+#pragma once
+
+#include "engine_host/MessageReceiver.h"
+#include "engine_host/RootSandbox.h"
+#include "engine_host/ScriptHandler.h"
+#include "engine_host/WebEngineHost.h"
+#include "engine_host/WebSchemeHandler.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QStringList>
+#include <QTest>
+#include <QWebEngineView>
+
+#include <functional>
+#include <memory>
+
+/// One run of the real engine page, with everything it said.
+class EngineSession final : public MessageReceiver {
+public:
+    struct Heard {
+        qint64 at = 0; ///< milliseconds since the session began
+        QVariantMap message;
+    };
+
+    EngineSession();
+    ~EngineSession() override;
+    Q_DISABLE_COPY_MOVE(EngineSession)
+
+    /// Loads the page in a view of the given size and waits until it can take a score.
+    bool start(QSize size = { 1200, 800 }, bool shown = true);
+
+    /// Makes one call; an exception in it ends up in complaints().
+    void call(const QString &script);
+    /// The value of an expression in the page.
+    QVariant valueOf(const QString &expression);
+    /// Waits for `happened`, at most `milliseconds`.
+    bool waitFor(const std::function<bool()> &happened, int milliseconds = 20000);
+    bool waitForCount(const QString &type, qsizetype count, int milliseconds = 20000);
+
+    /// Opens `bytes` as a file and waits until it can be played and is drawn.
+    bool open(const QByteArray &bytes);
+    bool openDemo();
+
+    QList<Heard> heard(const QString &type) const;
+    qsizetype count(const QString &type) const { return heard(type).size(); }
+    QVariantMap last(const QString &type) const;
+    /// Milliseconds of score time; -1 before the first position.
+    double position() const;
+    double length() const;
+    bool isPlaying() const { return last(QStringLiteral("state")).value(QStringLiteral("playing")).toBool(); }
+
+    /// Console errors and failed calls; a good run has none.
+    QStringList complaints() const { return m_complaints; }
+    WebEngineHost &host() { return *m_host; }
+
+    /// From now on what leaves the page for the loudspeakers can be measured with loudness().
+    void listen();
+    /// Peak of the last three quarters of a second, 0 to 1.
+    double loudness();
+
+    void handle(const QVariantMap &message) override;
+
+private:
+    bool waitForScore(qsizetype drawn);
+
+    ScriptHandler m_handler;
+    std::unique_ptr<WebEngineHost> m_host;
+    QElapsedTimer m_clock;
+    QList<Heard> m_heard;
+    QStringList m_complaints;
+};
+
+/// The main function of a test that runs the web engine.
+template <class Test> int runEngineTest(int argc, char *argv[])
+{
+    WebSchemeHandler::registerScheme();
+    RootSandbox::adapt();
+    const QApplication application(argc, argv);
+    // On its first start the engine says what it thinks of the screen. That is said before any test listens: a warning
+    // in a test is a failure.
+    const QWebEngineView firstStart;
+    firstStart.page();
+    Test test;
+    return QTest::qExec(&test, argc, argv);
+}

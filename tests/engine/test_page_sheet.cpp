@@ -1,0 +1,258 @@
+#include "engine_host/BridgeCalls.h"
+#include "tests/engine/EngineScores.h"
+#include "tests/engine/EngineSession.h"
+
+#include <QWidget>
+
+using namespace Qt::StringLiterals;
+
+/// The paper: layouts, sizes, tracks, the mouse.
+class TestPageSheet final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_session = std::make_unique<EngineSession>();
+        QVERIFY(m_session->start());
+    }
+
+    void cleanup()
+    {
+        QCOMPARE(m_session->complaints(), QStringList());
+        m_session.reset();
+    }
+
+    void everyTrackIsDrawnAfterALoad()
+    {
+        QVERIFY(m_session->open(threeParts()));
+        const QString text = drawnText();
+        for (const QString &name : { u"Flute"_s, u"Viola"_s, u"Bass"_s })
+            QVERIFY2(text.contains(name), qPrintable(text));
+    }
+
+    void onlyTheChosenTracksAreDrawn()
+    {
+        QVERIFY(m_session->open(threeParts()));
+        redraw(BridgeCalls::renderTracks({ 0, 2 }));
+        QVERIFY(m_session->waitFor([&] { return !drawnText().contains(u"Viola"_s); }));
+        QVERIFY(drawnText().contains(u"Flute"_s) && drawnText().contains(u"Bass"_s));
+        redraw(BridgeCalls::renderTracks({ 0, 1, 2 }));
+        QVERIFY(m_session->waitFor([&] { return drawnText().contains(u"Viola"_s); }));
+    }
+
+    void aNewScoreShowsAllItsTracksAgain()
+    {
+        QVERIFY(m_session->open(threeParts()));
+        redraw(BridgeCalls::renderTracks({ 1 }));
+        QVERIFY(m_session->open(threeParts()));
+        QVERIFY(drawnText().contains(u"Flute"_s) && drawnText().contains(u"Bass"_s));
+    }
+
+    void everyDrawingIsReported()
+    {
+        QVERIFY(m_session->open(threeParts()));
+        QCOMPARE(m_session->count(u"rendered"_s), 1);
+        redraw(BridgeCalls::setZoom(0.75));
+        QCOMPARE(m_session->count(u"rendered"_s), 2);
+        redraw(BridgeCalls::setLayout(true));
+        QCOMPARE(m_session->count(u"rendered"_s), 3);
+    }
+
+    void zoomMakesTheNotationLarger()
+    {
+        QVERIFY(m_session->open(threeParts()));
+        const double normal = systemHeight();
+        redraw(BridgeCalls::setZoom(2.0));
+        const double large = systemHeight();
+        redraw(BridgeCalls::setZoom(0.5));
+        const double small = systemHeight();
+        QVERIFY2(
+            large > 1.7 * normal && small < 0.6 * normal, qPrintable(u"%1 %2 %3"_s.arg(normal).arg(large).arg(small)));
+    }
+
+    void theHorizontalLayoutIsOneLine()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 40 })));
+        QVERIFY(scrollRoom(u"Height"_s) > 0);
+        redraw(BridgeCalls::setLayout(true));
+        QVERIFY(scrollRoom(u"Width"_s) > 2000);
+        QCOMPARE(scrollRoom(u"Height"_s), 0);
+        redraw(BridgeCalls::setLayout(false));
+        QCOMPARE(scrollRoom(u"Width"_s), 0);
+    }
+
+    void layoutAndZoomComeBeforeTheScoreToo()
+    {
+        m_session->call(BridgeCalls::setLayout(true));
+        m_session->call(BridgeCalls::setZoom(2.0));
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 40 })));
+        QVERIFY(scrollRoom(u"Width"_s) > 4000);
+    }
+
+    void aNarrowWindowBreaksLinesSooner()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 40 })));
+        const int wide = scrollRoom(u"Height"_s);
+        const qsizetype drawn = m_session->count(u"rendered"_s);
+        m_session->host().view()->resize(600, 800);
+        QVERIFY(m_session->waitForCount(u"rendered"_s, drawn + 1));
+        QVERIFY(m_session->waitFor([&] { return scrollRoom(u"Height"_s) > wide; }));
+        QCOMPARE(scrollRoom(u"Width"_s), 0);
+    }
+
+    void aHiddenPageOpensAScoreAllTheSame()
+    {
+        m_session = std::make_unique<EngineSession>();
+        QVERIFY(m_session->start({ 1200, 800 }, false));
+        m_session->call(BridgeCalls::loadBase64(threeParts()));
+        QVERIFY(m_session->waitForCount(u"score"_s, 1));
+        QVERIFY(m_session->waitForCount(u"playerReady"_s, 1));
+        m_session->host().view()->show();
+        QVERIFY(m_session->waitForCount(u"rendered"_s, 1));
+        QVERIFY(m_session->waitFor([&] { return drawnText().contains(u"Viola"_s); }));
+    }
+
+    void thePlaceBeingPlayedIsMarkedAndStaysInView()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 80 })));
+        m_session->call(BridgeCalls::seekToTime(120000));
+        QVERIFY(m_session->waitFor([&] { return cursorInView() && scrolled() > 500; }));
+        m_session->call(BridgeCalls::stop());
+        QVERIFY(m_session->waitFor([&] { return cursorInView() && scrolled() == 0; }));
+        m_session->call(BridgeCalls::setSpeed(8));
+        m_session->call(BridgeCalls::playPause());
+        QVERIFY(m_session->waitFor([&] { return m_session->position() > 90000; }, 40000));
+        QVERIFY(m_session->waitFor([&] { return cursorInView() && scrolled() > 500; }));
+        QVERIFY(m_session->valueOf(u"document.querySelectorAll('.at-highlight').length"_s).toInt() > 0);
+    }
+
+    void aClickOnABeatGoesThere()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 8 })));
+        const QPoint third = beatAt(2, 0);
+        const QPoint lateInThird = beatAt(2, 3);
+        click(third);
+        QVERIFY2(m_session->waitFor([&] { return qAbs(m_session->position() - 4000) < 20; }),
+            qPrintable(QString::number(m_session->position())));
+        click(lateInThird);
+        QVERIFY(m_session->waitFor([&] { return qAbs(m_session->position() - 5500) < 20; }));
+        QCOMPARE(ranges(), 0);
+    }
+
+    void aDragChoosesWhatLoops()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 8 })));
+        drag(beatAt(1, 0), beatAt(1, 3));
+        QVERIFY(m_session->waitFor([&] { return ranges() == 1 && qAbs(m_session->position() - 2000) < 20; }));
+        m_session->call(BridgeCalls::setLooping(true));
+        m_session->call(BridgeCalls::setSpeed(2));
+        m_session->call(BridgeCalls::playPause());
+        QVERIFY(m_session->waitFor([&] { return m_session->position() > 3500; }));
+        const qsizetype before = m_session->count(u"position"_s);
+        QVERIFY(m_session->waitFor([&] { return m_session->position() < 2500; }));
+        QVERIFY(m_session->waitFor([&] { return m_session->position() > 3500; }));
+        for (const EngineSession::Heard &one : m_session->heard(u"position"_s).mid(before)) {
+            const double at = one.message.value(u"currentTime"_s).toDouble();
+            QVERIFY2(at > 1900 && at < 4100, qPrintable(QString::number(at)));
+        }
+        click(beatAt(4, 0));
+        QVERIFY(m_session->waitFor([&] { return ranges() == 0 && m_session->position() > 7900; }));
+    }
+
+    void aRangeBindsOnlyTheLooping()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 8 })));
+        drag(beatAt(1, 0), beatAt(1, 3));
+        QVERIFY(m_session->waitFor([&] { return ranges() == 1; }));
+        m_session->call(BridgeCalls::seekToTime(9000));
+        QVERIFY(m_session->waitFor([&] { return qAbs(m_session->position() - 9000) < 20; }));
+    }
+
+    void aRangeIsGoneWithItsScoreAndSurvivesItsTrack()
+    {
+        QVERIFY(m_session->open(threeParts()));
+        drag(beatAt(1, 0), beatAt(1, 3));
+        QVERIFY(m_session->waitFor([&] { return ranges() == 1; }));
+        redraw(BridgeCalls::renderTracks({ 1 }));
+        redraw(BridgeCalls::renderTracks({ 0, 1, 2 }));
+        QCOMPARE(ranges(), 1);
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 8 })));
+        QCOMPARE(ranges(), 0);
+    }
+
+private:
+    static QByteArray threeParts()
+    {
+        return EngineScores::musicXml({ .parts = { u"Flute"_s, u"Viola"_s, u"Bass"_s }, .bars = 12 });
+    }
+
+    void redraw(const QString &script)
+    {
+        const qsizetype drawn = m_session->count(u"rendered"_s);
+        m_session->call(script);
+        QVERIFY(m_session->waitForCount(u"rendered"_s, drawn + 1));
+    }
+
+    QString drawnText() { return m_session->valueOf(u"document.getElementById('sheet').textContent"_s).toString(); }
+
+    int ranges() { return m_session->valueOf(u"document.querySelectorAll('.range').length"_s).toInt(); }
+
+    int scrolled() { return m_session->valueOf(u"document.getElementById('desk').scrollTop"_s).toInt(); }
+
+    int scrollRoom(const QString &direction)
+    {
+        return m_session
+            ->valueOf(
+                u"(() => { const desk = document.getElementById('desk'); return desk.scroll%1 - desk.client%1; })()"_s
+                    .arg(direction))
+            .toInt();
+    }
+
+    double systemHeight()
+    {
+        return m_session->valueOf(u"document.querySelector('.at-cursor-bar').getBoundingClientRect().height"_s)
+            .toDouble();
+    }
+
+    bool cursorInView()
+    {
+        return m_session
+            ->valueOf(
+                u"(() => { const box = document.querySelector('.at-cursor-bar').getBoundingClientRect(); "
+                "return box.top >= -1 && box.top < innerHeight / 2 && box.left < innerWidth && box.right > 0; })()"_s)
+            .toBool();
+    }
+
+    /// Where a note head is drawn; all bars are alike, four quarter notes each.
+    QPoint beatAt(int bar, int beat)
+    {
+        const QVariantList place
+            = m_session
+                  ->valueOf(u"(() => { const heads = [...document.querySelectorAll('#sheet .at-surface g[class^=b]')]"
+                            ".map((group) => group.getBoundingClientRect()).filter((box) => box.width > 0); "
+                            "const tops = Math.min(...heads.map((box) => box.top)); "
+                            "const line = heads.filter((box) => box.top < tops + 60).sort((a, b) => a.left - b.left); "
+                            "const box = line[%1]; return [box.left + 4, box.top + box.height / 2]; })()"_s.arg(
+                                bar * 4 + beat))
+                  .toList();
+        return place.size() == 2 ? QPoint(int(place.at(0).toDouble()), int(place.at(1).toDouble())) : QPoint();
+    }
+
+    QWidget *target() { return m_session->host().view()->focusProxy(); }
+
+    void click(QPoint at) { QTest::mouseClick(target(), Qt::LeftButton, {}, at); }
+
+    void drag(QPoint from, QPoint to)
+    {
+        QTest::mousePress(target(), Qt::LeftButton, {}, from);
+        for (int step = 1; step <= 4; ++step)
+            QTest::mouseMove(target(), from + (to - from) * step / 4, 20);
+        QTest::mouseRelease(target(), Qt::LeftButton, {}, to);
+    }
+
+    std::unique_ptr<EngineSession> m_session;
+};
+
+int main(int argc, char *argv[]) { return runEngineTest<TestPageSheet>(argc, argv); }
+#include "test_page_sheet.moc"

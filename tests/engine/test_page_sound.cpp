@@ -1,0 +1,212 @@
+#include "engine_host/BridgeCalls.h"
+#include "tests/engine/EngineScores.h"
+#include "tests/engine/EngineSession.h"
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Below this peak nothing is heard: it is a thousandth of full scale.
+constexpr double silence = 0.001;
+constexpr double audible = 0.01;
+
+} // namespace
+
+/// What comes out of the loudspeakers, measured where the page hands it over.
+class TestPageSound final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_session = std::make_unique<EngineSession>();
+        QVERIFY(m_session->start());
+        m_session->listen();
+        QVERIFY(m_session->open(EngineScores::musicXml({ .parts = { u"Left"_s, u"Right"_s }, .bars = 60 })));
+    }
+
+    void cleanup()
+    {
+        QCOMPARE(m_session->complaints(), QStringList());
+        m_session.reset();
+    }
+
+    void playingIsHeard()
+    {
+        play();
+        QVERIFY(becomesAudible());
+    }
+
+    void masterVolumeRulesEverything()
+    {
+        m_session->call(BridgeCalls::setMasterVolume(0));
+        play();
+        QVERIFY(staysSilent());
+        m_session->call(BridgeCalls::setMasterVolume(0.8));
+        QVERIFY(becomesAudible());
+    }
+
+    void mutedTracksAreSilent()
+    {
+        m_session->call(BridgeCalls::setTrackMute(0, true));
+        m_session->call(BridgeCalls::setTrackMute(1, true));
+        play();
+        QVERIFY(staysSilent());
+        m_session->call(BridgeCalls::setTrackMute(1, false));
+        QVERIFY(becomesAudible());
+    }
+
+    void aSoloedTrackSilencesTheOthers()
+    {
+        m_session->call(BridgeCalls::setTrackVolume(0, 0));
+        m_session->call(BridgeCalls::setTrackSolo(0, true));
+        play();
+        QVERIFY(staysSilent());
+        m_session->call(BridgeCalls::setTrackSolo(1, true));
+        QVERIFY(becomesAudible());
+    }
+
+    void trackVolumeIsHeard()
+    {
+        m_session->call(BridgeCalls::setTrackVolume(0, 0));
+        m_session->call(BridgeCalls::setTrackVolume(1, 0));
+        play();
+        QVERIFY(staysSilent());
+        m_session->call(BridgeCalls::setTrackVolume(0, 1.0));
+        QVERIFY(becomesAudible());
+    }
+
+    void theMixerStartsAfreshWithAScore()
+    {
+        m_session->call(BridgeCalls::setTrackMute(0, true));
+        m_session->call(BridgeCalls::setTrackSolo(0, true));
+        m_session->call(BridgeCalls::setTrackVolume(0, 0));
+        QVERIFY(m_session->open(EngineScores::musicXml({ .title = u"Other"_s, .bars = 60 })));
+        play();
+        QVERIFY(becomesAudible());
+    }
+
+    void theMetronomeClicks_data()
+    {
+        QTest::addColumn<QString>("sound");
+        QTest::addColumn<QString>("mode");
+        QTest::newRow("woodblock") << u"woodblock"_s << u"bar"_s;
+        QTest::newRow("beep") << u"beep"_s << u"beat"_s;
+        QTest::newRow("click") << u"click"_s << u"half"_s;
+        QTest::newRow("tick") << u"tick"_s << u"quarter"_s;
+    }
+
+    void theMetronomeClicks()
+    {
+        QFETCH(QString, sound);
+        QFETCH(QString, mode);
+        silenceTracks();
+        m_session->call(BridgeCalls::configMetronome(0.8, sound, true, mode));
+        play();
+        QVERIFY(staysSilent());
+        m_session->call(BridgeCalls::setMetronome(true));
+        QVERIFY(becomesAudible());
+        m_session->call(BridgeCalls::configMetronome(0, sound, true, mode));
+        QVERIFY(becomesSilent());
+        m_session->call(BridgeCalls::configMetronome(0.8, sound, true, mode));
+        QVERIFY(becomesAudible());
+        m_session->call(BridgeCalls::setMetronome(false));
+        QVERIFY(becomesSilent());
+    }
+
+    void theMetronomeGoesOnBesideASolo()
+    {
+        m_session->call(BridgeCalls::setTrackVolume(0, 0));
+        m_session->call(BridgeCalls::setTrackSolo(0, true));
+        m_session->call(BridgeCalls::setMetronome(true));
+        play();
+        QVERIFY(becomesAudible());
+    }
+
+    void theMetronomeOutlivesTheScore()
+    {
+        m_session->call(BridgeCalls::setMetronome(true));
+        QVERIFY(m_session->open(EngineScores::musicXml({ .title = u"Other"_s, .bars = 60 })));
+        m_session->call(BridgeCalls::setTrackMute(0, true));
+        play();
+        QVERIFY(becomesAudible());
+    }
+
+    void aPreviewIsHeardWhileNothingPlays()
+    {
+        m_session->call(BridgeCalls::configMetronome(0.7, u"beep"_s, true, u"beat"_s));
+        m_session->call(BridgeCalls::previewMetronome());
+        QVERIFY(becomesAudible());
+        QVERIFY(!m_session->isPlaying());
+        QVERIFY(becomesSilent());
+    }
+
+    void theCountInComesBeforeTheScore()
+    {
+        m_session->call(BridgeCalls::setCountIn(true));
+        silenceTracks();
+        play();
+        QVERIFY(becomesAudible());
+        QVERIFY(m_session->position() < 50);
+        QVERIFY(m_session->waitFor([&] { return m_session->position() > 300; }));
+        // A bar of four beats at 120 came first.
+        const qint64 began = m_session->heard(u"state"_s).constFirst().at;
+        const qint64 moved = m_session->heard(u"position"_s).constLast().at;
+        QVERIFY2(moved - began > 2000, qPrintable(QString::number(moved - began)));
+        m_session->call(BridgeCalls::stop());
+        m_session->call(BridgeCalls::setCountIn(false));
+        QVERIFY(m_session->waitFor([&] { return !m_session->isPlaying(); }));
+        play();
+        QVERIFY(staysSilent());
+    }
+
+    void theChoiceOfSoundChangesNothingWithoutARecording()
+    {
+        m_session->call(BridgeCalls::setSoundSource(true));
+        play();
+        QVERIFY(becomesAudible());
+        m_session->call(BridgeCalls::setSoundSource(false));
+        QVERIFY(m_session->isPlaying());
+        QVERIFY(becomesAudible());
+    }
+
+private:
+    void play()
+    {
+        m_session->call(BridgeCalls::playPause());
+        QVERIFY(m_session->waitFor([&] { return m_session->isPlaying(); }));
+    }
+
+    void silenceTracks()
+    {
+        m_session->call(BridgeCalls::setTrackMute(0, true));
+        m_session->call(BridgeCalls::setTrackMute(1, true));
+    }
+
+    bool becomesAudible()
+    {
+        return m_session->waitFor([&] { return m_session->loudness() > audible; });
+    }
+
+    bool becomesSilent()
+    {
+        return m_session->waitFor([&] { return m_session->loudness() < silence; });
+    }
+
+    /// Nothing is heard while the score plays on for three beats.
+    bool staysSilent()
+    {
+        const double start = qMax(m_session->position(), 0.0);
+        bool heard = false;
+        const bool played = m_session->waitFor([&] {
+            heard = heard || m_session->loudness() > silence;
+            return heard || m_session->position() > start + 1500;
+        });
+        return played && !heard;
+    }
+
+    std::unique_ptr<EngineSession> m_session;
+};
+
+int main(int argc, char *argv[]) { return runEngineTest<TestPageSound>(argc, argv); }
+#include "test_page_sound.moc"

@@ -1,0 +1,257 @@
+#include "engine_host/AlphaTabWebView.h"
+#include "tests/views/ShownWindow.h"
+#include "views/ContentView.h"
+#include "views/EmptyState.h"
+#include "views/TrackSidebar.h"
+#include "views/TransportBar.h"
+#include "views/design/Button.h"
+
+#include <QDropEvent>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QSplitter>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool drop(QWidget &target, const QList<QUrl> &urls)
+{
+    QMimeData data;
+    data.setUrls(urls);
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&target, &enter);
+    QDropEvent dropped(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&target, &dropped);
+    if (enter.isAccepted() != dropped.isAccepted())
+        qFatal("the pointer promises another thing than the drop does");
+    return dropped.isAccepted();
+}
+
+QString loading(const QByteArray &bytes)
+{
+    return u"window.qv.loadBase64('%1')"_s.arg(QString::fromLatin1(bytes.toBase64()));
+}
+
+template <typename T> T *shown(const ShownWindow &w)
+{
+    T *view = w.window.findChild<T *>();
+    return view && view->isVisible() ? view : nullptr;
+}
+
+} // namespace
+
+class TestContentView final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void theFirstAcceptedFileOfADropIsOpened_data()
+    {
+        QTest::addColumn<QStringList>("names");
+        QTest::addColumn<QString>("opened");
+        QTest::newRow("only the second is a score") << QStringList{ u"a.txt"_s, u"b.gp"_s, u"c.jpg"_s } << u"b.gp"_s;
+        QTest::newRow("two scores") << QStringList{ u"one.gpx"_s, u"two.gp5"_s } << u"one.gpx"_s;
+        QTest::newRow("upper case") << QStringList{ u"SONG.GP5"_s } << u"SONG.GP5"_s;
+        QTest::newRow("none") << QStringList{ u"a.txt"_s, u"gp"_s } << QString();
+        QTest::newRow("nothing") << QStringList() << QString();
+    }
+
+    void theFirstAcceptedFileOfADropIsOpened()
+    {
+        QFETCH(QStringList, names);
+        QFETCH(QString, opened);
+        ShownWindow w;
+        w.controller.handle({ { u"type"_s, u"ready"_s } });
+        w.sent();
+        QList<QUrl> urls;
+        for (const QString &name : names)
+            urls << w.world.file(name, name.toUtf8());
+        QCOMPARE(drop(*w.content, urls), !opened.isEmpty());
+        QCOMPARE(w.sent(), opened.isEmpty() ? QStringList() : QStringList{ loading(opened.toUtf8()) });
+    }
+
+    void aPDFReplacesTheScoreSide()
+    {
+        ShownWindow w;
+        w.score(u"Song"_s, { u"Guitar"_s });
+        QWidget *const web = w.controller.webView();
+        w.openPDF();
+        QVERIFY(!shown<TransportBar>(w));
+        QVERIFY(!shown<TrackSidebar>(w));
+        QVERIFY(w.control(u"Open"_s));
+        for (const QString &name : { u"Demo"_s, u"Horizontal"_s, u"Zoom out"_s, u"Zoom in"_s })
+            QVERIFY2(!w.control(name), qPrintable(name));
+
+        w.controller.pdfDocument = nullptr;
+        QVERIFY(shown<TransportBar>(w) && shown<TrackSidebar>(w) && w.control(u"Demo"_s));
+        QCOMPARE(w.controller.webView(), web);
+        QVERIFY(web->isVisible());
+    }
+
+    void theSheetLiesOverTheEmptyState()
+    {
+        ShownWindow w;
+        QVERIFY(shown<EmptyState>(w));
+        w.openPDF();
+        auto *empty = w.window.findChild<EmptyState *>();
+        QWidget *top = w.window.childAt(empty->mapTo(&w.window, empty->rect().center()));
+        QVERIFY(top);
+        QVERIFY(top != empty && !empty->isAncestorOf(top));
+    }
+
+    void theEmptyStateCoversTheEngineUntilThereIsAScore()
+    {
+        ShownWindow w;
+        auto *web = w.window.findChild<AlphaTabWebView *>();
+        auto *empty = shown<EmptyState>(w);
+        QVERIFY(web->isVisible());
+        QVERIFY(empty);
+        QCOMPARE(empty->size(), web->size());
+        QVERIFY(!web->isEnabled());
+        w.score(u"Song"_s, { u"Guitar"_s });
+        QVERIFY(!shown<EmptyState>(w));
+        QVERIFY(web->isVisible() && web->isEnabled());
+    }
+
+    void zoomStepsStayInRange_data()
+    {
+        QTest::addColumn<double>("before");
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<double>("after");
+        QTest::newRow("out at the end") << 0.5 << u"Zoom out"_s << 0.5;
+        QTest::newRow("in at the end") << 2.0 << u"Zoom in"_s << 2.0;
+        QTest::newRow("unrounded") << 0.8999999999999999 << u"Zoom out"_s << 0.8999999999999999 - 0.1;
+        QTest::newRow("pulled up") << 0.1 << u"Zoom out"_s << 0.5;
+        QTest::newRow("pulled down") << 3.0 << u"Zoom in"_s << 2.0;
+        // Each button knows one end only.
+        QTest::newRow("in from far below") << 0.1 << u"Zoom in"_s << 0.2;
+    }
+
+    void zoomStepsStayInRange()
+    {
+        QFETCH(double, before);
+        QFETCH(QString, button);
+        ShownWindow w;
+        w.controller.zoom = before;
+        w.sent();
+        w.click(button);
+        QTEST(w.controller.zoom.value(), "after");
+        QCOMPARE(w.sent().size(), 1);
+    }
+
+    void theToolBarSendsItsCalls()
+    {
+        ShownWindow w;
+        w.click(u"Demo"_s);
+        QCOMPARE(w.sent(), QStringList{ u"window.qv.loadSample()"_s });
+        w.click(u"Horizontal"_s);
+        QCOMPARE(w.sent(), QStringList{ u"window.qv.setLayout('horizontal')"_s });
+        w.click(u"Horizontal"_s);
+        QCOMPARE(w.sent(), QStringList{ u"window.qv.setLayout('page')"_s });
+        w.click(u"Zoom in"_s);
+        QCOMPARE(w.sent(), QStringList{ u"window.qv.setZoom(1.1)"_s });
+        w.click(u"Open"_s);
+        QCOMPARE(w.world.dialogs->opened, 1);
+        QVERIFY(w.sent().isEmpty());
+    }
+
+    void horizontalFollowsTheController()
+    {
+        ShownWindow w;
+        auto *horizontal = w.control<Button>(u"Horizontal"_s);
+        w.controller.horizontalLayout = true;
+        QVERIFY(horizontal->isChecked());
+        QCOMPARE(w.sent().size(), 1); // the assignment's own call
+    }
+
+    void dismissingTheAlertClearsTheError()
+    {
+        ShownWindow w;
+        w.controller.conversionError = u"Audiveris <was> not found."_s;
+        auto *alert = w.window.findChild<QMessageBox *>();
+        QVERIFY(alert && alert->isVisible());
+        QCOMPARE(alert->windowTitle(), u"Conversion"_s);
+        QCOMPARE(alert->text(), u"Audiveris <was> not found."_s);
+        QCOMPARE(alert->textFormat(), Qt::PlainText);
+        QCOMPARE(alert->buttons().size(), 1);
+        QCOMPARE(alert->buttons().constFirst()->text(), u"OK"_s);
+
+        alert->buttons().constFirst()->click();
+        QVERIFY(!w.controller.conversionError.value());
+        QTRY_VERIFY(!w.window.findChild<QMessageBox *>());
+
+        w.controller.conversionError = u"Another one."_s;
+        alert = w.window.findChild<QMessageBox *>();
+        QVERIFY(alert);
+        QTest::keyClick(alert, Qt::Key_Escape);
+        QVERIFY(!w.controller.conversionError.value());
+    }
+
+    void aLaterErrorReplacesTheText()
+    {
+        ShownWindow w;
+        w.controller.conversionError = u"First."_s;
+        w.controller.conversionError = u"Second."_s;
+        const auto alerts = w.window.findChildren<QMessageBox *>();
+        QCOMPARE(alerts.size(), 1);
+        QCOMPARE(alerts.constFirst()->text(), u"Second."_s);
+        w.controller.conversionError = std::nullopt;
+        QTRY_VERIFY(!w.window.findChild<QMessageBox *>());
+    }
+
+    void theSidebarKeepsItsLimits()
+    {
+        ShownWindow w;
+        auto *columns = w.window.findChild<QSplitter *>();
+        QCOMPARE(columns->sizes().constFirst(), 220);
+        const auto drag = [columns](int to) {
+            QWidget *handle = columns->handle(1);
+            QTest::mousePress(handle, Qt::LeftButton, {}, QPoint(0, 100));
+            QTest::mouseMove(handle, handle->mapFrom(columns, QPoint(to, 100)));
+            QTest::mouseRelease(handle, Qt::LeftButton);
+            return columns->sizes().constFirst();
+        };
+        QCOMPARE(drag(10), 180);
+        QCOMPARE(drag(900), 320);
+        QCOMPARE(drag(250), 250);
+        w.window.resize(2000, 900);
+        QCoreApplication::processEvents();
+        QCOMPARE(columns->sizes().constFirst(), 250);
+    }
+
+    void nothingOverlapsAtAnySize_data()
+    {
+        QTest::addColumn<QSize>("size");
+        for (const QSize size : { QSize(760, 520), QSize(900, 600), QSize(1400, 900), QSize(2560, 1440) })
+            QTest::addRow("%dx%d", size.width(), size.height()) << size;
+    }
+
+    void nothingOverlapsAtAnySize()
+    {
+        QFETCH(QSize, size);
+        ShownWindow w({}, size);
+        w.score(QString(200, u'W'), { QString(100, u'W'), u"Bass"_s }, true);
+        w.playerReady();
+        w.position(3599000, 5400000);
+        QCOMPARE(w.window.size(), size);
+        const QStringList names{ u"Open"_s, u"Demo"_s, u"Horizontal"_s, u"Zoom out"_s, u"Zoom in"_s, u"Play"_s,
+            u"Stop"_s, u"Position"_s, u"Speed"_s, u"Volume"_s, u"Original"_s, u"Synth"_s, u"Loop selected range"_s,
+            u"Metronome & count-in"_s, u"Show Bass"_s, u"Mute Bass"_s, u"Solo Bass"_s, u"Volume of Bass"_s };
+        QList<QRect> taken;
+        for (const QString &name : names) {
+            QWidget *control = w.control(name);
+            QVERIFY2(control, qPrintable(name));
+            QVERIFY2(control->visibleRegion() == QRegion(control->rect()), qPrintable(name + u" is cut off"_s));
+            QVERIFY2(control->width() >= control->minimumSizeHint().width(), qPrintable(name));
+            const QRect place(control->mapTo(&w.window, QPoint()), control->size());
+            for (const QRect &other : std::as_const(taken))
+                QVERIFY2(!other.intersects(place), qPrintable(name));
+            taken << place;
+        }
+    }
+};
+
+QTEST_MAIN(TestContentView)
+#include "test_content_view.moc"

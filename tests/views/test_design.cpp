@@ -1,0 +1,262 @@
+#include "tests/views/ShownWindow.h"
+#include "views/design/Button.h"
+#include "views/design/ElidedLabel.h"
+#include "views/design/Icons.h"
+#include "views/design/Popover.h"
+#include "views/design/Slider.h"
+#include "views/design/Theme.h"
+
+#include <QDirIterator>
+#include <QIcon>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWheelEvent>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QPalette darkSystem()
+{
+    QPalette palette(QColor(0x30, 0x30, 0x30));
+    for (const auto role : { QPalette::WindowText, QPalette::Text, QPalette::ButtonText })
+        palette.setColor(role, Qt::white);
+    return palette;
+}
+
+/// A window with one button and a popover of 200 by 150 at it.
+struct PopoverScene {
+    PopoverScene(QSize windowSize, QPoint buttonPlace)
+        : anchor(new Button(Button::Look::Tool, &window))
+    {
+        window.resize(windowSize);
+        anchor->setGeometry(QRect(buttonPlace, QSize(30, 30)));
+        window.show();
+        if (!QTest::qWaitForWindowActive(&window))
+            qFatal("the window does not come up");
+        content = new QWidget;
+        content->setFixedSize(200, 150);
+        popover = Popover::open(content, *anchor);
+        QCoreApplication::processEvents();
+    }
+
+    QRect body() const { return { content->mapTo(&window, QPoint()), content->size() }; }
+
+    QWidget window;
+    Button *anchor;
+    QWidget *content;
+    QPointer<Popover> popover;
+};
+
+} // namespace
+
+class TestDesign final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { Theme::install(); }
+    void cleanup() { QApplication::setPalette(QPalette()); }
+
+    void textStandsOutEverywhere_data()
+    {
+        QTest::addColumn<bool>("dark");
+        QTest::newRow("light") << false;
+        QTest::newRow("dark") << true;
+    }
+
+    /// The contrast that readers with weak sight need: 4.5 to 1 for text (WCAG 2.1, 1.4.3), 3 to 1 for the parts of a
+    /// control (1.4.11).
+    void textStandsOutEverywhere()
+    {
+        QFETCH(bool, dark);
+        const Theme::Colors &colors = Theme::colors(dark ? darkSystem() : QPalette(Qt::white));
+        const auto luminance = [](const QColor &color) {
+            const auto linear = [](double c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
+            return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+        };
+        const auto contrast = [&luminance](const QColor &a, const QColor &b) {
+            const double high = std::max(luminance(a), luminance(b));
+            const double low = std::min(luminance(a), luminance(b));
+            return (high + 0.05) / (low + 0.05);
+        };
+        for (const QColor &ground : { colors.canvas, colors.bar, colors.sidebar, colors.popover }) {
+            for (const QColor &ink : { colors.text, colors.secondary, colors.accent, colors.muted })
+                QVERIFY2(contrast(ink, ground) >= 4.5, qPrintable(ink.name() + u" on "_s + ground.name()));
+        }
+        QVERIFY(contrast(colors.text, colors.fill) >= 4.5);
+        QVERIFY(contrast(colors.secondary, colors.fill) >= 4.5);
+        QVERIFY(contrast(colors.onAccent, colors.accent) >= 4.5);
+        QVERIFY(contrast(colors.positive, colors.popover) >= 3);
+    }
+
+    void theWindowTurnsDarkWithTheSystem()
+    {
+        ShownWindow w;
+        w.score(u"Song"_s, { u"Lead"_s });
+        const auto brightness = [&w] {
+            return w.window.grab()
+                .toImage()
+                .scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                .pixelColor(0, 0)
+                .lightness();
+        };
+        w.controller.webView()->setVisible(false);
+        const int light = brightness();
+        QApplication::setPalette(darkSystem());
+        QCoreApplication::processEvents();
+        const int dark = brightness();
+        QApplication::setPalette(QPalette());
+        QCoreApplication::processEvents();
+        QVERIFY2(light > 200 && dark < 60, qPrintable(u"%1 %2"_s.arg(light).arg(dark)));
+        QCOMPARE(brightness(), light);
+    }
+
+    void everyIdentifierHasADrawing_data()
+    {
+        QTest::addColumn<QString>("identifier");
+        for (const QString &identifier :
+            { u"folder"_s, u"music.note"_s, u"arrow.left.and.right"_s, u"minus.magnifyingglass"_s,
+                u"plus.magnifyingglass"_s, u"play.fill"_s, u"pause.fill"_s, u"stop.fill"_s, u"metronome"_s,
+                u"metronome.fill"_s, u"speaker.fill"_s, u"speaker.wave.2.fill"_s, u"speaker.wave.3.fill"_s, u"repeat"_s,
+                u"checkmark.square.fill"_s, u"square"_s, u"guitars"_s, u"doc.text"_s, u"exclamationmark.triangle"_s })
+            QTest::newRow(qPrintable(identifier)) << identifier;
+    }
+
+    void everyIdentifierHasADrawing()
+    {
+        QFETCH(QString, identifier);
+        for (const qreal scale : { 1.0, 2.0 }) {
+            const QImage image = Icons::pixmap(identifier, 18, QColor(200, 10, 20), scale).toImage();
+            QCOMPARE(image.size(), QSize(18, 18) * scale);
+            int inked = 0;
+            for (int y = 0; y < image.height(); ++y) {
+                for (int x = 0; x < image.width(); ++x) {
+                    const QColor pixel = image.pixelColor(x, y);
+                    if (pixel.alpha() < 200)
+                        continue;
+                    ++inked;
+                    QVERIFY(std::abs(pixel.red() - 200) < 8 && pixel.green() < 18 && pixel.blue() < 28);
+                }
+            }
+            QVERIFY(inked > 10);
+        }
+    }
+
+    void theApplicationHasAnIcon()
+    {
+        const QImage image = QIcon(u":/icons/quaverly.svg"_s).pixmap(64).toImage();
+        QVERIFY(image.pixelColor(32, 8).alpha() == 255);
+        QCOMPARE(image.pixelColor(2, 62).alpha(), 0);
+    }
+
+    void aSliderShowsRealsExactly()
+    {
+        Slider slider(0, 1, 1000, 50);
+        QSignalSpy moved(&slider, &Slider::moved);
+        for (const double value : { 0.0, 0.001, 0.25, 0.6, 0.999, 1.0 }) {
+            slider.display(value);
+            QCOMPARE(slider.shown(), value);
+        }
+        slider.display(7);
+        QCOMPARE(slider.shown(), 1.0);
+        slider.display(-7);
+        QCOMPARE(slider.shown(), 0.0);
+        slider.display(std::numeric_limits<double>::quiet_NaN());
+        QCOMPARE(slider.shown(), 0.0);
+        slider.display(std::numeric_limits<double>::infinity());
+        QCOMPARE(slider.shown(), 1.0);
+        QCOMPARE(moved.size(), 0);
+    }
+
+    void theWheelPassesASliderBy()
+    {
+        Slider slider(0, 1, 1000, 50);
+        slider.display(0.5);
+        QWheelEvent wheel(QPointF(5, 5), QPointF(5, 5), QPoint(), QPoint(0, 120), Qt::NoButton, Qt::NoModifier,
+            Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&slider, &wheel);
+        QVERIFY(!wheel.isAccepted());
+        QCOMPARE(slider.shown(), 0.5);
+    }
+
+    void takingTheKnobDoesNotMoveIt()
+    {
+        Slider slider(0, 1, 1000, 50);
+        slider.resize(200, 22);
+        slider.display(0.5);
+        QSignalSpy moved(&slider, &Slider::moved);
+        QSignalSpy settled(&slider, &Slider::settled);
+        QTest::mousePress(&slider, Qt::LeftButton, {}, QPoint(104, 11));
+        QCOMPARE(slider.shown(), 0.5);
+        QTest::mouseRelease(&slider, Qt::LeftButton, {}, QPoint(104, 11));
+        QCOMPARE(moved.size(), 0);
+        QCOMPARE(settled.size(), 1);
+        QTest::mouseClick(&slider, Qt::RightButton, {}, QPoint(20, 11));
+        QCOMPARE(slider.shown(), 0.5);
+        QCOMPARE(settled.size(), 1);
+    }
+
+    void aPopoverOpensWhereThereIsRoom()
+    {
+        const PopoverScene below({ 600, 400 }, { 285, 10 });
+        QVERIFY(below.body().top() > below.anchor->geometry().bottom());
+        const PopoverScene above({ 600, 400 }, { 285, 360 });
+        QVERIFY(above.body().bottom() < above.anchor->geometry().top());
+        QVERIFY(std::abs(above.body().center().x() - above.anchor->geometry().center().x()) <= 1);
+        const PopoverScene corner({ 600, 400 }, { 568, 360 });
+        QVERIFY(corner.window.rect().contains(corner.body()));
+    }
+
+    void aPopoverFollowsItsWindow()
+    {
+        PopoverScene scene({ 600, 400 }, { 285, 360 });
+        scene.window.resize(320, 400);
+        scene.anchor->move(280, 360);
+        QTRY_VERIFY(scene.window.rect().contains(scene.body()));
+    }
+
+    void aPressOutsideClosesThePopoverAndGoesOn()
+    {
+        PopoverScene scene({ 600, 400 }, { 285, 360 });
+        Button other(Button::Look::Tool, &scene.window);
+        other.setGeometry(10, 10, 30, 30);
+        other.show();
+        QSignalSpy clicked(&other, &Button::clicked);
+        QTest::mouseClick(scene.content, Qt::LeftButton);
+        QVERIFY(scene.popover->isVisible());
+        QTest::mouseClick(&other, Qt::LeftButton);
+        QCOMPARE(clicked.size(), 1);
+        QTRY_VERIFY(!scene.popover);
+    }
+
+    void aPopoverGoesWithItsControl()
+    {
+        PopoverScene scene({ 600, 400 }, { 285, 360 });
+        scene.anchor->hide();
+        QTRY_VERIFY(!scene.popover);
+    }
+
+    void escapeClosesThePopoverAndGivesTheFocusBack()
+    {
+        PopoverScene scene({ 600, 400 }, { 285, 360 });
+        QVERIFY(scene.popover->hasFocus());
+        QTest::keyClick(scene.popover, Qt::Key_Escape);
+        QVERIFY(scene.anchor->hasFocus());
+        QTRY_VERIFY(!scene.popover);
+    }
+
+    void longTextsAreShortened()
+    {
+        ElidedLabel label(Theme::Type::Body, &Theme::Colors::text, Qt::ElideMiddle);
+        label.setText(u"/home/robin/Scores/Very/Deep/Down/Below"_s);
+        label.resize(120, 20);
+        QVERIFY(label.shownText().contains(u'…') && label.shownText().startsWith(u"/home"_s));
+        label.resize(1000, 20);
+        QCOMPARE(label.shownText(), label.text());
+        label.setText(u"two\nlines"_s);
+        QCOMPARE(label.shownText(), u"two lines"_s);
+    }
+};
+
+QTEST_MAIN(TestDesign)
+#include "test_design.moc"
