@@ -14,6 +14,13 @@ EngineView::EngineView(QWidget *parent)
 
 EngineView::~EngineView() { delete m_inspector; }
 
+void EngineView::changeEvent(QEvent *event)
+{
+    QWebEngineView::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        page()->setBackgroundColor(palette().color(QPalette::Window));
+}
+
 void EngineView::childEvent(QChildEvent *event)
 {
     QWebEngineView::childEvent(event);

@@ -2,7 +2,8 @@
 
 #include <QWebEngineView>
 
-/// The web view's behaviour as a widget: no drops of its own, no menu but "Inspect".
+/// The web view's behaviour as a widget: no drops of its own, no menu but "Inspect", the palette's window colour behind
+/// whatever the page leaves open.
 class EngineView final : public QWebEngineView {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(EngineView)
@@ -12,6 +13,7 @@ public:
     ~EngineView() override;
 
 protected:
+    void changeEvent(QEvent *event) override;
     void childEvent(QChildEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
 

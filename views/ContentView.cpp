@@ -124,7 +124,8 @@ QWidget *ContentView::makeDetail()
     layout->setSpacing(0);
 
     auto *layers = new Layers;
-    auto *score = new AlphaTabWebView(m_controller.webView());
+    auto *score = m_score = new AlphaTabWebView(m_controller.webView());
+    colorDesk();
     layers->add(score);
     auto *empty = new EmptyState(m_controller);
     layers->add(empty);
@@ -149,6 +150,22 @@ QWidget *ContentView::makeDetail()
     m_controller.hasScore.observe(detail, [refresh](bool) { refresh(); });
     m_controller.pdfDocument.observe(detail, [refresh](const auto &) { refresh(); });
     return detail;
+}
+
+void ContentView::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        colorDesk();
+}
+
+/// The page shows its window's palette behind the paper: it has no other way to learn what is light or dark here.
+void ContentView::colorDesk()
+{
+    QPalette colors = palette();
+    colors.setColor(QPalette::Window, Theme::colors(palette()).desk);
+    if (m_score)
+        m_score->setPalette(colors);
 }
 
 void ContentView::showEvent(QShowEvent *event)

@@ -18,6 +18,7 @@ public:
     ~ContentView() override;
 
 protected:
+    void changeEvent(QEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
@@ -26,8 +27,10 @@ private:
     QWidget *makeSidebar();
     QWidget *makeDetail();
     QMessageBox *makeAlert();
+    void colorDesk();
     void showError(const std::optional<QString> &error);
 
     AlphaTabController &m_controller;
+    QWidget *m_score = nullptr;
     QPointer<QMessageBox> m_alert;
 };

@@ -12,6 +12,8 @@ struct Tune {
     QString composer = QStringLiteral("Nobody");
     /// One part for each name; all play the same quarter notes.
     QStringList parts = { QStringLiteral("Guitar") };
+    /// Whether the parts are drums and not melodies.
+    bool drums = false;
     /// Bars in four-four time.
     int bars = 8;
     /// Quarter notes a minute.

@@ -79,8 +79,10 @@ template <class Test> int runEngineTest(int argc, char *argv[])
     const QApplication application(argc, argv);
     // On its first start the engine says what it thinks of the screen. That is said before any test listens: a warning
     // in a test is a failure.
-    const QWebEngineView firstStart;
-    firstStart.page();
+    QWebEngineView firstStart;
+    firstStart.show();
+    QCoreApplication::processEvents();
+    firstStart.hide();
     Test test;
     return QTest::qExec(&test, argc, argv);
 }

@@ -124,6 +124,28 @@ private Q_SLOTS:
         QCOMPARE(m_session->count(u"error"_s), 1);
     }
 
+    void ofFilesInQuickSuccessionTheLastStays()
+    {
+        QList<QByteArray> files{ EngineScores::musicXml(
+                                     { .title = u"One"_s, .parts = { u"A"_s, u"B"_s, u"C"_s }, .bars = 90 }),
+            EngineScores::musicXml({ .title = u"Two"_s, .parts = { u"A"_s, u"B"_s }, .bars = 60 }),
+            EngineScores::musicXml({ .title = u"Three"_s, .bars = 2 }) };
+        if (EngineScores::haveSamples()) {
+            files.prepend(EngineScores::sample(u"canon-audio-track.gp"_s));
+            files.prepend(EngineScores::sample(u"canon.gp5"_s));
+        }
+        for (const QByteArray &file : files)
+            m_session->call(BridgeCalls::loadBase64(file));
+        const auto lastIsHere = [&] { return m_session->last(u"score"_s).value(u"title"_s) == u"Three"_s; };
+        QVERIFY(m_session->waitFor([&] { return lastIsHere() && m_session->count(u"rendered"_s) > 0; }));
+        QVERIFY(
+            m_session->waitFor([&] { return m_session->count(u"playerReady"_s) == 1 && m_session->length() == 4000; }));
+        m_session->call(BridgeCalls::playPause());
+        QVERIFY(m_session->waitFor([&] { return m_session->position() > 1000; }));
+        QVERIFY(lastIsHere());
+        QVERIFY(m_session->valueOf(u"document.getElementById('sheet').textContent"_s).toString().contains(u"Three"_s));
+    }
+
     void theExportOpensAgain()
     {
         QVERIFY(

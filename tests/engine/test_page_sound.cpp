@@ -56,6 +56,38 @@ private Q_SLOTS:
         QVERIFY(becomesAudible());
     }
 
+    void eachOfSeveralDrumTracksHasItsOwnMute()
+    {
+        QVERIFY(
+            m_session->open(EngineScores::musicXml({ .parts = { u"Snare"_s, u"More"_s }, .drums = true, .bars = 60 })));
+        m_session->call(BridgeCalls::setTrackMute(0, true));
+        play();
+        QVERIFY(becomesAudible());
+        m_session->call(BridgeCalls::setTrackMute(1, true));
+        QVERIFY(becomesSilent());
+        m_session->call(BridgeCalls::setTrackMute(0, false));
+        QVERIFY(becomesAudible());
+    }
+
+    void theFilesOwnRecordingIsHeard()
+    {
+        if (!EngineScores::haveSamples())
+            QSKIP("the samples are not here");
+        QVERIFY(m_session->open(EngineScores::sample(u"canon-audio-track.gp"_s)));
+        QCOMPARE(m_session->last(u"score"_s).value(u"hasBackingTrack"_s), QVariant(true));
+        m_session->call(BridgeCalls::setMetronome(true));
+        play();
+        // The recording plays in an element of its own, that no tap reaches: it advances, and is no silence by itself.
+        const QString place = u"document.querySelector('audio').currentTime"_s;
+        QVERIFY(m_session->waitFor([&] { return m_session->valueOf(place).toDouble() > 3; }));
+        QVERIFY(becomesAudible()); // the metronome beside it
+        m_session->call(BridgeCalls::setSoundSource(true));
+        QVERIFY(m_session->waitFor([&] { return m_session->isPlaying() && m_session->position() > 2000; }));
+        m_session->call(BridgeCalls::setMetronome(false));
+        QVERIFY(becomesAudible());
+        QCOMPARE(m_session->count(u"playerReady"_s), 1);
+    }
+
     void aSoloedTrackSilencesTheOthers()
     {
         m_session->call(BridgeCalls::setTrackVolume(0, 0));

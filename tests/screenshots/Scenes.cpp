@@ -3,7 +3,6 @@
 #include "controller/AlphaTabController.h"
 
 #include <QAbstractButton>
-#include <QVariantMap>
 
 using namespace Qt::StringLiterals;
 
@@ -26,18 +25,14 @@ void recents(AlphaTabController &controller, int count)
     controller.recentFiles = urls;
 }
 
-void score(AlphaTabController &controller, const QString &title, const QStringList &tracks, bool backing)
+void tracks(AlphaTabController &controller, const QString &title, const QStringList &names)
 {
-    QVariantList list;
-    for (const QString &name : tracks)
-        list << QVariantMap{ { u"index"_s, int(list.size()) }, { u"name"_s, name } };
-    controller.handle({ { u"type"_s, u"score"_s }, { u"title"_s, title }, { u"artist"_s, u"Robin"_s },
-        { u"tracks"_s, list }, { u"hasBackingTrack"_s, backing } });
-    controller.handle({ { u"type"_s, u"playerReady"_s } });
-    controller.handle({ { u"type"_s, u"position"_s }, { u"currentTime"_s, 61999.0 }, { u"endTime"_s, 214000.0 } });
+    QList<TrackInfo> list;
+    for (const QString &name : names)
+        list << TrackInfo{ .id = int(list.size()), .name = name };
+    controller.title = title;
+    controller.tracks = list;
 }
-
-QStringList band() { return { u"Lead Guitar"_s, u"Rhythm Guitar"_s, u"Bass"_s, u"Drums"_s }; }
 
 QStringList numbered(int count)
 {
@@ -47,26 +42,26 @@ QStringList numbered(int count)
     return names;
 }
 
-void playing(AlphaTabController &controller)
+/// A player's usual mixture; the recording is claimed, for the choice that comes with it.
+void practising(AlphaTabController &controller)
 {
-    score(controller, u"Blue Hour"_s, band(), true);
-    controller.handle({ { u"type"_s, u"state"_s }, { u"playing"_s, true } });
+    controller.hasBackingTrack = true;
     controller.looping = true;
     controller.metronome = true;
     controller.tempoPercent = 75;
-    controller.horizontalLayout = true;
     controller.toggleMute(1);
     controller.toggleSolo(0);
-    controller.toggleVisible(3);
     controller.setTrackVolume(2, 0.4);
 }
 
+void sideways(AlphaTabController &controller) { controller.horizontalLayout = true; }
+
 void longNames(AlphaTabController &controller)
 {
-    score(controller, u"The Extraordinarily Long Title of a Piece for Nine Guitars and a Choir of Tuning Forks"_s,
+    tracks(controller, u"The Extraordinarily Long Title of a Piece for Nine Guitars and a Choir of Tuning Forks"_s,
         { u"Steel-string Acoustic Guitar with a Capo on the Seventh Fret"_s, u"M"_s,
-            u"E-Bass <b>fretless</b> & bowed, through an amplifier"_s },
-        true);
+            u"E-Bass <b>fretless</b> & bowed, through an amplifier"_s });
+    controller.hasBackingTrack = true;
     controller.masterVolume = 0.35;
     controller.tempoPercent = 200;
 }
@@ -85,36 +80,36 @@ void openPopover(QWidget &window) { press(window, u"Metronome & count-in"_s); }
 
 QList<Scene> scenes()
 {
+    using enum Scene::Page;
     const auto none = [](AlphaTabController &) {};
     const auto some = [](AlphaTabController &controller) { recents(controller, 3); };
     const auto all = [](AlphaTabController &controller) { recents(controller, 8); };
-    const auto loaded = [](AlphaTabController &controller) { score(controller, u"Blue Hour"_s, band(), false); };
-    const auto nine = [](AlphaTabController &controller) { score(controller, u"Nonet"_s, numbered(9), true); };
-    const auto thirty = [](AlphaTabController &controller) { score(controller, QString(), numbered(30), false); };
-    const auto off = [](AlphaTabController &controller) { score(controller, u"Blue Hour"_s, band(), true); };
+    const auto nine = [](AlphaTabController &controller) { tracks(controller, u"Nonet"_s, numbered(9)); };
+    const auto thirty = [](AlphaTabController &controller) { tracks(controller, QString(), numbered(30)); };
+    const auto recording = [](AlphaTabController &controller) { controller.hasBackingTrack = true; };
     const auto failed = [](AlphaTabController &controller) {
-        score(controller, u"Blue Hour"_s, band(), false);
         controller.conversionError = u"Audiveris was not found. Install it and try again."_s;
     };
     return {
-        { u"start"_s, usual, false, none, {} },
-        { u"start-recents"_s, usual, false, some, {} },
-        { u"start-recents-dark"_s, usual, true, some, {} },
-        { u"start-smallest"_s, smallest, false, all, {} },
-        { u"score"_s, usual, false, loaded, {} },
-        { u"playing"_s, usual, false, playing, {} },
-        { u"playing-dark"_s, usual, true, playing, {} },
-        { u"playing-smallest"_s, smallest, false, playing, {} },
-        { u"playing-largest"_s, largest, false, playing, {} },
-        { u"popover"_s, usual, false, playing, openPopover },
-        { u"popover-dark"_s, usual, true, playing, openPopover },
-        { u"popover-off"_s, usual, false, off, openPopover },
-        { u"popover-smallest"_s, smallest, false, playing, openPopover },
-        { u"nine-tracks"_s, usual, false, nine, {} },
-        { u"thirty-tracks"_s, usual, false, thirty, {} },
-        { u"thirty-tracks-smallest-dark"_s, smallest, true, thirty, {} },
-        { u"long-names"_s, usual, false, longNames, {} },
-        { u"long-names-smallest"_s, smallest, false, longNames, {} },
-        { u"alert"_s, usual, false, failed, {} },
+        { u"start"_s, usual, false, Empty, none, {} },
+        { u"start-recents"_s, usual, false, Empty, some, {} },
+        { u"start-recents-dark"_s, usual, true, Empty, some, {} },
+        { u"start-smallest"_s, smallest, false, Empty, all, {} },
+        { u"score"_s, usual, false, Demo, none, {} },
+        { u"score-horizontal"_s, usual, false, Demo, sideways, {} },
+        { u"playing"_s, usual, false, PlayingDemo, practising, {} },
+        { u"playing-dark"_s, usual, true, PlayingDemo, practising, {} },
+        { u"playing-smallest"_s, smallest, false, PlayingDemo, practising, {} },
+        { u"playing-largest"_s, largest, false, PlayingDemo, practising, {} },
+        { u"popover"_s, usual, false, Demo, practising, openPopover },
+        { u"popover-dark"_s, usual, true, Demo, practising, openPopover },
+        { u"popover-off"_s, usual, false, Demo, recording, openPopover },
+        { u"popover-smallest"_s, smallest, false, Demo, practising, openPopover },
+        { u"nine-tracks"_s, usual, false, Demo, nine, {} },
+        { u"thirty-tracks"_s, usual, false, Demo, thirty, {} },
+        { u"thirty-tracks-smallest-dark"_s, smallest, true, Demo, thirty, {} },
+        { u"long-names"_s, usual, false, Demo, longNames, {} },
+        { u"long-names-smallest"_s, smallest, false, Demo, longNames, {} },
+        { u"alert"_s, usual, false, Demo, failed, {} },
     };
 }

@@ -13,6 +13,8 @@ struct Scene {
     QString name;
     QSize size;
     bool dark = false;
+    /// What the page is doing.
+    enum class Page { Empty, Demo, PlayingDemo } page = Page::Empty;
     std::function<void(AlphaTabController &)> prepare;
     /// What the user does to the shown window.
     std::function<void(QWidget &)> act;

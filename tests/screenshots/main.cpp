@@ -1,15 +1,21 @@
+#include "app/QuaverlyApp.h"
 #include "controller/AlphaTabController.h"
+#include "engine_host/BridgeCalls.h"
+#include "engine_host/RootSandbox.h"
+#include "engine_host/WebFolder.h"
+#include "engine_host/WebSchemeHandler.h"
 #include "tests/screenshots/Scenes.h"
 #include "tests/support/TestSurroundings.h"
-#include "views/ContentView.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QMainWindow>
-#include <QMenuBar>
+#include <QLoggingCategory>
 #include <QMessageBox>
 #include <QPainter>
+#include <QTest>
 #include <QTextStream>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -25,7 +31,7 @@ QPalette darkSystem()
     return palette;
 }
 
-QPixmap withAlert(QMainWindow &window)
+QPixmap withAlert(QWidget &window)
 {
     QPixmap picture = window.grab();
     if (auto *alert = window.findChild<QMessageBox *>()) {
@@ -36,25 +42,65 @@ QPixmap withAlert(QMainWindow &window)
     return picture;
 }
 
+/// Waits for what the page has to do, seconds at most; false when it does not come.
+bool waitFor(const std::function<bool()> &condition) { return QTest::qWaitFor(condition, 30000); }
+
+/// Lets the page show the demo score, and play it, until it stands still enough for a picture.
+bool setThePage(const Scene &scene, AlphaTabController &controller)
+{
+    if (!waitFor([&] { return controller.bridgeReady.value(); }))
+        return false;
+    if (scene.page == Scene::Page::Empty)
+        return true;
+    controller.js(BridgeCalls::loadSample());
+    if (!waitFor([&] { return controller.hasScore.value() && controller.playerReady.value(); }))
+        return false;
+    if (scene.page == Scene::Page::PlayingDemo) {
+        controller.seek(0.1);
+        controller.js(BridgeCalls::playPause());
+        const double start = 0.1 * controller.endTime;
+        if (!waitFor([&] { return controller.isPlaying && controller.currentTime > start + 500; }))
+            return false;
+    }
+    return true;
+}
+
+/// Whether the page has drawn what it was last asked for: two pictures a while apart are the same.
+bool settle(QWidget &page, Scene::Page state)
+{
+    if (state == Scene::Page::PlayingDemo) {
+        QTest::qWait(1500); // a cursor never stands still
+        return true;
+    }
+    QImage last;
+    return waitFor([&] {
+        QTest::qWait(400);
+        const QImage now = page.grab().toImage();
+        return now == std::exchange(last, now);
+    });
+}
+
+Surroundings surroundings(TestSurroundings &world)
+{
+    Surroundings made = world.make();
+    made.webFolder = WebFolder::find(QCoreApplication::applicationDirPath());
+    made.makeEngine = Surroundings::system().makeEngine;
+    return made;
+}
+
 bool take(const Scene &scene, const QDir &folder)
 {
     QApplication::setPalette(scene.dark ? darkSystem() : QPalette());
-    TestSurroundings surroundings;
-    AlphaTabController controller(surroundings.make());
-    controller.webView()->setAutoFillBackground(true);
-    QPalette paper;
-    paper.setColor(QPalette::Window, Qt::white);
-    controller.webView()->setPalette(paper);
-
-    QMainWindow window;
-    window.setMinimumSize(760, 520);
-    for (const QString &menu : { u"&File"_s, u"&View"_s, u"&Help"_s })
-        window.menuBar()->addMenu(menu);
-    window.setCentralWidget(new ContentView(controller));
-    scene.prepare(controller);
+    TestSurroundings world;
+    AlphaTabController controller(surroundings(world));
+    QuaverlyApp application(controller);
+    QMainWindow &window = application.window();
     window.resize(scene.size);
-    window.show();
-    QApplication::processEvents();
+    if (!setThePage(scene, controller))
+        return false;
+    scene.prepare(controller);
+    if (!settle(*controller.webView(), scene.page))
+        return false;
     if (scene.act)
         scene.act(window);
     QApplication::processEvents();
@@ -66,6 +112,9 @@ bool take(const Scene &scene, const QDir &folder)
 int main(int argc, char *argv[])
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false"_s);
+    RootSandbox::adapt();
+    WebSchemeHandler::registerScheme();
     const QApplication application(argc, argv);
     QTextStream err(stderr);
     if (argc < 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
@@ -75,7 +124,7 @@ int main(int argc, char *argv[])
     const QDir folder(QString::fromLocal8Bit(argv[1]));
     for (const Scene &scene : scenes()) {
         if (!take(scene, folder)) {
-            err << "cannot write " << scene.name << '\n';
+            err << "no picture of " << scene.name << '\n';
             return 1;
         }
     }

@@ -14,6 +14,7 @@ const Theme::Colors &light()
 {
     static const Theme::Colors colors{
         .canvas = QColor(0xff, 0xff, 0xff),
+        .desk = QColor(0xe8, 0xe8, 0xec),
         .bar = QColor(0xf8, 0xf8, 0xfa),
         .sidebar = QColor(0xf2, 0xf2, 0xf5),
         .popover = QColor(0xff, 0xff, 0xff),
@@ -39,6 +40,7 @@ const Theme::Colors &dark()
 {
     static const Theme::Colors colors{
         .canvas = QColor(0x1b, 0x1b, 0x1f),
+        .desk = QColor(0x16, 0x16, 0x19),
         .bar = QColor(0x25, 0x25, 0x2a),
         .sidebar = QColor(0x21, 0x21, 0x26),
         .popover = QColor(0x2d, 0x2d, 0x33),

@@ -16,8 +16,10 @@ class QWidget;
 namespace Theme {
 
 struct Colors {
-    /// Behind the score.
+    /// Where there is nothing: start screen, sheet.
     QColor canvas;
+    /// Behind the score's paper.
+    QColor desk;
     QColor bar;
     QColor sidebar;
     QColor popover;

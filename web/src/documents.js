@@ -90,6 +90,7 @@ export class Documents {
 
   /** @param {import("./alphatab.js").Score} score */
   #show(score) {
+    this.#sheet.leaveScore();
     this.#selection.leaveScore();
     this.#playback.leaveScore();
     this.#mixer.leaveScore();

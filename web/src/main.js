@@ -2,6 +2,7 @@
 import { decodeBase64, encodeBase64 } from "./base64.js";
 import { connect, expose } from "./bridge.js";
 import { Documents } from "./documents.js";
+import { DrumChannels } from "./drum-channels.js";
 import { Engine } from "./engine.js";
 import { Follow } from "./follow.js";
 import { Metronome } from "./metronome.js";
@@ -26,8 +27,10 @@ const post = connect();
 const paper = element("paper");
 const engine = new Engine(element("sheet"));
 const playback = new Playback(engine, post);
-const metronome = new Metronome(engine);
-const mixer = new Mixer(engine, (anySolo) => metronome.setBesideSolo(anySolo));
+// Before the metronome, which takes the channels above all others.
+const channels = new DrumChannels(engine);
+const metronome = new Metronome(engine, playback);
+const mixer = new Mixer(engine, channels, (anySolo) => metronome.setBesideSolo(anySolo));
 const sheet = new Sheet(engine, paper, element("desk"), () => post({ type: "rendered" }));
 const selection = new Selection(engine, playback);
 new Follow(engine, playback, element("desk"));

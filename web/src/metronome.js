@@ -2,13 +2,18 @@
 import { alphaTab } from "./alphatab.js";
 import { clickBank, clickKey } from "./click-bank.js";
 import { audibleLevels, clicksOf, levels } from "./click-pattern.js";
-import { clickSamples, sampleRate, soundNamed } from "./click-sounds.js";
+import { ClickPlayer } from "./click-player.js";
+import { ClickSchedule } from "./click-schedule.js";
+import { soundNamed } from "./click-sounds.js";
 
 /**
  * The metronome. Its clicks are written into the playback itself as notes on channels of their own, one channel for
  * each level of the pattern (bars, beats, half beats, quarter beats): so they are in time to the sample at any speed
  * and through seeks, repeats and changes of tempo, which clicks timed by the page could not be. What sounds is
  * chosen without touching the notes: a channel is muted or not, and transposed to the key of the chosen sound.
+ *
+ * A score's own recording plays without the synthesizer; beside it the clicks are played one by one, ahead of the place
+ * that the recording reports.
  *
  * @typedef {{ volume: number, sound: string, accent: boolean, mode: string }} Configuration volume from 0 to 1
  */
@@ -20,19 +25,27 @@ const writtenKey = clickKey("woodblock", false);
 
 export class Metronome {
   #api;
+  #playback;
   #on = false;
   /** @type {Configuration} */
   #configuration = { volume: 0.8, sound: "woodblock", accent: true, mode: "beat" };
   #besideSolo = false;
   #firstChannel = 0;
-  /** @type {AudioContext | undefined} */
-  #previewContext;
+  #preview = new ClickPlayer();
+  #besideRecording = new ClickPlayer();
+  #schedule = new ClickSchedule();
 
-  /** @param {import("./engine.js").Engine} api */
-  constructor(api) {
+  /**
+   * @param {import("./engine.js").Engine} api
+   * @param {import("./playback.js").Playback} playback made before this, so that it knows a score's times first
+   */
+  constructor(api, playback) {
     this.#api = api;
+    this.#playback = playback;
     api.midiLoad.on((midi) => this.#write(midi));
     api.playerReady.on(() => this.#apply());
+    api.playerStateChanged.on(() => this.#startOver());
+    api.playerPositionChanged.on((event) => this.#accompany(event));
   }
 
   /** @param {boolean} on */
@@ -59,19 +72,12 @@ export class Metronome {
 
   /** Plays one click with the sound and volume as they are, whatever else is going on. */
   preview() {
-    this.#previewContext ??= new AudioContext();
-    const context = this.#previewContext;
-    void context.resume();
-    const samples = clickSamples(soundNamed(this.#configuration.sound), false);
-    const buffer = context.createBuffer(1, samples.length, sampleRate);
-    buffer.copyToChannel(samples, 0);
-    const source = new AudioBufferSourceNode(context, { buffer });
-    const gain = new GainNode(context, { gain: this.#configuration.volume });
-    source.connect(gain).connect(context.destination);
-    source.start();
+    const { sound, volume } = this.#configuration;
+    this.#preview.play(soundNamed(sound), false, volume);
   }
 
   #apply() {
+    this.#startOver();
     const player = this.#api.player;
     if (!player || this.#firstChannel === 0) {
       return;
@@ -88,6 +94,30 @@ export class Metronome {
     });
   }
 
+  /** @param {import("@coderline/alphatab").synth.PositionChangedEventArgs} event of a recording */
+  #accompany(event) {
+    if (event.isSeek) {
+      this.#startOver();
+    }
+    const recorded = this.#api.actualPlayerMode === alphaTab.PlayerMode.EnabledBackingTrack;
+    if (!recorded || !this.#on || !this.#playback.playing || event.endTime <= 0 || event.isSeek) {
+      return;
+    }
+    const { volume, sound, accent, mode } = this.#configuration;
+    const place = (event.currentTime / event.endTime) * this.#playback.endTime;
+    for (const { click, delay } of this.#schedule.due(place, event.modifiedTempo / event.originalTempo)) {
+      if (click.level < audibleLevels(mode)) {
+        const loudness = volume * this.#api.masterVolume;
+        this.#besideRecording.play(soundNamed(sound), accent && click.level === 0, loudness, delay / 1000);
+      }
+    }
+  }
+
+  #startOver() {
+    this.#schedule.reset();
+    this.#besideRecording.cancel();
+  }
+
   /** @param {import("./alphatab.js").MidiFile} midi the playback just generated */
   #write(midi) {
     const bars = (this.#api.tickCache?.masterBars ?? []).map(({ start, end, masterBar }) => ({
@@ -98,7 +128,9 @@ export class Metronome {
     }));
     const notes = midi.tracks[0];
     this.#firstChannel = highestChannel(notes.events) + 1;
-    const clicks = clicksOf(bars, midi.division).flatMap(({ tick, level }) => this.#note(tick, this.#firstChannel + level));
+    const pattern = clicksOf(bars, midi.division);
+    this.#schedule.setClicks(pattern.map(({ tick, level }) => ({ ms: this.#playback.timeline.msAt(tick), level })));
+    const clicks = pattern.map(({ tick, level }) => note(tick, this.#firstChannel + level));
     const setUp = levels.flatMap((_, level) => this.#chooseClicks(this.#firstChannel + level));
     // The sort keeps the order of events at the same tick; the end of the track stays last, as it is past every click.
     const all = [...setUp, ...notes.events, ...clicks].sort((a, b) => a.tick - b.tick);
@@ -106,14 +138,6 @@ export class Metronome {
     for (const event of all) {
       notes.events.push(event);
     }
-  }
-
-  /**
-   * @param {number} tick
-   * @param {number} channel
-   */
-  #note(tick, channel) {
-    return [new alphaTab.midi.NoteOnEvent(0, tick, channel, writtenKey, velocity)];
   }
 
   /** @param {number} channel */
@@ -125,6 +149,14 @@ export class Metronome {
       new alphaTab.midi.ProgramChangeEvent(0, 0, channel, clickBank.program),
     ];
   }
+}
+
+/**
+ * @param {number} tick
+ * @param {number} channel
+ */
+function note(tick, channel) {
+  return new alphaTab.midi.NoteOnEvent(0, tick, channel, writtenKey, velocity);
 }
 
 /** @param {import("@coderline/alphatab").midi.MidiEvent[]} events */

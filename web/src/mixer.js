@@ -7,16 +7,19 @@
  */
 export class Mixer {
   #api;
+  #channels;
   #onSoloChanged;
   /** @type {Map<number, Strip>} */
   #strips = new Map();
 
   /**
    * @param {import("./engine.js").Engine} api
+   * @param {import("./drum-channels.js").DrumChannels} channels
    * @param {(anySolo: boolean) => void} onSoloChanged
    */
-  constructor(api, onSoloChanged) {
+  constructor(api, channels, onSoloChanged) {
     this.#api = api;
+    this.#channels = channels;
     this.#onSoloChanged = onSoloChanged;
     api.playerReady.on(() => this.#applyAll());
   }
@@ -84,8 +87,10 @@ export class Mixer {
    * @param {Strip} strip
    */
   #apply(track, strip) {
-    this.#api.changeTrackMute([track], strip.mute);
-    this.#api.changeTrackSolo([track], strip.solo);
-    this.#api.changeTrackVolume([track], strip.volume);
+    for (const channel of this.#channels.of(track)) {
+      this.#api.player?.setChannelMute(channel, strip.mute);
+      this.#api.player?.setChannelSolo(channel, strip.solo);
+      this.#api.player?.setChannelVolume(channel, strip.volume);
+    }
   }
 }

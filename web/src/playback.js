@@ -58,6 +58,11 @@ export class Playback {
     return this.#tick;
   }
 
+  /** Where the ticks of the score lie in time. */
+  get timeline() {
+    return this.#timeline;
+  }
+
   get atStart() {
     return this.#tick <= sameTick;
   }

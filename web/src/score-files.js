@@ -29,6 +29,7 @@ export function readScore(bytes, settings) {
   try {
     const score = format === "musicXml" ? importMusicXml(bytes, settings) : importBytes(bytes, settings);
     breakableSpaces(score);
+    wholeTrackNames(score);
     return score.tracks.length > 0 && score.masterBars.length > 0 ? { score } : { problem: "The score has no music in it." };
   } catch (reason) {
     return { problem: `The score file is damaged or cut short (${sentenceOf(reason)}).` };
@@ -84,6 +85,19 @@ function breakableSpaces(score) {
   for (const track of score.tracks) {
     track.name = track.name.replaceAll("\u00a0", " ");
     track.shortName = track.shortName.replaceAll("\u00a0", " ");
+  }
+}
+
+/**
+ * Files without short track names are given the first letters of the long ones. At the first line there is room for
+ * the whole names instead.
+ *
+ * @param {Score} score
+ */
+function wholeTrackNames(score) {
+  const cutOff = score.tracks.some(({ name, shortName }) => shortName.length >= 10 && name !== shortName && name.startsWith(shortName));
+  if (cutOff) {
+    score.stylesheet.firstSystemTrackNameMode = alphaTab.model.TrackNameMode.FullName;
   }
 }
 

@@ -17,6 +17,8 @@ const patience = 2000;
 export class Sheet {
   #api;
   #sampling = false;
+  /** Drawings asked for and not finished. */
+  #underWay = 0;
   #paper;
   #desk;
   #onRendered;
@@ -34,10 +36,37 @@ export class Sheet {
     this.#desk = desk;
     this.#onRendered = onRendered;
     this.#setPaperWidth(1);
+    this.#countDrawings();
     api.renderStarted.on(() => {
       this.#drawing++;
     });
-    api.postRenderFinished.on(() => (this.#sampling ? this.#drawRest() : this.#reportWhenVisible()));
+    api.postRenderFinished.on(() => {
+      this.#underWay--;
+      if (this.#sampling) {
+        this.#drawRest();
+      } else {
+        this.#reportWhenVisible();
+      }
+    });
+  }
+
+  /**
+   * To be called before another score is handed to the engine. A drawing under way is abandoned together with its
+   * worker: its end would be taken for that of the next score, whose tracks and bars are others.
+   */
+  leaveScore() {
+    if (this.#underWay > 0) {
+      this.#sampling = false;
+      this.#drawing++;
+      // A new worker is given the score that was drawn last at once: that one has to be forgotten first.
+      this.#api.renderer.renderScore(null, null);
+      this.#underWay = 0;
+      const core = this.#api.settings.core;
+      core.useWorkers = false;
+      this.#api.updateSettings();
+      core.useWorkers = true;
+      this.#api.updateSettings();
+    }
   }
 
   /**
@@ -51,6 +80,17 @@ export class Sheet {
     this.#sampling = score.masterBars.length >= 2 * sample;
     this.#limitTo(this.#sampling ? sample : -1);
     this.#api.show(score);
+  }
+
+  #countDrawings() {
+    const renderer = this.#api.renderer;
+    for (const order of /** @type {const} */ (["render", "resizeRender", "renderScore"])) {
+      const carryOut = /** @type {(...details: any[]) => void} */ (renderer[order]).bind(renderer);
+      renderer[order] = (/** @type {any[]} */ ...details) => {
+        this.#underWay++;
+        carryOut(...details);
+      };
+    }
   }
 
   /** Puts the paper on the desk; it is not there before the first score. */
