@@ -1,16 +1,13 @@
 #pragma once
 
 #include "engine_host/MessageReceiver.h"
-#include "engine_host/RootSandbox.h"
 #include "engine_host/ScriptHandler.h"
 #include "engine_host/WebEngineHost.h"
-#include "engine_host/WebSchemeHandler.h"
+#include "tests/support/EngineTestMain.h"
 
-#include <QApplication>
 #include <QElapsedTimer>
 #include <QStringList>
 #include <QTest>
-#include <QWebEngineView>
 
 #include <functional>
 #include <memory>
@@ -70,19 +67,3 @@ private:
     QList<Heard> m_heard;
     QStringList m_complaints;
 };
-
-/// The main function of a test that runs the web engine.
-template <class Test> int runEngineTest(int argc, char *argv[])
-{
-    WebSchemeHandler::registerScheme();
-    RootSandbox::adapt();
-    const QApplication application(argc, argv);
-    // On its first start the engine says what it thinks of the screen. That is said before any test listens: a warning
-    // in a test is a failure.
-    QWebEngineView firstStart;
-    firstStart.show();
-    QCoreApplication::processEvents();
-    firstStart.hide();
-    Test test;
-    return QTest::qExec(&test, argc, argv);
-}

@@ -5,14 +5,20 @@
 
 #include <QApplication>
 #include <QTest>
+#include <QWebEngineView>
 
 /// The main function of a test with the real web engine: what has to happen before the application object, happens.
-template <typename Test>
-int runEngineTest(int argc, char *argv[])
+template <typename Test> int runEngineTest(int argc, char *argv[])
 {
     RootSandbox::adapt();
     WebSchemeHandler::registerScheme();
     const QApplication application(argc, argv);
+    // On its first start the engine says what it thinks of the screen. That is said before any test listens: a warning
+    // in a test is a failure.
+    QWebEngineView firstStart;
+    firstStart.show();
+    QCoreApplication::processEvents();
+    firstStart.hide();
     Test test;
     return QTest::qExec(&test, argc, argv);
 }
