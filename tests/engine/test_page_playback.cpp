@@ -68,7 +68,9 @@ private Q_SLOTS:
         play();
         QVERIFY(waitForPosition(3500));
         m_session->call(BridgeCalls::stop());
-        QVERIFY(m_session->waitFor([&] { return !m_session->isPlaying() && m_session->position() == 0; }));
+        const auto rewound = [&] { return !m_session->isPlaying() && m_session->position() == 0; };
+        QVERIFY2(m_session->waitFor(rewound),
+            qPrintable(u"playing %1 at %2"_s.arg(m_session->isPlaying()).arg(m_session->position())));
     }
 
     void seekingTellsThePlaceAtOnce()

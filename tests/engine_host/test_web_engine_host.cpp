@@ -207,6 +207,23 @@ private Q_SLOTS:
         })());
     }
 
+    void whatThePageLeavesOpenHasThePalettesColor()
+    {
+        QCOMPARE(outcome(u"document.documentElement.style.background = 'transparent'"_s), u"fine"_s);
+        for (const QColor &color : { QColor(22, 22, 25), QColor(232, 232, 236) }) {
+            QPalette palette;
+            palette.setColor(QPalette::Window, color);
+            m_host->view()->setPalette(palette);
+            QTRY_VERIFY(([this, color] {
+                QImage picture;
+                m_host->snapshot([&picture](const QImage &image) { picture = image; });
+                return picture.pixelColor(150, 100) == color;
+            })());
+        }
+        m_host->view()->setPalette({});
+        QCOMPARE(outcome(u"document.documentElement.style.background = ''"_s), u"fine"_s);
+    }
+
     void wrappersShareTheViewAndGiveItBack()
     {
         QWidget window;

@@ -111,6 +111,17 @@ private Q_SLOTS:
         QCOMPARE(brightness(), light);
     }
 
+    void behindTheScoreItIsLightOrDarkToo()
+    {
+        ShownWindow w;
+        const auto desk = [&w] { return w.controller.webView()->palette().color(QPalette::Window).lightness(); };
+        QVERIFY(desk() > 200);
+        QApplication::setPalette(darkSystem());
+        QTRY_VERIFY(desk() < 60);
+        QApplication::setPalette(QPalette());
+        QTRY_VERIFY(desk() > 200);
+    }
+
     void everyIdentifierHasADrawing_data()
     {
         QTest::addColumn<QString>("identifier");

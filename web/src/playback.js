@@ -253,6 +253,10 @@ export class Playback {
     if (this.#stale || !this.#api.score || event.endTime <= 0) {
       return;
     }
+    if (!this.#playing && !event.isSeek) {
+      // The last samples are reported as played when the player has stopped already: it would stop a little further on.
+      return;
+    }
     if (this.#awaitedTick !== null && event.isSeek) {
       if (Math.abs(event.currentTick - this.#awaitedTick) > sameTick) {
         return;
@@ -263,7 +267,7 @@ export class Playback {
     // The engine counts in time as played, which stretches with the speed. Its own end tells by how much.
     const part = Math.min(Math.max(event.currentTime / event.endTime, 0), 1);
     const position = { currentTime: part * this.endTime, endTime: this.endTime };
-    if (event.isSeek || !this.#playing) {
+    if (event.isSeek) {
       this.#feed.jump(position);
     } else {
       this.#feed.flow(position);
