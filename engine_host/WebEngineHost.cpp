@@ -46,7 +46,8 @@ WebEngineHost::~WebEngineHost() = default;
 
 void WebEngineHost::shutDown()
 {
-    // This host may never be destroyed; the web engine wants its views and pages gone before it ends with the application.
+    // This host may never be destroyed; the web engine wants its views and pages gone before it ends with the
+    // application.
     m_view.reset();
     m_page.reset();
     m_profile.reset();

@@ -110,7 +110,7 @@ private Q_SLOTS:
         AlphaTabController c(world.make());
         makeReady(c, world);
         c.load(QUrl(u"https://example.org/song.gp5"_s));
-        QCOMPARE(*world.log, QStringList { u"[Quaverly] failed to read : Not a local file"_s });
+        QCOMPARE(*world.log, QStringList{ u"[Quaverly] failed to read : Not a local file"_s });
         QVERIFY(world.engine->scripts.isEmpty());
     }
 
