@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
+# bench: startup [LAUNCHES] [FILE]   from the launch to the window, the page, the score, its picture and its sound
 """Times the start of Quaverly: what a user waits for between the launch and a score that can be played.
 
-usage: startup.py PROGRAM [LAUNCHES] [FILE]
+usage: startup.py [LAUNCHES] [FILE], with the program to start in QUAVERLY_PROGRAM
 
 Every launch runs on an X server of its own making whose picture lies in a file, so that "first notation visible" is
 what is on the screen, not what the program says. One launch ahead of the others fills the caches and is not counted.
@@ -162,9 +163,9 @@ def measure(program, launches, file, folder):
 
 
 def main():
-    program = sys.argv[1]
-    launches = int(sys.argv[2]) if len(sys.argv) > 2 else 5
-    file = os.path.abspath(sys.argv[3]) if len(sys.argv) > 3 else None
+    program = os.environ["QUAVERLY_PROGRAM"]
+    launches = int(sys.argv[1]) if len(sys.argv) > 1 else 5
+    file = os.path.abspath(sys.argv[2]) if len(sys.argv) > 2 else None
     folder = tempfile.mkdtemp(prefix="quaverly-bench-")
     try:
         results = measure(program, launches, file, folder)
