@@ -96,6 +96,8 @@ public:
     /// the file waits; the last one asked for wins. A file that cannot be read leaves one log line.
     void load(const QUrl &url);
     void presentOpenPanel();
+    /// Reads the open PDF's notation and loads it as a score; nothing without an open PDF or while one is being read.
+    void convertOpenPDF();
 
     // Recent files
     void saveRecents();

@@ -8,6 +8,7 @@
 #include <QMetaObject>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -104,6 +105,8 @@ void AlphaTabController::loadPDF(const QUrl &url)
     pdfURL = url;
     setWindowTitle(nameWithoutExtension(path));
     recordRecent(url);
+    if (m_smokeTest && QFileInfo::exists(m_surroundings.temporaryFolder + u"/qv_convert"_s))
+        m_surroundings.after(500ms, this, [this] { convertOpenPDF(); });
 }
 
 void AlphaTabController::presentOpenPanel()
