@@ -10,10 +10,17 @@
 
 namespace {
 
-/// The library draws no line thinner than a pixel: on a small picture, staves would be black bars. So one is drawn
-/// larger, up to this many pixels wide and not more than so many times, and then made small.
-constexpr int leastWidth = 600;
-constexpr int greatestFactor = 6;
+/// How many times larger a picture is drawn before it is made small. The library draws no line thinner than a pixel, so
+/// that on a thumbnail staves would be black bars.
+int enlargement(QSize size)
+{
+    constexpr int enough = 600;
+    constexpr qint64 tooMuch = 4'000'000;
+    int factor = std::clamp(enough / size.width(), 1, 6);
+    while (factor > 1 && qint64(size.width()) * size.height() * factor * factor > tooMuch)
+        --factor;
+    return factor;
+}
 
 /// What the drawing library takes the displayed pages for, where the file's own words cannot be had.
 std::vector<PageBox> sizesAsDrawn(const QPdfDocument &document)
@@ -80,7 +87,7 @@ QImage PDFDocument::picture(int index, QSize size) const
 {
     if (!box(index) || size.isEmpty())
         return {};
-    const int factor = std::clamp(leastWidth / size.width(), 1, greatestFactor);
+    const int factor = enlargement(size);
     QImage image = m_document->render(index, size * factor);
     if (image.isNull())
         return {};
