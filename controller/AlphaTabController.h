@@ -5,6 +5,7 @@
 #include "controller/TrackInfo.h"
 #include "engine_host/BridgeMessages.h"
 #include "engine_host/MessageReceiver.h"
+#include "pdf/conversion/Outcome.h"
 
 #include <QList>
 #include <QObject>
@@ -14,6 +15,7 @@
 #include <memory>
 #include <optional>
 
+class ConversionWorker;
 class PDFDocument;
 class ScriptHandler;
 
@@ -96,7 +98,13 @@ public:
     /// the file waits; the last one asked for wins. A file that cannot be read leaves one log line.
     void load(const QUrl &url);
     void presentOpenPanel();
-    /// Reads the open PDF's notation and loads it as a score; nothing without an open PDF or while one is being read.
+
+    // Conversion of the open PDF into a score
+    /// The executable of the recognition engine Audiveris: what QV_AUDIVERIS names, else where its Debian package is
+    /// installed, else ~/.local/opt/audiveris/bin/Audiveris.
+    std::optional<QString> audiverisBinary() const;
+    /// Reads the notation of the open PDF off the main thread and opens the result as a score; `converting` tells while
+    /// it goes on, `conversionError` why it failed. Without a PDF, and while one is being converted, nothing happens.
     void convertOpenPDF();
 
     // Recent files
@@ -134,6 +142,11 @@ private:
     void loadPDF(const QUrl &url);
     void forgetRecent(const QString &path);
     void setWindowTitle(const QString &title);
+    /// The file's name without its last extension: a.b.gp gives a.b.
+    static QString nameWithoutExtension(const QString &path);
+
+    void conversionEnded(const QString &path, const PDFConverter::Outcome<QByteArray> &outcome);
+    void convertIfSmoke();
 
     void loadRecents();
     void recordRecent(const QUrl &url);
@@ -153,4 +166,5 @@ private:
     const QString m_smokeLogPath;
     bool m_didSnapshot = false;
     const std::unique_ptr<EngineHost> m_engine;
+    std::unique_ptr<ConversionWorker> m_conversion;
 };

@@ -8,7 +8,6 @@
 #include <QMetaObject>
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -32,14 +31,6 @@ ReadResult readWhole(const QString &path)
     if (file.error() != QFileDevice::NoError)
         return { std::nullopt, file.errorString() };
     return { std::move(bytes), {} };
-}
-
-/// The file's name without its last extension: a.b.gp gives a.b.
-QString nameWithoutExtension(const QString &path)
-{
-    const QFileInfo info(path);
-    const QString base = info.completeBaseName();
-    return base.isEmpty() ? info.fileName() : base;
 }
 
 } // namespace
@@ -105,8 +96,7 @@ void AlphaTabController::loadPDF(const QUrl &url)
     pdfURL = url;
     setWindowTitle(nameWithoutExtension(path));
     recordRecent(url);
-    if (m_smokeTest && QFileInfo::exists(m_surroundings.temporaryFolder + u"/qv_convert"_s))
-        m_surroundings.after(500ms, this, [this] { convertOpenPDF(); });
+    convertIfSmoke();
 }
 
 void AlphaTabController::presentOpenPanel()
@@ -119,4 +109,11 @@ void AlphaTabController::setWindowTitle(const QString &text)
 {
     QMetaObject::invokeMethod(
         this, [this, text] { m_surroundings.setKeyWindowTitle(text); }, Qt::QueuedConnection);
+}
+
+QString AlphaTabController::nameWithoutExtension(const QString &path)
+{
+    const QFileInfo info(path);
+    const QString base = info.completeBaseName();
+    return base.isEmpty() ? info.fileName() : base;
 }

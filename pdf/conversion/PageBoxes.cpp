@@ -73,14 +73,14 @@ std::vector<PageBox> walk(QPDFObjectHandle pages)
         if (!node.object.isDictionary())
             continue;
         node.values.overrideFrom(node.object);
-        QPDFObjectHandle kids = node.object.getKey("/Kids");
-        if (!kids.isArray()) {
+        if (!node.object.hasKey("/Kids")) {
             boxes.push_back(boxOf(node.values));
             continue;
         }
         if (node.object.isIndirect() && !visited.insert(node.object.getObjGen()).second)
             continue; // an ancestor of itself
-        for (int i = kids.getArrayNItems(); i-- > 0;)
+        QPDFObjectHandle kids = node.object.getKey("/Kids");
+        for (int i = kids.isArray() ? kids.getArrayNItems() : 0; i-- > 0;)
             waiting.push_back({ kids.getArrayItem(i), node.values });
     }
     return boxes;
