@@ -86,6 +86,9 @@ PDFSheetView::Anchor PDFSheetView::anchorAt(double y) const
     const int page
         = std::min(m_layout.pagesBetween(y, std::numeric_limits<double>::infinity()).first, m_layout.pageCount() - 1);
     const QRectF cell = m_layout.cell(page);
+    // The scroll bar knows whole pixels only; a page that was brought to the top is at the top.
+    if (std::abs(y - cell.top()) < 1)
+        return { .page = page };
     if (y < cell.top() || cell.isEmpty())
         return { .page = page, .gap = cell.top() - y };
     return { .page = page, .share = (y - cell.top()) / cell.height() };

@@ -69,7 +69,7 @@ QByteArray TestPDFs::colored(int count)
 TestPDFs::Page TestPDFs::slowPage()
 {
     QByteArray curves = "0.2 w ";
-    for (int i = 0; i < 6000; ++i)
+    for (int i = 0; i < 2000; ++i)
         curves += QByteArray::number(i % 595) + " 0 m 0 " + QByteArray::number(i % 842) + " 595 "
             + QByteArray::number((i * 7) % 842) + " 300 842 c S\n";
     return { .drawing = curves };
