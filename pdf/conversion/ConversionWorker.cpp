@@ -17,8 +17,8 @@ ConversionWorker::ConversionWorker(const QString &pdf, const QString &audiveris,
                 if (stopping.stop_requested())
                     return;
                 // The receiver may well begin the next conversion, and end this object.
-                const Arrived arrived = m_arrived;
-                arrived(outcome);
+                const Arrived receiver = m_arrived;
+                receiver(outcome);
             },
             Qt::QueuedConnection);
     });
