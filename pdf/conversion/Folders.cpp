@@ -13,7 +13,10 @@ namespace {
 
 QString newTemporaryPath()
 {
-    return QDir::tempPath() + u"/qv-omr-"_s + QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+    // Where TMPDIR names no folder, Qt has none either.
+    const QString parent = QDir::tempPath();
+    return (parent.isEmpty() ? u"/tmp"_s : parent) + u"/qv-omr-"_s
+        + QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
 }
 
 } // namespace

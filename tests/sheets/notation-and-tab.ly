@@ -1,4 +1,4 @@
-% Each system a notation staff with its tablature below; two pages and a bit.
+% Each system a notation staff with its tablature below; two pages.
 \version "2.24.0"
 \include "tune.ily"
 \header { title = "Notation with tablature" tagline = ##f }

@@ -1,4 +1,4 @@
-% Four strains for one guitar, long enough for a full page of systems on A4.
+% One strain for guitar, again and again: more than a page of A4.
 tune = {
   \key g \major
   \time 4/4
@@ -8,6 +8,3 @@ tune = {
   }
   \bar "|."
 }
-
-strains = #(define-music-function (count) (integer?)
-  #{ \repeat unfold #count { g8 b d' g' b' g' d' b | c8 e g c' e' c' g e | a,8 c e a c' a e c | d8 fis a d' fis' d' a fis } #})
