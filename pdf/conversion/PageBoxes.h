@@ -20,6 +20,10 @@ struct PageBox {
 /// The boxes and the rotation of a PDF's pages, inherited values included, which Qt PDF does not tell.
 namespace PageBoxes {
 
+/// A page tree with more levels than this counts as one without pages: the drawing library would never come back from
+/// one of some thousand levels. Honest files have two or three.
+inline constexpr int deepest = 500;
+
 /// In page order. Nothing when the file cannot be read as a PDF, or needs a password that is not empty. Damage that can
 /// be repaired, such as a broken cross-reference table, is.
 std::optional<std::vector<PageBox>> read(const QString &path);
