@@ -57,6 +57,7 @@ int pages(const QString &pdf, const QString &folder)
     double drawing = 0;
     double erasing = 0;
     double writing = 0;
+    std::vector<quint8> storage;
     Laps laps;
     const std::unique_ptr<SheetPages> sheet = SheetPages::open(pdf);
     if (!sheet)
@@ -65,7 +66,7 @@ int pages(const QString &pdf, const QString &folder)
     for (int index = 0; index < sheet->count(); ++index) {
         const std::optional<SheetPage> page = sheet->page(index);
         laps.to(taking);
-        PDFConverter::Outcome<GrayBitmap> bitmap = PDFConverter::render(*page);
+        PDFConverter::Outcome<GrayBitmap> bitmap = PDFConverter::render(*page, {}, std::move(storage));
         if (!bitmap)
             return fail(bitmap.failure().message);
         laps.to(drawing);
@@ -74,6 +75,7 @@ int pages(const QString &pdf, const QString &folder)
         if (const auto failure = PDFConverter::writePNG(*bitmap, folder + u"/%1.png"_s.arg(index)))
             return fail(failure->message);
         laps.to(writing);
+        storage = std::move(bitmap->pixels);
     }
     const double count = sheet->count();
     std::printf("all %.2f taking %.2f drawing %.2f erasing %.2f writing %.2f\n",

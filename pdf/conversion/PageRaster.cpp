@@ -19,7 +19,7 @@ constexpr qint64 mostBytes = qint64(1) << 30;
 
 /// The drawing library draws in colour, four bytes a pixel, and reads the page anew for each band. Bands of this size
 /// keep the whole below two rasters of the page; smaller ones cost time, larger ones gain none.
-constexpr qint64 bandBytes = 16 << 20;
+constexpr qint64 bandBytes = 12 << 20;
 /// The same for small pages.
 constexpr int leastBands = 6;
 
@@ -138,7 +138,7 @@ bool draw(const SheetPage &page, GrayBitmap &bitmap, const std::stop_token &stop
 
 namespace PDFConverter {
 
-Outcome<GrayBitmap> render(const SheetPage &page, const std::stop_token &stop)
+Outcome<GrayBitmap> render(const SheetPage &page, const std::stop_token &stop, std::vector<quint8> storage)
 {
     const QSizeF size = turned(page.media.size(), page.rotation) * pixelsPerUnit;
     const double width = std::round(size.width());
@@ -148,8 +148,8 @@ Outcome<GrayBitmap> render(const SheetPage &page, const std::stop_token &stop)
     if (width * height > double(mostBytes))
         return cannotRasterize();
     try {
-        GrayBitmap bitmap{ std::vector<quint8>(std::size_t(width) * std::size_t(height), 255), int(width),
-            int(height) };
+        GrayBitmap bitmap{ std::move(storage), int(width), int(height) };
+        bitmap.pixels.assign(std::size_t(width) * std::size_t(height), 255);
         if (!draw(page, bitmap, stop))
             return cannotRasterize();
         return bitmap;
