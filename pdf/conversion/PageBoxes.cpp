@@ -50,9 +50,8 @@ PageBox boxOf(const Inherited &values)
     box.media = rectangle(values.media).value_or(letter);
     if (box.media.isEmpty())
         box.media = letter;
-    box.crop = rectangle(values.crop).value_or(box.media) & box.media;
-    if (box.crop.isEmpty())
-        box.crop = box.media;
+    const QRectF crop = rectangle(values.crop).value_or(QRectF());
+    box.crop = crop.isEmpty() ? box.media : crop & box.media;
     box.rotation = degrees(values.rotation);
     return box;
 }

@@ -63,7 +63,7 @@ private Q_SLOTS:
         QTest::newRow("no area") << QByteArray("0 0 500 0") << none << none << letter << 0;
         QTest::newRow("corners the other way") << QByteArray("500 700 0 0") << none << none << whole << 0;
         QTest::newRow("crop without area") << sheet << QByteArray("9 9 9 9") << none << whole << 0;
-        QTest::newRow("crop beside the paper") << sheet << QByteArray("600 0 900 700") << none << whole << 0;
+        QTest::newRow("crop beside the paper") << sheet << QByteArray("600 0 900 700") << none << QRectF() << 0;
         QTest::newRow("crop beyond the paper")
             << sheet << QByteArray("-9 100 900 900") << none << QRectF(0, 100, 500, 600) << 0;
         QTest::newRow("once around") << sheet << none << QByteArray("360") << whole << 0;
