@@ -77,6 +77,10 @@ export class Playback {
 
   /** To be called before another score is handed to the engine. */
   leaveScore() {
+    if (this.#playing) {
+      // The next score reaches the player only when its first lines are on the paper.
+      this.#api.pause();
+    }
     this.#stale = true;
     this.#startWhenReady = false;
     this.#resumeTick = null;
@@ -95,7 +99,7 @@ export class Playback {
     if (!this.#api.score) {
       return;
     }
-    if (this.#api.isReadyForPlayback) {
+    if (this.#api.isReadyForPlayback && !this.#stale) {
       this.#api.playPause();
     } else {
       this.#startWhenReady = !this.#startWhenReady;
