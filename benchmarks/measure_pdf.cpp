@@ -3,7 +3,7 @@
 // usage: measure_pdf pages PDF FOLDER       milliseconds a page: in all, and for each step
 //        measure_pdf eraser WIDTH HEIGHT    bytes per nanosecond: the eraser's pass, and a plain read
 //        measure_pdf memory PDF ENGINE      MiB: a conversion's peak beyond what was there before, and one raster
-//        measure_pdf first-page PDF WIDTH   milliseconds from opening to the first page drawn WIDTH pixels wide
+//        measure_pdf first-page PDF WIDTH    milliseconds: opening it, and drawing its first page WIDTH pixels wide
 
 #include "pdf/conversion/GrayBitmap.h"
 #include "pdf/conversion/PDFConverter.h"
@@ -15,6 +15,7 @@
 
 #include <QFile>
 #include <QGuiApplication>
+#include <QImage>
 #include <QStringList>
 
 #include <algorithm>
@@ -144,6 +145,24 @@ int memory(const QString &pdf, const QString &engine)
     return 0;
 }
 
+int firstPage(const QString &pdf, int width)
+{
+    Laps laps;
+    double opening = 0;
+    double drawing = 0;
+    const std::shared_ptr<PDFDocument> document = PDFDocument::open(pdf);
+    laps.to(opening);
+    if (!document)
+        return fail(u"cannot read "_s + pdf);
+    const QSizeF shape = document->box(0)->crop.size();
+    const QImage picture = document->picture(0, QSize(width, int(width * shape.height() / shape.width())));
+    laps.to(drawing);
+    if (picture.isNull())
+        return fail(u"cannot draw "_s + pdf);
+    std::printf("opening %.1f drawing %.1f\n", opening, drawing);
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -159,5 +178,7 @@ int main(int argc, char *argv[])
         return eraser(arguments[2].toInt(), arguments[3].toInt());
     if (what == "memory"_L1)
         return memory(arguments[2], arguments[3]);
+    if (what == "first-page"_L1)
+        return firstPage(arguments[2], arguments[3].toInt());
     return fail(u"unknown measurement "_s + what);
 }

@@ -20,6 +20,8 @@ BUILD = os.path.dirname(os.environ["QUAVERLY_PROGRAM"])
 MEASURE = os.path.join(BUILD, "benchmarks", "measure_pdf")
 ENGINE = os.path.join(BUILD, "tests", "stand_in_audiveris")
 PAGES = 8
+# What a page is drawn at in a window of 1400 points with two pages across.
+SHOWN_WIDTH = 1100
 
 PEERS = {
     "mutool draw -r 600 -c gray": ["mutool", "draw", "-q", "-r", "600", "-c", "gray", "-o", "{folder}/%d.png", "{pdf}"],
@@ -98,6 +100,12 @@ def main():
     print(f"\nMiB at the peak of a conversion of {PAGES} pages, beyond the program's own, most of {rounds}")
     print(f"  {'the conversion':30}{peak:8.1f}   {peak / raster:.2f} page rasters")
     print(f"  {'one page raster':30}{raster:8.1f}")
+
+    starts = [measure("first-page", sheet("pages-1000"), str(SHOWN_WIDTH)) for _ in range(rounds)]
+    opening = statistics.median(figures["opening"] for figures in starts)
+    drawing = statistics.median(figures["drawing"] for figures in starts)
+    print(f"\nMilliseconds from opening a PDF of 1000 pages to its first page, {SHOWN_WIDTH} pixels wide")
+    print(f"  {'first page drawn':30}{opening + drawing:8.1f}   {opening:.1f} of them for opening")
 
 
 if __name__ == "__main__":
