@@ -53,24 +53,24 @@ std::optional<QSize> PDFPageCell::imageSize() const
     return QSize(std::max(qRound(scale * width), 1), std::max(qRound(scale * height), 1));
 }
 
-bool PDFPageCell::needsImage() const { return m_width > tooSmall && m_imageKey != renderKey(); }
+bool PDFPageCell::needsImage() const { return m_width > tooSmall && m_pictureKey != renderKey(); }
 
-void PDFPageCell::setImage(const QString &renderKey, const QImage &image)
+void PDFPageCell::setPicture(const QString &renderKey, const PagePicture &picture)
 {
-    m_imageKey = renderKey;
-    if (!image.isNull())
-        m_image = image;
+    m_pictureKey = renderKey;
+    if (!picture.isNull())
+        m_picture = picture;
 }
 
 void PDFPageCell::paint(QPainter &painter, const QRectF &place) const
 {
     PageShadow::paint(painter, place);
-    if (m_image.isNull()) {
+    if (m_picture.isNull()) {
         painter.fillRect(place, Qt::white);
         return;
     }
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(place, m_image);
+    painter.drawImage(place, m_picture.forWidth(place.width() * painter.device()->devicePixelRatioF()));
     painter.restore();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QImage>
+#include "pdf/viewing/PagePicture.h"
+
 #include <QString>
 
 #include <memory>
@@ -31,10 +32,11 @@ public:
     std::optional<QSize> imageSize() const;
 
     /// The last picture that arrived; stays, stretched, until the next one does.
-    const QImage &image() const { return m_image; }
+    const PagePicture &picture() const { return m_picture; }
+    const QImage &image() const { return m_picture.image(); }
     /// Whether a picture of the present name is still to come.
     bool needsImage() const;
-    void setImage(const QString &renderKey, const QImage &image);
+    void setPicture(const QString &renderKey, const PagePicture &picture);
 
     /// Paints picture or white paper into `place`, with a shadow around it. Sharp where `place` lies on whole pixels.
     void paint(QPainter &painter, const QRectF &place) const;
@@ -43,7 +45,7 @@ private:
     std::shared_ptr<const PDFDocument> m_document;
     int m_index;
     double m_width;
-    QImage m_image;
+    PagePicture m_picture;
     /// What the last picture, or the failed attempt at one, was made for.
-    QString m_imageKey;
+    QString m_pictureKey;
 };

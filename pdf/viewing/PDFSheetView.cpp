@@ -149,6 +149,7 @@ void PDFSheetView::keepCells()
     const int view = viewport()->height();
     m_cells->keep({
         .width = m_layout.cellWidth(),
+        .density = devicePixelRatioF(),
         .visible = m_layout.pagesBetween(top, top + view),
         .nearby = m_layout.pagesBetween(top - view, top + 2 * view),
         .passing = scrolling ? m_layout.pagesBetween(now, now + view) : PageGridLayout::Range(),

@@ -10,7 +10,7 @@ constexpr qsizetype budget = 192 * 1024 * 1024;
 qsizetype bytes(const PDFPageCell &cell)
 {
     const QSize size = cell.imageSize().value_or(QSize(0, 0));
-    return std::max(4 * qsizetype(size.width()) * size.height(), cell.image().sizeInBytes());
+    return std::max(6 * qsizetype(size.width()) * size.height(), cell.picture().sizeInBytes());
 }
 
 } // namespace
@@ -39,7 +39,7 @@ void PageCells::keep(const Wanted &wanted)
         if (urgency != m_onScreen && used > budget)
             return false;
         if (const auto size = cell.imageSize(); size && cell.needsImage())
-            requests.push_back({ index, cell.renderKey(), *size, urgency });
+            requests.push_back({ index, cell.renderKey(), *size, qRound(m_width * wanted.density), urgency });
         m_cells.emplace(index, std::move(cell));
         return true;
     };
@@ -57,10 +57,10 @@ void PageCells::keep(const Wanted &wanted)
     for (int index = wanted.passing.first; index <= wanted.passing.last; ++index)
         m_cells.insert(before.extract(index));
     m_queue->want(*this, m_document, std::move(requests),
-        [this](const PageRenderQueue::Request &request, const QImage &image) { take(request, image); });
+        [this](const PageRenderQueue::Request &request, const PagePicture &picture) { take(request, picture); });
 }
 
-void PageCells::take(const PageRenderQueue::Request &request, const QImage &image)
+void PageCells::take(const PageRenderQueue::Request &request, const PagePicture &picture)
 {
     const auto found = m_cells.find(request.index);
     if (found == m_cells.end())
@@ -69,7 +69,7 @@ void PageCells::take(const PageRenderQueue::Request &request, const QImage &imag
     // A picture for a width that is over is better than white paper, but than nothing else.
     if (request.key != cell.renderKey() && !cell.image().isNull())
         return;
-    cell.setImage(request.key, image);
+    cell.setPicture(request.key, picture);
     Q_EMIT changed(request.index);
 }
 
@@ -83,6 +83,6 @@ qsizetype PageCells::memory() const
 {
     qsizetype sum = 0;
     for (const auto &[index, cell] : m_cells)
-        sum += cell.image().sizeInBytes();
+        sum += cell.picture().sizeInBytes();
     return sum;
 }

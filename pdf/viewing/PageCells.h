@@ -27,6 +27,8 @@ public:
     struct Wanted {
         /// Of every cell.
         double width = 0;
+        /// The screen's pixels per unit of width.
+        double density = 1;
         PageGridLayout::Range visible;
         /// Around the visible ones: what a budget of memory allows.
         PageGridLayout::Range nearby;
@@ -49,7 +51,7 @@ Q_SIGNALS:
     void changed(int index);
 
 private:
-    void take(const PageRenderQueue::Request &request, const QImage &image);
+    void take(const PageRenderQueue::Request &request, const PagePicture &picture);
 
     const std::shared_ptr<PageRenderQueue> m_queue;
     const std::shared_ptr<const PDFDocument> m_document;

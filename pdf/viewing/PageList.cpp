@@ -195,6 +195,7 @@ void PageList::keepCells()
     const int view = viewport()->height();
     m_cells->keep({
         .width = thumbnailWidth,
+        .density = devicePixelRatioF(),
         .visible = m_layout.pagesBetween(top, top + view),
         .nearby = m_layout.pagesBetween(top - view, top + 2 * view),
     });

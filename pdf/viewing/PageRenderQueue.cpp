@@ -1,6 +1,7 @@
 #include "pdf/viewing/PageRenderQueue.h"
 
 #include "pdf/conversion/PDFDocument.h"
+#include "pdf/viewing/PagePicture.h"
 
 #include <algorithm>
 #include <utility>
@@ -77,16 +78,16 @@ void PageRenderQueue::work()
         const Request request = m_job->request;
         std::shared_ptr<const PDFDocument> document = m_job->document;
         lock.unlock();
-        QImage image = document->picture(request.index, request.size);
+        PagePicture picture(document->picture(request.index, request.size), request.shown);
         document.reset();
         QMetaObject::invokeMethod(
-            this, [this, image = std::move(image)] { deliver(image); }, Qt::QueuedConnection);
+            this, [this, picture = std::move(picture)] { deliver(picture); }, Qt::QueuedConnection);
         lock.lock();
         m_changed.wait(lock, [this] { return m_ending || !m_job; });
     }
 }
 
-void PageRenderQueue::deliver(const QImage &image)
+void PageRenderQueue::deliver(const PagePicture &picture)
 {
     std::optional<Job> job;
     Receiver arrived;
@@ -101,5 +102,5 @@ void PageRenderQueue::deliver(const QImage &image)
     m_changed.notify_one();
     ++m_drawn;
     if (arrived)
-        arrived(job->request, image);
+        arrived(job->request, picture);
 }

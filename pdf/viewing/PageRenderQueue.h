@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QImage>
 #include <QList>
 #include <QObject>
 #include <QSize>
@@ -14,6 +13,7 @@
 #include <thread>
 #include <vector>
 
+class PagePicture;
 class PDFDocument;
 
 /// Draws pages in the background, one after the other, the most urgent first.
@@ -41,11 +41,13 @@ public:
         QString key;
         /// Pixels.
         QSize size;
+        /// Width on the screen, in its pixels.
+        int shown = 0;
         Urgency urgency = Urgency::OnScreen;
     };
     using Requests = std::vector<Request>;
     /// Takes the picture, null when the page cannot be drawn. Called on the main thread.
-    using Receiver = std::function<void(const Request &, const QImage &)>;
+    using Receiver = std::function<void(const Request &, const PagePicture &)>;
 
     PageRenderQueue();
     /// Waits for the page that is being drawn; the others are forgotten.
@@ -76,7 +78,7 @@ private:
     void forget(const QObject *client);
     void work();
     std::optional<Job> next();
-    void deliver(const QImage &image);
+    void deliver(const PagePicture &picture);
 
     std::mutex m_mutex;
     std::condition_variable m_changed;

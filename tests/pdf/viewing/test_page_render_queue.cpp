@@ -1,4 +1,5 @@
 #include "pdf/conversion/PDFDocument.h"
+#include "pdf/viewing/PagePicture.h"
 #include "pdf/viewing/PageRenderQueue.h"
 #include "tests/support/TestPDFs.h"
 #include "tests/support/TestSurroundings.h"
@@ -23,13 +24,14 @@ public:
 
     void want(const PageRenderQueue::Requests &requests)
     {
-        m_queue.want(*this, m_document, requests, [this](const PageRenderQueue::Request &request, const QImage &image) {
-            QCOMPARE(QThread::currentThread(), qApp->thread());
-            arrived << request.key;
-            last = image;
-            if (order)
-                *order << request.key;
-        });
+        m_queue.want(
+            *this, m_document, requests, [this](const PageRenderQueue::Request &request, const PagePicture &picture) {
+                QCOMPARE(QThread::currentThread(), qApp->thread());
+                arrived << request.key;
+                last = picture.image();
+                if (order)
+                    *order << request.key;
+            });
     }
 
     QStringList arrived;
@@ -43,7 +45,7 @@ private:
 
 PageRenderQueue::Request page(int index, const QString &key, Urgency urgency = Urgency::OnScreen)
 {
-    return { index, key, QSize(40, 60), urgency };
+    return { index, key, QSize(40, 60), 20, urgency };
 }
 
 std::shared_ptr<const PDFDocument> open(const QByteArray &bytes)
@@ -124,7 +126,7 @@ private Q_SLOTS:
         Reader reader(queue, open(TestPDFs::file(QList<TestPDFs::Page>(20, TestPDFs::slowPage()))));
         PageRenderQueue::Requests all;
         for (int i = 0; i < 20; ++i)
-            all.push_back({ i, QString::number(i), QSize(1000, 1400), Urgency::OnScreen });
+            all.push_back({ i, QString::number(i), QSize(1000, 1400), 20, Urgency::OnScreen });
         QElapsedTimer timer;
         timer.start();
         for (int i = 0; i < 100; ++i)
@@ -153,8 +155,9 @@ private Q_SLOTS:
         PageRenderQueue queue;
         QObject client;
         QList<QRgb> seen;
-        const auto arrived
-            = [&seen](const PageRenderQueue::Request &, const QImage &image) { seen << image.pixel(20, 30); };
+        const auto arrived = [&seen](const PageRenderQueue::Request &, const PagePicture &picture) {
+            seen << picture.image().pixel(20, 30);
+        };
         queue.want(client, open(TestPDFs::file({ TestPDFs::slowPage() })), { page(0, u"0"_s) }, arrived);
         QThread::msleep(5); // lets the worker begin
         queue.want(client, open(TestPDFs::colored(1)), { page(0, u"0"_s) }, arrived);
@@ -176,7 +179,7 @@ private Q_SLOTS:
         Reader reader(*queue, open(TestPDFs::file(QList<TestPDFs::Page>(100, TestPDFs::slowPage()))));
         PageRenderQueue::Requests all;
         for (int i = 0; i < 100; ++i)
-            all.push_back({ i, QString::number(i), QSize(1000, 1400), Urgency::OnScreen });
+            all.push_back({ i, QString::number(i), QSize(1000, 1400), 20, Urgency::OnScreen });
         reader.want(all);
         QTRY_VERIFY(!reader.arrived.isEmpty());
         QElapsedTimer one;

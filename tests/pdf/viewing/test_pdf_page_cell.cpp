@@ -115,7 +115,7 @@ private Q_SLOTS:
         PDFPageCell cell(document, 0, 241);
         QVERIFY(cell.needsImage());
         const QString key = cell.renderKey();
-        cell.setImage(key, document->picture(0, cell.imageSize().value()));
+        cell.setPicture(key, PagePicture(document->picture(0, cell.imageSize().value()), int(cell.width())));
         QVERIFY(!cell.needsImage());
         cell.setWidth(263.9);
         QVERIFY(!cell.needsImage());
@@ -123,7 +123,7 @@ private Q_SLOTS:
         QVERIFY(cell.needsImage());
         QVERIFY(!cell.image().isNull());
         // A page that cannot be drawn is not asked for again and again.
-        cell.setImage(cell.renderKey(), {});
+        cell.setPicture(cell.renderKey(), {});
         QVERIFY(!cell.needsImage());
         QVERIFY(!cell.image().isNull());
     }
@@ -146,7 +146,8 @@ private Q_SLOTS:
         QCOMPARE(gray(49, 100), gray(150, 100));
         QVERIFY(gray(49, 100) < 185);
 
-        cell.setImage(cell.renderKey(), document->picture(0, cell.imageSize().value()));
+        cell.setPicture(
+            cell.renderKey(), PagePicture(document->picture(0, cell.imageSize().value()), int(cell.width())));
         const QImage after = painted(cell, place);
         for (const QPoint at : { QPoint(50, 40), QPoint(100, 100), QPoint(149, 159) })
             QCOMPARE(after.pixel(at), TestPDFs::colorOf(0));
@@ -175,6 +176,38 @@ private Q_SLOTS:
         const auto document = open(TestPDFs::file({ { .media = "0 0 600 800", .drawing = staff } }));
         const QImage thumbnail = document->picture(0, QSize(108, 144));
         QVERIFY2(qGray(thumbnail.pixel(54, 72)) > 150, "staves run together to black bars");
+    }
+
+    void thinLinesStayOnScreensOfEveryDensity()
+    {
+        const auto document = open(TestPDFs::colored(1));
+        PDFPageCell cell(document, 0, 48);
+        // As the drawing library leaves staves: lines of one pixel, here at odd and even rows.
+        QImage staves(96, 1200, QImage::Format_RGB32);
+        staves.fill(Qt::white);
+        for (int y = 20; y < 1180; y += 19) {
+            for (int x = 0; x < staves.width(); ++x)
+                staves.setPixel(x, y, qRgb(0, 0, 0));
+        }
+        for (const double density : { 1.0, 1.25, 1.5, 1.75, 2.0 }) {
+            cell.setPicture(cell.renderKey(), PagePicture(staves, qRound(48 * density)));
+            // At its own size, and anywhere in the band of sizes that the picture serves.
+            for (const double scale : { 1.0, 1.013, 1.04 }) {
+                QImage canvas(QSize(200, 2600), QImage::Format_RGB32);
+                canvas.fill(Qt::white);
+                QPainter painter(&canvas);
+                const QRectF place(20, 20, 48 * density * scale, std::round(600 * density * scale));
+                cell.paint(painter, place);
+                painter.end();
+                const double step = place.height() / staves.height();
+                for (int y = 20; y < 1180; y += 19) {
+                    int darkest = 255;
+                    for (int row = -2; row <= 2; ++row)
+                        darkest = std::min(darkest, qGray(canvas.pixel(40, 20 + int(y * step) + row)));
+                    QVERIFY2(darkest < 192, qPrintable(QStringLiteral("line %1 at %2").arg(y).arg(density * scale)));
+                }
+            }
+        }
     }
 };
 
