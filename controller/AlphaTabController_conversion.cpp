@@ -58,7 +58,7 @@ void AlphaTabController::conversionEnded(const QString &path, const PDFConverter
     js(BridgeCalls::loadBase64(*outcome));
     pdfDocument = nullptr;
     pdfURL = std::nullopt;
-    setWindowTitle(nameWithoutExtension(path) + u" (converted)"_s);
+    setWindowTitle(tr("%1 (converted)").arg(nameWithoutExtension(path)));
 }
 
 void AlphaTabController::convertIfSmoke()

@@ -19,7 +19,7 @@ constexpr qint64 mostBytes = qint64(1) << 30;
 
 /// The drawing library draws in colour, four bytes a pixel, and reads the page anew for each band. Bands of this size
 /// keep the whole below two rasters of the page; smaller ones cost time, larger ones gain none.
-constexpr qint64 bandBytes = 12 << 20;
+constexpr qint64 bandBytes = 14 << 20;
 /// The same for small pages.
 constexpr int leastBands = 6;
 

@@ -1,6 +1,8 @@
 % Each system a notation staff with its tablature below; two pages.
 \version "2.24.0"
 \include "tune.ily"
+% Room for the notes above the next system, too: the margin below is three.
+\paper { system-system-spacing.padding = #7 }
 \header { title = "Notation with tablature" tagline = ##f }
 \score {
   \new StaffGroup <<
