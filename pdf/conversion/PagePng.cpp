@@ -7,6 +7,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <libdeflate.h>
 #include <thread>
 #include <vector>
 #include <zlib.h>
@@ -112,7 +113,8 @@ public:
 
     void add(const quint8 *bytes, std::size_t count, Piece &piece)
     {
-        piece.checksum = adler32(piece.checksum, bytes, uInt(count));
+        // The same sum as the other library's, several times as fast.
+        piece.checksum = libdeflate_adler32(quint32(piece.checksum), bytes, count);
         piece.length += z_off_t(count);
         m_stream.next_in = const_cast<Bytef *>(bytes);
         m_stream.avail_in = uInt(count);
