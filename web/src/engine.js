@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
 import { hideEngineHeading } from "./heading.js";
+import { SynthPlayer } from "./synth-player.js";
 
 /**
  * The engine with the page's settings. It also prepares a score for playing once: left alone it does so up to three
@@ -13,11 +14,17 @@ export class Engine extends alphaTab.AlphaTabApi {
   #preparedMode = alphaTab.PlayerMode.Disabled;
   /** @type {Uint8Array<ArrayBuffer> | null} what plays in the player's place while the score's recording is chosen */
   recording = null;
+  /** @type {SynthPlayer | null} the synthesizer made last */
+  synth = null;
 
   /** @param {HTMLElement} sheet where the notation is drawn */
   constructor(sheet) {
     super(sheet, pageSettings());
     this.sheet = sheet;
+    this.uiFacade.createWorkerPlayer = () => (this.synth = new SynthPlayer(this.settings)).player;
+    // Started at once and not with the first score: loading the sound bank takes longest.
+    this.settings.player.playerMode = alphaTab.PlayerMode.EnabledSynthesizer;
+    this.updateSettings();
   }
 
   /**
@@ -76,9 +83,8 @@ function pageSettings() {
   hideEngineHeading(settings);
 
   const player = settings.player;
-  // Started at once and not with the first score: loading the sound bank takes longest.
-  player.playerMode = alphaTab.PlayerMode.EnabledSynthesizer;
-  player.outputMode = alphaTab.PlayerOutputMode.WebAudioAudioWorklets;
+  // The engine makes a player of its own with its first settings; the page's comes after.
+  player.playerMode = alphaTab.PlayerMode.Disabled;
   player.scrollElement = "#desk";
   player.scrollMode = alphaTab.ScrollMode.Continuous;
   // Clicks and drags on the score are read by the page's own Selection.
