@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 # bench: first-screen [LAUNCHES] [FILE...]   from the launch to the first screen complete and still, beside MuseScore 3
 """Times the launch with a file until the first screen of notation is complete and still, and without one.
 

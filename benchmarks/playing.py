@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 # bench: playing [RUNS] FILE   processor time and memory while a score plays, beside TuxGuitar
 """Measures what playing takes: processor time and memory (PSS) of all processes of each program together.
 

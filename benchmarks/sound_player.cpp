@@ -1,22 +1,28 @@
-// The real window, told what to do by the lines of its standard input, for a script that measures what is heard.
+// The real window, told what to do by the lines of its standard input, for a script that measures what is heard or how
+// long something takes.
 //
-//   open PATH      js SCRIPT      mute TRACK      resize WIDTH HEIGHT      wheel STEPS      quit
+//   open PATH      js SCRIPT      mute TRACK      resize WIDTH HEIGHT      wheel STEPS      positions COUNT      quit
 //
-// Every page message and every line carried out is written to standard output as one line: the time in seconds of the
-// monotonic clock, "message" or "did", and the message as JSON or the line.
+// "positions" hands the window position messages as a playing page does, thirty a second. When the main thread was busy
+// for long, "stalled" and the milliseconds are written. Every page message and every line carried out is written to
+// standard output as one line: the time in seconds of the monotonic clock, "message" or "did", and the message as JSON
+// or the line.
 
 #include "app/QuaverlyApp.h"
 #include "controller/AlphaTabController.h"
+#include "engine_host/DrawingBackend.h"
 #include "engine_host/MessageReceiver.h"
 #include "engine_host/RootSandbox.h"
 #include "engine_host/ScriptHandler.h"
 #include "engine_host/WebSchemeHandler.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLoggingCategory>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <QUrl>
 #include <QWheelEvent>
 
@@ -74,6 +80,8 @@ public:
             m_controller.toggleMute(argument.toInt());
         else if (command == u"resize")
             m_window.resize(argument.section(u' ', 0, 0).toInt(), argument.section(u' ', 1, 1).toInt());
+        else if (command == u"positions")
+            feedPositions(argument.toInt());
         else if (command == u"wheel")
             turnWheel(argument.toInt());
         else
@@ -82,6 +90,18 @@ public:
     }
 
 private:
+    void feedPositions(int count)
+    {
+        auto *timer = new QTimer(&m_window);
+        QObject::connect(timer, &QTimer::timeout, &m_window, [this, timer, count, fed = 0]() mutable {
+            m_controller.handle(
+                { { u"type"_s, u"position"_s }, { u"currentTime"_s, 33.0 * fed }, { u"endTime"_s, 33.0 * count } });
+            if (++fed == count)
+                timer->deleteLater();
+        });
+        timer->start(33);
+    }
+
     /// Over the middle of the score, as a mouse does.
     void turnWheel(int steps)
     {
@@ -100,6 +120,25 @@ private:
     QWidget &m_window;
 };
 
+/// Looks a hundred times a second whether the main thread comes to its turn.
+class StallWatch final : public QTimer {
+public:
+    StallWatch()
+    {
+        connect(this, &QTimer::timeout, this, [this] {
+            const qint64 gap = m_last.restart();
+            if (gap >= reportedStall)
+                report("stalled", QByteArray::number(gap));
+        });
+        m_last.start();
+        start(10);
+    }
+
+private:
+    static constexpr qint64 reportedStall = 50;
+    QElapsedTimer m_last;
+};
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -107,6 +146,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(u"quaverly"_s);
     QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false"_s);
     RootSandbox::adapt();
+    DrawingBackend::adapt();
     WebSchemeHandler::registerScheme();
     const QApplication application(argc, argv);
 
@@ -123,6 +163,7 @@ int main(int argc, char *argv[])
     QuaverlyApp quaverly(controller);
     quaverly.appDelegate().applicationDidFinishLaunching();
 
+    const StallWatch watch;
     Commands commands(controller, quaverly.window());
     std::string pending;
     QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);

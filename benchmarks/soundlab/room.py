@@ -105,8 +105,11 @@ class Window:
         self.launched = time.monotonic()
         self._process = subprocess.Popen([program], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                          stderr=subprocess.PIPE, env=environment, text=True)
+        self.number = self._process.pid
         self._news = queue.Queue()
         self.messages = []
+        # When the main thread was busy for long, and for how many milliseconds.
+        self.stalls = []
         self.complaints = []
         self._readers = [threading.Thread(target=self._read), threading.Thread(target=self._read_complaints)]
         for reader in self._readers:
@@ -115,6 +118,8 @@ class Window:
     def _read(self):
         for line in self._process.stdout:
             seconds, kind, text = line.rstrip("\n").split(" ", 2)
+            if kind == "stalled":
+                self.stalls.append((float(seconds), float(text)))
             self._news.put((float(seconds), kind, text))
         self._news.put(None)
 
