@@ -64,6 +64,22 @@ class Screen:
         start = self._pixels + x * 4 + 1
         return self._memory[start:start + self._stride * HEIGHT:self._stride]
 
+    def sample(self, step):
+        """The green of every `step`th pixel of every `step`th row."""
+        rows = range(self._pixels + 1, self._pixels + 1 + HEIGHT * self._stride, step * self._stride)
+        return b"".join(self._memory[row:row + WIDTH * 4:step * 4] for row in rows)
+
+    def save(self, path):
+        """Writes the picture as a portable pixmap."""
+        with open(path, "wb") as file:
+            file.write(b"P6\n%d %d\n255\n" % (WIDTH, HEIGHT))
+            for y in range(HEIGHT):
+                start = self._pixels + y * self._stride
+                row = self._memory[start:start + WIDTH * 4]
+                line = bytearray(WIDTH * 3)
+                line[0::3], line[1::3], line[2::3] = row[2::4], row[1::4], row[0::4]
+                file.write(line)
+
     def close(self):
         self._server.terminate()
         self._server.wait()

@@ -3,6 +3,7 @@ import { alphaTab } from "./alphatab.js";
 import { drawingWorker } from "./drawing-worker-start.js";
 import { Emitter } from "./emitter.js";
 import { hideEngineHeading } from "./heading.js";
+import { SynthPlayer } from "./synth-player.js";
 import { WorkerRenderer } from "./worker-renderer.js";
 
 /** How long a score may keep its sound waiting when its first lines do not come, in milliseconds. */
@@ -29,6 +30,8 @@ export class Engine extends alphaTab.AlphaTabApi {
   playerStarted = new Emitter();
   /** @type {Emitter<void>} the score shown last has its length and is on its way to the player */
   scorePrepared = new Emitter();
+  /** @type {SynthPlayer | null} the synthesizer made last */
+  synth = null;
 
   /**
    * @param {HTMLElement} sheet where the notation is drawn
@@ -38,6 +41,7 @@ export class Engine extends alphaTab.AlphaTabApi {
     replaceDrawingWorker();
     super(sheet, pageSettings());
     this.sheet = sheet;
+    this.uiFacade.createWorkerPlayer = () => (this.synth = new SynthPlayer(this.settings)).player;
     this.drawing = new WorkerRenderer(drawingWorker, viewNow);
     this.drawing.updateSettings(this.settings);
     const renderer = /** @type {{ instance: import("@coderline/alphatab").rendering.IScoreRenderer }} */ (

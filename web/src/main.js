@@ -32,6 +32,7 @@ const playback = new Playback(engine, post);
 // Before the metronome, which takes the channels above all others.
 const channels = new DrumChannels(engine);
 const metronome = new Metronome(engine, playback);
+playback.countWith((tick) => metronome.countInAt(tick));
 const mixer = new Mixer(engine, channels, (anySolo) => metronome.setBesideSolo(anySolo));
 const sheet = new Sheet(engine, paper, desk, new Heading(element("heading")), () => post({ type: "rendered" }));
 const selection = new Selection(engine, playback);

@@ -4,6 +4,7 @@ import { clickBank, clickKey } from "./click-bank.js";
 import { audibleLevels, clicksOf, levels } from "./click-pattern.js";
 import { ClickPlayer } from "./click-player.js";
 import { ClickSchedule } from "./click-schedule.js";
+import { countInAt } from "./count-in.js";
 import { soundNamed } from "./click-sounds.js";
 
 /**
@@ -20,6 +21,9 @@ import { soundNamed } from "./click-sounds.js";
 
 const velocity = 112;
 
+/** Channels for the bar counted in, behind those of the levels: its first beat, and the others. */
+const countInChannels = { first: levels.length, others: levels.length + 1 };
+
 /** The key the notes are written with; a channel's transposition leads from it to the chosen sound. */
 const writtenKey = clickKey("woodblock", false);
 
@@ -31,6 +35,10 @@ export class Metronome {
   #configuration = { volume: 0.8, sound: "woodblock", accent: true, mode: "beat" };
   #besideSolo = false;
   #firstChannel = 0;
+  /** @type {import("./count-in.js").MeteredBar[]} */
+  #bars = [];
+  #division = 960;
+  #tickShift = 0;
   #preview = new ClickPlayer();
   #besideRecording = new ClickPlayer();
   #schedule = new ClickSchedule();
@@ -76,6 +84,24 @@ export class Metronome {
     this.#preview.play(soundNamed(sound), false, volume);
   }
 
+  /**
+   * @param {number} tick where the music will start
+   * @returns {import("./practice-synth.js").CountIn | null} what the synthesizer counts before; null without a score
+   */
+  countInAt(tick) {
+    const count = countInAt(this.#bars, this.#playback.timeline, tick + this.#tickShift, this.#division);
+    return (
+      count && {
+        ...count,
+        first: this.#firstChannel + countInChannels.first,
+        others: this.#firstChannel + countInChannels.others,
+        key: writtenKey,
+        velocity: velocity / 127,
+        bank: clickBank,
+      }
+    );
+  }
+
   #apply() {
     this.#startOver();
     const player = this.#api.player;
@@ -85,13 +111,18 @@ export class Metronome {
     const { volume, accent, mode } = this.#configuration;
     const sound = soundNamed(this.#configuration.sound);
     const audible = this.#on ? audibleLevels(mode) : 0;
-    levels.forEach((name, level) => {
-      const channel = this.#firstChannel + level;
-      player.setChannelMute(channel, level >= audible);
+    /** @type {(offset: number, heard: boolean, accented: boolean) => void} */
+    const set = (offset, heard, accented) => {
+      const channel = this.#firstChannel + offset;
+      player.setChannelMute(channel, !heard);
       player.setChannelSolo(channel, this.#besideSolo);
       player.setChannelVolume(channel, volume);
-      player.setChannelTranspositionPitch(channel, clickKey(sound, accent && name === "bar") - writtenKey);
-    });
+      player.setChannelTranspositionPitch(channel, clickKey(sound, accented) - writtenKey);
+    };
+    levels.forEach((name, level) => set(level, level < audible, accent && name === "bar"));
+    // Counted in is whether the metronome is on or not.
+    set(countInChannels.first, true, accent);
+    set(countInChannels.others, true, false);
   }
 
   /** @param {import("@coderline/alphatab").synth.PositionChangedEventArgs} event of a recording */
@@ -123,15 +154,21 @@ export class Metronome {
     const bars = (this.#api.tickCache?.masterBars ?? []).map(({ start, end, masterBar }) => ({
       start: start + midi.tickShift,
       end: end + midi.tickShift,
+      numerator: masterBar.timeSignatureNumerator,
       denominator: masterBar.timeSignatureDenominator,
       pickup: masterBar.isAnacrusis,
     }));
+    this.#bars = bars;
+    this.#division = midi.division;
+    this.#tickShift = midi.tickShift;
     const notes = midi.tracks[0];
     this.#firstChannel = highestChannel(notes.events) + 1;
     const pattern = clicksOf(bars, midi.division);
     this.#schedule.setClicks(pattern.map(({ tick, level }) => ({ ms: this.#playback.timeline.msAt(tick), level })));
     const clicks = pattern.map(({ tick, level }) => note(tick, this.#firstChannel + level));
-    const setUp = levels.flatMap((_, level) => this.#chooseClicks(this.#firstChannel + level));
+    // Those of the count-in are set up too: the engine takes the first channel that is not for a metronome of its own.
+    const used = [...levels.keys(), ...Object.values(countInChannels)];
+    const setUp = used.flatMap((offset) => this.#chooseClicks(this.#firstChannel + offset));
     // The sort keeps the order of events at the same tick; the end of the track stays last, as it is past every click.
     const all = [...setUp, ...notes.events, ...clicks].sort((a, b) => a.tick - b.tick);
     notes.events.length = 0;

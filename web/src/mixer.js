@@ -21,7 +21,11 @@ export class Mixer {
     this.#api = api;
     this.#channels = channels;
     this.#onSoloChanged = onSoloChanged;
-    api.playerReady.on(() => this.#applyAll());
+    api.playerReady.on(() => {
+      this.#applyAll();
+      // After this the engine gives every track the volume that the file has for it.
+      queueMicrotask(() => this.#applyChosen());
+    });
   }
 
   leaveScore() {
@@ -80,6 +84,15 @@ export class Mixer {
       this.#apply(track, this.#strips.get(track.index) ?? { mute: false, solo: false, volume: 1 });
     }
     this.#onSoloChanged(this.anySolo);
+  }
+
+  #applyChosen() {
+    for (const [trackId, strip] of this.#strips) {
+      const track = this.#api.score?.tracks[trackId];
+      if (track) {
+        this.#apply(track, strip);
+      }
+    }
   }
 
   /**

@@ -17,6 +17,8 @@ export class Playback {
   #post;
   #feed;
   #timeline = new Timeline([], 0, 960);
+  /** How far the ticks of the timeline are ahead of those of the score. */
+  #tickShift = 0;
   #speed = 1;
   #countIn = false;
   #playing = false;
@@ -31,6 +33,8 @@ export class Playback {
   #awaitedTick = null;
   /** @type {TickRange | null} */
   #range = null;
+  /** @type {(tick: number) => import("./practice-synth.js").CountIn | null} */
+  #countInAt = () => null;
 
   /**
    * @param {import("./engine.js").Engine} api
@@ -75,6 +79,11 @@ export class Playback {
     return this.#speed;
   }
 
+  /** @param {(tick: number) => import("./practice-synth.js").CountIn | null} countInAt what is counted before a place */
+  countWith(countInAt) {
+    this.#countInAt = countInAt;
+  }
+
   /** To be called before another score is handed to the engine. */
   leaveScore() {
     if (this.#playing) {
@@ -100,6 +109,9 @@ export class Playback {
       return;
     }
     if (this.#api.isReadyForPlayback && !this.#stale) {
+      if (!this.#playing) {
+        this.#prepareCountIn(this.#tick);
+      }
       this.#api.playPause();
     } else {
       this.#startWhenReady = !this.#startWhenReady;
@@ -111,6 +123,10 @@ export class Playback {
     if (this.#api.score) {
       this.#awaitedTick = null;
       this.#api.stop();
+      if (this.#range && !this.#api.isLooping) {
+        // The engine knows the range only while it loops.
+        this.seekToTick(this.#range.startTick);
+      }
     }
   }
 
@@ -118,7 +134,9 @@ export class Playback {
   seekToTime(ms) {
     if (this.#api.score && Number.isFinite(ms)) {
       this.#awaitedTick = null;
-      this.#api.timePosition = Math.min(Math.max(ms, 0), this.endTime) / this.#speed;
+      const place = Math.min(Math.max(ms, 0), this.endTime);
+      this.#api.timePosition = place / this.#speed;
+      this.#prepareCountIn(this.#timeline.tickAt(place) - this.#tickShift);
     }
   }
 
@@ -126,6 +144,7 @@ export class Playback {
   seekToTick(tick) {
     this.#awaitedTick = null;
     this.#api.tickPosition = tick;
+    this.#prepareCountIn(tick);
   }
 
   /** @param {number} ratio */
@@ -154,13 +173,22 @@ export class Playback {
   /** @param {boolean} on */
   setCountIn(on) {
     this.#countIn = on;
-    this.applyCountIn();
+    if (!this.#playing) {
+      this.#prepareCountIn(this.#tick);
+    }
   }
 
-  /** A recording cannot be counted in: only the synthesizer plays the bar before the start. */
-  applyCountIn() {
+  /**
+   * Has the synthesizer count before its next start, or count again when it is just counting. A recording has no
+   * synthesizer and is not counted in.
+   *
+   * @param {number} tick where the music will start
+   */
+  #prepareCountIn(tick) {
     const synthesized = this.#api.actualPlayerMode === alphaTab.PlayerMode.EnabledSynthesizer;
-    this.#api.countInVolume = this.#countIn && synthesized ? 1 : 0;
+    if (synthesized) {
+      this.#api.synth?.setCountIn(this.#countIn ? this.#countInAt(tick) : null);
+    }
   }
 
   /**
@@ -212,6 +240,7 @@ export class Playback {
     /** @type {import("./timeline.js").TempoChange[]} */
     const changes = [];
     const events = midi.events;
+    this.#tickShift = midi.tickShift;
     for (const event of events) {
       if (event instanceof alphaTab.midi.TempoChangeEvent) {
         changes.push({ tick: event.tick, bpm: event.beatsPerMinute });
@@ -221,13 +250,13 @@ export class Playback {
   }
 
   #onReady() {
-    this.applyCountIn();
     if (!this.#readyPosted) {
       this.#readyPosted = true;
       this.#post({ type: "playerReady" });
     }
     if (this.#startWhenReady) {
       this.#startWhenReady = false;
+      this.#prepareCountIn(this.#tick);
       this.#api.play();
     }
   }

@@ -37,18 +37,43 @@ export class Timeline {
    * @returns {number} milliseconds
    */
   msAt(tick) {
+    const stretch = this.#stretchAt("tick", tick);
+    return stretch.ms + ((tick - stretch.tick) * 60000) / stretch.ticksPerMinute;
+  }
+
+  /**
+   * @param {number} ms
+   * @returns {number} the tick at that time, not rounded
+   */
+  tickAt(ms) {
+    const stretch = this.#stretchAt("ms", ms);
+    return stretch.tick + ((ms - stretch.ms) * stretch.ticksPerMinute) / 60000;
+  }
+
+  /**
+   * @param {number} tick
+   * @returns {number} milliseconds that a tick lasts there
+   */
+  msPerTickAt(tick) {
+    return 60000 / this.#stretchAt("tick", tick).ticksPerMinute;
+  }
+
+  /**
+   * @param {"tick" | "ms"} measure
+   * @param {number} value
+   */
+  #stretchAt(measure, value) {
     const stretches = this.#stretches;
     let low = 0;
     let high = stretches.length - 1;
     while (low < high) {
       const middle = (low + high + 1) >> 1;
-      if (stretches[middle].tick <= tick) {
+      if (stretches[middle][measure] <= value) {
         low = middle;
       } else {
         high = middle - 1;
       }
     }
-    const stretch = stretches[low];
-    return stretch.ms + ((tick - stretch.tick) * 60000) / stretch.ticksPerMinute;
+    return stretches[low];
   }
 }

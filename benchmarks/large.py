@@ -1,0 +1,75 @@
+#!/usr/bin/python3
+# bench: large [MEGABYTES] FILE.gp   a score with a long recording in it: the way to "score", and the window meanwhile
+"""Times the opening of a Guitar Pro file with a long recording, until the page says "score".
+
+usage: large.py [MEGABYTES] FILE.gp, with the program's build folder beside QUAVERLY_PROGRAM
+
+FILE is a score with a recording of its own, which is replaced by noise of the wanted length. The window itself tells when
+its main thread did not come to its turn.
+"""
+
+import os
+import shutil
+import sys
+import tempfile
+import time
+import wave
+import zipfile
+
+from soundlab.room import SoundSystem, Window
+from startup import Screen
+
+
+def with_long_recording(source, target, megabytes):
+    recording = target + ".wav"
+    with wave.open(recording, "wb") as sound:
+        sound.setnchannels(2)
+        sound.setsampwidth(2)
+        sound.setframerate(44100)
+        sound.writeframes(os.urandom(1 << 20) * megabytes)
+    with zipfile.ZipFile(source) as old, zipfile.ZipFile(target, "w") as new:
+        replaced = False
+        for entry in old.infolist():
+            if entry.filename.startswith("Content/Assets/") and not entry.is_dir():
+                new.write(recording, entry.filename)
+                replaced = True
+            else:
+                new.writestr(entry, old.read(entry))
+    os.remove(recording)
+    if not replaced:
+        sys.exit(f"large: {source} has no recording in it")
+
+
+def main():
+    arguments = sys.argv[1:]
+    megabytes = int(arguments.pop(0)) if arguments and arguments[0].isdigit() else 60
+    if len(arguments) != 1:
+        sys.exit(__doc__)
+    folder = tempfile.mkdtemp(prefix="quaverly-bench-")
+    try:
+        file = os.path.join(folder, "large.gp")
+        with_long_recording(os.path.abspath(arguments[0]), file, megabytes)
+        screen, system = Screen(folder), SoundSystem(folder)
+        player = os.path.join(os.path.dirname(os.environ["QUAVERLY_PROGRAM"]), "sound_player")
+        window = Window(player, screen.display, system, folder)
+        try:
+            window.wait_for("ready")
+            window.rest(3)
+            began = time.monotonic()
+            handed_over = window.tell(f"open {file}")
+            scored = window.wait_for("score")
+            window.rest(3)
+            stalls = [length for at, length in window.stalls if at - length / 1000 >= handed_over - 0.01]
+            print(f'{os.path.getsize(file) / 1e6:.0f} MB: "score" after {scored - began:.2f} s')
+            print(f"the window reads the file and hands it over in {(handed_over - began) * 1000:.0f} ms")
+            print(f"its longest stall after that: {max(stalls, default=0):.0f} ms")
+        finally:
+            window.close()
+            system.close()
+            screen.close()
+    finally:
+        shutil.rmtree(folder, ignore_errors=True)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,89 @@
+#!/usr/bin/python3
+# bench: running [RUNS] FILE...   in the running program: opening a file, zoom, a hidden track, until redrawn
+"""Times what a user asks of the running program until the screen shows it, complete and still.
+
+usage: running.py [RUNS] FILE..., with the program's build folder beside QUAVERLY_PROGRAM
+
+Each file is opened several times, each time after another score; then, with the last one open, the zoom is changed and
+a track is hidden. The time counts from the order until the screen shows what it shows in the end.
+"""
+
+import json
+import os
+import shutil
+import statistics
+import sys
+import tempfile
+import time
+
+from soundlab.room import SoundSystem, Window
+from speedlab.stillness import Film
+from startup import Screen
+
+SETTLING = 3.0
+WATCHED = 1.5
+
+
+class Desk:
+    def __init__(self, folder):
+        self._screen = Screen(folder)
+        self._system = SoundSystem(folder)
+        player = os.path.join(os.path.dirname(os.environ["QUAVERLY_PROGRAM"]), "sound_player")
+        self.window = Window(player, self._screen.display, self._system, folder)
+        self.window.wait_for("ready")
+        time.sleep(SETTLING)
+
+    def until_still(self, order):
+        """Milliseconds from the order until the screen stays as it is."""
+        film = Film(self._screen)
+        began = self.window.tell(order)
+        film.run(WATCHED)
+        still = film.still_since()
+        self.window.rest(SETTLING)
+        return (still - began) * 1000 if still else float("nan")
+
+    def close(self):
+        self.window.close()
+        self._system.close()
+        self._screen.close()
+
+
+def show(what, times):
+    print(f"{what:36}{statistics.median(times):8.0f}{min(times):8.0f}{max(times):8.0f}", flush=True)
+
+
+def measure(desk, files, runs):
+    print(f"Milliseconds until the first screen stays, {runs} runs{'':6}median   least    most")
+    for file in files:
+        times = []
+        for _ in range(runs):
+            desk.window.call("loadSample")
+            desk.window.rest(SETTLING)
+            times.append(desk.until_still(f"open {file}"))
+        show("open " + os.path.basename(file), times)
+    tracks = len(next(message for _, message in reversed(desk.window.messages) if message["type"] == "score")["tracks"])
+    zooms = [1.15 if turn % 2 == 0 else 1.0 for turn in range(runs)]
+    show(f"zoom, {tracks} tracks", [desk.until_still(f"js window.qv.setZoom({zoom})") for zoom in zooms])
+    some = [list(range(tracks)) if turn % 2 else list(range(1, tracks)) or [0] for turn in range(runs)]
+    show(f"a track hidden or shown, of {tracks}",
+         [desk.until_still(f"js window.qv.renderTracks({json.dumps(ids)})") for ids in some])
+
+
+def main():
+    arguments = sys.argv[1:]
+    runs = int(arguments.pop(0)) if arguments and arguments[0].isdigit() else 5
+    if not arguments:
+        sys.exit(__doc__)
+    folder = tempfile.mkdtemp(prefix="quaverly-bench-")
+    try:
+        desk = Desk(folder)
+        try:
+            measure(desk, [os.path.abspath(name) for name in arguments], runs)
+        finally:
+            desk.close()
+    finally:
+        shutil.rmtree(folder, ignore_errors=True)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,185 @@
+// The real window, told what to do by the lines of its standard input, for a script that measures what is heard or how
+// long something takes.
+//
+//   open PATH      js SCRIPT      mute TRACK      resize WIDTH HEIGHT      wheel STEPS      positions COUNT      quit
+//
+// "positions" hands the window position messages as a playing page does, thirty a second. When the main thread was busy
+// for long, "stalled" and the milliseconds are written. Every page message and every line carried out is written to
+// standard output as one line: the time in seconds of the monotonic clock, "message" or "did", and the message as JSON
+// or the line.
+
+#include "app/QuaverlyApp.h"
+#include "controller/AlphaTabController.h"
+#include "engine_host/DrawingBackend.h"
+#include "engine_host/MessageReceiver.h"
+#include "engine_host/RootSandbox.h"
+#include "engine_host/ScriptHandler.h"
+#include "engine_host/WebSchemeHandler.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLoggingCategory>
+#include <QSocketNotifier>
+#include <QTimer>
+#include <QUrl>
+#include <QWheelEvent>
+
+#include <chrono>
+#include <cstdio>
+#include <string>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void report(const char *what, const QByteArray &text)
+{
+    const std::chrono::duration<double> now = std::chrono::steady_clock::now().time_since_epoch();
+    std::printf("%.6f %s %s\n", now.count(), what, text.constData());
+    std::fflush(stdout);
+}
+
+/// Stands between the page and the controller and writes down what passes.
+class Listener final : public MessageReceiver {
+public:
+    explicit Listener(MessageReceiver &controller)
+        : m_controller(controller)
+    {
+    }
+
+    void handle(const QVariantMap &message) override
+    {
+        report("message", QJsonDocument(QJsonObject::fromVariantMap(message)).toJson(QJsonDocument::Compact));
+        m_controller.handle(message);
+    }
+
+private:
+    MessageReceiver &m_controller;
+};
+
+class Commands final {
+public:
+    Commands(AlphaTabController &controller, QWidget &window)
+        : m_controller(controller)
+        , m_window(window)
+    {
+    }
+
+    void carryOut(const QString &line)
+    {
+        const QString command = line.section(u' ', 0, 0);
+        const QString argument = line.section(u' ', 1);
+        if (command == u"open")
+            m_controller.load(QUrl::fromLocalFile(argument));
+        else if (command == u"js")
+            m_controller.js(argument);
+        else if (command == u"mute")
+            m_controller.toggleMute(argument.toInt());
+        else if (command == u"resize")
+            m_window.resize(argument.section(u' ', 0, 0).toInt(), argument.section(u' ', 1, 1).toInt());
+        else if (command == u"positions")
+            feedPositions(argument.toInt());
+        else if (command == u"wheel")
+            turnWheel(argument.toInt());
+        else
+            QCoreApplication::quit();
+        report("did", line.toUtf8());
+    }
+
+private:
+    void feedPositions(int count)
+    {
+        auto *timer = new QTimer(&m_window);
+        QObject::connect(timer, &QTimer::timeout, &m_window, [this, timer, count, fed = 0]() mutable {
+            m_controller.handle(
+                { { u"type"_s, u"position"_s }, { u"currentTime"_s, 33.0 * fed }, { u"endTime"_s, 33.0 * count } });
+            if (++fed == count)
+                timer->deleteLater();
+        });
+        timer->start(33);
+    }
+
+    /// Over the middle of the score, as a mouse does.
+    void turnWheel(int steps)
+    {
+        QWidget *view = m_controller.webView();
+        QWidget *target = view && view->focusProxy() ? view->focusProxy() : view;
+        if (!target)
+            return;
+        const QPointF place = QRectF(target->rect()).center();
+        constexpr int step = 120;
+        QWheelEvent turn(place, target->mapToGlobal(place), QPoint(), QPoint(0, step * steps), Qt::NoButton,
+            Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(target, &turn);
+    }
+
+    AlphaTabController &m_controller;
+    QWidget &m_window;
+};
+
+/// Looks a hundred times a second whether the main thread comes to its turn.
+class StallWatch final : public QTimer {
+public:
+    StallWatch()
+    {
+        connect(this, &QTimer::timeout, this, [this] {
+            const qint64 gap = m_last.restart();
+            if (gap >= reportedStall)
+                report("stalled", QByteArray::number(gap));
+        });
+        m_last.start();
+        start(10);
+    }
+
+private:
+    static constexpr qint64 reportedStall = 50;
+    QElapsedTimer m_last;
+};
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication::setApplicationName(u"quaverly"_s);
+    QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false"_s);
+    RootSandbox::adapt();
+    DrawingBackend::adapt();
+    WebSchemeHandler::registerScheme();
+    const QApplication application(argc, argv);
+
+    Surroundings surroundings = Surroundings::system();
+    ScriptHandler *page = nullptr;
+    surroundings.makeEngine = [&page, make = surroundings.makeEngine](ScriptHandler &handler, const auto &webFolder) {
+        page = &handler;
+        return make(handler, webFolder);
+    };
+    AlphaTabController controller(std::move(surroundings));
+    Listener listener(controller);
+    page->setController(&listener);
+
+    QuaverlyApp quaverly(controller);
+    quaverly.appDelegate().applicationDidFinishLaunching();
+
+    const StallWatch watch;
+    Commands commands(controller, quaverly.window());
+    std::string pending;
+    QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
+    QObject::connect(&input, &QSocketNotifier::activated, &application, [&] {
+        char buffer[4096];
+        const ssize_t got = read(STDIN_FILENO, buffer, sizeof buffer);
+        if (got <= 0) {
+            input.setEnabled(false);
+            QCoreApplication::quit();
+            return;
+        }
+        pending.append(buffer, size_t(got));
+        for (size_t end = pending.find('\n'); end != std::string::npos; end = pending.find('\n')) {
+            commands.carryOut(QString::fromUtf8(pending.data(), qsizetype(end)));
+            pending.erase(0, end + 1);
+        }
+    });
+    return QApplication::exec();
+}

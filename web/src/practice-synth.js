@@ -1,0 +1,342 @@
+// @ts-check
+import { alphaTab } from "./alphatab.js";
+import { HeardTime } from "./heard-time.js";
+
+/**
+ * The engine's synthesizer, as a musician who practises needs it. Runs in a worker. What is different:
+ *
+ * - A loop starts over from one sample to the next. The engine waits until the last sample has been heard.
+ * - A bar is counted in by the synthesizer itself, so that its clicks and the first note are of one stream.
+ * - A change of speed goes on from where the sound is. The engine seeks, which cuts off every note.
+ * - A pause stays at what was heard last, not at what was rendered last.
+ * - The place it reports is the place that is heard.
+ *
+ * @typedef {object} CountIn
+ * @property {number} beats none for no count-in
+ * @property {number} beatLength milliseconds of score time
+ * @property {number} first channel of the first beat
+ * @property {number} others channel of the other beats
+ * @property {number} key what the click is
+ * @property {number} velocity 0 to 1
+ * @property {{ number: number, program: number }} bank where the click is found
+ *
+ * @typedef {object} Line where the samples go
+ * @property {() => void} start
+ * @property {() => void} stop
+ * @property {() => void} clear what was sent and not heard yet is not wanted any more
+ *
+ * The parts of the engine that are relied on without being in its declarations:
+ *
+ * @typedef {object} Sequencer times are real milliseconds at the speed of playing
+ * @property {number} currentTime up to where events were handed to the synthesizer
+ * @property {number} currentEndTime
+ * @property {number} playbackSpeed
+ * @property {boolean} isFinished
+ * @property {import("@coderline/alphatab").synth.PlaybackRange | null} mainPlaybackRange
+ * @property {(tick: number) => number} mainTickPositionToTimePosition
+ * @property {(time: number) => void} mainSeek
+ * @property {() => void} fillMidiEventQueue hands over the events of the next `step` samples
+ *
+ * @typedef {object} Synthesizer
+ * @property {number} activeVoiceCount
+ * @property {(buffer: Float32Array, at: number, frames: number) => void} synthesize adds to what is in the buffer
+ * @property {(frames: number) => void} synthesizeSilent ends all voices
+ * @property {(immediate: boolean) => void} noteOffAll
+ * @property {(channel: number, key: number, velocity: number) => void} channelNoteOn
+ * @property {(channel: number, bank: number, program: number) => void} channelSetBankPreset
+ */
+
+/** The engine renders in steps of this many samples; events fall on their beginning. */
+const step = 64;
+
+/** What still sounds at a seam fades out over this many samples. */
+const fadeLength = 480;
+
+/** How long the last notes of a score may ring on, in seconds. */
+const longestEnd = 1.5;
+
+/** An output as the engine's base class wants it. This synthesizer is asked for samples by other means. */
+function silentOutput(/** @type {number} */ sampleRate, /** @type {Line} */ line) {
+  const never = { on: () => () => {}, off: () => {} };
+  /** @type {(() => void)[]} */
+  const waiting = [];
+  return /** @type {import("@coderline/alphatab").synth.ISynthOutput} */ (
+    /** @type {unknown} */ ({
+      sampleRate,
+      ready: { on: (/** @type {() => void} */ ready) => waiting.push(ready) },
+      samplesPlayed: never,
+      sampleRequest: never,
+      open: () => waiting.forEach((ready) => ready()),
+      destroy: () => line.stop(),
+      play: () => line.start(),
+      pause: () => line.stop(),
+      addSamples: () => {},
+      resetSamples: () => line.clear(),
+      activate: () => {},
+    })
+  );
+}
+
+export class PracticeSynth extends alphaTab.synth.AlphaSynth {
+  #sampleRate;
+  #heardTime;
+  /** Samples rendered since the stream began. */
+  #rendered = 0;
+  /** @type {number | null} the sample after which there is nothing more to hear */
+  #end = null;
+  #ringingOut = 0;
+  /** @type {CountIn | null} the one to begin with */
+  #nextCountIn = null;
+  /** @type {CountIn | null} the one under way */
+  #countIn = null;
+  /** How much of it was rendered, in milliseconds of score time, and how many of its clicks. */
+  #countedIn = 0;
+  #clicks = 0;
+  /** @type {Float32Array | null} what fades out over the next samples, of two channels */
+  #fading = null;
+
+  /**
+   * @param {number} sampleRate samples a second
+   * @param {Line} line
+   */
+  constructor(sampleRate, line) {
+    const clear = () => this.#clear(line);
+    super(silentOutput(sampleRate, { ...line, clear }), 0);
+    this.#sampleRate = sampleRate;
+    this.#heardTime = new HeardTime(sampleRate);
+  }
+
+  get #sequencer() {
+    return /** @type {Sequencer} */ (/** @type {any} */ (this).sequencer);
+  }
+
+  get #synthesizer() {
+    return /** @type {Synthesizer} */ (/** @type {any} */ (this).synthesizer);
+  }
+
+  /** Where rendering has come to, in milliseconds of score time. */
+  get #renderedPlace() {
+    return this.#sequencer.currentTime * this.#sequencer.playbackSpeed;
+  }
+
+  /** @param {CountIn | null} countIn what the next start begins with; while one is under way it starts over with this */
+  setCountIn(countIn) {
+    this.#nextCountIn = countIn;
+    if (this.#countIn) {
+      this.#beginCountIn();
+    }
+  }
+
+  /** @override */
+  play() {
+    const playing = super.play();
+    if (playing) {
+      this.#beginCountIn();
+    }
+    return playing;
+  }
+
+  /** @override */
+  pause() {
+    const playing = this.state === alphaTab.synth.PlayerState.Playing;
+    this.#countIn = null;
+    super.pause();
+    if (playing) {
+      // Back from what was rendered to what was heard.
+      this.timePosition = super.timePosition;
+    }
+  }
+
+  /** @override */
+  stop() {
+    this.#countIn = null;
+    super.stop();
+  }
+
+  /**
+   * @override
+   * @param {number} speed
+   */
+  updatePlaybackSpeed(speed) {
+    const heard = super.timePosition * this.#sequencer.playbackSpeed;
+    this.#sequencer.playbackSpeed = speed;
+    this.#mark(false);
+    this.#report(heard, true);
+  }
+
+  /**
+   * @param {number} least how many frames are wanted
+   * @returns {Float32Array | null} at least as many, left and right in turn; null when there is nothing more to play
+   */
+  render(least) {
+    if (this.state !== alphaTab.synth.PlayerState.Playing || this.#end !== null) {
+      return null;
+    }
+    const samples = new Float32Array((least + step) * 2);
+    let frames = 0;
+    while (frames < least && this.#end === null) {
+      const count = this.#renderStep(samples, frames);
+      this.#mixFading(samples, frames, count);
+      frames += count;
+      this.#rendered += count;
+    }
+    return samples.subarray(0, frames * 2);
+  }
+
+  /** @param {number} frame of the stream that is heard now */
+  heard(frame) {
+    if (this.state !== alphaTab.synth.PlayerState.Playing) {
+      return;
+    }
+    const heard = this.#heardTime.at(frame);
+    if (heard) {
+      this.#report(heard.place, heard.startsOver);
+    }
+    if (this.#end !== null && frame >= this.#end) {
+      this.stop();
+    }
+  }
+
+  /**
+   * @param {Float32Array} samples
+   * @param {number} at frame in `samples`
+   * @returns {number} how many frames were rendered, at most `step`
+   */
+  #renderStep(samples, at) {
+    if (this.#countIn) {
+      return this.#renderCountIn(this.#countIn, samples, at);
+    }
+    const left = this.#framesLeft();
+    if (left >= 1) {
+      const count = Math.min(step, left);
+      this.#sequencer.fillMidiEventQueue();
+      this.#synthesizer.synthesize(samples, at * 2, count);
+      return count;
+    }
+    if (this.isLooping) {
+      this.#startOver();
+      return 0;
+    }
+    return this.#ringOut(samples, at);
+  }
+
+  /** How many frames there are up to the end of the score, or of the range. */
+  #framesLeft() {
+    const sequencer = this.#sequencer;
+    const range = sequencer.mainPlaybackRange;
+    const end = range ? sequencer.mainTickPositionToTimePosition(range.endTick) : sequencer.currentEndTime;
+    return Math.round(((end - sequencer.currentTime) * this.#sampleRate) / 1000);
+  }
+
+  #startOver() {
+    const fading = new Float32Array(fadeLength * 2);
+    this.#synthesizer.synthesize(fading, 0, fadeLength);
+    for (let i = 0; i < fading.length; i++) {
+      fading[i] *= 1 - (i >> 1) / fadeLength;
+    }
+    const range = this.#sequencer.mainPlaybackRange;
+    this.#sequencer.mainSeek(range ? this.#sequencer.mainTickPositionToTimePosition(range.startTick) : 0);
+    this.#synthesizer.synthesizeSilent(step);
+    this.#fading = fading;
+    this.#ringingOut = 0;
+    this.#mark(true);
+    if (this.#framesLeft() < 1) {
+      // A range without length would start over for ever.
+      this.#end = this.#rendered;
+    }
+  }
+
+  /**
+   * @param {Float32Array} samples
+   * @param {number} at
+   * @param {number} count
+   */
+  #mixFading(samples, at, count) {
+    const fading = this.#fading;
+    if (fading) {
+      const length = Math.min(count * 2, fading.length);
+      for (let i = 0; i < length; i++) {
+        samples[at * 2 + i] += fading[i];
+      }
+      this.#fading = length < fading.length ? fading.subarray(length) : null;
+    }
+  }
+
+  /**
+   * @param {Float32Array} samples
+   * @param {number} at
+   */
+  #ringOut(samples, at) {
+    if (this.#ringingOut === 0) {
+      this.#synthesizer.noteOffAll(false);
+    }
+    if (this.#synthesizer.activeVoiceCount === 0 || this.#ringingOut > longestEnd * this.#sampleRate) {
+      this.#end = this.#rendered;
+      return 0;
+    }
+    this.#synthesizer.synthesize(samples, at * 2, step);
+    this.#ringingOut += step;
+    return step;
+  }
+
+  #beginCountIn() {
+    this.#countIn = this.#nextCountIn && this.#nextCountIn.beats > 0 ? this.#nextCountIn : null;
+    this.#countedIn = 0;
+    this.#clicks = 0;
+    this.#mark(false);
+  }
+
+  /**
+   * @param {CountIn} countIn
+   * @param {Float32Array} samples
+   * @param {number} at
+   */
+  #renderCountIn(countIn, samples, at) {
+    const perFrame = (1000 / this.#sampleRate) * this.#sequencer.playbackSpeed;
+    const until = Math.round((this.#clicks * countIn.beatLength - this.#countedIn) / perFrame);
+    if (until > 0) {
+      const count = Math.min(step, until);
+      this.#synthesizer.synthesize(samples, at * 2, count);
+      this.#countedIn += count * perFrame;
+      return count;
+    }
+    if (this.#clicks < countIn.beats) {
+      const channel = this.#clicks === 0 ? countIn.first : countIn.others;
+      this.#synthesizer.channelSetBankPreset(channel, countIn.bank.number, countIn.bank.program);
+      this.#synthesizer.channelNoteOn(channel, countIn.key, countIn.velocity);
+      this.#clicks++;
+    } else {
+      this.#countIn = null;
+      this.#mark(false);
+    }
+    return 0;
+  }
+
+  /** @param {boolean} startsOver */
+  #mark(startsOver) {
+    const speed = this.#countIn ? 0 : this.#sequencer.playbackSpeed;
+    this.#heardTime.add({ frame: this.#rendered, place: this.#renderedPlace, speed, startsOver });
+  }
+
+  /**
+   * @param {number} place milliseconds of score time
+   * @param {boolean} isSeek
+   */
+  #report(place, isSeek) {
+    /** @type {{ updateTimePosition: (time: number, isSeek: boolean) => void }} */ (/** @type {unknown} */ (this)).updateTimePosition(
+      place / this.#sequencer.playbackSpeed,
+      isSeek,
+    );
+  }
+
+  /** @param {Line} line */
+  #clear(line) {
+    line.clear();
+    this.#heardTime.clear();
+    this.#rendered = 0;
+    this.#end = null;
+    this.#ringingOut = 0;
+    this.#fading = null;
+    this.#mark(false);
+  }
+}

@@ -1,0 +1,147 @@
+// @ts-check
+import { alphaTab } from "./alphatab.js";
+
+/**
+ * The page's side of the synthesizer: starts its worker and its place in the audio thread, and joins the two.
+ *
+ * @typedef {import("@coderline/alphatab").synth.IAlphaSynth} Player
+ */
+
+/** How long after the last sound the line to the sound system is kept open, in milliseconds. */
+const patience = 15000;
+
+/** How often the sound system is asked how far it is to the ear, in milliseconds. */
+const latencyInterval = 1000;
+
+/** An event as the engine subscribes to it. */
+class Signal {
+  /** @type {(() => void)[]} */
+  #listeners = [];
+
+  /** @param {() => void} listener */
+  on(listener) {
+    this.#listeners.push(listener);
+    return () => this.off(listener);
+  }
+
+  /** @param {() => void} listener */
+  off(listener) {
+    this.#listeners = this.#listeners.filter((one) => one !== listener);
+  }
+
+  trigger() {
+    for (const listener of this.#listeners) {
+      listener();
+    }
+  }
+}
+
+/** Where the synthesizer sounds: an audio context that sleeps when there is nothing to hear. */
+class SoundOutput {
+  ready = new Signal();
+  /** Never triggered: the audio thread and the synthesizer's worker settle these between themselves. */
+  samplesPlayed = new Signal();
+  sampleRequest = new Signal();
+  #context = new AudioContext({ latencyHint: "interactive" });
+  #loudspeaker;
+  #sleep = 0;
+  #latencyTimer = 0;
+
+  /** @param {MessagePort} loudspeaker the audio thread's end of the line to the worker */
+  constructor(loudspeaker) {
+    this.#loudspeaker = loudspeaker;
+  }
+
+  get sampleRate() {
+    return this.#context.sampleRate;
+  }
+
+  open() {
+    void this.#connect();
+    this.ready.trigger();
+  }
+
+  async #connect() {
+    const context = this.#context;
+    await context.audioWorklet.addModule("src/sound-processor.js");
+    const node = new AudioWorkletNode(context, "quaverly-sound", { numberOfInputs: 0, outputChannelCount: [2] });
+    node.port.postMessage({ port: this.#loudspeaker }, [this.#loudspeaker]);
+    node.connect(context.destination);
+    const tellLatency = () => {
+      const seconds = context.outputLatency || context.baseLatency || 0;
+      node.port.postMessage({ latency: Math.round(seconds * context.sampleRate) });
+    };
+    this.#latencyTimer = setInterval(() => {
+      if (context.state === "running") {
+        tellLatency();
+      }
+    }, latencyInterval);
+    this.#fallAsleep();
+  }
+
+  activate() {
+    clearTimeout(this.#sleep);
+    void this.#context.resume();
+  }
+
+  play() {
+    this.activate();
+  }
+
+  pause() {
+    this.#fallAsleep();
+  }
+
+  #fallAsleep() {
+    clearTimeout(this.#sleep);
+    this.#sleep = setTimeout(() => void this.#context.suspend(), patience);
+  }
+
+  destroy() {
+    clearTimeout(this.#sleep);
+    clearInterval(this.#latencyTimer);
+    void this.#context.close();
+  }
+
+  addSamples() {}
+
+  resetSamples() {}
+
+  async enumerateOutputDevices() {
+    return [];
+  }
+
+  async setOutputDevice() {}
+
+  async getOutputDevice() {
+    return null;
+  }
+}
+
+/**
+ * The engine's player for synthesizers that run in a worker, joined to ours. The engine exports its class without
+ * declaring it.
+ */
+const WorkerPlayer = /** @type {new (output: unknown, settings: unknown, worker: unknown) => Player} */ (
+  /** @type {any} */ (alphaTab.synth).AlphaSynthWebWorkerApi
+);
+
+export class SynthPlayer {
+  #talk;
+
+  /** @param {import("./alphatab.js").Settings} settings */
+  constructor(settings) {
+    const worker = new Worker("src/synth-worker.js", { type: "module" });
+    const line = new MessageChannel();
+    const talk = new MessageChannel();
+    worker.postMessage({ cmd: "serve", page: talk.port2, loudspeaker: line.port2 }, [talk.port2, line.port2]);
+    this.#talk = Object.assign(talk.port1, { terminate: () => worker.terminate() });
+    this.player = new WorkerPlayer(new SoundOutput(line.port1), settings, this.#talk);
+    this.#talk.start();
+  }
+
+  /** @param {import("./practice-synth.js").CountIn | null} countIn what the next start begins with */
+  setCountIn(countIn) {
+    this.#talk.postMessage({ cmd: "alphaSynth.setCountIn", countIn });
+  }
+}

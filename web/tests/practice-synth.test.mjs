@@ -1,0 +1,169 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { HeardTime } from "../src/heard-time.js";
+import { Rehearsal, onsets, sampleRate, scoreOf } from "./support/rehearsal.mjs";
+
+// The tracks are silent here: no instruments are loaded. What sounds are the metronome's clicks.
+
+/** The engine hands over events in steps of this many milliseconds, early ones rather than late ones. */
+const step = (64 * 1000) / sampleRate;
+
+/** @param {string} text alphaTex */
+function rehearse(text) {
+  const rehearsal = new Rehearsal(scoreOf(text));
+  rehearsal.metronome.configure({ volume: 1, sound: "tick", accent: true, mode: "beat" });
+  return rehearsal;
+}
+
+/**
+ * @param {number[]} heard
+ * @param {number[]} wanted
+ */
+function assertAt(heard, wanted) {
+  assert.equal(heard.length, wanted.length, `${heard.map(Math.round)} instead of ${wanted.map(Math.round)}`);
+  heard.forEach((at, index) => {
+    assert.ok(at > wanted[index] - step - 0.2 && at < wanted[index] + 0.2, `${at} instead of ${wanted[index]}`);
+  });
+}
+
+const bar = "r.4 r r r |";
+const evenBeats = (count, length, from = 0) => Array.from({ length: count }, (_, beat) => from + beat * length);
+
+test("clicks fall on the beats and stop with the score", () => {
+  const rehearsal = rehearse(`\\tempo 120 ${bar} ${bar}`);
+  rehearsal.metronome.turn(true);
+  rehearsal.playback.playPause();
+  assertAt(onsets(rehearsal.listen(10)), evenBeats(8, 500));
+});
+
+test("a loop starts over on the beat", () => {
+  const rehearsal = rehearse(`\\tempo 137 ${bar} ${bar}`);
+  rehearsal.metronome.turn(true);
+  rehearsal.synth.isLooping = true;
+  rehearsal.playback.playPause();
+  assertAt(onsets(rehearsal.listen((8 * 60 * 5) / 137 - 0.1)), evenBeats(40, 60000 / 137));
+});
+
+test("a range starts over on the beat", () => {
+  const rehearsal = rehearse(`\\tempo 120 ${bar} ${bar} ${bar}`);
+  rehearsal.metronome.turn(true);
+  rehearsal.synth.isLooping = true;
+  rehearsal.synth.playbackRange = { startTick: 2 * 960, endTick: 6 * 960 };
+  rehearsal.playback.playPause();
+  assertAt(onsets(rehearsal.listen(7.9)), evenBeats(16, 500));
+});
+
+test("speed stretches the clicks, also in the middle of playing", () => {
+  const rehearsal = rehearse(`\\tempo 120 ${bar} ${bar}`);
+  rehearsal.metronome.turn(true);
+  rehearsal.synth.playbackSpeed = 0.25;
+  rehearsal.playback.playPause();
+  const slow = rehearsal.listen(4);
+  rehearsal.synth.playbackSpeed = 2;
+  const fast = rehearsal.listen(2);
+  const turn = (slow.length * 1000) / sampleRate;
+  // 4 seconds at a quarter of the speed are two beats.
+  assertAt(onsets(slow).slice(0, 2), [0, 2000]);
+  const rest = turn - 4000;
+  assertAt(onsets(fast).slice(0, 5), evenBeats(5, 250, rest > 0 ? 250 - rest / 8 : 0));
+});
+
+test("one bar is counted in, with an accent and with the metronome off", () => {
+  const rehearsal = rehearse(`\\tempo 90 \\ts 3 4 r.4 r r | r.4 r r |`);
+  rehearsal.playback.setCountIn(true);
+  rehearsal.playback.playPause();
+  const sound = rehearsal.listen(8);
+  assertAt(onsets(sound), evenBeats(3, 60000 / 90));
+  const peak = (beat) => sound.slice(((beat * 60) / 90) * sampleRate, ((beat * 60) / 90 + 0.1) * sampleRate).reduce((most, one) => Math.max(most, one), 0);
+  assert.ok(peak(0) > peak(1) * 1.2);
+});
+
+test("the count-in leads into the clicks of the score on the beat", () => {
+  const rehearsal = rehearse(`\\tempo 137 ${bar} ${bar}`);
+  rehearsal.metronome.turn(true);
+  rehearsal.playback.setCountIn(true);
+  rehearsal.playback.playPause();
+  assertAt(onsets(rehearsal.listen(20)), evenBeats(12, 60000 / 137));
+});
+
+test("the count-in has the metre, the tempo and the speed of the place it leads to", () => {
+  const rehearsal = rehearse(`\\tempo 120 ${bar} \\ts 7 8 \\tempo 60 :8 r r r r r r r | r r r r r r r |`);
+  rehearsal.playback.setCountIn(true);
+  rehearsal.synth.playbackSpeed = 2;
+  rehearsal.playback.seekToTick(4 * 960 + 480); // in the middle of the second bar
+  rehearsal.playback.playPause();
+  assertAt(onsets(rehearsal.listen(9)), evenBeats(7, 250));
+});
+
+test("the position waits while a bar is counted in", () => {
+  const rehearsal = rehearse(`\\tempo 120 ${bar} ${bar}`);
+  const places = [];
+  rehearsal.synth.positionChanged.on(({ currentTime }) => places.push(currentTime));
+  rehearsal.playback.setCountIn(true);
+  rehearsal.playback.playPause();
+  rehearsal.listen(4);
+  places.length = 0;
+  rehearsal.synth.heard(1.9 * sampleRate);
+  rehearsal.synth.heard(2.5 * sampleRate);
+  assert.equal(places[0], 0);
+  assert.ok(Math.abs(places[1] - 500) < 1, String(places[1]));
+});
+
+test("a pause in the count-in leaves the place alone, and the next start counts anew", () => {
+  const rehearsal = rehearse(`\\tempo 120 ${bar} ${bar}`);
+  rehearsal.playback.setCountIn(true);
+  rehearsal.playback.seekToTick(960);
+  rehearsal.playback.playPause();
+  rehearsal.listen(1.2);
+  rehearsal.synth.heard(sampleRate);
+  rehearsal.synth.pause();
+  assert.ok(Math.abs(rehearsal.synth.timePosition - 500) < 2);
+  assert.equal(rehearsal.synth.render(512), null);
+  rehearsal.synth.play();
+  assertAt(onsets(rehearsal.listen(5)), evenBeats(4, 500));
+});
+
+test("a seek in the count-in counts again for the new place", () => {
+  const rehearsal = rehearse(`\\tempo 120 ${bar} \\ts 3 4 r.4 r r | r r r |`);
+  rehearsal.playback.setCountIn(true);
+  rehearsal.playback.playPause();
+  rehearsal.listen(0.8);
+  rehearsal.playback.seekToTick(4 * 960);
+  assertAt(onsets(rehearsal.listen(6)), evenBeats(3, 500));
+});
+
+test("a pause stays at what was heard", () => {
+  const rehearsal = rehearse(`\\tempo 120 ${bar} ${bar}`);
+  rehearsal.playback.playPause();
+  rehearsal.listen(1);
+  rehearsal.synth.heard(0.8 * sampleRate);
+  rehearsal.synth.pause();
+  assert.ok(Math.abs(rehearsal.synth.timePosition - 800) < 1);
+});
+
+test("the metronome changes with its next click, the stream without a break", () => {
+  const rehearsal = rehearse(`\\tempo 60 ${bar} ${bar} ${bar}`);
+  rehearsal.metronome.turn(true);
+  rehearsal.playback.playPause();
+  const { streams } = rehearsal;
+  const before = rehearsal.listen(0.9);
+  assert.equal(onsets(before).length, 1);
+  rehearsal.metronome.configure({ volume: 1, sound: "tick", accent: true, mode: "quarter" });
+  const after = onsets(rehearsal.listen(1)).map((at) => at + (before.length * 1000) / sampleRate);
+  assertAt(after, [1000, 1250, 1500, 1750]);
+  rehearsal.metronome.turn(false);
+  assert.deepEqual(onsets(rehearsal.listen(1)), []);
+  assert.equal(rehearsal.streams, streams);
+});
+
+test("what is heard is told apart from what was rendered", () => {
+  const time = new HeardTime(1000);
+  assert.equal(time.at(0), null);
+  time.add({ frame: 0, place: 500, speed: 0, startsOver: false });
+  time.add({ frame: 100, place: 500, speed: 2, startsOver: false });
+  time.add({ frame: 300, place: 0, speed: 2, startsOver: true });
+  assert.deepEqual(time.at(50), { place: 500, startsOver: false });
+  assert.deepEqual(time.at(200), { place: 700, startsOver: false });
+  assert.deepEqual(time.at(301), { place: 2, startsOver: true });
+  assert.deepEqual(time.at(350), { place: 100, startsOver: false });
+});
