@@ -14,6 +14,10 @@ export class Engine extends alphaTab.AlphaTabApi {
   #preparedMode = alphaTab.PlayerMode.Disabled;
   /** @type {Uint8Array<ArrayBuffer> | null} what plays in the player's place while the score's recording is chosen */
   recording = null;
+  /** @type {import("@coderline/alphatab").synth.BackingTrackSyncPoint[]} where the score's time lies in its recording */
+  syncPoints = [];
+  /** How much earlier than asked for a recording starts, in seconds: what accompanies it needs to hear it coming. */
+  leadIn = 0;
   /** @type {SynthPlayer | null} the synthesizer made last */
   synth = null;
 
@@ -55,6 +59,12 @@ export class Engine extends alphaTab.AlphaTabApi {
     }
   }
 
+  /** The element that plays the score's recording; null while the synthesizer plays. */
+  get audioElement() {
+    const output = this.actualPlayerMode === alphaTab.PlayerMode.EnabledBackingTrack ? this.player?.output : null;
+    return /** @type {{ audioElement?: HTMLAudioElement } | null | undefined} */ (output)?.audioElement ?? null;
+  }
+
   #loadRecording() {
     const output = /** @type {import("@coderline/alphatab").synth.IAudioElementBackingTrackSynthOutput | undefined} */ (
       this.player?.output
@@ -62,9 +72,13 @@ export class Engine extends alphaTab.AlphaTabApi {
     if (output && this.recording) {
       const audio = output.audioElement;
       // A pause while the element is still starting is no fault.
-      audio.play = () => HTMLMediaElement.prototype.play.call(audio).catch(() => {});
+      audio.play = () => {
+        audio.currentTime = Math.max(audio.currentTime - this.leadIn, 0);
+        return HTMLMediaElement.prototype.play.call(audio).catch(() => {});
+      };
       // A recording may end before the last bar does.
       audio.onended = () => this.stop();
+      this.player?.updateSyncPoints(this.syncPoints);
       output.loadBackingTrack(Object.assign(new alphaTab.model.BackingTrack(), { rawAudioFile: this.recording }));
     }
   }
