@@ -64,6 +64,11 @@ class Screen:
         start = self._pixels + x * 4 + 1
         return self._memory[start:start + self._stride * HEIGHT:self._stride]
 
+    def rows(self, top, bottom):
+        """The pixels from row `top` to before row `bottom`: blue, green, red and an unused byte each."""
+        start = self._pixels + top * self._stride
+        return self._memory[start:start + (bottom - top) * self._stride]
+
     def close(self):
         self._server.terminate()
         self._server.wait()
