@@ -5,6 +5,7 @@
 #include "controller/TrackInfo.h"
 #include "engine_host/BridgeMessages.h"
 #include "engine_host/MessageReceiver.h"
+#include "pdf/conversion/Outcome.h"
 
 #include <QList>
 #include <QObject>
@@ -14,6 +15,7 @@
 #include <memory>
 #include <optional>
 
+class ConversionWorker;
 class PDFDocument;
 class ScriptHandler;
 
@@ -97,6 +99,14 @@ public:
     void load(const QUrl &url);
     void presentOpenPanel();
 
+    // Conversion of the open PDF into a score
+    /// The executable of the recognition engine Audiveris: what QV_AUDIVERIS names, else where its Debian package is
+    /// installed, else ~/.local/opt/audiveris/bin/Audiveris.
+    std::optional<QString> audiverisBinary() const;
+    /// Reads the notation of the open PDF off the main thread and opens the result as a score; `converting` tells while
+    /// it goes on, `conversionError` why it failed. Without a PDF, and while one is being converted, nothing happens.
+    void convertOpenPDF();
+
     // Recent files
     void saveRecents();
     void clearRecents();
@@ -132,6 +142,11 @@ private:
     void loadPDF(const QUrl &url);
     void forgetRecent(const QString &path);
     void setWindowTitle(const QString &title);
+    /// The file's name without its last extension: a.b.gp gives a.b.
+    static QString nameWithoutExtension(const QString &path);
+
+    void conversionEnded(const QString &path, const PDFConverter::Outcome<QByteArray> &outcome);
+    void convertIfSmoke();
 
     void loadRecents();
     void recordRecent(const QUrl &url);
@@ -151,4 +166,5 @@ private:
     const QString m_smokeLogPath;
     bool m_didSnapshot = false;
     const std::unique_ptr<EngineHost> m_engine;
+    std::unique_ptr<ConversionWorker> m_conversion;
 };

@@ -33,14 +33,6 @@ ReadResult readWhole(const QString &path)
     return { std::move(bytes), {} };
 }
 
-/// The file's name without its last extension: a.b.gp gives a.b.
-QString nameWithoutExtension(const QString &path)
-{
-    const QFileInfo info(path);
-    const QString base = info.completeBaseName();
-    return base.isEmpty() ? info.fileName() : base;
-}
-
 } // namespace
 
 const QStringList &AlphaTabController::scoreExtensions()
@@ -104,6 +96,7 @@ void AlphaTabController::loadPDF(const QUrl &url)
     pdfURL = url;
     setWindowTitle(nameWithoutExtension(path));
     recordRecent(url);
+    convertIfSmoke();
 }
 
 void AlphaTabController::presentOpenPanel()
@@ -116,4 +109,11 @@ void AlphaTabController::setWindowTitle(const QString &text)
 {
     QMetaObject::invokeMethod(
         this, [this, text] { m_surroundings.setKeyWindowTitle(text); }, Qt::QueuedConnection);
+}
+
+QString AlphaTabController::nameWithoutExtension(const QString &path)
+{
+    const QFileInfo info(path);
+    const QString base = info.completeBaseName();
+    return base.isEmpty() ? info.fileName() : base;
 }

@@ -1,6 +1,7 @@
 #include "controller/AlphaTabController.h"
 #include "engine_host/BridgeCalls.h"
 #include "engine_host/ScriptHandler.h"
+#include "pdf/conversion/ConversionWorker.h"
 #include "pdf/conversion/PDFDocument.h"
 
 #include <QFileInfo>

@@ -2,6 +2,9 @@
 
 #include "controller/AlphaTabController.h"
 #include "engine_host/AlphaTabWebView.h"
+#include "pdf/viewing/PDFPageSidebar.h"
+#include "pdf/viewing/PDFSheetView.h"
+#include "pdf/viewing/PageRenderQueue.h"
 #include "views/EmptyState.h"
 #include "views/Toolbar.h"
 #include "views/TrackSidebar.h"
@@ -30,6 +33,9 @@ constexpr int minimumSidebar = 180;
 constexpr int idealSidebar = 220;
 constexpr int maximumSidebar = 320;
 constexpr int alertIcon = 32;
+/// Between the pages of a PDF, and around them.
+constexpr double pageSpacing = 14;
+constexpr double pageMargin = 16;
 
 /// Lays its children over one another, each as large as itself; the later ones lie on top.
 class Layers final : public QWidget {
@@ -63,6 +69,7 @@ std::optional<QUrl> firstOpenable(const QMimeData &data)
 ContentView::ContentView(AlphaTabController &controller, QWidget *parent)
     : QWidget(parent)
     , m_controller(controller)
+    , m_pages(std::make_shared<PageRenderQueue>())
 {
     Theme::install();
     setAcceptDrops(true);
@@ -95,6 +102,7 @@ ContentView::ContentView(AlphaTabController &controller, QWidget *parent)
     };
     controller.tracks.observe(this, order);
     controller.recentFiles.observe(this, order);
+    controller.pdfDocument.observe(this, order);
     controller.conversionError.observe(this, [this](const std::optional<QString> &error) { showError(error); });
 }
 
@@ -107,11 +115,14 @@ QWidget *ContentView::makeSidebar()
     column->setMaximumWidth(maximumSidebar);
     auto *tracks = new TrackSidebar(m_controller);
     column->add(tracks);
-    auto *pages = new Surface(&Theme::Colors::sidebar);
-    column->add(pages);
-    m_controller.pdfDocument.observe(column, [tracks, pages](const auto &document) {
+    m_controller.pdfDocument.observe(column, [this, column, tracks](const auto &document) {
         tracks->setVisible(!document);
-        pages->setVisible(bool(document));
+        delete column->template findChild<PDFPageSidebar *>();
+        if (!document)
+            return;
+        auto *pages = new PDFPageSidebar(m_controller, document, m_pages);
+        column->add(pages);
+        pages->show();
     });
     return column;
 }
@@ -129,8 +140,6 @@ QWidget *ContentView::makeDetail()
     layers->add(score);
     auto *empty = new EmptyState(m_controller);
     layers->add(empty);
-    auto *sheet = new Surface(&Theme::Colors::canvas);
-    layers->add(sheet);
     layout->addWidget(layers, 1);
 
     auto *line = new Separator(Qt::Horizontal);
@@ -138,17 +147,27 @@ QWidget *ContentView::makeDetail()
     auto *transport = new TransportBar(m_controller);
     layout->addWidget(transport);
 
-    const auto refresh = [this, score, empty, sheet, line, transport] {
+    const auto refresh = [this, score, empty, line, transport] {
         const bool pdf = bool(m_controller.pdfDocument.value());
         empty->setVisible(!m_controller.hasScore);
-        sheet->setVisible(pdf);
         line->setVisible(!pdf);
         transport->setVisible(!pdf);
         // The page runs on, but what is covered must not take keys.
         score->setEnabled(m_controller.hasScore && !pdf);
+        empty->setEnabled(!pdf);
     };
     m_controller.hasScore.observe(detail, [refresh](bool) { refresh(); });
-    m_controller.pdfDocument.observe(detail, [refresh](const auto &) { refresh(); });
+    m_controller.pdfDocument.observe(detail, [this, refresh, layers](const auto &document) {
+        delete layers->template findChild<PDFSheetView *>();
+        refresh();
+        if (!document)
+            return;
+        auto *sheet = new PDFSheetView(m_controller, document, pageSpacing, pageMargin, m_pages);
+        layers->add(sheet);
+        sheet->show();
+        // So that the keys scroll at once.
+        sheet->setFocus();
+    });
     return detail;
 }
 

@@ -3,7 +3,10 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <memory>
+
 class AlphaTabController;
+class PageRenderQueue;
 class QMessageBox;
 class QUrl;
 
@@ -31,6 +34,7 @@ private:
     void showError(const std::optional<QString> &error);
 
     AlphaTabController &m_controller;
+    const std::shared_ptr<PageRenderQueue> m_pages;
     QWidget *m_score = nullptr;
     QPointer<QMessageBox> m_alert;
 };

@@ -2,6 +2,7 @@
 
 #include "controller/AlphaTabController.h"
 #include "engine_host/BridgeCalls.h"
+#include "pdf/viewing/PDFToolbarControls.h"
 #include "views/design/Button.h"
 
 #include <QHBoxLayout>
@@ -30,7 +31,6 @@ Button *toolButton(const QString &icon, const QString &name)
 Toolbar::Toolbar(AlphaTabController &controller, QWidget *parent)
     : Surface(&Theme::Colors::bar, parent)
     , m_controller(controller)
-    , m_pdfPlace(new QWidget)
 {
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(10, 8, 10, 8);
@@ -43,10 +43,11 @@ Toolbar::Toolbar(AlphaTabController &controller, QWidget *parent)
 
     QWidget *scoreTools = makeScoreTools();
     layout->addWidget(scoreTools);
-    layout->addWidget(m_pdfPlace);
-    controller.pdfDocument.observe(this, [this, scoreTools](const auto &document) {
+    auto *pdfTools = new PDFToolbarControls(controller);
+    layout->addWidget(pdfTools);
+    controller.pdfDocument.observe(this, [scoreTools, pdfTools](const auto &document) {
         scoreTools->setVisible(!document);
-        m_pdfPlace->setVisible(bool(document));
+        pdfTools->setVisible(bool(document));
     });
 }
 

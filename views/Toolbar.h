@@ -12,13 +12,9 @@ class Toolbar final : public Surface {
 public:
     explicit Toolbar(AlphaTabController &controller, QWidget *parent = nullptr);
 
-    /// Where the controls of an open PDF stand; hidden while there is none.
-    QWidget *pdfPlace() const { return m_pdfPlace; }
-
 private:
     QWidget *makeScoreTools();
     void stepZoom(double step);
 
     AlphaTabController &m_controller;
-    QWidget *m_pdfPlace;
 };

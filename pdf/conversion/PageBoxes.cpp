@@ -2,10 +2,9 @@
 
 #include <QFile>
 #include <qpdf/QPDF.hh>
-#include <qpdf/QPDFPageDocumentHelper.hh>
-#include <qpdf/QPDFPageObjectHelper.hh>
 
-#include <algorithm>
+#include <set>
+#include <utility>
 
 namespace {
 
@@ -14,31 +13,77 @@ const QRectF letter(0, 0, 612, 792);
 
 std::optional<QRectF> rectangle(QPDFObjectHandle object)
 {
-    if (!object.isRectangle())
+    if (!object.isInitialized() || !object.isRectangle())
         return std::nullopt;
     const QPDFObjectHandle::Rectangle box = object.getArrayAsRectangle();
     // The two corners may come in either order.
     return QRectF(QPointF(box.llx, box.lly), QPointF(box.urx, box.ury)).normalized();
 }
 
-int rotationOf(QPDFPageObjectHelper &page)
+/// What a page takes from its ancestors in the page tree where it says nothing itself.
+struct Inherited {
+    QPDFObjectHandle media;
+    QPDFObjectHandle crop;
+    QPDFObjectHandle rotation;
+
+    void overrideFrom(QPDFObjectHandle &node)
+    {
+        for (const auto &[key, value] :
+            { std::pair("/MediaBox", &media), { "/CropBox", &crop }, { "/Rotate", &rotation } }) {
+            if (node.hasKey(key))
+                *value = node.getKey(key);
+        }
+    }
+};
+
+int degrees(QPDFObjectHandle rotation)
 {
-    QPDFObjectHandle value = page.getAttribute("/Rotate", false);
-    if (!value.isInteger())
+    if (!rotation.isInitialized() || !rotation.isInteger())
         return 0;
-    const int quarters = int(value.getIntValue() / 90 % 4);
+    const int quarters = int(rotation.getIntValue() / 90 % 4);
     return 90 * ((quarters + 4) % 4);
 }
 
-PageBox boxOf(QPDFPageObjectHelper &page)
+PageBox boxOf(const Inherited &values)
 {
     PageBox box;
-    box.media = rectangle(page.getAttribute("/MediaBox", false)).value_or(letter);
-    box.crop = rectangle(page.getAttribute("/CropBox", false)).value_or(box.media) & box.media;
+    box.media = rectangle(values.media).value_or(letter);
+    if (box.media.isEmpty())
+        box.media = letter;
+    box.crop = rectangle(values.crop).value_or(box.media) & box.media;
     if (box.crop.isEmpty())
         box.crop = box.media;
-    box.rotation = rotationOf(page);
+    box.rotation = degrees(values.rotation);
     return box;
+}
+
+/// Walks the page tree without recursion: a file may nest it deeper than the stack is.
+std::vector<PageBox> walk(QPDFObjectHandle pages)
+{
+    struct Node {
+        QPDFObjectHandle object;
+        Inherited values;
+    };
+    std::vector<PageBox> boxes;
+    std::vector<Node> waiting{ { pages, {} } };
+    std::set<QPDFObjGen> visited;
+    while (!waiting.empty()) {
+        Node node = std::move(waiting.back());
+        waiting.pop_back();
+        if (!node.object.isDictionary())
+            continue;
+        node.values.overrideFrom(node.object);
+        if (!node.object.hasKey("/Kids")) {
+            boxes.push_back(boxOf(node.values));
+            continue;
+        }
+        if (node.object.isIndirect() && !visited.insert(node.object.getObjGen()).second)
+            continue; // an ancestor of itself
+        QPDFObjectHandle kids = node.object.getKey("/Kids");
+        for (int i = kids.isArray() ? kids.getArrayNItems() : 0; i-- > 0;)
+            waiting.push_back({ kids.getArrayItem(i), node.values });
+    }
+    return boxes;
 }
 
 } // namespace
@@ -60,10 +105,7 @@ std::optional<std::vector<PageBox>> read(const QString &path)
 std::optional<std::vector<PageBox>> read(QPDF &document)
 {
     try {
-        std::vector<PageBox> boxes;
-        for (QPDFPageObjectHelper &page : QPDFPageDocumentHelper(document).getAllPages())
-            boxes.push_back(boxOf(page));
-        return boxes;
+        return walk(document.getRoot().getKey("/Pages"));
     } catch (const std::exception &) {
         return std::nullopt;
     }

@@ -1,3 +1,4 @@
+#include "engine_host/DrawingBackend.h"
 #include "engine_host/RequestInterceptor.h"
 #include "engine_host/RootSandbox.h"
 #include "engine_host/ScriptEvaluation.h"
@@ -43,6 +44,24 @@ private Q_SLOTS:
         QCOMPARE(RootSandbox::flagsFor(true, {}), QByteArray("--no-sandbox"));
         QCOMPARE(RootSandbox::flagsFor(true, "--mute-audio"), QByteArray("--mute-audio --no-sandbox"));
         QCOMPARE(RootSandbox::flagsFor(true, "--no-sandbox --mute-audio"), QByteArray("--no-sandbox --mute-audio"));
+    }
+
+    void theProcessorDrawsWhereThereIsNoGraphicsCard()
+    {
+        const QTemporaryDir folder;
+        const QDir devices(folder.path());
+        QVERIFY(!DrawingBackend::hasGraphicsCard(devices.path()));
+        QVERIFY(devices.mkpath(u"dri/card0"_s));
+        QVERIFY(!DrawingBackend::hasGraphicsCard(devices.path()));
+        QVERIFY(devices.mkpath(u"dri/renderD128"_s));
+        QVERIFY(DrawingBackend::hasGraphicsCard(devices.path()));
+        const QTemporaryDir other;
+        QVERIFY(QDir(other.path()).mkpath(u"nvidiactl"_s));
+        QVERIFY(DrawingBackend::hasGraphicsCard(other.path()));
+
+        QCOMPARE(DrawingBackend::nameFor(true, {}), QByteArray());
+        QCOMPARE(DrawingBackend::nameFor(false, {}), QByteArray("software"));
+        QCOMPARE(DrawingBackend::nameFor(false, "rhi"), QByteArray("rhi"));
     }
 
     void anEvaluationTellsWhyItFailed()

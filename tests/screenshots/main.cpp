@@ -1,6 +1,7 @@
 #include "app/QuaverlyApp.h"
 #include "controller/AlphaTabController.h"
 #include "engine_host/BridgeCalls.h"
+#include "engine_host/DrawingBackend.h"
 #include "engine_host/RootSandbox.h"
 #include "engine_host/WebFolder.h"
 #include "engine_host/WebSchemeHandler.h"
@@ -135,6 +136,7 @@ int main(int argc, char *argv[])
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false"_s);
     RootSandbox::adapt();
+    DrawingBackend::adapt();
     WebSchemeHandler::registerScheme();
     const QApplication application(argc, argv);
     QTextStream err(stderr);

@@ -1,12 +1,10 @@
 #include "tests/views/ShownWindow.h"
 
-#include "pdf/conversion/PDFDocument.h"
+#include "tests/support/TestPDFs.h"
 #include "views/ContentView.h"
 
 #include <QAccessible>
 #include <QLabel>
-#include <QPainter>
-#include <QPdfWriter>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -45,14 +43,9 @@ void ShownWindow::position(double currentTime, double endTime)
 
 void ShownWindow::playerReady() { controller.handle({ { u"type"_s, u"playerReady"_s } }); }
 
-void ShownWindow::openPDF()
+void ShownWindow::openPDF(const QByteArray &file)
 {
-    const QString path = world.path(u"sheet.pdf"_s);
-    {
-        QPdfWriter writer(path);
-        QPainter(&writer).drawText(100, 100, u"A sheet"_s);
-    }
-    controller.load(QUrl::fromLocalFile(path));
+    controller.load(world.file(u"sheet.pdf"_s, file.isEmpty() ? TestPDFs::colored(1) : file));
     QCoreApplication::processEvents();
 }
 

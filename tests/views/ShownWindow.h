@@ -20,8 +20,8 @@ public:
     void score(const QString &title, const QStringList &tracks, bool backingTrack = false);
     void position(double currentTime, double endTime);
     void playerReady();
-    /// A PDF of one empty page, open.
-    void openPDF();
+    /// Opens a PDF with this content, else one of a single page.
+    void openPDF(const QByteArray &file = {});
 
     /// The shown control of that accessible name; null when there is none.
     QWidget *control(const QString &name) const;

@@ -43,6 +43,7 @@ const QHash<QString, Drawing> &drawings()
         { u"speaker.wave.3.fill"_s, { u"volume-2"_s, Fill::FirstShape } },
         { u"square"_s, { u"square"_s } },
         { u"stop.fill"_s, { u"square"_s, Fill::Everything } },
+        { u"wand.and.stars"_s, { u"wand-sparkles"_s } },
     };
     return table;
 }

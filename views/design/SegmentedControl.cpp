@@ -24,7 +24,10 @@ public:
         setCheckable(true);
         // Tells assistive tools that this is one choice of several.
         setAutoExclusive(true);
-        setFocusPolicy(Qt::TabFocus);
+        // Tab goes to the chosen one; from there the arrows lead to the others.
+        setFocusPolicy(Qt::NoFocus);
+        connect(this, &Segment::toggled, this,
+            [this](bool checked) { setFocusPolicy(checked ? Qt::TabFocus : Qt::NoFocus); });
         setFont(Theme::font(Theme::Type::Caption));
     }
 

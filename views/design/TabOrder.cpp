@@ -1,5 +1,6 @@
 #include "views/design/TabOrder.h"
 
+#include <QAbstractButton>
 #include <QWidget>
 
 namespace {
@@ -10,7 +11,8 @@ void chain(QWidget &parent, QWidget *&last)
         auto *widget = qobject_cast<QWidget *>(child);
         if (!widget || widget->isWindow())
             continue;
-        if (widget->focusPolicy() & Qt::TabFocus) {
+        // A button that takes no focus now may do so later, as the chosen one of several.
+        if ((widget->focusPolicy() & Qt::TabFocus) || qobject_cast<QAbstractButton *>(widget)) {
             if (last)
                 QWidget::setTabOrder(last, widget);
             last = widget;

@@ -35,14 +35,20 @@ export class Documents {
     this.#selection = selection;
     this.#sheet = sheet;
     this.#post = post;
+    engine.scorePrepared.on(() => playback.announceLength());
   }
 
   /** @param {Uint8Array | null} bytes null when they could not be decoded */
   async open(bytes) {
+    const drawing = this.#engine.drawing;
+    const file = bytes && drawing.read(bytes);
     const reading = readScore(bytes, this.#engine.settings);
     if ("problem" in reading) {
       this.#post({ type: "error", message: reading.problem });
       return;
+    }
+    if (file !== null) {
+      drawing.recognize(reading.score, file);
     }
     const turn = ++this.#turn;
     if (this.#recordings.isWaiting(reading.score)) {
@@ -105,7 +111,6 @@ export class Documents {
       hasBackingTrack: this.#recordings.of(score) !== null,
     });
     this.#sheet.show(score);
-    this.#playback.announceLength();
   }
 
   /**
@@ -116,7 +121,6 @@ export class Documents {
     const { EnabledBackingTrack, EnabledSynthesizer } = alphaTab.PlayerMode;
     this.#engine.recording = this.#recordings.of(score);
     const mode = this.#engine.recording && !this.#preferSynthesizer ? EnabledBackingTrack : EnabledSynthesizer;
-    this.#engine.settings.player.playerMode = mode;
-    return mode !== this.#engine.actualPlayerMode;
+    return this.#engine.choosePlayer(mode);
   }
 }

@@ -1,58 +1,121 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
+import { drawingWorker } from "./drawing-worker-start.js";
+import { Emitter } from "./emitter.js";
 import { hideEngineHeading } from "./heading.js";
 import { SynthPlayer } from "./synth-player.js";
+import { separateChannels, withChannels } from "./track-channels.js";
+import { WorkerRenderer } from "./worker-renderer.js";
+
+/** How long a score may keep its sound waiting when its first lines do not come, in milliseconds. */
+const patience = 1000;
+
+/** How long after its start the page gets itself a player when nothing is opened, in milliseconds. */
+const idleTime = 400;
 
 /**
- * The engine with the page's settings. It also prepares a score for playing once: left alone it does so up to three
- * times, and before the drawing worker has its work.
+ * The engine with the page's settings, its drawing done by a worker of the page's own. Sound comes after the first sight
+ * of a score: the player is started, and the score prepared for playing once, when its first lines are on the paper.
  */
 export class Engine extends alphaTab.AlphaTabApi {
-  #midiHeldBack = false;
+  #soundHeldBack = false;
+  #soundTimer = 0;
   /** @type {import("./alphatab.js").Score | null} */
   #preparedScore = null;
   #preparedMode = alphaTab.PlayerMode.Disabled;
+  #wantedMode = alphaTab.PlayerMode.EnabledSynthesizer;
+  #playerStarted = false;
   /** @type {Uint8Array<ArrayBuffer> | null} what plays in the player's place while the score's recording is chosen */
   recording = null;
   /** @type {import("@coderline/alphatab").synth.BackingTrackSyncPoint[]} where the score's time lies in its recording */
   syncPoints = [];
   /** How much earlier than asked for a recording starts, in seconds: what accompanies it needs to hear it coming. */
   leadIn = 0;
+  /** @type {Map<number, import("./track-channels.js").Channels>} what each track plays on, by its index */
+  trackChannels = new Map();
   /** @type {SynthPlayer | null} the synthesizer made last */
   synth = null;
+  /** @type {Emitter<void>} the first player exists */
+  playerStarted = new Emitter();
+  /** @type {Emitter<void>} the score shown last has its length and is on its way to the player */
+  scorePrepared = new Emitter();
 
-  /** @param {HTMLElement} sheet where the notation is drawn */
-  constructor(sheet) {
+  /**
+   * @param {HTMLElement} sheet where the notation is drawn
+   * @param {() => import("./layout-run.js").View} viewNow what of the sheet can be seen
+   */
+  constructor(sheet, viewNow) {
+    replaceDrawingWorker();
     super(sheet, pageSettings());
     this.sheet = sheet;
     this.uiFacade.createWorkerPlayer = () => (this.synth = new SynthPlayer(this.settings)).player;
-    // Started at once and not with the first score: loading the sound bank takes longest.
-    this.settings.player.playerMode = alphaTab.PlayerMode.EnabledSynthesizer;
-    this.updateSettings();
+    this.drawing = new WorkerRenderer(drawingWorker, viewNow);
+    this.drawing.updateSettings(this.settings);
+    const renderer = /** @type {{ instance: import("@coderline/alphatab").rendering.IScoreRenderer }} */ (
+      /** @type {unknown} */ (this.renderer)
+    );
+    renderer.instance = this.drawing;
+    this.drawing.pieceShown.on(({ first }) => first && this.#soundHeldBack && afterPaint(() => this.#prepareSound()));
+    this.#soundTimer = setTimeout(() => this.#startPlayer(), idleTime);
+  }
+
+  /** Whether the score shown last has its length and is on its way to the player. */
+  get hasPrepared() {
+    return !this.#soundHeldBack;
   }
 
   /**
-   * Draws a score with all its tracks, and prepares it for playing while the worker draws.
+   * Draws a score with all its tracks, and then prepares it for playing.
    *
    * @param {import("./alphatab.js").Score} score
    */
   show(score) {
-    this.#midiHeldBack = true;
-    try {
-      this.renderScore(score, [-1]);
-    } finally {
-      this.#midiHeldBack = false;
+    this.#soundHeldBack = true;
+    clearTimeout(this.#soundTimer);
+    this.#soundTimer = setTimeout(() => this.#prepareSound(), patience);
+    this.renderScore(score, [-1]);
+  }
+
+  /**
+   * @param {import("@coderline/alphatab").PlayerMode} mode
+   * @returns {boolean} whether that is another player than the one at work; updateSettings() puts it to work
+   */
+  choosePlayer(mode) {
+    this.#wantedMode = mode;
+    if (this.#playerStarted) {
+      this.settings.player.playerMode = mode;
     }
-    this.loadMidiForScore();
+    return mode !== this.actualPlayerMode;
+  }
+
+  #startPlayer() {
+    if (!this.#playerStarted) {
+      this.#playerStarted = true;
+      this.settings.player.playerMode = this.#wantedMode;
+      this.updateSettings();
+      this.playerStarted.trigger();
+    }
+  }
+
+  #prepareSound() {
+    if (this.#soundHeldBack) {
+      this.#soundHeldBack = false;
+      clearTimeout(this.#soundTimer);
+      this.#startPlayer();
+      this.loadMidiForScore();
+      this.scorePrepared.trigger();
+    }
   }
 
   /** @override */
   loadMidiForScore() {
     const prepared = this.score === this.#preparedScore && this.actualPlayerMode === this.#preparedMode;
-    if (!this.#midiHeldBack && !prepared) {
+    if (!this.#soundHeldBack && !prepared) {
       this.#preparedScore = this.score;
       this.#preparedMode = this.actualPlayerMode;
-      super.loadMidiForScore();
+      const tracks = this.score?.tracks ?? [];
+      this.trackChannels = separateChannels(tracks);
+      withChannels(tracks, this.trackChannels, () => super.loadMidiForScore());
       if (this.actualPlayerMode === alphaTab.PlayerMode.EnabledBackingTrack) {
         this.#loadRecording();
       }
@@ -84,6 +147,29 @@ export class Engine extends alphaTab.AlphaTabApi {
   }
 }
 
+/** The engine would start a drawing worker of its own, which nobody needs. Its other workers it gets. */
+function replaceDrawingWorker() {
+  const script = new URL("../vendor/alphaTab.min.js", import.meta.url).href;
+  const nobody = /** @type {Worker} */ (/** @type {unknown} */ ({ postMessage() {}, addEventListener() {}, terminate() {} }));
+  alphaTab.Environment.initializeMain(
+    (_, name) => (name === "alphaTab Renderer" ? nobody : new Worker(script, { name })),
+    (context) => context.audioWorklet.addModule(script),
+  );
+}
+
+/**
+ * Calls back when what was put on the page by now has been painted; a hidden page paints nothing.
+ *
+ * @param {() => void} callback
+ */
+function afterPaint(callback) {
+  if (document.hidden) {
+    setTimeout(callback);
+  } else {
+    requestAnimationFrame(() => setTimeout(callback));
+  }
+}
+
 function pageSettings() {
   const settings = new alphaTab.Settings();
   // Debug lines of the engine cost seconds with a large score.
@@ -97,7 +183,6 @@ function pageSettings() {
   hideEngineHeading(settings);
 
   const player = settings.player;
-  // The engine makes a player of its own with its first settings; the page's comes after.
   player.playerMode = alphaTab.PlayerMode.Disabled;
   player.scrollElement = "#desk";
   player.scrollMode = alphaTab.ScrollMode.Continuous;

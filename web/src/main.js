@@ -10,7 +10,7 @@ import { Metronome } from "./metronome.js";
 import { Mixer } from "./mixer.js";
 import { Playback } from "./playback.js";
 import { Selection } from "./selection.js";
-import { Sheet } from "./sheet.js";
+import { Sheet, visiblePart } from "./sheet.js";
 import { SoundBank } from "./sound-bank.js";
 
 /** Wires the page together: every call of the program goes to the one module that answers for it. */
@@ -26,16 +26,17 @@ function element(id) {
 
 const post = connect();
 const paper = element("paper");
-const engine = new Engine(element("sheet"));
+const desk = element("desk");
+const engine = new Engine(element("sheet"), () => visiblePart(element("sheet"), desk));
 const playback = new Playback(engine, post);
 // Before the metronome, which takes the channels above all others.
 const channels = new DrumChannels(engine);
 const metronome = new Metronome(engine, playback);
 playback.countWith((tick) => metronome.countInAt(tick));
 const mixer = new Mixer(engine, channels, (anySolo) => metronome.setBesideSolo(anySolo));
-const sheet = new Sheet(engine, paper, element("desk"), new Heading(element("heading")), () => post({ type: "rendered" }));
+const sheet = new Sheet(engine, paper, desk, new Heading(element("heading")), () => post({ type: "rendered" }));
 const selection = new Selection(engine, playback);
-new Follow(engine, playback, element("desk"));
+new Follow(engine, playback, desk);
 const documents = new Documents({ engine, playback, mixer, selection, sheet, post });
 new SoundBank(engine, post);
 

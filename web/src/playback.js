@@ -93,6 +93,10 @@ export class Playback {
 
   /** To be called before another score is handed to the engine. */
   leaveScore() {
+    if (this.#playing) {
+      // The next score reaches the player only when its first lines are on the paper.
+      this.#api.pause();
+    }
     this.#stale = true;
     this.#startWhenReady = false;
     this.#resumeTick = null;
@@ -111,7 +115,7 @@ export class Playback {
     if (!this.#api.score) {
       return;
     }
-    if (this.#api.isReadyForPlayback) {
+    if (this.#api.isReadyForPlayback && !this.#stale) {
       if (!this.#playing) {
         this.#prepareCountIn(this.#tick);
       }

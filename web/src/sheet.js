@@ -8,17 +8,11 @@ import { alphaTab } from "./alphatab.js";
 /** Width of the paper at zoom 1, in CSS pixels: about five bars of guitar to a line. */
 const paperWidth = 1180;
 
-/** How much is drawn before the rest, in bars of one track. */
-const sampledBars = 90;
-
 /** How long a finished drawing may keep its visible part waiting before it is reported all the same, in milliseconds. */
 const patience = 2000;
 
 export class Sheet {
   #api;
-  #sampling = false;
-  /** Drawings asked for and not finished. */
-  #underWay = 0;
   #paper;
   #desk;
   #heading;
@@ -39,62 +33,30 @@ export class Sheet {
     this.#heading = heading;
     this.#onRendered = onRendered;
     this.#sizePaper(1);
-    this.#countDrawings();
     api.renderStarted.on(() => {
       this.#drawing++;
     });
-    api.postRenderFinished.on(() => {
-      this.#underWay--;
-      if (this.#sampling) {
-        this.#drawRest();
-      } else {
+    api.drawing.pieceShown.on(({ last }) => {
+      if (last) {
         this.#reportWhenVisible();
       }
     });
   }
 
-  /**
-   * To be called before another score is handed to the engine. A drawing under way is abandoned together with its
-   * worker: its end would be taken for that of the next score, whose tracks and bars are others.
-   */
+  /** To be called before another score is handed to the engine: what is being drawn of this one is abandoned. */
   leaveScore() {
-    if (this.#underWay > 0) {
-      this.#sampling = false;
-      this.#drawing++;
-      // A new worker is given the score that was drawn last at once: that one has to be forgotten first.
-      this.#api.renderer.renderScore(null, null);
-      this.#underWay = 0;
-      const core = this.#api.settings.core;
-      core.useWorkers = false;
-      this.#api.updateSettings();
-      core.useWorkers = true;
-      this.#api.updateSettings();
-    }
+    this.#drawing++;
+    this.#api.drawing.abandon();
   }
 
   /**
-   * Draws another score with all its tracks. Laying out a long one takes seconds, in which its first lines are on the
-   * paper already: they are drawn alone first.
+   * Draws another score with all its tracks.
    *
    * @param {import("./alphatab.js").Score} score
    */
   show(score) {
-    const sample = Math.max(8, Math.round(sampledBars / score.tracks.length));
-    this.#sampling = score.masterBars.length >= 2 * sample;
-    this.#limitTo(this.#sampling ? sample : -1);
     this.#heading.show(score, score.tracks);
     this.#api.show(score);
-  }
-
-  #countDrawings() {
-    const renderer = this.#api.renderer;
-    for (const order of /** @type {const} */ (["render", "resizeRender", "renderScore"])) {
-      const carryOut = /** @type {(...details: any[]) => void} */ (renderer[order]).bind(renderer);
-      renderer[order] = (/** @type {any[]} */ ...details) => {
-        this.#underWay++;
-        carryOut(...details);
-      };
-    }
   }
 
   /** Puts the paper on the desk; it is not there before the first score. */
@@ -111,7 +73,6 @@ export class Sheet {
     const score = this.#api.score;
     const tracks = score ? trackIds.map((id) => score.tracks[id]).filter(Boolean) : [];
     if (tracks.length > 0) {
-      this.#endSample();
       this.#heading.show(/** @type {import("./alphatab.js").Score} */ (score), tracks);
       this.#api.renderTracks(tracks);
     }
@@ -145,30 +106,7 @@ export class Sheet {
     this.#paper.style.setProperty("--zoom", String(zoom));
   }
 
-  #drawRest() {
-    this.#endSample();
-    // The lines that are there stay until they are drawn anew.
-    this.#api.renderer.render({ reuseViewport: true });
-  }
-
-  #endSample() {
-    if (this.#sampling) {
-      this.#sampling = false;
-      this.#limitTo(-1);
-    }
-  }
-
-  /** @param {number} bars -1 for all */
-  #limitTo(bars) {
-    const settings = this.#api.settings;
-    settings.display.barCount = bars;
-    // Parts of a sample are painted at once, parts of a whole score when they come into view.
-    settings.core.enableLazyLoading = bars < 0;
-    this.#api.renderer.updateSettings(settings);
-  }
-
   #redraw() {
-    this.#endSample();
     this.#api.updateSettings();
     if (this.#api.score) {
       this.#api.render();
@@ -183,7 +121,7 @@ export class Sheet {
       if (drawing !== this.#drawing) {
         return;
       }
-      if (this.#visiblePartsPainted() || performance.now() > deadline) {
+      if ((this.#visiblePartsPainted() && this.#api.hasPrepared) || performance.now() > deadline) {
         this.#onRendered();
       } else {
         setTimeout(check, 15);
@@ -204,4 +142,20 @@ export class Sheet {
     }
     return true;
   }
+}
+
+/**
+ * @param {HTMLElement} sheet
+ * @param {HTMLElement} desk what scrolls
+ * @returns {import("./layout-run.js").View} relative to the sheet
+ */
+export function visiblePart(sheet, desk) {
+  const view = desk.getBoundingClientRect();
+  const origin = sheet.getBoundingClientRect();
+  return {
+    left: view.left - origin.left,
+    top: view.top - origin.top,
+    right: view.right - origin.left,
+    bottom: view.bottom - origin.top,
+  };
 }

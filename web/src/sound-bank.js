@@ -8,7 +8,8 @@ import { fetchBytes } from "./resources.js";
  */
 export class SoundBank {
   #api;
-  #instruments;
+  /** @type {Promise<Uint8Array | null>} */
+  #instruments = Promise.resolve(null);
 
   /**
    * @param {import("./engine.js").Engine} api
@@ -16,9 +17,11 @@ export class SoundBank {
    */
   constructor(api, post) {
     this.#api = api;
-    this.#instruments = fetchBytes("vendor/soundfont/sonivox.sf2");
-    this.#instruments.catch((reason) => post({ type: "error", message: `The instruments cannot be loaded: ${reason.message}` }));
-    api.player?.ready.on(() => void this.#fill());
+    api.playerStarted.on(() => {
+      this.#instruments = fetchBytes("vendor/soundfont/sonivox.sf2");
+      this.#instruments.catch((reason) => post({ type: "error", message: `The instruments cannot be loaded: ${reason.message}` }));
+      api.player?.ready.on(() => void this.#fill());
+    });
   }
 
   async #fill() {

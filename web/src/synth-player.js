@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
+import { Emitter } from "./emitter.js";
 
 /**
  * The page's side of the synthesizer: starts its worker and its place in the audio thread, and joins the two.
@@ -13,35 +14,13 @@ const patience = 15000;
 /** How often the sound system is asked how far it is to the ear, in milliseconds. */
 const latencyInterval = 1000;
 
-/** An event as the engine subscribes to it. */
-class Signal {
-  /** @type {(() => void)[]} */
-  #listeners = [];
-
-  /** @param {() => void} listener */
-  on(listener) {
-    this.#listeners.push(listener);
-    return () => this.off(listener);
-  }
-
-  /** @param {() => void} listener */
-  off(listener) {
-    this.#listeners = this.#listeners.filter((one) => one !== listener);
-  }
-
-  trigger() {
-    for (const listener of this.#listeners) {
-      listener();
-    }
-  }
-}
-
 /** Where the synthesizer sounds: an audio context that sleeps when there is nothing to hear. */
 class SoundOutput {
-  ready = new Signal();
+  /** @type {Emitter<void>} */
+  ready = new Emitter();
   /** Never triggered: the audio thread and the synthesizer's worker settle these between themselves. */
-  samplesPlayed = new Signal();
-  sampleRequest = new Signal();
+  samplesPlayed = new Emitter();
+  sampleRequest = new Emitter();
   #context = new AudioContext({ latencyHint: "interactive" });
   #loudspeaker;
   #sleep = 0;

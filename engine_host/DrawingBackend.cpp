@@ -1,0 +1,39 @@
+#include "engine_host/DrawingBackend.h"
+
+#include <QByteArray>
+#include <QDir>
+#include <QFileInfo>
+#include <QtGlobal>
+
+using namespace Qt::StringLiterals;
+
+namespace DrawingBackend {
+
+namespace {
+
+constexpr char backendVariable[] = "QT_QUICK_BACKEND";
+
+} // namespace
+
+bool hasGraphicsCard(const QString &devices)
+{
+    // What draws has a render node; NVIDIA's own driver can do without one.
+    const QDir nodes(devices + u"/dri"_s);
+    return !nodes.entryList({ u"renderD*"_s }, QDir::AllEntries | QDir::System).isEmpty()
+        || QFileInfo::exists(devices + u"/nvidiactl"_s);
+}
+
+QByteArray nameFor(bool hasGraphicsCard, const QByteArray &name)
+{
+    return name.isEmpty() && !hasGraphicsCard ? QByteArrayLiteral("software") : name;
+}
+
+void adapt()
+{
+    const QByteArray before = qgetenv(backendVariable);
+    const QByteArray after = nameFor(hasGraphicsCard(u"/dev"_s), before);
+    if (after != before)
+        qputenv(backendVariable, after);
+}
+
+} // namespace DrawingBackend

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "views/design/Surface.h"
+
+#include <memory>
+
+class AlphaTabController;
+class PageRenderQueue;
+class PDFDocument;
+
+/// The list of a PDF's pages, with a small picture each; a click on one scrolls the sheet there.
+class PDFPageSidebar final : public Surface {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(PDFPageSidebar)
+
+public:
+    PDFPageSidebar(AlphaTabController &controller, std::shared_ptr<const PDFDocument> document,
+        std::shared_ptr<PageRenderQueue> queue, QWidget *parent = nullptr);
+};

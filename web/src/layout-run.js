@@ -1,0 +1,185 @@
+// @ts-check
+import { alphaTab } from "./alphatab.js";
+
+/**
+ * One drawing of a score, laid out a few bars at a time. The engine lays out a whole score or, after an edit, all from
+ * one bar on; here each step shows it some bars more and has it go on from the last line, which was not full yet. The
+ * first piece covers what can be seen, so that it is on the paper long before the end is known.
+ *
+ * @typedef {import("@coderline/alphatab").rendering.ScoreRenderer} ScoreRenderer
+ * @typedef {import("@coderline/alphatab").rendering.RenderFinishedEventArgs} Part
+ * @typedef {import("./alphatab.js").Score} Score
+ * @typedef {{ left: number, top: number, right: number, bottom: number }} View relative to the sheet, in CSS pixels
+ *
+ * @typedef {object} Piece
+ * @property {boolean} first whether what came before is of another drawing
+ * @property {boolean} last
+ * @property {Part[]} parts those in view with their picture
+ * @property {Map<string, unknown>} bounds of the lines that the parts show
+ * @property {number} width of everything laid out until now, in CSS pixels
+ * @property {number} height
+ */
+
+/** How much the first step lays out, in bars of one track. */
+const firstBars = 80;
+
+/** How long a later step should take, in milliseconds. */
+const stepTime = 60;
+
+export class LayoutRun {
+  #renderer;
+  #settings;
+  #score;
+  #tracks;
+  #view;
+  #sideways;
+  #stepBars;
+  #bars = 0;
+  /** @type {Set<string>} */
+  #known = new Set();
+  /** @type {Part[]} laid out and not delivered, because they do not fill the view yet */
+  #waiting = [];
+  #lines = 0;
+  #deliveredAny = false;
+
+  finished = false;
+
+  /**
+   * @param {ScoreRenderer} renderer with its width and settings
+   * @param {Score} score
+   * @param {number[]} tracks
+   * @param {View} view
+   */
+  constructor(renderer, score, tracks, view) {
+    this.#renderer = renderer;
+    this.#settings = renderer.settings;
+    this.#score = score;
+    this.#tracks = tracks;
+    this.#view = view;
+    this.#sideways = renderer.settings.display.layoutMode === alphaTab.LayoutMode.Horizontal;
+    this.#stepBars = Math.max(6, Math.round(firstBars / tracks.length));
+  }
+
+  /**
+   * Lays out some bars more.
+   *
+   * @returns {Piece | null} null while what is laid out does not fill the view
+   */
+  step() {
+    const total = this.#score.masterBars.length;
+    const began = performance.now();
+    const before = this.#bars;
+    // One endless line is laid out as a whole: its beginning for the view, then everything.
+    this.#bars = this.#sideways && before > 0 ? total : Math.min(before + this.#stepBars, total);
+    this.finished = this.#bars === total;
+    const { parts, width, height } = this.#layOut(before);
+    const fresh = this.#takeFresh(parts);
+    this.#stepBars = nextStep(this.#bars - before, performance.now() - began);
+    this.#waiting.push(...fresh);
+    const end = this.#waiting.at(-1);
+    if (!this.finished && !this.#sideways && !this.#deliveredAny && (!end || end.y + end.height < this.#view.bottom)) {
+      return null;
+    }
+    return this.#piece(width, this.finished || !end ? height : end.y + end.height);
+  }
+
+  /**
+   * To be called when a piece is on its way: its pictures need not be kept.
+   *
+   * @param {Piece} piece
+   */
+  delivered(piece) {
+    for (const part of piece.parts) {
+      part.renderResult = undefined;
+    }
+  }
+
+  /** @param {number} before how many bars are laid out already */
+  #layOut(before) {
+    const renderer = this.#renderer;
+    /** @type {Part[]} */
+    const parts = [];
+    let size = { width: 0, height: 0 };
+    const ends = [
+      renderer.partialLayoutFinished.on((part) => parts.push(part)),
+      renderer.renderFinished.on(({ totalWidth, totalHeight }) => (size = { width: totalWidth, height: totalHeight })),
+    ];
+    this.#settings.display.barCount = this.finished ? -1 : this.#bars;
+    if (before === 0) {
+      renderer.renderScore(this.#score, this.#tracks);
+    } else {
+      renderer.render(this.#sideways ? {} : { reuseViewport: true, firstChangedMasterBar: before - 1 });
+    }
+    for (const end of ends) {
+      end();
+    }
+    return { parts, ...size };
+  }
+
+  /**
+   * The engine tells of all parts at each step. New ones are taken, up to the last line: that is laid out anew by the
+   * next step, with the bars that follow it.
+   *
+   * @param {Part[]} parts
+   */
+  #takeFresh(parts) {
+    const lines = parts.filter((part) => part.firstMasterBarIndex >= 0);
+    const cut = this.finished || this.#sideways ? parts.length : parts.lastIndexOf(lines[lines.length - 1]);
+    if (this.#known.size > 0 && lines.length > 0 && !this.#known.has(lines[0].id)) {
+      // The engine began again at the first bar: what was told of before is no more.
+      this.#known.clear();
+      this.#waiting = [];
+      this.#lines = 0;
+      this.#deliveredAny = false;
+    }
+    const fresh = parts.slice(0, Math.max(cut, 0)).filter((part) => !this.#known.has(part.id));
+    for (const part of fresh) {
+      this.#known.add(part.id);
+    }
+    return fresh;
+  }
+
+  /**
+   * @param {number} width
+   * @param {number} height
+   * @returns {Piece}
+   */
+  #piece(width, height) {
+    const parts = this.#waiting;
+    for (const part of parts) {
+      if (this.#inView(part)) {
+        this.#renderer.renderResult(part.id);
+      }
+    }
+    const piece = { first: !this.#deliveredAny, last: this.finished, parts, bounds: this.#newBounds(), width, height };
+    this.#waiting = [];
+    this.#deliveredAny = true;
+    return piece;
+  }
+
+  /** @param {Part} part */
+  #inView(part) {
+    const view = this.#view;
+    const across = part.x < view.right && part.x + part.width > view.left;
+    return across && part.y < view.bottom && part.y + part.height > view.top;
+  }
+
+  #newBounds() {
+    const all = this.#renderer.boundsLookup?.staffSystems ?? [];
+    const lines = this.finished || this.#sideways ? all.length : Math.max(all.length - 1, 0);
+    const bounds = new alphaTab.rendering.BoundsLookup();
+    bounds.staffSystems = all.slice(this.#lines, lines);
+    this.#lines = lines;
+    return bounds.toJson();
+  }
+}
+
+/**
+ * @param {number} bars in the last step
+ * @param {number} time that they took, in milliseconds
+ * @returns {number} bars for the next step
+ */
+export function nextStep(bars, time) {
+  const fitting = (bars * stepTime) / Math.max(time, 1);
+  return Math.round(Math.min(Math.max(fitting, bars / 2, 4), bars * 4));
+}

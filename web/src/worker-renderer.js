@@ -1,0 +1,249 @@
+// @ts-check
+import { alphaTab } from "./alphatab.js";
+import { Emitter } from "./emitter.js";
+
+/**
+ * The page's end of the drawing worker, in the shape in which the engine knows a renderer. The engine's own worker
+ * tells of a drawing when all of it is laid out, which takes seconds with a long score; this one tells of it piece by
+ * piece.
+ *
+ * @typedef {import("./alphatab.js").Score} Score
+ * @typedef {import("./layout-run.js").Part} Part
+ * @typedef {import("./layout-run.js").Piece} Piece
+ * @typedef {import("./layout-run.js").View} View
+ * @typedef {import("@coderline/alphatab").rendering.BoundsLookup} BoundsLookup
+ *
+ * Requests are told apart by "cmd", as the engine's own workers, which live in the same script, look for it.
+ *
+ * @typedef {{ cmd: "settings", settings: Map<string, unknown> | null }
+ *   | { cmd: "read", file: number, bytes: Uint8Array }
+ *   | { cmd: "draw", drawing: number, file: number, score: Map<string, unknown> | null, tracks: number[], width: number,
+ *       view: View, textWidths: Map<string, unknown> }
+ *   | { cmd: "stop" }
+ *   | { cmd: "paint", id: string }} Request
+ *
+ * @typedef {{ kind: "drawn", drawing: number, piece: Piece }
+ *   | { kind: "painted", drawing: number, part: Part }
+ *   | { kind: "missing", drawing: number }
+ *   | { kind: "failed", message: string }} Answer
+ */
+
+/** Longer files, which carry recordings, are read once: the worker gets the score. In bytes. */
+const longestFileReadTwice = 4 << 20;
+
+/** @implements {IScoreRenderer} @typedef {import("@coderline/alphatab").rendering.IScoreRenderer} IScoreRenderer */
+export class WorkerRenderer {
+  /** @type {Emitter<boolean>} */
+  preRender = new Emitter();
+  /** @type {Emitter<Part>} */
+  renderFinished = new Emitter();
+  /** @type {Emitter<Part>} */
+  partialRenderFinished = new Emitter();
+  /** @type {Emitter<Part>} */
+  partialLayoutFinished = new Emitter();
+  /** @type {Emitter<void>} */
+  postRenderFinished = new Emitter();
+  /** @type {Emitter<Error>} */
+  error = new Emitter();
+  /** @type {Emitter<Piece>} what can be seen is on the paper (its first piece), or all is laid out (its last) */
+  pieceShown = new Emitter();
+
+  /** @type {BoundsLookup | null} */
+  boundsLookup = null;
+  width = 0;
+
+  #worker;
+  #viewNow;
+  #files = 0;
+  /** @type {WeakMap<Score, number>} the number of each score's file with the worker */
+  #fileOf = new WeakMap();
+  #drawing = 0;
+  /** @type {Score | null} */
+  #score = null;
+  /** @type {number[]} */
+  #tracks = [];
+  /** @type {{ score: Score | null, height: number }} what is on the paper */
+  #shown = { score: null, height: 0 };
+
+  /**
+   * @param {Worker} worker running drawing-worker.js
+   * @param {() => View} viewNow
+   */
+  constructor(worker, viewNow) {
+    this.#worker = worker;
+    this.#viewNow = viewNow;
+    worker.addEventListener("message", ({ data }) => this.#hear(data));
+    worker.addEventListener("error", (event) => this.error.trigger(new Error(event.message)));
+  }
+
+  /**
+   * Has the worker read a file while the page does.
+   *
+   * @param {Uint8Array} bytes
+   * @returns {number | null} what to call it by in recognize(); null for a file that is better read once
+   */
+  read(bytes) {
+    if (bytes.length > longestFileReadTwice) {
+      return null;
+    }
+    this.#ask({ cmd: "read", file: ++this.#files, bytes });
+    return this.#files;
+  }
+
+  /**
+   * @param {Score} score
+   * @param {number} file that it was read from
+   */
+  recognize(score, file) {
+    this.#fileOf.set(score, file);
+  }
+
+  /** Nothing more will be heard of the drawing under way. */
+  abandon() {
+    this.#drawing++;
+    this.#ask({ cmd: "stop" });
+  }
+
+  /** @param {import("./alphatab.js").Settings} settings */
+  updateSettings(settings) {
+    const values = alphaTab.model.JsonConverter.settingsToJsObject(settings);
+    values?.delete("player");
+    this.#ask({ cmd: "settings", settings: values });
+  }
+
+  /**
+   * @param {Score | null} score
+   * @param {number[] | null} tracks
+   */
+  renderScore(score, tracks) {
+    this.#score = score;
+    this.#tracks = tracks ?? [];
+    this.render();
+  }
+
+  render() {
+    const score = this.#score;
+    this.#drawing++;
+    if (score && this.#tracks.length > 0 && this.width > 0) {
+      const file = this.#fileOf.get(score);
+      this.#ask({
+        cmd: "draw",
+        drawing: this.#drawing,
+        file: file ?? this.#numberFor(score),
+        score: file === undefined ? handedOver(score) : null,
+        tracks: this.#tracks,
+        width: this.width,
+        view: this.#viewNow(),
+        textWidths: textWidths(),
+      });
+    }
+  }
+
+  resizeRender() {
+    this.render();
+  }
+
+  /** @param {string} id */
+  renderResult(id) {
+    this.#ask({ cmd: "paint", id });
+  }
+
+  destroy() {
+    this.#worker.terminate();
+  }
+
+  /** @param {Score} score */
+  #numberFor(score) {
+    const file = ++this.#files;
+    this.#fileOf.set(score, file);
+    return file;
+  }
+
+  /** @param {Request} request */
+  #ask(request) {
+    this.#worker.postMessage(request);
+  }
+
+  /** @param {Answer} answer */
+  #hear(answer) {
+    if (answer.kind === "failed") {
+      this.error.trigger(new Error(answer.message));
+    } else if (answer.drawing !== this.#drawing) {
+      // Of a drawing that another has taken the place of.
+    } else if (answer.kind === "painted") {
+      this.partialRenderFinished.trigger(answer.part);
+    } else if (answer.kind === "drawn") {
+      this.#show(answer.piece);
+    } else if (this.#score) {
+      // Another file has been read in between, and came to nothing.
+      this.#fileOf.delete(this.#score);
+      this.render();
+    }
+  }
+
+  /** @param {Piece} piece */
+  #show(piece) {
+    if (piece.first) {
+      this.boundsLookup = new alphaTab.rendering.BoundsLookup();
+      this.preRender.trigger(false);
+    }
+    for (const part of piece.parts) {
+      this.partialLayoutFinished.trigger(part);
+      if (part.renderResult) {
+        this.partialRenderFinished.trigger(part);
+      }
+    }
+    this.#addBounds(piece.bounds);
+    if (piece.first || piece.last) {
+      this.renderFinished.trigger(this.#sizeOf(piece));
+      this.postRenderFinished.trigger();
+      this.pieceShown.trigger(piece);
+    }
+  }
+
+  /** @param {Piece} piece */
+  #sizeOf({ last, width, height }) {
+    // A score drawn anew keeps its length until the new one is known: the reader stays at the same place.
+    const atLeast = !last && this.#shown.score === this.#score ? this.#shown.height : 0;
+    const size = new alphaTab.rendering.RenderFinishedEventArgs();
+    size.totalWidth = width;
+    size.totalHeight = Math.max(height, atLeast);
+    this.#shown = { score: this.#score, height: size.totalHeight };
+    return size;
+  }
+
+  /** @param {Map<string, unknown>} bounds of further lines */
+  #addBounds(bounds) {
+    const all = this.boundsLookup;
+    const more = this.#score && alphaTab.rendering.BoundsLookup.fromJson(bounds, this.#score);
+    if (!all || !more) {
+      return;
+    }
+    for (const line of more.staffSystems) {
+      all.addStaffSystem(line);
+      for (const bar of line.bars) {
+        all.addMasterBar(bar);
+        for (const beat of bar.bars.flatMap((staffBar) => staffBar.beats)) {
+          all.addBeat(beat);
+        }
+      }
+    }
+    all.finish();
+  }
+}
+
+/** @param {Score} score */
+function handedOver(score) {
+  const values = alphaTab.model.JsonConverter.scoreToJsObject(score);
+  // A recording is not drawn.
+  values?.delete("backingtrack");
+  return values;
+}
+
+/** How wide letters are: the page measures the fonts, which the worker cannot. */
+function textWidths() {
+  const platform = /** @type {{ FontSizes: { fontSizeLookupTables: Map<string, unknown> } }} */ (
+    /** @type {unknown} */ (alphaTab.platform)
+  );
+  return platform.FontSizes.fontSizeLookupTables;
+}
