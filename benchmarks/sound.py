@@ -233,9 +233,10 @@ def mute(room, table, options):
 class Marks:
     """Watches the screen for the note that is marked as playing, and writes down when that is another one."""
 
-    # What the page's style sheet calls "playing", as the screen's memory has it.
-    COLOUR = numpy.array([0x4c, 0x8a, 0x1f], dtype=numpy.int16)
-    TOP, BOTTOM = 150, 620
+    # Where the first line of music is. Looking at more costs the program processor time.
+    TOP, BOTTOM = 225, 345
+    # The line that runs through the whole system is as green as the note, and higher than any.
+    HIGHEST_NOTE = 60
     # Two notes are farther apart than this, in pixels, and one is not wider.
     STEP = 14
 
@@ -248,10 +249,13 @@ class Marks:
 
     def _place(self):
         pixels = numpy.frombuffer(self._screen.rows(self.TOP, self.BOTTOM), dtype=numpy.uint8)
-        pixels = pixels.reshape(self.BOTTOM - self.TOP, -1, 4)[::2, :, :3]
-        marked = (numpy.abs(pixels.astype(numpy.int16) - self.COLOUR) < 6).all(axis=2)
+        blue, green, red = (pixels.reshape(self.BOTTOM - self.TOP, -1, 4)[:, :, colour].astype(numpy.int16)
+                            for colour in range(3))
+        marked = (green - red > 50) & (green - blue > 25)
+        line = numpy.convolve(marked.sum(axis=0) > self.HIGHEST_NOTE, numpy.ones(9), "same") > 0
+        marked[:, line] = False
         rows, columns = numpy.nonzero(marked)
-        return None if len(columns) < 6 else (numpy.median(columns), numpy.median(rows))
+        return None if len(columns) < 12 else (numpy.median(columns), numpy.median(rows))
 
     def _watch(self):
         before = None
@@ -271,7 +275,8 @@ class Marks:
 
 def mark(room, table, options):
     """The marked note against the note that is heard."""
-    room.window.open(room.desk.strokes(16))
+    room.window.open(room.desk.strokes(4))
+    room.window.call("setLooping", True)
     for speed in (1.0, 0.5):
         room.window.call("setSpeed", speed)
 
@@ -291,6 +296,7 @@ def mark(room, table, options):
         table.row(f"mark on the score against the sound, {speed:.0%}: worst", numpy.abs(late).max(), 50,
                   note=f"{len(late)} notes, mean {late.mean():+.1f} (late is positive), spread {late.std():.1f}")
     room.window.call("setSpeed", 1.0)
+    room.window.call("setLooping", False)
 
 
 ROWS = {row.__name__: row for row in (clicks, recording, seam, mute, mark, drift, dropouts)}

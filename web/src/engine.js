@@ -48,6 +48,7 @@ export class Engine extends alphaTab.AlphaTabApi {
     replaceDrawingWorker();
     super(sheet, pageSettings());
     this.sheet = sheet;
+    this.uiFacade.beginInvoke = nextFrame();
     this.uiFacade.createWorkerPlayer = () => (this.synth = new SynthPlayer(this.settings)).player;
     this.drawing = new WorkerRenderer(drawingWorker, viewNow);
     this.drawing.updateSettings(this.settings);
@@ -155,6 +156,29 @@ function replaceDrawingWorker() {
     (_, name) => (name === "alphaTab Renderer" ? nobody : new Worker(script, { name })),
     (context) => context.audioWorklet.addModule(script),
   );
+}
+
+/**
+ * The engine puts its cursor off to the next frame, and there once more to the one after. Once is enough.
+ *
+ * @returns {(action: () => void) => void}
+ */
+function nextFrame() {
+  let inFrame = false;
+  return (action) => {
+    if (inFrame) {
+      action();
+      return;
+    }
+    requestAnimationFrame(() => {
+      inFrame = true;
+      try {
+        action();
+      } finally {
+        inFrame = false;
+      }
+    });
+  };
 }
 
 /**

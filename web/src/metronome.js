@@ -23,7 +23,7 @@ import { RecordingClock, recordingTime } from "./recording-time.js";
 const velocity = 112;
 
 /** In seconds: so much is heard of a recording before a click on the very place that it starts from. */
-const leadIn = 0.2;
+const leadIn = 0.3;
 
 /** Channels for the bar counted in, behind those of the levels: its first beat, and the others. */
 const countInChannels = { first: levels.length, others: levels.length + 1 };

@@ -28,6 +28,9 @@ export function recordingTime(points, ms) {
 /** How many looks at the recording the clock remembers. */
 const memory = 24;
 
+/** While a recording starts, so many looks are only good until the next. */
+const unsettled = 3;
+
 /** A look that differs by more than this from what was expected is a jump of the recording, in milliseconds. */
 const jump = 120;
 
@@ -39,9 +42,11 @@ export class RecordingClock {
   /** @type {number[]} where the recording was ahead of the real time, at each of the last looks */
   #leads = [];
   #rate = 1;
+  #settling = unsettled;
 
   reset() {
     this.#leads = [];
+    this.#settling = unsettled;
   }
 
   /**
@@ -56,6 +61,10 @@ export class RecordingClock {
       this.#leads = [];
     }
     this.#rate = rate;
+    if (this.#settling > 0) {
+      this.#settling--;
+      this.#leads = [];
+    }
     this.#leads.push(lead);
     if (this.#leads.length > memory) {
       this.#leads.shift();

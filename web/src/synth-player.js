@@ -14,6 +14,9 @@ const patience = 15000;
 /** How often the sound system is asked how far it is to the ear, in milliseconds. */
 const latencyInterval = 1000;
 
+/** How long it takes from a report of what is heard until the mark is on the screen, in seconds: some three frames. */
+const drawingTime = 0.055;
+
 /** Where the synthesizer sounds: an audio context that sleeps when there is nothing to hear. */
 class SoundOutput {
   /** @type {Emitter<void>} */
@@ -47,7 +50,7 @@ class SoundOutput {
     node.port.postMessage({ port: this.#loudspeaker }, [this.#loudspeaker]);
     node.connect(context.destination);
     const tellLatency = () => {
-      const seconds = context.outputLatency || context.baseLatency || 0;
+      const seconds = context.outputLatency + context.baseLatency - drawingTime;
       node.port.postMessage({ latency: Math.round(seconds * context.sampleRate) });
     };
     this.#latencyTimer = setInterval(() => {
