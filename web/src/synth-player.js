@@ -14,8 +14,26 @@ const patience = 15000;
 /** How often the sound system is asked how far it is to the ear, in milliseconds. */
 const latencyInterval = 1000;
 
-/** How long it takes from a report of what is heard until the mark is on the screen, in seconds: some three frames. */
-const drawingTime = 0.055;
+/** From a report of what is heard it takes so many frames until the mark is on the screen. */
+const framesToDraw = 3.5;
+
+/** How many frames are timed at a time, and what the longest of them counts as, in seconds. */
+const framesTimed = 12;
+const longestFrame = 0.06;
+
+/** What is assumed before anything was timed, in seconds. */
+const assumed = { frame: 1 / 40, output: 0.04 };
+
+/** @returns {Promise<number>} how long a frame takes at present, in seconds */
+async function frameTime() {
+  const nextFrame = () => new Promise((resolve) => requestAnimationFrame(resolve));
+  const start = await nextFrame();
+  let end = start;
+  for (let frame = 0; frame < framesTimed; frame++) {
+    end = await nextFrame();
+  }
+  return Math.min((end - start) / framesTimed / 1000, longestFrame);
+}
 
 /** Where the synthesizer sounds: an audio context that sleeps when there is nothing to hear. */
 class SoundOutput {
@@ -49,13 +67,22 @@ class SoundOutput {
     const node = new AudioWorkletNode(context, "quaverly-sound", { numberOfInputs: 0, outputChannelCount: [2] });
     node.port.postMessage({ port: this.#loudspeaker }, [this.#loudspeaker]);
     node.connect(context.destination);
-    const tellLatency = () => {
-      const seconds = context.outputLatency + context.baseLatency - drawingTime;
+    /** @type {(frame: number) => void} */
+    const tellLatency = (frame) => {
+      const seconds = (context.outputLatency || assumed.output) + context.baseLatency - frame * framesToDraw;
       node.port.postMessage({ latency: Math.round(seconds * context.sampleRate) });
     };
+    tellLatency(assumed.frame);
+    let timing = false;
+    const measure = async () => {
+      timing = true;
+      tellLatency(await frameTime());
+      timing = false;
+    };
     this.#latencyTimer = setInterval(() => {
-      if (context.state === "running") {
-        tellLatency();
+      // A page that nobody sees draws no frames.
+      if (context.state === "running" && !timing) {
+        void measure();
       }
     }, latencyInterval);
     this.#fallAsleep();
