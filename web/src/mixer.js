@@ -21,7 +21,8 @@ export class Mixer {
     this.#api = api;
     this.#channels = channels;
     this.#onSoloChanged = onSoloChanged;
-    api.playerReady.on(() => this.#applyAll());
+    // The engine sets volumes of its own right after it says that the player is ready, on the channels of the file.
+    api.playerReady.on(() => queueMicrotask(() => this.#applyAll()));
   }
 
   leaveScore() {

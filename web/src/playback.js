@@ -238,6 +238,8 @@ export class Playback {
       this.#resumeTick = null;
       this.#tick = tick;
       this.#applyRange();
+      // A player that took over reports the beginning before it is where it was told to be.
+      this.#awaitedTick = tick;
       this.#api.tickPosition = tick;
     }
   }

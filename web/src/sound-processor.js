@@ -12,7 +12,7 @@ import { SampleQueue } from "./sample-queue.js";
  */
 
 /** How many frames are kept ahead. The more, the longer a mute takes to be heard; the fewer, the sooner it stutters. */
-const least = 2048;
+const least = 2560;
 const most = 6144;
 
 /** What is added after the queue ran dry. */
