@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 #include "app/CommandLine.h"
 #include "app/QuaverlyApp.h"
+#include "app/TerminationSignals.h"
 #include "controller/AlphaTabController.h"
 #include "engine_host/DrawingBackend.h"
 #include "engine_host/RootSandbox.h"
@@ -39,6 +40,7 @@ int main(int argc, char *argv[])
         return 2;
     }
 
+    const TerminationSignals terminationSignals;
     QuaverlyApp quaverly(AlphaTabController::shared());
     quaverly.appDelegate().applicationDidFinishLaunching();
     quaverly.appDelegate().open(commandLine.files);

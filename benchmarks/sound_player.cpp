@@ -7,6 +7,7 @@
 
 #include "app/QuaverlyApp.h"
 #include "controller/AlphaTabController.h"
+#include "engine_host/DrawingBackend.h"
 #include "engine_host/MessageReceiver.h"
 #include "engine_host/RootSandbox.h"
 #include "engine_host/ScriptHandler.h"
@@ -107,6 +108,7 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(u"quaverly"_s);
     QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false"_s);
     RootSandbox::adapt();
+    DrawingBackend::adapt();
     WebSchemeHandler::registerScheme();
     const QApplication application(argc, argv);
 

@@ -31,11 +31,12 @@ struct PageImages {
 Outcome<PageImages> writePages(SheetPages &pages, const WorkingFolder &folder, const std::stop_token &stop)
 {
     PageImages images;
+    std::vector<quint8> storage;
     for (int index = 0; index < pages.count(); ++index) {
         const std::optional<SheetPage> page = pages.page(index);
         if (!page)
             continue;
-        Outcome<GrayBitmap> bitmap = render(*page, stop);
+        Outcome<GrayBitmap> bitmap = render(*page, stop, std::move(storage));
         if (!bitmap)
             return bitmap.failure();
         images.erased |= eraseTabStaves(*bitmap);
@@ -43,6 +44,7 @@ Outcome<PageImages> writePages(SheetPages &pages, const WorkingFolder &folder, c
         if (std::optional<Failure> failure = writePNG(*bitmap, file))
             return *failure;
         images.files << file;
+        storage = std::move(bitmap->pixels);
     }
     return images;
 }

@@ -33,15 +33,6 @@ std::vector<PageBox> sizesAsDrawn(const QPdfDocument &document)
     return boxes;
 }
 
-std::vector<PageBox> boxesOf(const QPdfDocument &document, const QString &path)
-{
-    std::optional<std::vector<PageBox>> boxes = PageBoxes::read(path);
-    // In a damaged file the two libraries may each find pages that the other one does not.
-    if (boxes && boxes->size() == size_t(document.pageCount()))
-        return *std::move(boxes);
-    return sizesAsDrawn(document);
-}
-
 void layOnWhite(QImage &image)
 {
     QPainter painter(&image);
@@ -68,14 +59,20 @@ std::shared_ptr<PDFDocument> PDFDocument::open(const QString &path)
     // A pipe or a device would keep the window waiting for its end.
     if (!QFileInfo(path).isFile())
         return nullptr;
+    std::optional<std::vector<PageBox>> boxes = PageBoxes::read(path);
+    // Not for the drawing library's eyes: see there.
+    if (boxes && boxes->empty())
+        return nullptr;
     auto document = std::make_unique<QPdfDocument>(nullptr);
     if (document->load(path) != QPdfDocument::Error::None || document->pageCount() < 1)
         return nullptr;
-    std::vector<PageBox> boxes = boxesOf(*document, path);
+    // In a damaged file each library may find pages that the other one does not.
+    if (!boxes || boxes->size() != size_t(document->pageCount()))
+        boxes = sizesAsDrawn(*document);
     // Closing takes the library, which may be drawing a page for somebody else.
     const auto closeElsewhere
         = [](PDFDocument *done) { QThreadPool::globalInstance()->start([done] { delete done; }); };
-    return { new PDFDocument(std::move(document), std::move(boxes)), closeElsewhere };
+    return { new PDFDocument(std::move(document), *std::move(boxes)), closeElsewhere };
 }
 
 const PageBox *PDFDocument::box(int index) const

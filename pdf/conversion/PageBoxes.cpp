@@ -50,26 +50,28 @@ PageBox boxOf(const Inherited &values)
     box.media = rectangle(values.media).value_or(letter);
     if (box.media.isEmpty())
         box.media = letter;
-    box.crop = rectangle(values.crop).value_or(box.media) & box.media;
-    if (box.crop.isEmpty())
-        box.crop = box.media;
+    const QRectF crop = rectangle(values.crop).value_or(QRectF());
+    box.crop = crop.isEmpty() ? box.media : crop & box.media;
     box.rotation = degrees(values.rotation);
     return box;
 }
 
-/// Walks the page tree without recursion: a file may nest it deeper than the stack is.
+/// Walks the page tree, without recursion.
 std::vector<PageBox> walk(QPDFObjectHandle pages)
 {
     struct Node {
         QPDFObjectHandle object;
         Inherited values;
+        int depth;
     };
     std::vector<PageBox> boxes;
-    std::vector<Node> waiting{ { pages, {} } };
+    std::vector<Node> waiting{ { pages, {}, 0 } };
     std::set<QPDFObjGen> visited;
     while (!waiting.empty()) {
         Node node = std::move(waiting.back());
         waiting.pop_back();
+        if (node.depth > PageBoxes::deepest)
+            return {};
         if (!node.object.isDictionary())
             continue;
         node.values.overrideFrom(node.object);
@@ -81,7 +83,7 @@ std::vector<PageBox> walk(QPDFObjectHandle pages)
             continue; // an ancestor of itself
         QPDFObjectHandle kids = node.object.getKey("/Kids");
         for (int i = kids.isArray() ? kids.getArrayNItems() : 0; i-- > 0;)
-            waiting.push_back({ kids.getArrayItem(i), node.values });
+            waiting.push_back({ kids.getArrayItem(i), node.values, node.depth + 1 });
     }
     return boxes;
 }

@@ -6,6 +6,9 @@
 #include <QFile>
 #include <QtEndian>
 
+#include <algorithm>
+#include <thread>
+#include <vector>
 #include <zlib.h>
 
 using namespace Qt::StringLiterals;
@@ -15,7 +18,8 @@ namespace {
 /// Staff lines and long white rows compress in one pass as well as they do with any row filter, and at level 3 nearly
 /// as fast as at level 1; the levels above take twice the time for a quarter less.
 constexpr int compressionLevel = 3;
-constexpr qsizetype chunkBytes = 256 << 10;
+constexpr qsizetype bufferBytes = 256 << 10;
+constexpr int mostThreads = 4;
 
 /// The parts of a PNG file, https://www.w3.org/TR/png, "Datastream structure".
 class PngFile final {
@@ -41,7 +45,7 @@ public:
         return chunk("IHDR"_ba, fields);
     }
 
-    bool data(const QByteArray &compressed) { return compressed.isEmpty() || chunk("IDAT"_ba, compressed); }
+    bool data(const QByteArray &compressed) { return chunk("IDAT"_ba, compressed); }
 
     /// False when anything has not reached the file.
     bool finish()
@@ -78,19 +82,27 @@ private:
     QFile m_file;
 };
 
-/// Compresses into the data chunks of a file as the bytes come, without a copy of the picture.
-class PixelStream final {
-    Q_DISABLE_COPY_MOVE(PixelStream)
+/// Some rows of the picture in the compressed form of RFC 1951, and the checksum of what they were.
+struct Piece {
+    QByteArray compressed;
+    uLong checksum = adler32(0, nullptr, 0);
+    z_off_t length = 0;
+    bool complete = false;
+};
+
+/// One run of the compressor, which gives its memory back.
+class Deflater final {
+    Q_DISABLE_COPY_MOVE(Deflater)
 
 public:
-    explicit PixelStream(PngFile &file)
-        : m_file(file)
-        , m_ready(deflateInit(&m_stream, compressionLevel) == Z_OK)
+    Deflater()
+        : m_ready(
+            deflateInit2(&m_stream, compressionLevel, Z_DEFLATED, -MAX_WBITS, MAX_MEM_LEVEL - 1, Z_DEFAULT_STRATEGY)
+            == Z_OK)
     {
-        startChunk();
     }
 
-    ~PixelStream()
+    ~Deflater()
     {
         if (m_ready)
             deflateEnd(&m_stream);
@@ -98,56 +110,81 @@ public:
 
     bool isReady() const { return m_ready; }
 
-    bool add(const quint8 *bytes, std::size_t count)
+    void add(const quint8 *bytes, std::size_t count, Piece &piece)
     {
+        piece.checksum = adler32(piece.checksum, bytes, uInt(count));
+        piece.length += z_off_t(count);
         m_stream.next_in = const_cast<Bytef *>(bytes);
         m_stream.avail_in = uInt(count);
-        while (m_stream.avail_in > 0) {
-            deflate(&m_stream, Z_NO_FLUSH);
-            if (m_stream.avail_out == 0 && !sendChunk())
-                return false;
-        }
-        return true;
+        run(Z_NO_FLUSH, piece);
     }
 
-    bool finish()
+    /// @param last whether no other piece follows; otherwise this one ends on a whole byte
+    void finish(bool last, Piece &piece)
     {
-        while (deflate(&m_stream, Z_FINISH) != Z_STREAM_END) {
-            if (!sendChunk())
-                return false;
-        }
-        return sendChunk();
+        run(last ? Z_FINISH : Z_SYNC_FLUSH, piece);
+        piece.complete = true;
     }
 
 private:
-    void startChunk()
+    void run(int flush, Piece &piece)
     {
-        m_stream.next_out = reinterpret_cast<Bytef *>(m_chunk.data());
-        m_stream.avail_out = uInt(m_chunk.size());
+        do {
+            m_stream.next_out = reinterpret_cast<Bytef *>(m_buffer.data());
+            m_stream.avail_out = uInt(m_buffer.size());
+            deflate(&m_stream, flush);
+            piece.compressed.append(m_buffer.constData(), m_buffer.size() - qsizetype(m_stream.avail_out));
+        } while (m_stream.avail_out == 0);
     }
 
-    bool sendChunk()
-    {
-        const bool sent = m_file.data(m_chunk.first(m_chunk.size() - qsizetype(m_stream.avail_out)));
-        startChunk();
-        return sent;
-    }
-
-    PngFile &m_file;
     z_stream m_stream{};
     const bool m_ready;
-    QByteArray m_chunk{ chunkBytes, Qt::Uninitialized };
+    QByteArray m_buffer{ bufferBytes, Qt::Uninitialized };
 };
 
-bool addRows(PixelStream &stream, const GrayBitmap &bitmap)
+Piece compressRows(const GrayBitmap &bitmap, int from, int to)
 {
+    Piece piece;
+    Deflater deflater;
+    if (!deflater.isReady())
+        return piece;
     const quint8 unfiltered = 0;
-    for (int y = 0; y < bitmap.height; ++y) {
-        const quint8 *row = bitmap.pixels.data() + std::size_t(y) * std::size_t(bitmap.width);
-        if (!stream.add(&unfiltered, 1) || !stream.add(row, std::size_t(bitmap.width)))
-            return false;
+    for (int y = from; y < to; ++y) {
+        deflater.add(&unfiltered, 1, piece);
+        deflater.add(
+            bitmap.pixels.data() + std::size_t(y) * std::size_t(bitmap.width), std::size_t(bitmap.width), piece);
     }
-    return stream.finish();
+    deflater.finish(to == bitmap.height, piece);
+    return piece;
+}
+
+/// The pieces from the top to the bottom, each compressed in a thread of its own.
+std::vector<Piece> compress(const GrayBitmap &bitmap)
+{
+    const int count = std::clamp(int(std::thread::hardware_concurrency()), 1, std::min(mostThreads, bitmap.height));
+    const auto border = [&](int index) { return int(qint64(bitmap.height) * index / count); };
+    std::vector<Piece> pieces{ std::size_t(count) };
+    {
+        std::vector<std::jthread> threads;
+        for (int index = 1; index < count; ++index)
+            threads.emplace_back(
+                [&, index] { pieces[index] = compressRows(bitmap, border(index), border(index + 1)); });
+        pieces[0] = compressRows(bitmap, border(0), border(1));
+    }
+    return pieces;
+}
+
+/// The pieces joined to one stream in the format of RFC 1950.
+bool writePieces(PngFile &file, const std::vector<Piece> &pieces)
+{
+    uLong checksum = pieces.front().checksum;
+    for (auto piece = pieces.begin() + 1; piece != pieces.end(); ++piece)
+        checksum = adler32_combine(checksum, piece->checksum, piece->length);
+    const quint32 trailer = qToBigEndian(quint32(checksum));
+    return file.data("\x78\x5e"_ba) // deflate with its full window, compressed fast
+        && std::all_of(
+            pieces.begin(), pieces.end(), [&file](const Piece &piece) { return file.data(piece.compressed); })
+        && file.data(QByteArray(reinterpret_cast<const char *>(&trailer), sizeof trailer));
 }
 
 bool isBitmap(const GrayBitmap &bitmap)
@@ -162,11 +199,16 @@ namespace PDFConverter {
 
 std::optional<Failure> writePNG(const GrayBitmap &bitmap, const QString &path)
 {
+    const Failure cannotEncode{ QCoreApplication::translate("PDFConverter", "Could not encode a page image.") };
+    if (!isBitmap(bitmap))
+        return cannotEncode;
+    const std::vector<Piece> pieces = compress(bitmap);
+    const bool compressed
+        = std::all_of(pieces.begin(), pieces.end(), [](const Piece &piece) { return piece.complete; });
     PngFile file(path);
-    PixelStream stream(file);
-    if (!isBitmap(bitmap) || !stream.isReady() || !file.create())
-        return Failure{ QCoreApplication::translate("PDFConverter", "Could not encode a page image.") };
-    if (!file.signature() || !file.header(bitmap.width, bitmap.height) || !addRows(stream, bitmap) || !file.finish())
+    if (!compressed || !file.create())
+        return cannotEncode;
+    if (!file.signature() || !file.header(bitmap.width, bitmap.height) || !writePieces(file, pieces) || !file.finish())
         return Failure{ QCoreApplication::translate("PDFConverter", "Could not write a page image.") };
     return std::nullopt;
 }

@@ -19,7 +19,7 @@ constexpr qint64 mostBytes = qint64(1) << 30;
 
 /// The drawing library draws in colour, four bytes a pixel, and reads the page anew for each band. Bands of this size
 /// keep the whole below two rasters of the page; smaller ones cost time, larger ones gain none.
-constexpr qint64 bandBytes = 16 << 20;
+constexpr qint64 bandBytes = 12 << 20;
 /// The same for small pages.
 constexpr int leastBands = 6;
 
@@ -53,11 +53,24 @@ QPointF cornerOnPaper(const SheetPage &page)
     }
 }
 
-/// Lays `count` pixels of unpremultiplied colour on white. Plain loops over short runs, which compilers turn into
+/// One pixel of unpremultiplied colour on white. Sixteen bits hold every step, which suits vector instructions.
+quint8 onWhite(QRgb pixel)
+{
+    const auto alpha = quint16(pixel >> 24);
+    const auto red = quint16((pixel >> 16) & 255);
+    const auto green = quint16((pixel >> 8) & 255);
+    const auto blue = quint16(pixel & 255);
+    // The weights of ITU-R BT.601 in 256ths.
+    const auto luma = quint16(quint16(77 * red + 150 * green + 29 * blue) >> 8);
+    const auto sum = quint16(luma * alpha + 255 * (255 - alpha) + 128);
+    return quint8(quint16(sum + (sum >> 8)) >> 8); // divided by 255, rounded
+}
+
+/// Lays `count` pixels of unpremultiplied colour on white, in plain loops over short runs, which compilers turn into
 /// vector instructions.
 void layOnWhite(const QRgb *colours, quint8 *grays, int count)
 {
-    constexpr int run = 256;
+    constexpr int run = 64;
     for (int start = 0; start < count; start += run) {
         const int length = std::min(run, count - start);
         const QRgb *in = colours + start;
@@ -69,14 +82,9 @@ void layOnWhite(const QRgb *colours, quint8 *grays, int count)
             // Black ink or none, as nearly everywhere in a score.
             for (int i = 0; i < length; ++i)
                 out[i] = quint8(255 - (in[i] >> 24));
-            continue;
-        }
-        for (int i = 0; i < length; ++i) {
-            const quint32 alpha = in[i] >> 24;
-            // The weights of ITU-R BT.601 in 256ths.
-            const quint32 luma = (77 * ((in[i] >> 16) & 255) + 150 * ((in[i] >> 8) & 255) + 29 * (in[i] & 255)) >> 8;
-            const quint32 sum = luma * alpha + 255 * (255 - alpha) + 128;
-            out[i] = quint8((sum + (sum >> 8)) >> 8); // divided by 255, rounded
+        } else {
+            for (int i = 0; i < length; ++i)
+                out[i] = onWhite(in[i]);
         }
     }
 }
@@ -130,7 +138,7 @@ bool draw(const SheetPage &page, GrayBitmap &bitmap, const std::stop_token &stop
 
 namespace PDFConverter {
 
-Outcome<GrayBitmap> render(const SheetPage &page, const std::stop_token &stop)
+Outcome<GrayBitmap> render(const SheetPage &page, const std::stop_token &stop, std::vector<quint8> storage)
 {
     const QSizeF size = turned(page.media.size(), page.rotation) * pixelsPerUnit;
     const double width = std::round(size.width());
@@ -140,8 +148,8 @@ Outcome<GrayBitmap> render(const SheetPage &page, const std::stop_token &stop)
     if (width * height > double(mostBytes))
         return cannotRasterize();
     try {
-        GrayBitmap bitmap{ std::vector<quint8>(std::size_t(width) * std::size_t(height), 255), int(width),
-            int(height) };
+        GrayBitmap bitmap{ std::move(storage), int(width), int(height) };
+        bitmap.pixels.assign(std::size_t(width) * std::size_t(height), 255);
         if (!draw(page, bitmap, stop))
             return cannotRasterize();
         return bitmap;

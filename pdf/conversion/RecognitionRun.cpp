@@ -60,9 +60,8 @@ void endGroup(QProcess &process)
 }
 
 /// Waits without polling; false when the stop came first.
-bool waitForEnd(QProcess &process, const std::stop_token &stop)
+bool waitForEnd(const QProcess &process, QEventLoop &loop, const std::stop_token &stop)
 {
-    QEventLoop loop;
     QObject::connect(&process, &QProcess::finished, &loop, &QEventLoop::quit);
     const std::stop_callback stopped(
         stop, [&loop] { QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection); });
@@ -81,6 +80,8 @@ std::optional<Failure> runAudiveris(
     if (std::optional<Failure> failure = makeFolder(outDir))
         return failure;
 
+    // Comes first: a process that is started in a thread without event loops is not watched.
+    QEventLoop loop;
     QProcess process;
     process.setProcessChannelMode(QProcess::MergedChannels);
     process.setStandardInputFile(QProcess::nullDevice());
@@ -91,7 +92,7 @@ std::optional<Failure> runAudiveris(
             QCoreApplication::translate("PDFConverter", "Could not launch Audiveris: %1").arg(process.errorString())
         };
     }
-    if (!waitForEnd(process, stop)) {
+    if (!waitForEnd(process, loop, stop)) {
         endGroup(process);
         return Failure{ QCoreApplication::translate("PDFConverter", "The conversion was stopped.") };
     }

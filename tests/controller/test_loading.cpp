@@ -1,5 +1,6 @@
 #include "controller/AlphaTabController.h"
 #include "pdf/conversion/PDFDocument.h"
+#include "tests/support/TestPDFs.h"
 #include "tests/support/TestSurroundings.h"
 
 #include <QDir>
@@ -154,18 +155,56 @@ private Q_SLOTS:
         QVERIFY(!c.pdfURL.value());
     }
 
-    void aBrokenPdfLeavesOneLine()
+    void unreadablePdfsLeaveOneLineAndNothingElse_data()
     {
+        QTest::addColumn<QString>("name");
+        for (const char *name : { "missing", "folder", "pipe", "text", "cut off", "secret", "no pages" })
+            QTest::newRow(name) << QString::fromLatin1(name) + u".pdf"_s;
+    }
+
+    void unreadablePdfsLeaveOneLineAndNothingElse()
+    {
+        QFETCH(QString, name);
         TestSurroundings world;
+        world.file(u"text.pdf"_s, "no PDF at all");
+        world.file(u"cut off.pdf"_s, TestPDFs::colored(9).left(60));
+        world.file(u"no pages.pdf"_s, TestPDFs::file({}));
+        QVERIFY(TestPDFs::encrypt(world.file(u"secret.pdf"_s, TestPDFs::colored(1)).toLocalFile(), "secret"));
+        QVERIFY(QDir().mkdir(world.path(u"folder.pdf"_s)));
+        QCOMPARE(::mkfifo(qPrintable(world.path(u"pipe.pdf"_s)), 0600), 0);
         AlphaTabController c(world.make());
         const QUrl good = writePdf(world, u"good.pdf"_s);
         c.load(good);
-        const QUrl bad = world.file(u"bad.pdf"_s, "no PDF at all");
+        const auto before = c.pdfDocument.value();
+        QTRY_COMPARE(world.windowTitles->size(), 1);
+        const QUrl bad = QUrl::fromLocalFile(world.path(name));
         c.recentFiles = QList<QUrl>{ bad, good };
+
         c.load(bad);
         QCOMPARE(*world.log, QStringList{ u"[Quaverly] failed to open PDF "_s + bad.toLocalFile() });
         QCOMPARE(c.recentFiles.value(), QList<QUrl>{ good });
+        QCOMPARE(world.defaults()->textList(u"recentFiles"_s), QStringList{ good.toLocalFile() });
         QCOMPARE(c.pdfURL.value(), good);
+        QCOMPARE(c.pdfDocument.value(), before);
+        QVERIFY(!c.conversionError.value());
+        QCoreApplication::processEvents();
+        QCOMPARE(world.windowTitles->size(), 1);
+    }
+
+    void protectedAndDamagedPdfsThatCanBeReadOpen()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        const QUrl encrypted = world.file(u"encrypted.pdf"_s, TestPDFs::colored(2));
+        QVERIFY(TestPDFs::encrypt(encrypted.toLocalFile(), ""));
+        c.load(encrypted);
+        QCOMPARE(c.pdfURL.value(), encrypted);
+        QCOMPARE(c.pdfDocument.value()->pageCount(), 2);
+        const QUrl damaged = world.file(u"damaged.pdf"_s, TestPDFs::withBrokenTable(TestPDFs::colored(3)));
+        c.load(damaged);
+        QCOMPARE(c.pdfURL.value(), damaged);
+        QCOMPARE(c.pdfDocument.value()->pageCount(), 3);
+        QVERIFY(world.log->isEmpty());
     }
 
     void theOpenPanel()

@@ -74,6 +74,13 @@ void press(QWidget &window, const QString &accessibleName)
     }
 }
 
+/// Opens one of the sheets that are engraved for the tests.
+void sheet(AlphaTabController &controller, const QString &name, int pagesAcross)
+{
+    controller.pdfPagesAcross = pagesAcross;
+    controller.load(QUrl::fromLocalFile(QStringLiteral(SHEETS "/") + name + u".pdf"_s));
+}
+
 void openPopover(QWidget &window) { press(window, u"Metronome & count-in"_s); }
 
 } // namespace
@@ -89,6 +96,20 @@ QList<Scene> scenes()
     const auto recording = [](AlphaTabController &controller) { controller.hasBackingTrack = true; };
     const auto failed = [](AlphaTabController &controller) {
         controller.conversionError = u"Audiveris was not found. Install it and try again."_s;
+    };
+    const auto one = [](AlphaTabController &controller) { sheet(controller, u"one-page"_s, 1); };
+    const auto single = [](AlphaTabController &controller) { sheet(controller, u"pages-200"_s, 1); };
+    const auto pair = [](AlphaTabController &controller) { sheet(controller, u"pages-200"_s, 2); };
+    const auto six = [](AlphaTabController &controller) { sheet(controller, u"pages-200"_s, 6); };
+    const auto mixed = [](AlphaTabController &controller) { sheet(controller, u"mixed"_s, 3); };
+    const auto turned = [](AlphaTabController &controller) { sheet(controller, u"rotated"_s, 2); };
+    const auto converting = [pair](AlphaTabController &controller) {
+        pair(controller);
+        controller.converting = true;
+    };
+    const auto notConverted = [pair, failed](AlphaTabController &controller) {
+        pair(controller);
+        failed(controller);
     };
     return {
         { u"start"_s, usual, false, Empty, none, {} },
@@ -111,5 +132,17 @@ QList<Scene> scenes()
         { u"long-names"_s, usual, false, Demo, longNames, {} },
         { u"long-names-smallest"_s, smallest, false, Demo, longNames, {} },
         { u"alert"_s, usual, false, Demo, failed, {} },
+        { u"pdf"_s, usual, false, Empty, pair, {} },
+        { u"pdf-dark"_s, usual, true, Empty, pair, {} },
+        { u"pdf-smallest"_s, smallest, false, Empty, pair, {} },
+        { u"pdf-largest"_s, largest, false, Empty, six, {} },
+        { u"pdf-one-page"_s, usual, false, Empty, one, {} },
+        { u"pdf-one-across"_s, usual, false, Empty, single, {} },
+        { u"pdf-six-across"_s, usual, false, Empty, six, {} },
+        { u"pdf-six-across-smallest"_s, smallest, true, Empty, six, {} },
+        { u"pdf-mixed"_s, usual, false, Empty, mixed, {} },
+        { u"pdf-rotated"_s, usual, false, Empty, turned, {} },
+        { u"pdf-converting"_s, usual, false, Demo, converting, {} },
+        { u"pdf-alert"_s, usual, false, Demo, notConverted, {} },
     };
 }

@@ -7,4 +7,8 @@
     \new Staff { \clef "treble_8" \tune }
     \new TabStaff { \tune }
   >>
+  \layout {
+    % Room for the notes below the staff: the margin above an erased staff is two of its spacings.
+    \context { \StaffGroup \override StaffGrouper.staff-staff-spacing.basic-distance = #19 }
+  }
 }

@@ -121,6 +121,16 @@ private Q_SLOTS:
         QVERIFY(engine.report().isEmpty());
     }
 
+    void offTheMainThread()
+    {
+        const StandIn engine(m_folder->path(), "fail");
+        const QString file = pdf(u"song.pdf"_s);
+        std::optional<Failure> failure;
+        std::thread([&] { failure = run({ file }); }).join();
+        QVERIFY(failure);
+        QVERIFY2(failure->message.endsWith(u"line 10"_s), qPrintable(failure->message));
+    }
+
     void aStopEndsTheEngineAndItsChildren()
     {
         const StandIn engine(m_folder->path(), "hang");

@@ -52,6 +52,7 @@ private Q_SLOTS:
         QTest::newRow("cropped and turned") << sheet << QByteArray("0 0 100 400") << QByteArray("90") << 4.0;
         QTest::newRow("crop beyond the paper") << sheet << QByteArray("-50 -50 9000 400") << none << 600 / 400.0;
         QTest::newRow("corners the other way") << QByteArray("600 800 0 0") << none << none << 600 / 800.0;
+        QTest::newRow("crop beside the paper") << sheet << QByteArray("700 0 900 800") << none << 0.7072135785007072;
         QTest::newRow("empty crop") << sheet << QByteArray("0 0 0 0") << none << 600 / 800.0;
     }
 

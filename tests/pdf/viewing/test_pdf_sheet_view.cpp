@@ -98,7 +98,7 @@ private Q_SLOTS:
     void pagesComeOnTheScreen()
     {
         ShownWindow w;
-        w.openPDF(TestPDFs::colored(4));
+        w.controller.load(w.world.file(u"sheet.pdf"_s, TestPDFs::colored(4)));
         QCOMPARE(shown(w, 0), qRgb(255, 255, 255));
         QTRY_VERIFY(hasPicture(w, 0) && hasPicture(w, 1));
     }
