@@ -12,8 +12,8 @@ import { SampleQueue } from "./sample-queue.js";
  */
 
 /** How many frames are kept ahead. The more, the longer a mute takes to be heard; the fewer, the sooner it stutters. */
-const least = 2560;
-const most = 6144;
+const least = 3072;
+const most = 8192;
 
 /** What is added after the queue ran dry. */
 const increase = 512;
