@@ -13,6 +13,7 @@ import contextlib
 import os
 import sys
 import tempfile
+import threading
 import time
 
 import numpy
@@ -229,7 +230,76 @@ def mute(room, table, options):
     room.window.call("setLooping", False)
 
 
-ROWS = {row.__name__: row for row in (clicks, recording, drift, seam, mute, dropouts)}
+class Marks:
+    """Watches the screen for the note that is marked as playing, and writes down when that is another one."""
+
+    # Where the first line of music is. Looking at more costs the program processor time.
+    TOP, BOTTOM = 225, 345
+    # The line that runs through the whole system is as green as the note, and higher than any.
+    HIGHEST_NOTE = 60
+    # Two notes are farther apart than this, in pixels, and one is not wider.
+    STEP = 14
+
+    def __init__(self, screen):
+        self._screen = screen
+        self.changes = []
+        self._stopped = threading.Event()
+        self._watcher = threading.Thread(target=self._watch)
+        self._watcher.start()
+
+    def _place(self):
+        pixels = numpy.frombuffer(self._screen.rows(self.TOP, self.BOTTOM), dtype=numpy.uint8)
+        blue, green, red = (pixels.reshape(self.BOTTOM - self.TOP, -1, 4)[:, :, colour].astype(numpy.int16)
+                            for colour in range(3))
+        marked = (green - red > 50) & (green - blue > 25)
+        line = numpy.convolve(marked.sum(axis=0) > self.HIGHEST_NOTE, numpy.ones(9), "same") > 0
+        marked[:, line] = False
+        rows, columns = numpy.nonzero(marked)
+        return None if len(columns) < 12 else (numpy.median(columns), numpy.median(rows))
+
+    def _watch(self):
+        before = None
+        while not self._stopped.is_set():
+            now = time.monotonic()
+            place = self._place()
+            if place and (before is None or numpy.hypot(place[0] - before[0], place[1] - before[1]) > self.STEP):
+                self.changes.append(now)
+                before = place
+            self._stopped.wait(0.006)
+
+    def finish(self):
+        self._stopped.set()
+        self._watcher.join()
+        return numpy.array(self.changes)
+
+
+def mark(room, table, options):
+    """The marked note against the note that is heard."""
+    room.window.open(room.desk.strokes(4))
+    room.window.call("setLooping", True)
+    for speed in (1.0, 0.5):
+        room.window.call("setSpeed", speed)
+
+        def music():
+            marks = Marks(room.screen)
+            room.window.play()
+            room.window.rest(20)
+            changes = marks.finish()
+            room.window.stop()
+            return changes
+        sound, began, changes = room.listen(f"mark-{speed}", music)
+        notes = onsets(sound[:, 0], 0.6 * BEAT / speed)
+        late = errors(changes - began, notes)
+        late = late[numpy.abs(late) < 400 * BEAT / speed]
+        if len(late) < 8:
+            raise RuntimeError(f"only {len(late)} marks were seen, and {len(notes)} notes heard")
+        table.row(f"mark on the score against the sound, {speed:.0%}: worst", numpy.abs(late).max(), 50,
+                  note=f"{len(late)} notes, mean {late.mean():+.1f} (late is positive), spread {late.std():.1f}")
+    room.window.call("setSpeed", 1.0)
+    room.window.call("setLooping", False)
+
+
+ROWS = {row.__name__: row for row in (clicks, recording, seam, mute, mark, drift, dropouts)}
 
 
 def main():

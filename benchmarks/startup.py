@@ -80,6 +80,11 @@ class Screen:
                 line[0::3], line[1::3], line[2::3] = row[2::4], row[1::4], row[0::4]
                 file.write(line)
 
+    def rows(self, top, bottom):
+        """The pixels from row `top` to before row `bottom`: blue, green, red and an unused byte each."""
+        start = self._pixels + top * self._stride
+        return self._memory[start:start + (bottom - top) * self._stride]
+
     def close(self):
         self._server.terminate()
         self._server.wait()

@@ -81,11 +81,30 @@ private Q_SLOTS:
         const QString place = u"document.querySelector('audio').currentTime"_s;
         QVERIFY(m_session->waitFor([&] { return m_session->valueOf(place).toDouble() > 3; }));
         QVERIFY(becomesAudible()); // the metronome beside it
+        const double before = m_session->position();
+        const qsizetype told = m_session->count(u"position"_s);
         m_session->call(BridgeCalls::setSoundSource(true));
-        QVERIFY(m_session->waitFor([&] { return m_session->isPlaying() && m_session->position() > 2000; }));
+        QVERIFY(m_session->waitFor([&] { return m_session->isPlaying() && m_session->position() > before + 300; }));
+        for (const EngineSession::Heard &one : m_session->heard(u"position"_s).sliced(told)) {
+            const double reached = one.message.value(u"currentTime"_s).toDouble();
+            QVERIFY2(reached > before - 100, qPrintable(QString::number(reached)));
+        }
         m_session->call(BridgeCalls::setMetronome(false));
         QVERIFY(becomesAudible());
         QCOMPARE(m_session->count(u"playerReady"_s), 1);
+    }
+
+    void theMixerOutlivesAChangeOfSound()
+    {
+        if (!EngineScores::haveSamples())
+            QSKIP("the samples are not here");
+        QVERIFY(m_session->open(EngineScores::sample(u"canon-audio-track.gp"_s)));
+        const int tracks = int(m_session->last(u"score"_s).value(u"tracks"_s).toList().size());
+        for (int track = 0; track < tracks; ++track)
+            m_session->call(BridgeCalls::setTrackVolume(track, 0));
+        m_session->call(BridgeCalls::setSoundSource(true));
+        play();
+        QVERIFY(staysSilent());
     }
 
     void aSoloedTrackSilencesTheOthers()
@@ -188,8 +207,22 @@ private Q_SLOTS:
         m_session->call(BridgeCalls::stop());
         m_session->call(BridgeCalls::setCountIn(false));
         QVERIFY(m_session->waitFor([&] { return !m_session->isPlaying(); }));
+        QVERIFY(becomesSilent()); // what is measured reaches back to the last click
         play();
         QVERIFY(staysSilent());
+    }
+
+    void aPauseEndsTheCountIn()
+    {
+        m_session->call(BridgeCalls::setCountIn(true));
+        m_session->call(BridgeCalls::seekToTime(4000));
+        silenceTracks();
+        play();
+        QVERIFY(becomesAudible());
+        m_session->call(BridgeCalls::playPause());
+        QVERIFY(m_session->waitFor([&] { return !m_session->isPlaying(); }));
+        QVERIFY(becomesSilent());
+        QVERIFY2(qAbs(m_session->position() - 4000) < 20, qPrintable(QString::number(m_session->position())));
     }
 
     void theChoiceOfSoundChangesNothingWithoutARecording()

@@ -1,51 +1,33 @@
 // @ts-check
 /**
- * Decides click by click what is due soon while a recording plays: the recording tells its place some twenty times a
- * second, too coarsely to click by, but well enough to see the next clicks coming.
+ * Which clicks come soon while a recording plays. The recording tells its place some twenty times a second: too
+ * coarsely to click by, but well enough to see the next clicks coming, and to correct when they come.
  *
- * @typedef {{ ms: number, level: number }} TimedClick milliseconds of score time
+ * @typedef {{ ms: number, level: number }} TimedClick milliseconds of the recording
  * @typedef {{ click: TimedClick, delay: number }} DueClick delay in real milliseconds from now
  */
 
-/** How far ahead clicks are handed out, in real milliseconds: more than the time between two reports. */
-const horizon = 180;
-
-/** A report this far behind what was handed out already is a jump back and no rounding, in milliseconds. */
-const jump = 400;
+/** How far ahead clicks are seen coming, in real milliseconds: more than the page is ever busy with something else. */
+const horizon = 600;
 
 export class ClickSchedule {
   /** @type {TimedClick[]} */
   #clicks = [];
-  #handedOut = -Infinity;
 
   /** @param {TimedClick[]} clicks in rising order of time */
   setClicks(clicks) {
     this.#clicks = clicks;
-    this.#handedOut = -Infinity;
-  }
-
-  /** Forgets what was handed out: the recording stands somewhere else, or stopped. */
-  reset() {
-    this.#handedOut = -Infinity;
   }
 
   /**
-   * @param {number} place where the recording is, in milliseconds of score time
-   * @param {number} rate milliseconds of score time for each real one
-   * @returns {DueClick[]} the clicks that fall soon and were not handed out yet
+   * @param {number} place where the recording is, in milliseconds
+   * @param {number} rate milliseconds of the recording for each real one
+   * @returns {DueClick[]} the clicks to come, the same ones again until they are past
    */
   due(place, rate) {
-    if (place < this.#handedOut - horizon * rate - jump) {
-      this.#handedOut = -Infinity;
-    }
-    const from = Math.max(place, this.#handedOut);
     const to = place + horizon * rate;
-    if (to <= from) {
-      return [];
-    }
-    this.#handedOut = to;
     return this.#clicks
-      .filter(({ ms }) => ms >= from && ms < to)
+      .filter(({ ms }) => ms >= place && ms < to)
       .map((click) => ({ click, delay: (click.ms - place) / rate }));
   }
 }

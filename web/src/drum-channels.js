@@ -17,8 +17,11 @@ export class DrumChannels {
   /** @type {Map<number, number>} the channel of each track that was moved, by its index */
   #moved = new Map();
 
+  #api;
+
   /** @param {import("./engine.js").Engine} api */
   constructor(api) {
+    this.#api = api;
     api.midiLoad.on((midi) => this.#separate(midi));
   }
 
@@ -28,7 +31,12 @@ export class DrumChannels {
    */
   of(track) {
     const moved = this.#moved.get(track.index);
-    return moved === undefined ? [track.playbackInfo.primaryChannel, track.playbackInfo.secondaryChannel] : [moved];
+    if (moved !== undefined) {
+      return [moved];
+    }
+    const { primaryChannel, secondaryChannel } = track.playbackInfo;
+    const { primary, secondary } = this.#api.trackChannels.get(track.index) ?? { primary: primaryChannel, secondary: secondaryChannel };
+    return [primary, secondary];
   }
 
   /** @param {import("./alphatab.js").MidiFile} midi the playback just generated */

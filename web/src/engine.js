@@ -4,6 +4,7 @@ import { drawingWorker } from "./drawing-worker-start.js";
 import { Emitter } from "./emitter.js";
 import { hideEngineHeading } from "./heading.js";
 import { SynthPlayer } from "./synth-player.js";
+import { separateChannels, withChannels } from "./track-channels.js";
 import { WorkerRenderer } from "./worker-renderer.js";
 
 /** How long a score may keep its sound waiting when its first lines do not come, in milliseconds. */
@@ -26,12 +27,18 @@ export class Engine extends alphaTab.AlphaTabApi {
   #playerStarted = false;
   /** @type {Uint8Array<ArrayBuffer> | null} what plays in the player's place while the score's recording is chosen */
   recording = null;
+  /** @type {import("@coderline/alphatab").synth.BackingTrackSyncPoint[]} where the score's time lies in its recording */
+  syncPoints = [];
+  /** How much earlier than asked for a recording starts, in seconds: what accompanies it needs to hear it coming. */
+  leadIn = 0;
+  /** @type {Map<number, import("./track-channels.js").Channels>} what each track plays on, by its index */
+  trackChannels = new Map();
+  /** @type {SynthPlayer | null} the synthesizer made last */
+  synth = null;
   /** @type {Emitter<void>} the first player exists */
   playerStarted = new Emitter();
   /** @type {Emitter<void>} the score shown last has its length and is on its way to the player */
   scorePrepared = new Emitter();
-  /** @type {SynthPlayer | null} the synthesizer made last */
-  synth = null;
 
   /**
    * @param {HTMLElement} sheet where the notation is drawn
@@ -41,6 +48,7 @@ export class Engine extends alphaTab.AlphaTabApi {
     replaceDrawingWorker();
     super(sheet, pageSettings());
     this.sheet = sheet;
+    this.uiFacade.beginInvoke = nextFrame();
     this.uiFacade.createWorkerPlayer = () => (this.synth = new SynthPlayer(this.settings)).player;
     this.drawing = new WorkerRenderer(drawingWorker, viewNow);
     this.drawing.updateSettings(this.settings);
@@ -106,11 +114,19 @@ export class Engine extends alphaTab.AlphaTabApi {
     if (!this.#soundHeldBack && !prepared) {
       this.#preparedScore = this.score;
       this.#preparedMode = this.actualPlayerMode;
-      super.loadMidiForScore();
+      const tracks = this.score?.tracks ?? [];
+      this.trackChannels = separateChannels(tracks);
+      withChannels(tracks, this.trackChannels, () => super.loadMidiForScore());
       if (this.actualPlayerMode === alphaTab.PlayerMode.EnabledBackingTrack) {
         this.#loadRecording();
       }
     }
+  }
+
+  /** The element that plays the score's recording; null while the synthesizer plays. */
+  get audioElement() {
+    const output = this.actualPlayerMode === alphaTab.PlayerMode.EnabledBackingTrack ? this.player?.output : null;
+    return /** @type {{ audioElement?: HTMLAudioElement } | null | undefined} */ (output)?.audioElement ?? null;
   }
 
   #loadRecording() {
@@ -120,9 +136,13 @@ export class Engine extends alphaTab.AlphaTabApi {
     if (output && this.recording) {
       const audio = output.audioElement;
       // A pause while the element is still starting is no fault.
-      audio.play = () => HTMLMediaElement.prototype.play.call(audio).catch(() => {});
+      audio.play = () => {
+        audio.currentTime = Math.max(audio.currentTime - this.leadIn, 0);
+        return HTMLMediaElement.prototype.play.call(audio).catch(() => {});
+      };
       // A recording may end before the last bar does.
       audio.onended = () => this.stop();
+      this.player?.updateSyncPoints(this.syncPoints);
       output.loadBackingTrack(Object.assign(new alphaTab.model.BackingTrack(), { rawAudioFile: this.recording }));
     }
   }
@@ -136,6 +156,29 @@ function replaceDrawingWorker() {
     (_, name) => (name === "alphaTab Renderer" ? nobody : new Worker(script, { name })),
     (context) => context.audioWorklet.addModule(script),
   );
+}
+
+/**
+ * The engine puts its cursor off to the next frame, and there once more to the one after. Once is enough.
+ *
+ * @returns {(action: () => void) => void}
+ */
+function nextFrame() {
+  let inFrame = false;
+  return (action) => {
+    if (inFrame) {
+      action();
+      return;
+    }
+    requestAnimationFrame(() => {
+      inFrame = true;
+      try {
+        action();
+      } finally {
+        inFrame = false;
+      }
+    });
+  };
 }
 
 /**
@@ -165,7 +208,6 @@ function pageSettings() {
 
   const player = settings.player;
   player.playerMode = alphaTab.PlayerMode.Disabled;
-  player.outputMode = alphaTab.PlayerOutputMode.WebAudioAudioWorklets;
   player.scrollElement = "#desk";
   player.scrollMode = alphaTab.ScrollMode.Continuous;
   // Clicks and drags on the score are read by the page's own Selection.

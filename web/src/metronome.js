@@ -6,6 +6,7 @@ import { ClickPlayer } from "./click-player.js";
 import { ClickSchedule } from "./click-schedule.js";
 import { countInAt } from "./count-in.js";
 import { soundNamed } from "./click-sounds.js";
+import { RecordingClock, recordingTime } from "./recording-time.js";
 
 /**
  * The metronome. Its clicks are written into the playback itself as notes on channels of their own, one channel for
@@ -20,6 +21,9 @@ import { soundNamed } from "./click-sounds.js";
  */
 
 const velocity = 112;
+
+/** In seconds: so much is heard of a recording before a click on the very place that it starts from. */
+const leadIn = 0.3;
 
 /** Channels for the bar counted in, behind those of the levels: its first beat, and the others. */
 const countInChannels = { first: levels.length, others: levels.length + 1 };
@@ -42,6 +46,7 @@ export class Metronome {
   #preview = new ClickPlayer();
   #besideRecording = new ClickPlayer();
   #schedule = new ClickSchedule();
+  #clock = new RecordingClock();
 
   /**
    * @param {import("./engine.js").Engine} api
@@ -81,7 +86,7 @@ export class Metronome {
   /** Plays one click with the sound and volume as they are, whatever else is going on. */
   preview() {
     const { sound, volume } = this.#configuration;
-    this.#preview.play(soundNamed(sound), false, volume);
+    this.#preview.play({ sound: soundNamed(sound), accent: false, volume });
   }
 
   /**
@@ -103,7 +108,14 @@ export class Metronome {
   }
 
   #apply() {
-    this.#startOver();
+    this.#besideRecording.cancel();
+    const besideRecording = this.#on && this.#api.audioElement !== null;
+    this.#api.leadIn = besideRecording ? leadIn : 0;
+    if (besideRecording) {
+      this.#besideRecording.wake();
+    } else {
+      this.#besideRecording.sleep();
+    }
     const player = this.#api.player;
     if (!player || this.#firstChannel === 0) {
       return;
@@ -130,22 +142,26 @@ export class Metronome {
     if (event.isSeek) {
       this.#startOver();
     }
-    const recorded = this.#api.actualPlayerMode === alphaTab.PlayerMode.EnabledBackingTrack;
-    if (!recorded || !this.#on || !this.#playback.playing || event.endTime <= 0 || event.isSeek) {
+    const audio = this.#api.audioElement;
+    if (!audio || !this.#playback.playing || event.isSeek || audio.paused) {
+      return;
+    }
+    const speed = this.#playback.speed;
+    const place = this.#clock.look(performance.now(), audio.currentTime * 1000, speed);
+    if (!this.#on) {
       return;
     }
     const { volume, sound, accent, mode } = this.#configuration;
-    const place = (event.currentTime / event.endTime) * this.#playback.endTime;
-    for (const { click, delay } of this.#schedule.due(place, event.modifiedTempo / event.originalTempo)) {
+    for (const { click, delay } of this.#schedule.due(place, speed)) {
       if (click.level < audibleLevels(mode)) {
-        const loudness = volume * this.#api.masterVolume;
-        this.#besideRecording.play(soundNamed(sound), accent && click.level === 0, loudness, delay / 1000);
+        const sounding = { sound: soundNamed(sound), accent: accent && click.level === 0, volume: volume * this.#api.masterVolume };
+        this.#besideRecording.plan(click, sounding, delay / 1000);
       }
     }
   }
 
   #startOver() {
-    this.#schedule.reset();
+    this.#clock.reset();
     this.#besideRecording.cancel();
   }
 
@@ -164,7 +180,10 @@ export class Metronome {
     const notes = midi.tracks[0];
     this.#firstChannel = highestChannel(notes.events) + 1;
     const pattern = clicksOf(bars, midi.division);
-    this.#schedule.setClicks(pattern.map(({ tick, level }) => ({ ms: this.#playback.timeline.msAt(tick), level })));
+    const points = this.#playback.syncPoints;
+    this.#schedule.setClicks(
+      pattern.map(({ tick, level }) => ({ ms: recordingTime(points, this.#playback.timeline.msAt(tick)), level })),
+    );
     const clicks = pattern.map(({ tick, level }) => note(tick, this.#firstChannel + level));
     // Those of the count-in are set up too: the engine takes the first channel that is not for a metronome of its own.
     const used = [...levels.keys(), ...Object.values(countInChannels)];

@@ -21,11 +21,8 @@ export class Mixer {
     this.#api = api;
     this.#channels = channels;
     this.#onSoloChanged = onSoloChanged;
-    api.playerReady.on(() => {
-      this.#applyAll();
-      // After this the engine gives every track the volume that the file has for it.
-      queueMicrotask(() => this.#applyChosen());
-    });
+    // The engine sets volumes of its own right after it says that the player is ready, on the channels of the file.
+    api.playerReady.on(() => queueMicrotask(() => this.#applyAll()));
   }
 
   leaveScore() {
@@ -84,15 +81,6 @@ export class Mixer {
       this.#apply(track, this.#strips.get(track.index) ?? { mute: false, solo: false, volume: 1 });
     }
     this.#onSoloChanged(this.anySolo);
-  }
-
-  #applyChosen() {
-    for (const [trackId, strip] of this.#strips) {
-      const track = this.#api.score?.tracks[trackId];
-      if (track) {
-        this.#apply(track, strip);
-      }
-    }
   }
 
   /**

@@ -19,6 +19,8 @@ export class Playback {
   #timeline = new Timeline([], 0, 960);
   /** How far the ticks of the timeline are ahead of those of the score. */
   #tickShift = 0;
+  /** @type {import("@coderline/alphatab").synth.BackingTrackSyncPoint[]} */
+  #syncPoints = [];
   #speed = 1;
   #countIn = false;
   #playing = false;
@@ -65,6 +67,11 @@ export class Playback {
   /** Where the ticks of the score lie in time. */
   get timeline() {
     return this.#timeline;
+  }
+
+  /** Where the score's time lies in its recording. */
+  get syncPoints() {
+    return this.#syncPoints.map(({ synthTime, syncTime }) => ({ score: synthTime, recording: syncTime }));
   }
 
   get atStart() {
@@ -231,6 +238,8 @@ export class Playback {
       this.#resumeTick = null;
       this.#tick = tick;
       this.#applyRange();
+      // A player that took over reports the beginning before it is where it was told to be.
+      this.#awaitedTick = tick;
       this.#api.tickPosition = tick;
     }
   }
@@ -247,6 +256,21 @@ export class Playback {
       }
     }
     this.#timeline = new Timeline(changes, events.length > 0 ? events[events.length - 1].tick : 0, midi.division);
+    this.#synchronize();
+  }
+
+  /** Finds the sync points of the score's recording. A score without any runs together with it. */
+  #synchronize() {
+    const { score } = this.#api;
+    const { MidiFileGenerator } = alphaTab.midi;
+    const own = score ? MidiFileGenerator.generateSyncPoints(score) : [];
+    this.#syncPoints = score && own.length === 0 ? MidiFileGenerator.generateSyncPoints(score, true) : own;
+    for (const point of this.#syncPoints) {
+      // The engine counts whole milliseconds from point to point, which adds up.
+      point.synthTime = this.#timeline.msAt(point.synthTick + this.#tickShift);
+      point.syncTime = own.length > 0 ? point.syncTime : point.synthTime;
+    }
+    this.#api.syncPoints = this.#syncPoints;
   }
 
   #onReady() {

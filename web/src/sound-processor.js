@@ -5,14 +5,15 @@ import { SampleQueue } from "./sample-queue.js";
  * The last station before the loudspeaker, in the audio thread. It asks the synthesizer's worker for samples over a
  * port of their own, so that nothing the page is busy with holds up the sound.
  *
- * @typedef {{ port?: MessagePort, latency?: number }} FromPage latency in frames, from here to the ear
+ * @typedef {{ port?: MessagePort, latency?: number }} FromPage latency in frames: by how much later
+ *     than here a sample is heard than what is reported of it is seen; below zero when it is heard first
  * @typedef {{ stream: number, samples?: Float32Array, playing?: boolean }} FromSynth
  * @typedef {{ stream: number, want?: number, heard?: number }} ToSynth frames
  */
 
 /** How many frames are kept ahead. The more, the longer a mute takes to be heard; the fewer, the sooner it stutters. */
-const least = 2048;
-const most = 6144;
+const least = 3072;
+const most = 8192;
 
 /** What is added after the queue ran dry. */
 const increase = 512;
@@ -123,14 +124,14 @@ class SoundProcessor extends AudioWorkletProcessor {
   /** @param {number} frames how many went by */
   #report(frames) {
     this.#history.push(this.#taken);
-    const kept = Math.round(this.#latency / frames) + 1;
+    const kept = Math.round(Math.max(this.#latency, 0) / frames) + 1;
     if (this.#history.length > kept) {
       this.#history.splice(0, this.#history.length - kept);
     }
     this.#sinceReport += frames;
     if (this.#history.length === kept && this.#sinceReport >= reportEvery) {
       this.#sinceReport = 0;
-      this.#send({ stream: this.#stream, heard: this.#history[0] });
+      this.#send({ stream: this.#stream, heard: this.#history[0] + Math.max(-this.#latency, 0) });
     }
   }
 

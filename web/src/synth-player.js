@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
+import { Emitter } from "./emitter.js";
 
 /**
  * The page's side of the synthesizer: starts its worker and its place in the audio thread, and joins the two.
@@ -13,35 +14,34 @@ const patience = 15000;
 /** How often the sound system is asked how far it is to the ear, in milliseconds. */
 const latencyInterval = 1000;
 
-/** An event as the engine subscribes to it. */
-class Signal {
-  /** @type {(() => void)[]} */
-  #listeners = [];
+/** From a report of what is heard it takes so many frames until the mark is on the screen. */
+const framesToDraw = 3.5;
 
-  /** @param {() => void} listener */
-  on(listener) {
-    this.#listeners.push(listener);
-    return () => this.off(listener);
-  }
+/** How many frames are timed at a time, and what the longest of them counts as, in seconds. */
+const framesTimed = 12;
+const longestFrame = 0.06;
 
-  /** @param {() => void} listener */
-  off(listener) {
-    this.#listeners = this.#listeners.filter((one) => one !== listener);
-  }
+/** What is assumed before anything was timed, in seconds. */
+const assumed = { frame: 1 / 40, output: 0.04 };
 
-  trigger() {
-    for (const listener of this.#listeners) {
-      listener();
-    }
+/** @returns {Promise<number>} how long a frame takes at present, in seconds */
+async function frameTime() {
+  const nextFrame = () => new Promise((resolve) => requestAnimationFrame(resolve));
+  const start = await nextFrame();
+  let end = start;
+  for (let frame = 0; frame < framesTimed; frame++) {
+    end = await nextFrame();
   }
+  return Math.min((end - start) / framesTimed / 1000, longestFrame);
 }
 
 /** Where the synthesizer sounds: an audio context that sleeps when there is nothing to hear. */
 class SoundOutput {
-  ready = new Signal();
+  /** @type {Emitter<void>} */
+  ready = new Emitter();
   /** Never triggered: the audio thread and the synthesizer's worker settle these between themselves. */
-  samplesPlayed = new Signal();
-  sampleRequest = new Signal();
+  samplesPlayed = new Emitter();
+  sampleRequest = new Emitter();
   #context = new AudioContext({ latencyHint: "interactive" });
   #loudspeaker;
   #sleep = 0;
@@ -67,13 +67,22 @@ class SoundOutput {
     const node = new AudioWorkletNode(context, "quaverly-sound", { numberOfInputs: 0, outputChannelCount: [2] });
     node.port.postMessage({ port: this.#loudspeaker }, [this.#loudspeaker]);
     node.connect(context.destination);
-    const tellLatency = () => {
-      const seconds = context.outputLatency || context.baseLatency || 0;
+    /** @type {(frame: number) => void} */
+    const tellLatency = (frame) => {
+      const seconds = (context.outputLatency || assumed.output) + context.baseLatency - frame * framesToDraw;
       node.port.postMessage({ latency: Math.round(seconds * context.sampleRate) });
     };
+    tellLatency(assumed.frame);
+    let timing = false;
+    const measure = async () => {
+      timing = true;
+      tellLatency(await frameTime());
+      timing = false;
+    };
     this.#latencyTimer = setInterval(() => {
-      if (context.state === "running") {
-        tellLatency();
+      // A page that nobody sees draws no frames.
+      if (context.state === "running" && !timing) {
+        void measure();
       }
     }, latencyInterval);
     this.#fallAsleep();

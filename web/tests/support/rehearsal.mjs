@@ -42,6 +42,7 @@ export class Rehearsal {
     actualPlayerMode: alphaTab.PlayerMode.EnabledSynthesizer,
     isReadyForPlayback: true,
     masterVolume: 1,
+    audioElement: null,
   };
 
   /** @param {import("../../src/alphatab.js").Score} score */
