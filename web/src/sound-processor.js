@@ -5,8 +5,9 @@ import { SampleQueue } from "./sample-queue.js";
  * The last station before the loudspeaker, in the audio thread. It asks the synthesizer's worker for samples over a
  * port of their own, so that nothing the page is busy with holds up the sound.
  *
- * @typedef {{ port?: MessagePort, latency?: number }} FromPage latency in frames: by how much later
- *     than here a sample is heard than what is reported of it is seen; below zero when it is heard first
+ * @typedef {{ port?: MessagePort, latency?: number, brace?: number }} FromPage latency in frames: by how much later
+ *     than here a sample is heard than what is reported of it is seen; below zero when it is heard first; brace: for how
+ *     many frames the page will keep the processor busy
  * @typedef {{ stream: number, samples?: Float32Array, playing?: boolean }} FromSynth
  * @typedef {{ stream: number, want?: number, heard?: number }} ToSynth frames
  */
@@ -38,6 +39,8 @@ class SoundProcessor extends AudioWorkletProcessor {
   #stream = 0;
   #taken = 0;
   #latency = 0;
+  /** For how many frames to come as much as possible is kept ahead. */
+  #braced = 0;
   /** How many frames had been taken at each of the last calls. @type {number[]} */
   #history = [];
   #sinceReport = 0;
@@ -50,12 +53,13 @@ class SoundProcessor extends AudioWorkletProcessor {
   constructor() {
     super();
     this.port.onmessage = (/** @type {MessageEvent<FromPage>} */ event) => {
-      const { port, latency } = event.data;
+      const { port, latency, brace } = event.data;
       if (port) {
         this.#synth = port;
         port.onmessage = (message) => this.#listen(message.data);
       }
       this.#latency = latency ?? this.#latency;
+      this.#braced = brace ?? this.#braced;
     };
   }
 
@@ -107,6 +111,7 @@ class SoundProcessor extends AudioWorkletProcessor {
         this.#ahead = Math.min(this.#ahead + increase, most);
       }
       this.#taken += taken;
+      this.#braced = Math.max(this.#braced - left.length, 0);
       this.#ask();
       this.#report(left.length);
     }
@@ -115,7 +120,8 @@ class SoundProcessor extends AudioWorkletProcessor {
   }
 
   #ask() {
-    while (this.#queue.length + this.#asked < this.#ahead) {
+    const ahead = this.#braced > 0 ? most : this.#ahead;
+    while (this.#queue.length + this.#asked < ahead) {
       this.#asked += portion;
       this.#send({ stream: this.#stream, want: portion });
     }

@@ -14,15 +14,22 @@ const patience = 15000;
 /** How often the sound system is asked how far it is to the ear, in milliseconds. */
 const latencyInterval = 1000;
 
+/** What announces that the page will be busy drawing, and for how long more sound is kept ahead then, in seconds. */
+const busySigns = ["resize", "wheel"];
+const busyTime = 2;
+
 /** From a report of what is heard it takes so many frames until the mark is on the screen. */
 const framesToDraw = 3.5;
 
 /** How many frames are timed at a time, and what the longest of them counts as, in seconds. */
 const framesTimed = 12;
-const longestFrame = 0.06;
+const longestFrame = 1 / 35;
 
 /** What is assumed before anything was timed, in seconds. */
-const assumed = { frame: 1 / 40, output: 0.04 };
+const assumed = { frame: 1 / 36, output: 0.04 };
+
+/** How much of what was assumed a new timing replaces: a mark that jumps to and fro is worse than one a little off. */
+const trust = 0.25;
 
 /** @returns {Promise<number>} how long a frame takes at present, in seconds */
 async function frameTime() {
@@ -46,6 +53,7 @@ class SoundOutput {
   #loudspeaker;
   #sleep = 0;
   #latencyTimer = 0;
+  #busyListening = new AbortController();
 
   /** @param {MessagePort} loudspeaker the audio thread's end of the line to the worker */
   constructor(loudspeaker) {
@@ -67,16 +75,22 @@ class SoundOutput {
     const node = new AudioWorkletNode(context, "quaverly-sound", { numberOfInputs: 0, outputChannelCount: [2] });
     node.port.postMessage({ port: this.#loudspeaker }, [this.#loudspeaker]);
     node.connect(context.destination);
+    for (const sign of busySigns) {
+      const brace = () => node.port.postMessage({ brace: Math.round(busyTime * context.sampleRate) });
+      addEventListener(sign, brace, { passive: true, signal: this.#busyListening.signal });
+    }
     /** @type {(frame: number) => void} */
     const tellLatency = (frame) => {
       const seconds = (context.outputLatency || assumed.output) + context.baseLatency - frame * framesToDraw;
       node.port.postMessage({ latency: Math.round(seconds * context.sampleRate) });
     };
-    tellLatency(assumed.frame);
+    let frame = assumed.frame;
+    tellLatency(frame);
     let timing = false;
     const measure = async () => {
       timing = true;
-      tellLatency(await frameTime());
+      frame += trust * ((await frameTime()) - frame);
+      tellLatency(frame);
       timing = false;
     };
     this.#latencyTimer = setInterval(() => {
@@ -109,6 +123,7 @@ class SoundOutput {
   destroy() {
     clearTimeout(this.#sleep);
     clearInterval(this.#latencyTimer);
+    this.#busyListening.abort();
     void this.#context.close();
   }
 
