@@ -23,7 +23,7 @@ const increase = 512;
 const portion = 512;
 
 /** After how many frames the synthesizer is told again what is heard. */
-const reportEvery = 512;
+const reportEvery = 768;
 
 /** How long a sound that is broken off takes to fade, in frames. */
 const fadeLength = 256;
