@@ -1,0 +1,165 @@
+#include "app/QuaverlyApp.h"
+#include "controller/AlphaTabController.h"
+#include "pdf/viewing/PDFSheetView.h"
+#include "pdf/viewing/PageCells.h"
+#include "tests/pdf/conversion/StandIn.h"
+#include "tests/support/EngineTestMain.h"
+#include "tests/support/TestPDFs.h"
+#include "tests/support/TestSurroundings.h"
+#include "views/ContentView.h"
+
+#include <QAbstractButton>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QDropEvent>
+#include <QEventLoop>
+#include <QMainWindow>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// Not QTest::qWaitFor, whose way of turning the event loop slows the web engine down to a crawl.
+bool waitFor(const std::function<bool()> &happened)
+{
+    const QDeadlineTimer deadline(30s);
+    while (!happened()) {
+        if (deadline.hasExpired())
+            return false;
+        QEventLoop loop;
+        QTimer::singleShot(10ms, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+    return true;
+}
+
+/// The program's window with the real page in it, a stand-in for the recognition engine, and folders of its own.
+class Program final {
+    Q_DISABLE_COPY_MOVE(Program)
+
+public:
+    explicit Program(const char *words)
+        : standIn(world.path(u"."_s), words, "3")
+        , controller(surroundings())
+        , application(controller)
+        , window(application.window())
+    {
+        QDir().mkpath(temporary());
+        qputenv("TMPDIR", QFile::encodeName(temporary()));
+        window.resize(1000, 700);
+        window.show();
+    }
+    ~Program() { qunsetenv("TMPDIR"); }
+
+    bool drop(const QUrl &url)
+    {
+        QMimeData data;
+        data.setUrls({ url });
+        auto *target = window.findChild<ContentView *>();
+        QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &enter);
+        QDropEvent dropped(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &dropped);
+        return enter.isAccepted() && dropped.isAccepted();
+    }
+
+    template <typename T> T *shown(const QString &name = {}) const
+    {
+        for (T *widget : window.findChildren<T *>()) {
+            if (widget->isVisible() && (name.isEmpty() || widget->accessibleName() == name || textOf(widget) == name))
+                return widget;
+        }
+        return nullptr;
+    }
+
+    QStringList leftBehind() const
+    {
+        return QDir(temporary()).entryList({ u"qv-omr-*"_s }, QDir::AllEntries | QDir::NoDotAndDotDot);
+    }
+
+    TestSurroundings world;
+    const StandIn standIn;
+    AlphaTabController controller;
+    QuaverlyApp application;
+    QMainWindow &window;
+
+private:
+    QString temporary() const { return world.path(u"temporary"_s); }
+
+    static QString textOf(const QWidget *widget)
+    {
+        const auto *button = qobject_cast<const QAbstractButton *>(widget);
+        return button ? button->text() : QString();
+    }
+
+    Surroundings surroundings()
+    {
+        world.environment.insert(u"QV_AUDIVERIS"_s, StandIn::program());
+        Surroundings made = world.make();
+        made.webFolder = qEnvironmentVariable("QUAVERLY_WEB_FOLDER");
+        made.makeEngine = Surroundings::system().makeEngine;
+        return made;
+    }
+};
+
+} // namespace
+
+/// From a PDF that is dropped on the window to a score on the paper, and to the alert when that cannot be.
+class TestPdfRoad final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aDroppedSheetBecomesAScoreOnThePaper()
+    {
+        Program program("");
+        AlphaTabController &c = program.controller;
+        QVERIFY(waitFor([&] { return c.bridgeReady.value(); }));
+        const QUrl sheet = program.world.file(u"song.pdf"_s, TestPDFs::colored(3));
+        QVERIFY(program.drop(sheet));
+        auto *grid = program.shown<PDFSheetView>();
+        QVERIFY(grid);
+        QVERIFY(waitFor([&] { return !grid->cells().cell(0).image().isNull(); }));
+
+        auto *convert = program.shown<QAbstractButton>(u"Convert to Guitar Pro"_s);
+        QVERIFY(convert);
+        convert->click();
+        QVERIFY(c.converting);
+        QVERIFY2(!program.shown<QAbstractButton>(u"Convert to Guitar Pro"_s), "the spinner takes the button's place");
+
+        QVERIFY(waitFor([&] { return !c.converting.value(); }));
+        QVERIFY(!c.conversionError.value());
+        QVERIFY2(!program.shown<PDFSheetView>(), "the sheet gives way to the score");
+        QVERIFY(waitFor([&] { return c.hasScore.value() && c.playerReady.value() && c.endTime > 0; }));
+        QCOMPARE(c.tracks.value().size(), 1);
+        QVERIFY(waitFor([&] { return program.world.windowTitles->contains(u"song (converted)"_s); }));
+        QCOMPARE(program.world.windowTitles->constLast(), u"song (converted)"_s);
+        QCOMPARE(c.recentFiles.value(), QList<QUrl>{ sheet });
+        QCOMPARE(program.leftBehind(), QStringList());
+    }
+
+    void aSheetThatCannotBeReadStaysAndTheUserIsTold()
+    {
+        Program program("nothing");
+        AlphaTabController &c = program.controller;
+        QVERIFY(program.drop(program.world.file(u"song.pdf"_s, TestPDFs::colored(2))));
+        auto *convert = program.shown<QAbstractButton>(u"Convert to Guitar Pro"_s);
+        QVERIFY(convert);
+        convert->click();
+        QVERIFY(waitFor([&] { return program.shown<QMessageBox>() != nullptr; }));
+        QCOMPARE(program.shown<QMessageBox>()->text(),
+            u"Audiveris found no readable music in this PDF. (TAB-only sheets can't be converted — only standard "
+            u"notation is read.)"_s);
+        QVERIFY(program.shown<PDFSheetView>());
+        QVERIFY(program.shown<QAbstractButton>(u"Convert to Guitar Pro"_s));
+        QCOMPARE(program.leftBehind(), QStringList());
+        program.shown<QMessageBox>()->accept();
+        QVERIFY(!c.conversionError.value());
+    }
+};
+
+int main(int argc, char *argv[]) { return runEngineTest<TestPdfRoad>(argc, argv); }
+#include "test_pdf_road.moc"
