@@ -1,5 +1,6 @@
 #include "engine_host/BridgeCalls.h"
 
+#include <QStringBuilder>
 #include <QStringList>
 
 #include <array>
@@ -13,9 +14,10 @@ namespace BridgeCalls {
 
 namespace {
 
-QString call(QLatin1StringView function, const QString &arguments = {})
+/// @param arguments text, or text still in pieces: each copy of a file with a recording in it holds up the window
+template <typename Text = QString> QString call(QLatin1StringView function, const Text &arguments = {})
 {
-    return u"window.qv."_s + function + u'(' + arguments + u')';
+    return "window.qv."_L1 % function % u'(' % arguments % u')';
 }
 
 QString formatBoolean(bool value) { return value ? u"true"_s : u"false"_s; }
@@ -45,7 +47,8 @@ QString formatReal(double value)
 
 QString loadBase64(const QByteArray &file)
 {
-    return call("loadBase64"_L1, formatText(QString::fromLatin1(file.toBase64())));
+    const QByteArray text = file.toBase64();
+    return call("loadBase64"_L1, u'\'' % QLatin1StringView(text) % u'\'');
 }
 
 QString loadSample() { return call("loadSample"_L1); }

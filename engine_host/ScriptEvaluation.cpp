@@ -1,5 +1,7 @@
 #include "engine_host/ScriptEvaluation.h"
 
+#include <QStringBuilder>
+
 using namespace Qt::StringLiterals;
 
 namespace ScriptEvaluation {
@@ -7,8 +9,8 @@ namespace ScriptEvaluation {
 QString wrapped(const QString &script)
 {
     // The line feed keeps a trailing line comment of the script from swallowing the rest.
-    return u"(() => { try { "_s + script
-        + u"\n; return true; } catch (error) { return { error: String(error) }; } })()"_s;
+    return "(() => { try { "_L1 % script
+        % "\n; return true; } catch (error) { return { error: String(error) }; } })()"_L1;
 }
 
 std::optional<QString> errorOf(const QVariant &value)

@@ -218,6 +218,7 @@ QMessageBox *ContentView::makeAlert()
     alert->setAttribute(Qt::WA_DeleteOnClose);
     alert->setTextFormat(Qt::PlainText);
     alert->button(QMessageBox::Ok)->setText(tr("OK"));
+    alert->button(QMessageBox::Ok)->setIcon({});
     alert->setIconPixmap(Icons::pixmap(
         u"exclamationmark.triangle"_s, alertIcon, Theme::colors(palette()).secondary, devicePixelRatioF()));
     alert->layout()->setContentsMargins(24, 24, 24, 18);

@@ -31,8 +31,7 @@ export class SoundBank {
     }
     const instruments = await this.#instruments.catch(() => null);
     if (instruments) {
-      player.loadSoundFont(instruments, false);
-      player.loadSoundFont(buildClickBank(), true);
+      this.#api.synth?.loadBanks([instruments, buildClickBank()]);
     }
   }
 }

@@ -164,6 +164,16 @@ export class SynthPlayer {
     this.#talk.start();
   }
 
+  /**
+   * The engine is ready once for each bank, and sets volumes of its own each time: all at once, so that no music that was
+   * begun in between is heard at those.
+   *
+   * @param {Uint8Array[]} banks in place of those before; of two with the same sound the later one's is heard
+   */
+  loadBanks(banks) {
+    this.#talk.postMessage({ cmd: "alphaSynth.loadBanks", banks });
+  }
+
   /** @param {import("./practice-synth.js").CountIn | null} countIn what the next start begins with */
   setCountIn(countIn) {
     this.#talk.postMessage({ cmd: "alphaSynth.setCountIn", countIn });
