@@ -9,13 +9,10 @@ first two rounds, which fill the caches.
 """
 
 import os
-import shutil
 import sys
-import tempfile
 
-from soundlab.room import SoundSystem, Window
+from speedlab.driven import driven_window
 from speedlab.processes import memory
-from startup import Screen
 
 SETTLING = 10.0
 
@@ -32,32 +29,20 @@ def main():
     if not arguments:
         sys.exit(__doc__)
     files = [os.path.abspath(name) for name in arguments]
-    folder = tempfile.mkdtemp(prefix="quaverly-bench-")
-    try:
-        screen, system = Screen(folder), SoundSystem(folder)
-        player = os.path.join(os.path.dirname(os.environ["QUAVERLY_PROGRAM"]), "sound_player")
-        window = Window(player, screen.display, system, folder)
-        try:
-            window.wait_for("ready")
-            window.open(files[0])
-            window.play()
-            print(f"{os.path.basename(files[0])} playing: {rest_and_weigh(window):.0f} MB", flush=True)
-            window.stop()
-            for turn in range(2 * len(files)):
-                window.open(files[turn % len(files)])
-            window.open(files[0])
-            before = rest_and_weigh(window)
-            for turn in range(opens):
-                window.open(files[turn % len(files)])
-            window.open(files[0])
-            after = rest_and_weigh(window)
-            print(f"{before:.0f} MB before and {after:.0f} MB after {opens} opens: {after - before:+.1f} MB")
-        finally:
-            window.close()
-            system.close()
-            screen.close()
-    finally:
-        shutil.rmtree(folder, ignore_errors=True)
+    with driven_window() as (window, _):
+        window.open(files[0])
+        window.play()
+        print(f"{os.path.basename(files[0])} playing: {rest_and_weigh(window):.0f} MB", flush=True)
+        window.stop()
+        for turn in range(2 * len(files)):
+            window.open(files[turn % len(files)])
+        window.open(files[0])
+        before = rest_and_weigh(window)
+        for turn in range(opens):
+            window.open(files[turn % len(files)])
+        window.open(files[0])
+        after = rest_and_weigh(window)
+        print(f"{before:.0f} MB before and {after:.0f} MB after {opens} opens: {after - before:+.1f} MB")
 
 
 if __name__ == "__main__":

@@ -9,15 +9,12 @@ its main thread did not come to its turn.
 """
 
 import os
-import shutil
 import sys
-import tempfile
 import time
 import wave
 import zipfile
 
-from soundlab.room import SoundSystem, Window
-from startup import Screen
+from speedlab.driven import driven_window
 
 
 def with_long_recording(source, target, megabytes):
@@ -45,30 +42,18 @@ def main():
     megabytes = int(arguments.pop(0)) if arguments and arguments[0].isdigit() else 60
     if len(arguments) != 1:
         sys.exit(__doc__)
-    folder = tempfile.mkdtemp(prefix="quaverly-bench-")
-    try:
+    with driven_window() as (window, folder):
         file = os.path.join(folder, "large.gp")
         with_long_recording(os.path.abspath(arguments[0]), file, megabytes)
-        screen, system = Screen(folder), SoundSystem(folder)
-        player = os.path.join(os.path.dirname(os.environ["QUAVERLY_PROGRAM"]), "sound_player")
-        window = Window(player, screen.display, system, folder)
-        try:
-            window.wait_for("ready")
-            window.rest(3)
-            began = time.monotonic()
-            handed_over = window.tell(f"open {file}")
-            scored = window.wait_for("score")
-            window.rest(3)
-            stalls = [length for at, length in window.stalls if at - length / 1000 >= handed_over - 0.01]
-            print(f'{os.path.getsize(file) / 1e6:.0f} MB: "score" after {scored - began:.2f} s')
-            print(f"the window reads the file and hands it over in {(handed_over - began) * 1000:.0f} ms")
-            print(f"its longest stall after that: {max(stalls, default=0):.0f} ms")
-        finally:
-            window.close()
-            system.close()
-            screen.close()
-    finally:
-        shutil.rmtree(folder, ignore_errors=True)
+        window.rest(3)
+        began = time.monotonic()
+        handed_over = window.tell(f"open {file}")
+        scored = window.wait_for("score")
+        window.rest(3)
+        stalls = [length for at, length in window.stalls if at - length / 1000 >= handed_over - 0.01]
+        print(f'{os.path.getsize(file) / 1e6:.0f} MB: "score" after {scored - began:.2f} s')
+        print(f"the window reads the file and hands it over in {(handed_over - began) * 1000:.0f} ms")
+        print(f"its longest stall after that: {max(stalls, default=0):.0f} ms")
 
 
 if __name__ == "__main__":

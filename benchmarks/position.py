@@ -7,41 +7,26 @@ usage: position.py [SECONDS], with the program's build folder beside QUAVERLY_PR
 The window is handed messages thirty a second while nothing plays; what it takes when idle is subtracted.
 """
 
-import os
-import shutil
 import sys
-import tempfile
 
-from soundlab.room import SoundSystem, Window
+from speedlab.driven import driven_window
 from speedlab.processes import main_thread_time
-from startup import Screen
+
 
 def main():
     seconds = float(sys.argv[1]) if len(sys.argv) > 1 else 20.0
-    folder = tempfile.mkdtemp(prefix="quaverly-bench-")
-    try:
-        screen, system = Screen(folder), SoundSystem(folder)
-        player = os.path.join(os.path.dirname(os.environ["QUAVERLY_PROGRAM"]), "sound_player")
-        window = Window(player, screen.display, system, folder)
-        try:
-            window.wait_for("ready")
-            window.call("loadSample")
-            window.wait_for("rendered")
-            window.rest(5)
-            begin = main_thread_time(window.number)
-            window.rest(seconds)
-            idle = main_thread_time(window.number) - begin
-            begin = main_thread_time(window.number)
-            window.tell(f"positions {int(seconds * 30)}")
-            window.rest(seconds)
-            busy = main_thread_time(window.number) - begin
-            print(f"{(busy - idle) * 1000 / (seconds * 30):.2f} ms a message ({idle * 1000 / seconds:.1f} ms a second idle)")
-        finally:
-            window.close()
-            system.close()
-            screen.close()
-    finally:
-        shutil.rmtree(folder, ignore_errors=True)
+    with driven_window() as (window, _):
+        window.call("loadSample")
+        window.wait_for("rendered")
+        window.rest(5)
+        begin = main_thread_time(window.number)
+        window.rest(seconds)
+        idle = main_thread_time(window.number) - begin
+        begin = main_thread_time(window.number)
+        window.tell(f"positions {int(seconds * 30)}")
+        window.rest(seconds)
+        busy = main_thread_time(window.number) - begin
+        print(f"{(busy - idle) * 1000 / (seconds * 30):.2f} ms a message ({idle * 1000 / seconds:.1f} ms a second idle)")
 
 
 if __name__ == "__main__":

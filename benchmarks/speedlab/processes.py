@@ -18,11 +18,11 @@ def family(process):
             except OSError:
                 continue
             children.setdefault(parent, []).append(int(entry))
-    found, todo = [], [process]
-    while todo:
-        one = todo.pop()
+    found, unvisited = [], [process]
+    while unvisited:
+        one = unvisited.pop()
         found.append(one)
-        todo += children.get(one, [])
+        unvisited += children.get(one, [])
     return found
 
 
