@@ -26,7 +26,7 @@ from startup import Screen
 TOP = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 SETTLING = 1.0
 SPEEDS = [0.25, 1.0, 2.0]
-RECORDING_SPEEDS = [1.0, 0.5]
+RECORDING_SPEEDS = [0.25, 0.5, 1.0, 2.0]
 
 
 class Room:
@@ -119,17 +119,55 @@ def recording(room, table, options):
 
         def music():
             room.window.play()
-            room.window.rest(30)
+            room.window.rest(24)
             room.window.stop()
         sound, _, _ = room.listen(f"recording-{speed}", music)
-        strokes, beats = (onsets(part, 0.6 * BEAT / speed) for part in left_and_right(sound))
-        late = errors(strokes, beats)
-        if len(late) < 8:
-            raise RuntimeError(f"only {len(late)} strokes and {len(beats)} clicks were heard at {speed:g}")
-        table.row(f"click against the recording, {speed:.0%}: worst", numpy.abs(late).max(), 15,
-                  note=f"{len(late)} strokes, mean {late.mean():+.2f}, spread {late.std():.2f}")
+        beside(table, sound, speed, f"click against the recording, {speed:.0%}")
     room.window.call("setSpeed", 1.0)
     room.window.call("setMetronome", False)
+
+
+def beside(table, sound, speed, name):
+    """The clicks beside a recording; returns when its strokes were heard."""
+    strokes, beats = (onsets(part, 0.6 * BEAT / speed) for part in left_and_right(sound))
+    late = errors(strokes, beats)
+    if len(late) < 8:
+        raise RuntimeError(f"only {len(late)} strokes and {len(beats)} clicks were heard at {speed:g}")
+    table.row(f"{name}: worst", numpy.abs(late).max(), 15,
+              note=f"{len(late)} strokes, mean {late.mean():+.2f}, spread {late.std():.2f}")
+    return strokes
+
+
+def recordingseam(room, table, options):
+    """What a loop adds between the last beat and the first of a recording."""
+    bars = 2
+    path, beats = room.desk.recorded(bars)
+    steps = numpy.diff(beats + [2 * beats[-1] - beats[-2]])
+    room.window.open(path)
+    room.click()
+    room.window.call("setLooping", True)
+    for speed in RECORDING_SPEEDS:
+        room.window.call("setSpeed", speed)
+
+        def music():
+            room.window.play()
+            room.window.rest(min(6, 5 * speed + 1) * sum(steps) / speed)
+            room.window.stop()
+        sound, _, _ = room.listen(f"recordingseam-{speed}", music)
+        strokes = beside(table, sound, speed, f"click against the recording in a loop, {speed:.0%}")
+        late = 1000 * (numpy.diff(strokes) - numpy.resize(steps / speed, len(strokes) - 1))
+        seams = late[len(beats) - 1::len(beats)]
+        table.row(f"late after the recording's seam, {speed:.0%}", numpy.abs(seams).max(), 20,
+                  note=f"{len(seams)} seams, mean {seams.mean():+.2f}")
+    room.window.call("setMetronome", False)
+    room.window.open(room.desk.hummed(bars))
+    for speed in RECORDING_SPEEDS[1:3]:
+        room.window.call("setSpeed", speed)
+        sound, _, _ = room.listen(f"recordingseam-hum-{speed}", music)
+        gaps = [length for _, length in silences(sound[:, 0], 0.0015, edge=0.05)]
+        table.row(f"silence at the recording's seam, {speed:.0%}", 1000 * max(gaps, default=0), 20, note=f"{len(gaps)} silences")
+    room.window.call("setSpeed", 1.0)
+    room.window.call("setLooping", False)
 
 
 def drift(room, table, options):
@@ -299,7 +337,7 @@ def mark(room, table, options):
     room.window.call("setLooping", False)
 
 
-ROWS = {row.__name__: row for row in (clicks, recording, seam, mute, mark, drift, dropouts)}
+ROWS = {row.__name__: row for row in (clicks, recording, recordingseam, seam, mute, mark, drift, dropouts)}
 
 
 def main():

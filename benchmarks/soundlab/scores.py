@@ -48,8 +48,16 @@ class Desk:
         lengths = [4 * BEAT * (1 + 0.12 * numpy.sin(bar)) for bar in range(bars)]
         starts = 0.35 + numpy.concatenate([[0], numpy.cumsum(lengths)])
         beats = [starts[bar] + lengths[bar] * beat / 4 for bar in range(bars) for beat in range(4)]
-        embed_recording(path, recording(beats, starts[-1]), starts[:-1])
+        embed_recording(path, strokes(beats, starts[-1]), starts[:-1])
         return path, beats
+
+    def hummed(self, bars):
+        """A score whose recording is one tone that never ends."""
+        path = self.write(f"hummed{bars}", heading("Hummed", "Woodblock") + bars * ":1 r |\n")
+        time = numpy.arange(int((bars * 4 * BEAT + 2) * GUITAR_PRO_RATE)) / GUITAR_PRO_RATE
+        tone = 0.4 * numpy.sin(2 * numpy.pi * 196 * time)
+        embed_recording(path, wave_file(numpy.column_stack([tone, tone])), 4 * BEAT * numpy.arange(bars))
+        return path
 
 
 def heading(title, instrument, balance=8):
@@ -57,7 +65,7 @@ def heading(title, instrument, balance=8):
             "\\staff {score}\n\\tuning (E4 B3 G3 D3 A2 E2)\n\\ts (4 4)\n")
 
 
-def recording(beats, length):
+def strokes(beats, length):
     """A WAVE file with a stroke on each beat, on the left only."""
     samples = numpy.zeros((int((length + 1) * GUITAR_PRO_RATE), 2))
     time = numpy.arange(int(0.03 * GUITAR_PRO_RATE)) / GUITAR_PRO_RATE
@@ -65,6 +73,11 @@ def recording(beats, length):
     for beat in beats:
         start = round(beat * GUITAR_PRO_RATE)
         samples[start:start + len(stroke), 0] += stroke
+    return wave_file(samples)
+
+
+def wave_file(samples):
+    """Samples of shape (frames, 2), between -1 and 1, as a WAVE file."""
     target = io.BytesIO()
     with wave.open(target, "wb") as file:
         file.setnchannels(2)

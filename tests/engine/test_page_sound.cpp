@@ -75,12 +75,9 @@ private Q_SLOTS:
             QSKIP("the samples are not here");
         QVERIFY(m_session->open(EngineScores::sample(u"canon-audio-track.gp"_s)));
         QCOMPARE(m_session->last(u"score"_s).value(u"hasBackingTrack"_s), QVariant(true));
-        m_session->call(BridgeCalls::setMetronome(true));
         play();
-        // The recording plays in an element of its own, that no tap reaches: it advances, and is no silence by itself.
-        const QString place = u"document.querySelector('audio').currentTime"_s;
-        QVERIFY(m_session->waitFor([&] { return m_session->valueOf(place).toDouble() > 3; }));
-        QVERIFY(becomesAudible()); // the metronome beside it
+        QVERIFY(becomesAudible());
+        QVERIFY(m_session->waitFor([&] { return m_session->position() > 1500; }));
         const double before = m_session->position();
         const qsizetype told = m_session->count(u"position"_s);
         m_session->call(BridgeCalls::setSoundSource(true));
@@ -89,9 +86,61 @@ private Q_SLOTS:
             const double reached = one.message.value(u"currentTime"_s).toDouble();
             QVERIFY2(reached > before - 100, qPrintable(QString::number(reached)));
         }
-        m_session->call(BridgeCalls::setMetronome(false));
         QVERIFY(becomesAudible());
         QCOMPARE(m_session->count(u"playerReady"_s), 1);
+        m_session->call(BridgeCalls::setSoundSource(false));
+        const double after = m_session->position();
+        QVERIFY(m_session->waitFor([&] { return m_session->isPlaying() && m_session->position() > after + 300; }));
+    }
+
+    void masterVolumeRulesARecordingWithItsMetronome()
+    {
+        if (!EngineScores::haveSamples())
+            QSKIP("the samples are not here");
+        QVERIFY(m_session->open(EngineScores::sample(u"canon-audio-track.gp"_s)));
+        m_session->call(BridgeCalls::setMetronome(true));
+        m_session->call(BridgeCalls::setMasterVolume(0));
+        play();
+        QVERIFY(staysSilent());
+        m_session->call(BridgeCalls::setMasterVolume(1.0));
+        QVERIFY(becomesAudible());
+    }
+
+    void aRecordingGoesOnAtAnotherSpeedFromWhereItIs()
+    {
+        if (!EngineScores::haveSamples())
+            QSKIP("the samples are not here");
+        QVERIFY(m_session->open(EngineScores::sample(u"canon-audio-track.gp"_s)));
+        play();
+        QVERIFY(m_session->waitFor([&] { return m_session->position() > 2000; }));
+        const double before = m_session->position();
+        const qsizetype told = m_session->count(u"position"_s);
+        m_session->call(BridgeCalls::setSpeed(0.5));
+        QVERIFY(m_session->waitFor([&] { return m_session->position() > before + 500; }));
+        const auto since = m_session->heard(u"position"_s).sliced(told);
+        for (const EngineSession::Heard &one : since)
+            QVERIFY(one.message.value(u"currentTime"_s).toDouble() > before - 20);
+        // Half a second of the score takes a second.
+        const double reached = m_session->position() - since.constFirst().message.value(u"currentTime"_s).toDouble();
+        const qint64 took = m_session->heard(u"position"_s).constLast().at - since.constFirst().at;
+        QVERIFY2(took > 1.6 * reached && took < 2.6 * reached, qPrintable(u"%1 in %2 ms"_s.arg(reached).arg(took)));
+    }
+
+    void aRecordingStartsOverInALoop()
+    {
+        if (!EngineScores::haveSamples())
+            QSKIP("the samples are not here");
+        QVERIFY(m_session->open(EngineScores::sample(u"canon-audio-track.gp"_s)));
+        const double end = m_session->last(u"position"_s).value(u"endTime"_s).toDouble();
+        QVERIFY(end > 60000);
+        m_session->call(BridgeCalls::setLooping(true));
+        m_session->call(BridgeCalls::seekToTime(end - 1500));
+        play();
+        QVERIFY(m_session->waitFor([&] { return m_session->position() > end - 1000; }));
+        QVERIFY(m_session->waitFor([&] { return m_session->position() < 5000 && m_session->position() > 1000; }));
+        QVERIFY(m_session->isPlaying());
+        QVERIFY(becomesAudible());
+        QCOMPARE(m_session->count(u"state"_s), 1); // it never stopped
     }
 
     void theMixerOutlivesAChangeOfSound()

@@ -1,7 +1,7 @@
 // @ts-check
 /** The metronome's sounds, computed: none of them needs a recording. */
 
-/** Samples a second of every sound here. */
+/** Samples a second where nothing else is asked for. */
 export const sampleRate = 44100;
 
 export const soundNames = /** @type {const} */ (["woodblock", "beep", "click", "tick"]);
@@ -66,17 +66,18 @@ const plainLevel = 0.72;
 /**
  * @param {SoundName} name
  * @param {boolean} accent
+ * @param {number} rate samples a second
  * @returns {Float32Array<ArrayBuffer>} mono samples between -1 and 1
  */
-export function clickSamples(name, accent) {
+export function clickSamples(name, accent, rate = sampleRate) {
   const recipe = recipes[name];
-  const samples = new Float32Array(Math.round(recipe.seconds * sampleRate));
+  const samples = new Float32Array(Math.round(recipe.seconds * rate));
   const level = accent ? 1 : plainLevel;
   const pitch = accent ? accentPitch : 1;
   // A fixed seed: the same click every time.
   let seed = 0x2545f491;
   for (let i = 0; i < samples.length; i++) {
-    const t = i / sampleRate;
+    const t = i / rate;
     seed = (Math.imul(seed, 1664525) + 1013904223) >>> 0;
     let value = (seed / 0x80000000 - 1) * recipe.noise * Math.exp(-t / recipe.noiseDecay);
     for (const partial of recipe.partials) {

@@ -118,9 +118,9 @@ export class Documents {
    * @returns {boolean} whether another player is needed than the one at work
    */
   #choosePlayer(score) {
-    const { EnabledBackingTrack, EnabledSynthesizer } = alphaTab.PlayerMode;
+    const { EnabledExternalMedia, EnabledSynthesizer } = alphaTab.PlayerMode;
     this.#engine.recording = this.#recordings.of(score);
-    const mode = this.#engine.recording && !this.#preferSynthesizer ? EnabledBackingTrack : EnabledSynthesizer;
+    const mode = this.#engine.recording && !this.#preferSynthesizer ? EnabledExternalMedia : EnabledSynthesizer;
     return this.#engine.choosePlayer(mode);
   }
 }

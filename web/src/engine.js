@@ -3,6 +3,7 @@ import { alphaTab } from "./alphatab.js";
 import { drawingWorker } from "./drawing-worker-start.js";
 import { Emitter } from "./emitter.js";
 import { hideEngineHeading } from "./heading.js";
+import { RecordingPlayer } from "./recording-player.js";
 import { SynthPlayer } from "./synth-player.js";
 import { separateChannels, withChannels } from "./track-channels.js";
 import { WorkerRenderer } from "./worker-renderer.js";
@@ -25,12 +26,12 @@ export class Engine extends alphaTab.AlphaTabApi {
   #preparedMode = alphaTab.PlayerMode.Disabled;
   #wantedMode = alphaTab.PlayerMode.EnabledSynthesizer;
   #playerStarted = false;
-  /** @type {Uint8Array<ArrayBuffer> | null} what plays in the player's place while the score's recording is chosen */
+  /** @type {Uint8Array<ArrayBuffer> | null} the score's recording, where it can be heard */
   recording = null;
+  /** Plays it while it is chosen in the synthesizer's place. */
+  recordingPlayer = new RecordingPlayer();
   /** @type {import("@coderline/alphatab").synth.BackingTrackSyncPoint[]} where the score's time lies in its recording */
   syncPoints = [];
-  /** How much earlier than asked for a recording starts, in seconds: what accompanies it needs to hear it coming. */
-  leadIn = 0;
   /** @type {Map<number, import("./track-channels.js").Channels>} what each track plays on, by its index */
   trackChannels = new Map();
   /** @type {SynthPlayer | null} the synthesizer made last */
@@ -50,6 +51,9 @@ export class Engine extends alphaTab.AlphaTabApi {
     this.sheet = sheet;
     this.uiFacade.beginInvoke = nextFrame();
     this.uiFacade.createWorkerPlayer = () => (this.synth = new SynthPlayer(this.settings)).player;
+    this.recordingPlayer.heard.on((ms) => this.#media?.updatePosition(ms));
+    // A recording may end before the last bar does.
+    this.recordingPlayer.ended.on(() => this.stop());
     this.drawing = new WorkerRenderer(drawingWorker, viewNow);
     this.drawing.updateSettings(this.settings);
     const renderer = /** @type {{ instance: import("@coderline/alphatab").rendering.IScoreRenderer }} */ (
@@ -117,33 +121,32 @@ export class Engine extends alphaTab.AlphaTabApi {
       const tracks = this.score?.tracks ?? [];
       this.trackChannels = separateChannels(tracks);
       withChannels(tracks, this.trackChannels, () => super.loadMidiForScore());
-      if (this.actualPlayerMode === alphaTab.PlayerMode.EnabledBackingTrack) {
-        this.#loadRecording();
-      }
+      this.#loadRecording();
     }
   }
 
-  /** The element that plays the score's recording; null while the synthesizer plays. */
-  get audioElement() {
-    const output = this.actualPlayerMode === alphaTab.PlayerMode.EnabledBackingTrack ? this.player?.output : null;
-    return /** @type {{ audioElement?: HTMLAudioElement } | null | undefined} */ (output)?.audioElement ?? null;
+  /** Whether the score's own recording plays. */
+  get playsRecording() {
+    return this.actualPlayerMode === alphaTab.PlayerMode.EnabledExternalMedia;
+  }
+
+  /** Where the engine is told how far the recording is; null while the synthesizer plays. */
+  get #media() {
+    const output = this.playsRecording ? this.player?.output : null;
+    return /** @type {import("@coderline/alphatab").synth.IExternalMediaSynthOutput | null | undefined} */ (output) ?? null;
   }
 
   #loadRecording() {
-    const output = /** @type {import("@coderline/alphatab").synth.IAudioElementBackingTrackSynthOutput | undefined} */ (
-      this.player?.output
-    );
-    if (output && this.recording) {
-      const audio = output.audioElement;
-      // A pause while the element is still starting is no fault.
-      audio.play = () => {
-        audio.currentTime = Math.max(audio.currentTime - this.leadIn, 0);
-        return HTMLMediaElement.prototype.play.call(audio).catch(() => {});
-      };
-      // A recording may end before the last bar does.
-      audio.onended = () => this.stop();
+    const media = this.#media;
+    if (!this.recording) {
+      this.recordingPlayer.load(null);
+    } else if (media) {
+      const recording = this.recordingPlayer;
+      recording.load(this.recording);
+      recording.playbackRate = this.playbackSpeed;
+      recording.masterVolume = this.masterVolume;
+      media.handler = recording;
       this.player?.updateSyncPoints(this.syncPoints);
-      output.loadBackingTrack(Object.assign(new alphaTab.model.BackingTrack(), { rawAudioFile: this.recording }));
     }
   }
 }

@@ -3,10 +3,9 @@ import { alphaTab } from "./alphatab.js";
 import { clickBank, clickKey } from "./click-bank.js";
 import { audibleLevels, clicksOf, levels } from "./click-pattern.js";
 import { ClickPlayer } from "./click-player.js";
-import { ClickSchedule } from "./click-schedule.js";
 import { countInAt } from "./count-in.js";
 import { soundNamed } from "./click-sounds.js";
-import { RecordingClock, recordingTime } from "./recording-time.js";
+import { recordingTime } from "./recording-time.js";
 
 /**
  * The metronome. Its clicks are written into the playback itself as notes on channels of their own, one channel for
@@ -14,16 +13,12 @@ import { RecordingClock, recordingTime } from "./recording-time.js";
  * and through seeks, repeats and changes of tempo, which clicks timed by the page could not be. What sounds is
  * chosen without touching the notes: a channel is muted or not, and transposed to the key of the chosen sound.
  *
- * A score's own recording plays without the synthesizer; beside it the clicks are played one by one, ahead of the place
- * that the recording reports.
+ * A score's own recording plays without the synthesizer; its player mixes the clicks in where they fall in it.
  *
  * @typedef {{ volume: number, sound: string, accent: boolean, mode: string }} Configuration volume from 0 to 1
  */
 
 const velocity = 112;
-
-/** In seconds: so much is heard of a recording before a click on the very place that it starts from. */
-const leadIn = 0.3;
 
 /** Channels for the bar counted in, behind those of the levels: its first beat, and the others. */
 const countInChannels = { first: levels.length, others: levels.length + 1 };
@@ -44,9 +39,6 @@ export class Metronome {
   #division = 960;
   #tickShift = 0;
   #preview = new ClickPlayer();
-  #besideRecording = new ClickPlayer();
-  #schedule = new ClickSchedule();
-  #clock = new RecordingClock();
 
   /**
    * @param {import("./engine.js").Engine} api
@@ -57,8 +49,6 @@ export class Metronome {
     this.#playback = playback;
     api.midiLoad.on((midi) => this.#write(midi));
     api.playerReady.on(() => this.#apply());
-    api.playerStateChanged.on(() => this.#startOver());
-    api.playerPositionChanged.on((event) => this.#accompany(event));
   }
 
   /** @param {boolean} on */
@@ -108,14 +98,6 @@ export class Metronome {
   }
 
   #apply() {
-    this.#besideRecording.cancel();
-    const besideRecording = this.#on && this.#api.audioElement !== null;
-    this.#api.leadIn = besideRecording ? leadIn : 0;
-    if (besideRecording) {
-      this.#besideRecording.wake();
-    } else {
-      this.#besideRecording.sleep();
-    }
     const player = this.#api.player;
     if (!player || this.#firstChannel === 0) {
       return;
@@ -123,6 +105,9 @@ export class Metronome {
     const { volume, accent, mode } = this.#configuration;
     const sound = soundNamed(this.#configuration.sound);
     const audible = this.#on ? audibleLevels(mode) : 0;
+    if (this.#api.playsRecording) {
+      this.#api.recordingPlayer.setTicking({ levels: audible, sound, accent, volume });
+    }
     /** @type {(offset: number, heard: boolean, accented: boolean) => void} */
     const set = (offset, heard, accented) => {
       const channel = this.#firstChannel + offset;
@@ -135,34 +120,6 @@ export class Metronome {
     // Counted in is whether the metronome is on or not.
     set(countInChannels.first, true, accent);
     set(countInChannels.others, true, false);
-  }
-
-  /** @param {import("@coderline/alphatab").synth.PositionChangedEventArgs} event of a recording */
-  #accompany(event) {
-    if (event.isSeek) {
-      this.#startOver();
-    }
-    const audio = this.#api.audioElement;
-    if (!audio || !this.#playback.playing || event.isSeek || audio.paused) {
-      return;
-    }
-    const speed = this.#playback.speed;
-    const place = this.#clock.look(performance.now(), audio.currentTime * 1000, speed);
-    if (!this.#on) {
-      return;
-    }
-    const { volume, sound, accent, mode } = this.#configuration;
-    for (const { click, delay } of this.#schedule.due(place, speed)) {
-      if (click.level < audibleLevels(mode)) {
-        const sounding = { sound: soundNamed(sound), accent: accent && click.level === 0, volume: volume * this.#api.masterVolume };
-        this.#besideRecording.plan(click, sounding, delay / 1000);
-      }
-    }
-  }
-
-  #startOver() {
-    this.#clock.reset();
-    this.#besideRecording.cancel();
   }
 
   /** @param {import("./alphatab.js").MidiFile} midi the playback just generated */
@@ -181,7 +138,7 @@ export class Metronome {
     this.#firstChannel = highestChannel(notes.events) + 1;
     const pattern = clicksOf(bars, midi.division);
     const points = this.#playback.syncPoints;
-    this.#schedule.setClicks(
+    this.#api.recordingPlayer.setClicks(
       pattern.map(({ tick, level }) => ({ ms: recordingTime(points, this.#playback.timeline.msAt(tick)), level })),
     );
     const clicks = pattern.map(({ tick, level }) => note(tick, this.#firstChannel + level));

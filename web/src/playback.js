@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
 import { PositionFeed } from "./position-feed.js";
+import { recordingTime } from "./recording-time.js";
 import { Timeline } from "./timeline.js";
 
 /**
@@ -166,7 +167,6 @@ export class Playback {
   /** @param {number} volume */
   setMasterVolume(volume) {
     if (Number.isFinite(volume)) {
-      // An audio element takes nothing above its full volume.
       this.#api.masterVolume = Math.min(Math.max(volume, 0), 1);
     }
   }
@@ -175,6 +175,7 @@ export class Playback {
   setLooping(on) {
     this.#api.isLooping = Boolean(on);
     this.#applyRange();
+    this.#loopRecording();
   }
 
   /** @param {boolean} on */
@@ -206,6 +207,16 @@ export class Playback {
   setRange(range) {
     this.#range = range;
     this.#applyRange();
+    this.#loopRecording();
+  }
+
+  /** The recording's player starts over by itself, from one sample to the next. */
+  #loopRecording() {
+    const points = this.syncPoints;
+    const { startTick, endTick } = this.#range ?? { startTick: 0, endTick: this.#timeline.tickAt(this.endTime) - this.#tickShift };
+    /** @type {(tick: number) => number} */
+    const place = (tick) => Math.max(recordingTime(points, this.#timeline.msAt(tick + this.#tickShift)), 0);
+    this.#api.recordingPlayer.setLoop(this.#api.isLooping ? { from: place(startTick), to: place(endTick) } : null);
   }
 
   /** To be called before another player takes over: it starts at this place, and goes on playing if this one did. */
@@ -271,6 +282,7 @@ export class Playback {
       point.syncTime = own.length > 0 ? point.syncTime : point.synthTime;
     }
     this.#api.syncPoints = this.#syncPoints;
+    this.#loopRecording();
   }
 
   #onReady() {

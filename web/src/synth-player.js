@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
 import { Emitter } from "./emitter.js";
+import { watchHearingDelay } from "./hearing-delay.js";
 
 /**
  * The page's side of the synthesizer: starts its worker and its place in the audio thread, and joins the two.
@@ -11,36 +12,9 @@ import { Emitter } from "./emitter.js";
 /** How long after the last sound the line to the sound system is kept open, in milliseconds. */
 const patience = 15000;
 
-/** How often the sound system is asked how far it is to the ear, in milliseconds. */
-const latencyInterval = 1000;
-
 /** What announces that the page will be busy drawing, and for how long more sound is kept ahead then, in seconds. */
 const busySigns = ["resize", "wheel"];
 const busyTime = 2;
-
-/** From a report of what is heard it takes so many frames until the mark is on the screen. */
-const framesToDraw = 3.5;
-
-/** How many frames are timed at a time, and what the longest of them counts as, in seconds. */
-const framesTimed = 12;
-const longestFrame = 1 / 35;
-
-/** What is assumed before anything was timed, in seconds. */
-const assumed = { frame: 1 / 36, output: 0.04 };
-
-/** How much of what was assumed a new timing replaces: a mark that jumps to and fro is worse than one a little off. */
-const trust = 0.25;
-
-/** @returns {Promise<number>} how long a frame takes at present, in seconds */
-async function frameTime() {
-  const nextFrame = () => new Promise((resolve) => requestAnimationFrame(resolve));
-  const start = await nextFrame();
-  let end = start;
-  for (let frame = 0; frame < framesTimed; frame++) {
-    end = await nextFrame();
-  }
-  return Math.min((end - start) / framesTimed / 1000, longestFrame);
-}
 
 /** Where the synthesizer sounds: an audio context that sleeps when there is nothing to hear. */
 class SoundOutput {
@@ -52,7 +26,7 @@ class SoundOutput {
   #context = new AudioContext({ latencyHint: "interactive" });
   #loudspeaker;
   #sleep = 0;
-  #latencyTimer = 0;
+  #endWatch = () => {};
   #busyListening = new AbortController();
 
   /** @param {MessagePort} loudspeaker the audio thread's end of the line to the worker */
@@ -79,26 +53,9 @@ class SoundOutput {
       const brace = () => node.port.postMessage({ brace: Math.round(busyTime * context.sampleRate) });
       addEventListener(sign, brace, { passive: true, signal: this.#busyListening.signal });
     }
-    /** @type {(frame: number) => void} */
-    const tellLatency = (frame) => {
-      const seconds = (context.outputLatency || assumed.output) + context.baseLatency - frame * framesToDraw;
+    this.#endWatch = watchHearingDelay(context, (seconds) => {
       node.port.postMessage({ latency: Math.round(seconds * context.sampleRate) });
-    };
-    let frame = assumed.frame;
-    tellLatency(frame);
-    let timing = false;
-    const measure = async () => {
-      timing = true;
-      frame += trust * ((await frameTime()) - frame);
-      tellLatency(frame);
-      timing = false;
-    };
-    this.#latencyTimer = setInterval(() => {
-      // A page that nobody sees draws no frames.
-      if (context.state === "running" && !timing) {
-        void measure();
-      }
-    }, latencyInterval);
+    });
     this.#fallAsleep();
   }
 
@@ -122,7 +79,7 @@ class SoundOutput {
 
   destroy() {
     clearTimeout(this.#sleep);
-    clearInterval(this.#latencyTimer);
+    this.#endWatch();
     this.#busyListening.abort();
     void this.#context.close();
   }

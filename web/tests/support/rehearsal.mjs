@@ -42,7 +42,8 @@ export class Rehearsal {
     actualPlayerMode: alphaTab.PlayerMode.EnabledSynthesizer,
     isReadyForPlayback: true,
     masterVolume: 1,
-    audioElement: null,
+    playsRecording: false,
+    recordingPlayer: { setClicks: () => {}, setLoop: () => {} },
   };
 
   /** @param {import("../../src/alphatab.js").Score} score */

@@ -1,0 +1,230 @@
+// @ts-check
+import { clickSamples } from "./click-sounds.js";
+import { Emitter } from "./emitter.js";
+import { watchHearingDelay } from "./hearing-delay.js";
+
+/**
+ * The page's side of a recording that plays: decodes it, has it prepared by a worker, and speaks to the audio thread. To
+ * the engine it is a medium that plays beside it. Times are milliseconds of the recording.
+ *
+ * @typedef {import("@coderline/alphatab").synth.IExternalMediaHandler} MediaHandler
+ * @typedef {{ from: number, to: number }} Loop
+ * @typedef {{ ms: number, level: number }} TimedClick
+ *
+ * @typedef {object} Ticking
+ * @property {number} levels clicks of a lower level than this are heard
+ * @property {import("./click-sounds.js").SoundName} sound
+ * @property {boolean} accent whether the first beat of a bar sounds otherwise
+ * @property {number} volume 0 to 1
+ */
+
+/** How long after the last sound the line to the sound system is kept open, in milliseconds. */
+const patience = 15000;
+
+/** How long a change of volume takes to a third, in seconds: none at all would click. */
+const volumeTime = 0.005;
+
+/** A seek to what is heard already is none, in milliseconds. */
+const sameTime = 1;
+
+/** So long before the end of the loop the engine is kept in it, in milliseconds: the stream starts over by itself. */
+const endOfLoop = 2;
+
+/** @implements {MediaHandler} */
+export class RecordingPlayer {
+  /** @type {Emitter<number>} what is heard while playing; at each pass of a loop its very end too */
+  heard = new Emitter();
+  /** @type {Emitter<void>} the recording is over */
+  ended = new Emitter();
+  /** @type {Emitter<string>} why there is nothing to hear */
+  failed = new Emitter();
+  /** The engine asks for it only behind the last place where score and recording are known to meet. */
+  backingTrackDuration = Infinity;
+  /** @type {AudioContext | undefined} */
+  #context;
+  /** @type {GainNode | undefined} */
+  #gain;
+  /** @type {AudioWorkletNode | undefined} */
+  #node;
+  /** @type {import("./recording-processor.js").FromPage} what the audio thread is told once it listens */
+  #unsaid = {};
+  /** @type {Uint8Array | null} */
+  #bytes = null;
+  #playing = false;
+  #speed = 1;
+  #volume = 1;
+  /** @type {Loop | null} */
+  #loop = null;
+  /** Counts the seeks: what was reported before the last one is stale. */
+  #turn = 0;
+  #heard = 0;
+  #startingOver = false;
+  #sleep = 0;
+
+  /** @param {Uint8Array<ArrayBuffer> | null} bytes an audio file; null for silence */
+  load(bytes) {
+    if (bytes !== this.#bytes) {
+      this.#bytes = bytes;
+      this.#tell({ sound: null });
+      if (bytes) {
+        void this.#prepare(bytes);
+      }
+    }
+  }
+
+  get playbackRate() {
+    return this.#speed;
+  }
+
+  set playbackRate(speed) {
+    this.#speed = speed;
+    this.#tell({ speed });
+  }
+
+  get masterVolume() {
+    return this.#volume;
+  }
+
+  set masterVolume(volume) {
+    this.#volume = volume;
+    this.#gain?.gain.setTargetAtTime(volume, this.#context?.currentTime ?? 0, volumeTime);
+  }
+
+  /** @param {number} ms */
+  seekTo(ms) {
+    if (this.#startingOver || (this.#playing && Math.abs(ms - this.#heard) < sameTime)) {
+      return;
+    }
+    this.#heard = ms;
+    this.#tell({ seek: { place: Math.max(ms, 0), turn: ++this.#turn } });
+  }
+
+  play() {
+    clearTimeout(this.#sleep);
+    this.#playing = true;
+    void this.#open().resume();
+    this.#tell({ playing: true });
+  }
+
+  pause() {
+    this.#playing = false;
+    this.#tell({ playing: false });
+    // Back from what was handed over to what was heard.
+    this.seekTo(this.#heard);
+    this.#fallAsleep();
+  }
+
+  /** @param {Loop | null} loop what is played over and over */
+  setLoop(loop) {
+    this.#loop = loop;
+    this.#tell({ loop });
+  }
+
+  /** @param {TimedClick[]} clicks in rising order of time */
+  setClicks(clicks) {
+    this.#tell({ clicks: { times: Float64Array.from(clicks, ({ ms }) => ms), levels: Uint8Array.from(clicks, ({ level }) => level) } });
+  }
+
+  /** @param {Ticking} ticking */
+  setTicking({ levels, sound, accent, volume }) {
+    const rate = this.#open().sampleRate;
+    /** @type {(accented: boolean) => Float32Array} */
+    const click = (accented) => clickSamples(sound, accented, rate).map((sample) => sample * volume);
+    this.#tell({ ticking: { levels, first: click(accent), others: click(false) } });
+  }
+
+  /** @param {Uint8Array<ArrayBuffer>} bytes */
+  async #prepare(bytes) {
+    try {
+      const context = this.#open();
+      const decoded = await context.decodeAudioData(bytes.slice().buffer);
+      if (bytes === this.#bytes) {
+        const sound = await prepared(decoded);
+        if (bytes === this.#bytes) {
+          this.#tell({ sound }, sound.channels.map(({ buffer }) => buffer));
+        }
+      }
+    } catch (reason) {
+      this.failed.trigger(`The recording cannot be played: ${reason instanceof Error ? reason.message : reason}`);
+    }
+  }
+
+  #open() {
+    if (!this.#context) {
+      this.#context = new AudioContext({ latencyHint: "interactive" });
+      this.#gain = new GainNode(this.#context, { gain: this.#volume });
+      this.#gain.connect(this.#context.destination);
+      void this.#connect(this.#context, this.#gain);
+      this.#fallAsleep();
+    }
+    return this.#context;
+  }
+
+  /**
+   * @param {AudioContext} context
+   * @param {GainNode} gain
+   */
+  async #connect(context, gain) {
+    await context.audioWorklet.addModule("src/recording-processor.js");
+    const node = new AudioWorkletNode(context, "quaverly-recording", { numberOfInputs: 0, outputChannelCount: [2] });
+    node.port.onmessage = ({ data }) => this.#listen(data);
+    node.connect(gain);
+    this.#node = node;
+    node.port.postMessage(this.#unsaid);
+    this.#unsaid = {};
+    watchHearingDelay(context, (delay) => this.#tell({ delay }));
+  }
+
+  /**
+   * @param {import("./recording-processor.js").FromPage} message
+   * @param {Transferable[]} [transfer]
+   */
+  #tell(message, transfer = []) {
+    if (this.#node) {
+      this.#node.port.postMessage(message, transfer);
+    } else {
+      Object.assign(this.#unsaid, message);
+    }
+  }
+
+  /** @param {import("./recording-processor.js").ToPage} report */
+  #listen({ turn, place, startsOver, ended }) {
+    if (turn !== this.#turn || !this.#playing) {
+      return;
+    }
+    const loop = this.#loop;
+    if (startsOver && loop) {
+      // The engine goes back to the beginning of the loop when it hears of its end; the sound is there already.
+      this.#startingOver = true;
+      this.heard.trigger(loop.to);
+      this.#startingOver = false;
+    }
+    this.#heard = loop && place < loop.to ? Math.min(place, loop.to - endOfLoop) : place;
+    this.heard.trigger(this.#heard);
+    if (ended) {
+      this.ended.trigger();
+    }
+  }
+
+  #fallAsleep() {
+    clearTimeout(this.#sleep);
+    this.#sleep = setTimeout(() => void this.#context?.suspend(), patience);
+  }
+}
+
+/**
+ * @param {AudioBuffer} decoded loses its samples
+ * @returns {Promise<import("./time-stretch.js").Sound>}
+ */
+function prepared(decoded) {
+  const worker = new Worker("src/recording-worker.js", { type: "module" });
+  const count = Math.min(decoded.numberOfChannels, 2);
+  const channels = Array.from({ length: count }, (_, index) => decoded.getChannelData(index));
+  return new Promise((resolve, reject) => {
+    worker.onmessage = ({ data }) => resolve(data);
+    worker.onerror = ({ message }) => reject(new Error(message));
+    /** @type {import("./recording-worker.js").Decoded} */
+    const work = { channels, sampleRate: decoded.sampleRate };
+    worker.postMessage(work, channels.map(({ buffer }) => buffer));
+  }).finally(() => worker.terminate());
+}

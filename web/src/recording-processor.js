@@ -1,0 +1,250 @@
+// @ts-check
+import { HeardTime } from "./heard-time.js";
+import { RecordingClicks } from "./recording-clicks.js";
+import { TimeStretch } from "./time-stretch.js";
+
+/**
+ * Plays a recording in the audio thread, with the metronome beside it. Everything is counted in samples of one stream:
+ * clicks, loops and changes of speed fall where they belong whatever the page is busy with.
+ *
+ * @typedef {object} FromPage times are milliseconds of the recording
+ * @property {import("./time-stretch.js").Sound | null} [sound] null for none; playing waits for one
+ * @property {boolean} [playing]
+ * @property {{ place: number, turn: number }} [seek] turn: what reports are told apart by from then on
+ * @property {number} [speed]
+ * @property {{ from: number, to: number } | null} [loop]
+ * @property {{ times: Float64Array, levels: Uint8Array }} [clicks]
+ * @property {import("./recording-clicks.js").Ticking} [ticking]
+ * @property {number} [delay] in seconds: by how much later than here a sample is heard than what is reported of it is
+ *     seen; below zero when it is heard first
+ *
+ * @typedef {object} ToPage
+ * @property {number} turn
+ * @property {number} place what is heard now, in milliseconds of the recording
+ * @property {boolean} startsOver whether the loop did since the last report
+ * @property {boolean} ended whether the recording is over
+ */
+
+/** After how many frames the page is told again what is heard. */
+const reportEvery = 768;
+
+/** How long what is broken off fades out, and what begins somewhere fades in, in frames. */
+const fadeOut = 256;
+const fadeIn = 32;
+
+/** A loop is at least so long, in seconds. */
+const shortestLoop = 0.02;
+
+const { AudioWorkletProcessor, registerProcessor, sampleRate } = /** @type {any} */ (globalThis);
+
+class RecordingProcessor extends AudioWorkletProcessor {
+  /** @type {TimeStretch | null} */
+  #stretch = null;
+  #clicks = new RecordingClicks();
+  #heardTime = new HeardTime(sampleRate);
+  #playing = false;
+  #turn = 0;
+  /** Frames of the recording: where it starts when it comes, and afterwards whatever seek was last. */
+  #start = 0;
+  #speed = 1;
+  /** @type {import("./time-stretch.js").Loop | null} */
+  #loop = null;
+  #delay = 0;
+  /** Frames played since the last seek, and after how many of them the recording was over. */
+  #played = 0;
+  #end = Infinity;
+  #sinceReport = 0;
+  #fadedIn = 0;
+  /** What was broken off, and how much of it has faded out. */
+  #tail = { left: new Float32Array(fadeOut), right: new Float32Array(fadeOut), done: fadeOut };
+
+  constructor() {
+    super();
+    this.port.onmessage = (/** @type {MessageEvent<FromPage>} */ { data }) => this.#listen(data);
+  }
+
+  /** @param {FromPage} message */
+  #listen({ sound, playing, seek, speed, loop, clicks, ticking, delay }) {
+    this.#delay = delay !== undefined ? Math.round(delay * sampleRate) : this.#delay;
+    if (ticking) {
+      this.#clicks.ticking = ticking;
+    }
+    if (clicks) {
+      const places = clicks.times.map(frames);
+      this.#clicks.setPattern({ places, levels: clicks.levels }, this.#stretch?.place ?? this.#start);
+    }
+    if (loop !== undefined) {
+      this.#loop = loop && loop.to - loop.from > shortestLoop * 1000 ? { from: frames(loop.from), to: frames(loop.to) } : null;
+      if (this.#stretch) {
+        this.#stretch.loop = this.#loop;
+      }
+    }
+    if (speed !== undefined) {
+      this.#changeSpeed(speed);
+    }
+    if (sound !== undefined) {
+      this.#load(sound);
+    }
+    if (seek) {
+      this.#turn = seek.turn;
+      this.#goTo(frames(seek.place));
+    }
+    if (playing !== undefined && playing !== this.#playing) {
+      this.#breakOff();
+      this.#playing = playing;
+    }
+  }
+
+  /** @param {import("./time-stretch.js").Sound | null} sound */
+  #load(sound) {
+    this.#breakOff();
+    this.#stretch = sound && new TimeStretch(sound);
+    if (this.#stretch) {
+      this.#stretch.speed = this.#speed;
+      this.#stretch.loop = this.#loop;
+      this.#goTo(this.#start);
+    }
+  }
+
+  /** @param {number} speed */
+  #changeSpeed(speed) {
+    this.#speed = speed;
+    if (this.#stretch) {
+      this.#stretch.speed = speed;
+      this.#mark(false);
+    }
+  }
+
+  /** @param {number} place */
+  #goTo(place) {
+    this.#breakOff();
+    this.#start = place;
+    this.#stretch?.jump(place);
+    this.#clicks.goTo(place);
+    this.#heardTime.clear();
+    this.#played = 0;
+    this.#end = Infinity;
+    this.#mark(false);
+  }
+
+  /** @param {boolean} startsOver */
+  #mark(startsOver) {
+    const place = milliseconds(this.#stretch?.place ?? this.#start);
+    this.#heardTime.add({ frame: this.#played, place, speed: this.#speed, startsOver });
+  }
+
+  /** A sound that ends at once clicks: a little of what would have come fades out. */
+  #breakOff() {
+    if (this.#playing && this.#stretch) {
+      const { left, right } = this.#tail;
+      left.fill(0);
+      right.fill(0);
+      const count = Math.min(fadeOut, this.#stretch.framesLeft);
+      const { place } = this.#stretch;
+      this.#stretch.render(left, right, 0, count);
+      this.#clicks.mix(left, right, 0, fadeOut, place, this.#speed);
+      for (let i = 0; i < fadeOut; i++) {
+        left[i] *= 1 - i / fadeOut;
+        right[i] *= 1 - i / fadeOut;
+      }
+      this.#tail.done = 0;
+    }
+    this.#clicks.silence();
+    this.#fadedIn = 0;
+  }
+
+  /**
+   * @param {Float32Array[][]} _inputs
+   * @param {Float32Array[][]} outputs
+   */
+  process(_inputs, outputs) {
+    const [left, right] = outputs[0];
+    if (this.#playing && this.#stretch) {
+      this.#play(this.#stretch, left, right);
+      this.#played += left.length;
+      this.#report(left.length);
+    }
+    this.#mixTail(left, right);
+    return true;
+  }
+
+  /**
+   * @param {TimeStretch} stretch
+   * @param {Float32Array} left
+   * @param {Float32Array} right
+   */
+  #play(stretch, left, right) {
+    for (let done = 0; done < left.length; ) {
+      let count = Math.min(left.length - done, stretch.framesLeft);
+      if (count === 0 && this.#loop) {
+        this.#startOver(stretch, done);
+        continue;
+      }
+      const { place } = stretch;
+      stretch.render(left, right, done, count);
+      if (count === 0) {
+        this.#end = Math.min(this.#end, this.#played + done);
+        count = left.length - done;
+      }
+      this.#clicks.mix(left, right, done, count, place, this.#speed);
+      done += count;
+    }
+    for (let i = 0; this.#fadedIn < fadeIn && i < left.length; i++, this.#fadedIn++) {
+      left[i] *= this.#fadedIn / fadeIn;
+      right[i] *= this.#fadedIn / fadeIn;
+    }
+  }
+
+  /**
+   * @param {TimeStretch} stretch
+   * @param {number} done frames of the present block
+   */
+  #startOver(stretch, done) {
+    stretch.startOver();
+    this.#clicks.goTo(stretch.place);
+    const place = milliseconds(stretch.place);
+    this.#heardTime.add({ frame: this.#played + done, place, speed: this.#speed, startsOver: true });
+  }
+
+  /** @param {number} count frames that went by */
+  #report(count) {
+    this.#sinceReport += count;
+    if (this.#sinceReport < reportEvery) {
+      return;
+    }
+    this.#sinceReport = 0;
+    const now = Math.max(this.#played - this.#delay, 0);
+    const heard = this.#heardTime.at(Math.min(now, this.#end));
+    if (heard) {
+      /** @type {ToPage} */
+      const report = { turn: this.#turn, ...heard, ended: now >= this.#end };
+      this.port.postMessage(report);
+    }
+  }
+
+  /**
+   * @param {Float32Array} left
+   * @param {Float32Array} right
+   */
+  #mixTail(left, right) {
+    const tail = this.#tail;
+    const count = Math.min(left.length, fadeOut - tail.done);
+    for (let i = 0; i < count; i++) {
+      left[i] += tail.left[tail.done + i];
+      right[i] += tail.right[tail.done + i];
+    }
+    tail.done += count;
+  }
+}
+
+/** @param {number} ms */
+function frames(ms) {
+  return (ms * sampleRate) / 1000;
+}
+
+/** @param {number} place in frames */
+function milliseconds(place) {
+  return (place * 1000) / sampleRate;
+}
+
+registerProcessor("quaverly-recording", RecordingProcessor);

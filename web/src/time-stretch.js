@@ -1,0 +1,462 @@
+// @ts-check
+/**
+ * Plays a recording slower or faster at its own pitch, and keeps its attacks sharp and in time.
+ *
+ * The sound is put together of pieces of the recording as it is, faded into each other where they are most alike:
+ * waveform-similarity overlap-add, W. Verhelst and M. Roelands, "An overlap-add technique based on waveform similarity
+ * (WSOLA) for high quality time-scale modification of speech", ICASSP 1993. Around an attack no piece ends: it is
+ * played as it is, and begins exactly when the even course of time says so, as S. Grofit and Y. Lavner propose in
+ * "Time-Scale Modification of Audio Signals Using Enhanced WSOLA With Management of Transients", IEEE Transactions on
+ * Audio, Speech, and Language Processing 16 (2008). What lies between two attacks makes up for it.
+ *
+ * All places are frames of the recording. The place is where the even course of time is; the source is what is being
+ * played, which is never far from it.
+ *
+ * @typedef {object} Sound
+ * @property {Int16Array[]} channels one or two, of equal length
+ * @property {Int32Array} attacks frames, in rising order
+ * @property {number} sampleRate samples a second
+ *
+ * @typedef {{ from: number, to: number }} Loop frames
+ *
+ * @typedef {object} Pin a source that has to be reached in time for something to be heard when it is due
+ * @property {number} wait frames until the fade to it begins
+ * @property {number} length of that fade
+ * @property {number} until frames until it is due
+ * @property {number} shift what the fade adds to the source
+ * @property {boolean} seam whether it is the beginning of the next pass of the loop
+ */
+
+/** All in seconds. How far the source may be from the place. */
+const tolerance = 0.013;
+
+/** How long one piece fades into the next, at most and at least. */
+const fadeTime = 0.01;
+const shortFadeTime = 0.0015;
+
+/** Over how long two pieces are compared. */
+const likenessTime = 0.016;
+
+/** A piece is played for at least so long between two fades, in seconds, and is so far from the last, in tolerances. */
+const shortestPiece = 0.006;
+const shortestStep = 0.5;
+
+/** What is played as it is, before and after an attack begins. */
+const beforeAttack = 0.003;
+const afterAttack = 0.025;
+
+/** A piece that is taken up behind an attack is so far behind that nothing of its beginning is heard again. */
+const pastAttack = 0.008;
+
+/** Where no better piece may be taken up, it is tried again after this time. */
+const retry = 0.004;
+
+/** Pieces are compared coarsely first, by the mean of so many samples. */
+const coarse = 4;
+
+const full = 32768;
+
+export class TimeStretch {
+  #channels;
+  #attacks;
+  #length;
+  #speed = 1;
+  /** @type {Loop | null} */
+  #loop = null;
+  #place = 0;
+  #source = 0;
+  /** Up to where it is played. */
+  #end = 0;
+  /** The first attack that is neither past nor settled. */
+  #next = 0;
+  /** For how many frames to come the source is left as it is. */
+  #held = 0;
+  /** @type {Pin | null | undefined} undefined when it has to be found */
+  #pin;
+  /** Whether the source is already that of the next pass. */
+  #ahead = false;
+  /** What fades out: its source, how long it did, how long it takes, and how alike the two are. */
+  #fading = { source: 0, done: 0, length: 0, likeness: 0 };
+  #frames;
+  /** @type {Float32Array[]} */
+  #reference;
+  /** @type {Float32Array[]} */
+  #candidates;
+
+  /** @param {Sound} sound */
+  constructor({ channels, attacks, sampleRate }) {
+    /** @type {(seconds: number) => number} */
+    const frames = (seconds) => Math.max(Math.round(seconds * sampleRate), 1);
+    this.#channels = channels;
+    this.#attacks = attacks;
+    this.#length = channels[0].length;
+    this.#frames = {
+      tolerance: frames(tolerance),
+      fade: frames(fadeTime),
+      shortFade: frames(shortFadeTime),
+      likeness: frames(likenessTime),
+      piece: frames(shortestPiece),
+      before: frames(beforeAttack),
+      after: frames(afterAttack),
+      past: frames(pastAttack),
+      retry: frames(retry),
+    };
+    const compared = Math.ceil(this.#frames.likeness / coarse);
+    const range = compared + Math.ceil((2 * this.#frames.tolerance) / coarse) + 2;
+    this.#reference = channels.map(() => new Float32Array(compared));
+    this.#candidates = channels.map(() => new Float32Array(range));
+    this.jump(0);
+  }
+
+  /** Where in the recording the next frame is. */
+  get place() {
+    return this.#place;
+  }
+
+  get speed() {
+    return this.#speed;
+  }
+
+  /** @param {number} speed frames of the recording for each frame that is played, above 0 */
+  set speed(speed) {
+    this.#speed = speed;
+    this.#pin = undefined;
+  }
+
+  /** @param {Loop | null} loop what startOver() is going to be called for; null for none */
+  set loop(loop) {
+    this.#loop = loop;
+    this.#findEnd();
+  }
+
+  /** How many frames there are up to the end of the loop, or of the recording. */
+  get framesLeft() {
+    return Math.max(Math.ceil((this.#end - this.#place) / this.#speed), 0);
+  }
+
+  /** A place behind the loop is played to the end of the recording. */
+  #findEnd() {
+    const to = this.#loop?.to ?? this.#length;
+    this.#end = this.#place < to ? Math.min(to, this.#length) : this.#length;
+    this.#pin = undefined;
+  }
+
+  /** @param {number} place where to go on, at once: what sounds is broken off */
+  jump(place) {
+    this.#fading.done = this.#fading.length;
+    this.#source = Math.round(place);
+    this.#goOn(place);
+  }
+
+  /** Goes on at the beginning of the loop. To be called when no frames are left. */
+  startOver() {
+    const from = this.#loop?.from ?? 0;
+    const place = from + Math.max(this.#place - this.#end, 0);
+    if (!this.#ahead) {
+      this.#fadeTo(Math.round(place), this.#frames.shortFade);
+    }
+    this.#goOn(place);
+  }
+
+  /** @param {number} place */
+  #goOn(place) {
+    this.#place = place;
+    this.#ahead = false;
+    this.#findEnd();
+    this.#held = this.#frames.after;
+    this.#next = firstAtLeast(this.#attacks, Math.max(place, this.#source));
+  }
+
+  /**
+   * @param {Float32Array} left
+   * @param {Float32Array} right
+   * @param {number} at the first frame to be set
+   * @param {number} count at most as many as are left
+   */
+  render(left, right, at, count) {
+    for (let done = 0; done < count; ) {
+      const steps = Math.min(count - done, this.#untilDecision());
+      if (steps === 0) {
+        this.#decide();
+        continue;
+      }
+      this.#copy(left, right, at + done, steps);
+      done += steps;
+      this.#place += steps * this.#speed;
+      this.#held -= steps;
+      if (this.#pin) {
+        this.#pin.wait -= steps;
+        this.#pin.until -= steps;
+      }
+    }
+  }
+
+  #untilDecision() {
+    const { done, length } = this.#fading;
+    if (done < length) {
+      return length - done;
+    }
+    const pin = this.#nextPin();
+    const free = Math.max(this.#untilOff(), this.#held, 0);
+    return pin ? Math.max(Math.min(pin.wait, free), 0) : free;
+  }
+
+  /** For how many frames the source is near enough to the place when nothing is done. */
+  #untilOff() {
+    const ahead = this.#source - this.#place;
+    const drift = 1 - this.#speed;
+    if (this.#ahead || drift === 0) {
+      return Infinity;
+    }
+    const room = drift > 0 ? this.#frames.tolerance - ahead : this.#frames.tolerance + ahead;
+    return Math.max(Math.ceil(room / Math.abs(drift)), 0);
+  }
+
+  #decide() {
+    const pin = this.#nextPin();
+    if (pin && pin.wait <= 0) {
+      if (pin.shift !== 0) {
+        this.#fadeTo(this.#source + pin.shift, pin.length);
+      }
+      this.#held = Math.max(pin.until, 0) + this.#frames.after;
+      this.#ahead = pin.seam;
+      this.#next += pin.seam ? 0 : 1;
+      this.#pin = undefined;
+    } else if (pin && pin.wait < this.#frames.fade) {
+      this.#held = pin.wait;
+    } else {
+      this.#takeUpLikest();
+    }
+  }
+
+  #nextPin() {
+    if (this.#pin === undefined) {
+      this.#pin = this.#ahead ? null : this.#findPin();
+    }
+    return this.#pin;
+  }
+
+  /** @returns {Pin | null} for the next attack or the seam of the loop, whichever is first */
+  #findPin() {
+    const seam = this.#seam();
+    while (this.#next < this.#attacks.length) {
+      const attack = this.#attacks[this.#next];
+      const until = Math.round((attack - this.#place) / this.#speed);
+      if (seam && until > seam.until - this.#frames.fade) {
+        break;
+      }
+      if (Math.min(until, attack - this.#source) >= this.#frames.before + this.#frames.shortFade) {
+        return this.#pinTo(attack, until, attack, false);
+      }
+      this.#next++;
+    }
+    return seam;
+  }
+
+  /** @returns {Pin | null} */
+  #seam() {
+    const loop = this.#loop;
+    if (!loop || this.#end !== loop.to) {
+      return null;
+    }
+    // An attack that is meant by the beginning of the loop, and is not quite there, is heard when it is due itself.
+    const near = this.#attacks[firstAtLeast(this.#attacks, loop.from - this.#frames.tolerance)];
+    const meant = near !== undefined && near <= loop.from + this.#frames.tolerance ? near : Math.round(loop.from);
+    const until = Math.round((loop.to - this.#place + (meant - loop.from)) / this.#speed);
+    return this.#pinTo(meant, until, loop.to, true);
+  }
+
+  /**
+   * @param {number} wanted the source when it is due
+   * @param {number} until frames until it is due
+   * @param {number} unheard what may not be heard of what is played now
+   * @param {boolean} seam
+   * @returns {Pin}
+   */
+  #pinTo(wanted, until, unheard, seam) {
+    const { before, fade, shortFade } = this.#frames;
+    const shift = wanted - until - this.#source;
+    const latest = Math.min(until, unheard - this.#source) - before;
+    const length = Math.max(Math.min(fade, latest), shortFade);
+    return { wait: latest - length, length, until, shift, seam };
+  }
+
+  /** Goes on with the piece near the place that is most like what would follow. */
+  #takeUpLikest() {
+    const { tolerance, fade, piece, past, before } = this.#frames;
+    const drift = 1 - this.#speed;
+    const used = Math.min(Math.max(Math.abs(drift) * (fade + piece), shortestStep * tolerance), 2 * tolerance);
+    const place = Math.round(this.#place);
+    let low = place - tolerance + (drift < 0 ? used : 0);
+    let high = place + tolerance - (drift > 0 ? used : 0);
+    const last = this.#attacks[this.#next - 1];
+    const next = this.#attacks[this.#next];
+    if (last !== undefined) {
+      low = Math.max(low, last + past);
+    }
+    if (next !== undefined) {
+      high = Math.min(high, next - before - fade);
+    }
+    low = Math.round(low);
+    high = Math.round(high);
+    if (low > high || (low <= this.#source && this.#source <= high)) {
+      this.#held = this.#frames.retry;
+      return;
+    }
+    this.#fadeTo(this.#likest(low, high), fade);
+  }
+
+  /**
+   * @param {number} source
+   * @param {number} length of the fade
+   */
+  #fadeTo(source, length) {
+    this.#fading = { source: this.#source, done: 0, length, likeness: this.#likeness(this.#source, source, length) };
+    this.#source = source;
+    this.#pin = undefined;
+  }
+
+  /**
+   * @param {Float32Array} left
+   * @param {Float32Array} right
+   * @param {number} at
+   * @param {number} count at most as many as the fade still takes
+   */
+  #copy(left, right, at, count) {
+    const fading = this.#fading;
+    const fades = fading.done < fading.length;
+    for (let channel = 0; channel < this.#channels.length; channel++) {
+      const output = channel === 0 ? left : right;
+      const samples = this.#channels[channel];
+      for (let i = 0; i < count; i++) {
+        output[at + i] = (samples[this.#source + i] ?? 0) / full;
+      }
+      if (fades) {
+        this.#mixFading(output, samples, at, count);
+      }
+    }
+    if (this.#channels.length === 1) {
+      right.set(left.subarray(at, at + count), at);
+    }
+    if (fades) {
+      fading.done += count;
+      fading.source += count;
+    }
+    this.#source += count;
+  }
+
+  /**
+   * The more alike the two are, the less louder both together are than each of them.
+   *
+   * @param {Float32Array} output
+   * @param {Int16Array} samples
+   * @param {number} at
+   * @param {number} count
+   */
+  #mixFading(output, samples, at, count) {
+    const { source, done, length, likeness } = this.#fading;
+    for (let i = 0; i < count; i++) {
+      const part = 0.5 - 0.5 * Math.cos((Math.PI * (done + i + 0.5)) / length);
+      const rest = 1 - part;
+      const level = 1 / Math.sqrt(part * part + rest * rest + 2 * part * rest * likeness);
+      output[at + i] = level * (part * output[at + i] + (rest * (samples[source + i] ?? 0)) / full);
+    }
+  }
+
+  /**
+   * @param {number} low
+   * @param {number} high the first and the last source to choose from
+   */
+  #likest(low, high) {
+    const { likeness } = this.#frames;
+    this.#average(this.#reference, this.#source);
+    this.#average(this.#candidates, low);
+    const compared = this.#reference[0].length;
+    const steps = Math.floor((high - low) / coarse);
+    let best = 0;
+    let most = -Infinity;
+    for (let step = 0; step <= steps; step++) {
+      let product = 0;
+      let energy = 1;
+      for (let channel = 0; channel < this.#reference.length; channel++) {
+        const reference = this.#reference[channel];
+        const candidates = this.#candidates[channel];
+        for (let i = 0; i < compared; i++) {
+          const value = candidates[step + i];
+          product += reference[i] * value;
+          energy += value * value;
+        }
+      }
+      const alike = product / Math.sqrt(energy);
+      if (alike > most) {
+        most = alike;
+        best = low + step * coarse;
+      }
+    }
+    let finest = best;
+    most = -Infinity;
+    for (let source = Math.max(best - coarse + 1, low); source < Math.min(best + coarse, high + 1); source++) {
+      const alike = this.#likeness(this.#source, source, likeness);
+      if (alike > most) {
+        most = alike;
+        finest = source;
+      }
+    }
+    return finest;
+  }
+
+  /**
+   * @param {Float32Array[]} means
+   * @param {number} from
+   */
+  #average(means, from) {
+    means.forEach((target, channel) => {
+      const samples = this.#channels[channel];
+      for (let i = 0, at = from; i < target.length; i++, at += coarse) {
+        target[i] = (samples[at] ?? 0) + (samples[at + 1] ?? 0) + (samples[at + 2] ?? 0) + (samples[at + 3] ?? 0);
+      }
+    });
+  }
+
+  /**
+   * @param {number} one
+   * @param {number} other
+   * @param {number} length
+   * @returns {number} from 0 for what has nothing in common to 1 for the same, whatever their levels
+   */
+  #likeness(one, other, length) {
+    let product = 0;
+    let oneEnergy = 0;
+    let otherEnergy = 0;
+    for (const samples of this.#channels) {
+      for (let i = 0; i < length; i++) {
+        const a = samples[one + i] ?? 0;
+        const b = samples[other + i] ?? 0;
+        product += a * b;
+        oneEnergy += a * a;
+        otherEnergy += b * b;
+      }
+    }
+    const energy = Math.sqrt(oneEnergy * otherEnergy);
+    return energy > 0 ? Math.max(product / energy, 0) : 1;
+  }
+}
+
+/**
+ * @param {Int32Array | Float64Array} numbers in rising order
+ * @param {number} least
+ * @returns {number} the index of the first that is not less
+ */
+export function firstAtLeast(numbers, least) {
+  let low = 0;
+  let high = numbers.length;
+  while (low < high) {
+    const middle = (low + high) >> 1;
+    if (numbers[middle] < least) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
+  }
+  return low;
+}

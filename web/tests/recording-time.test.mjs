@@ -1,0 +1,13 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { recordingTime } from "../src/recording-time.js";
+
+test("between sync points score and recording run evenly", () => {
+  const points = [{ score: 0, recording: 350 }, { score: 2000, recording: 2350 }, { score: 4000, recording: 3350 }];
+  assert.equal(recordingTime(points, 0), 350);
+  assert.equal(recordingTime(points, 1000), 1350);
+  assert.equal(recordingTime(points, 3000), 2850);
+  assert.equal(recordingTime(points, 4000), 3350);
+  assert.equal(recordingTime(points, 6000), 4350);
+  assert.equal(recordingTime([], 1234), 1234);
+});
