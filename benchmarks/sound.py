@@ -151,7 +151,7 @@ def recordingseam(room, table, options):
 
         def music():
             room.window.play()
-            room.window.rest(min(6, 5 * speed + 1) * sum(steps) / speed)
+            room.window.rest((2.2 + 1.5 * speed) * sum(steps) / speed)
             room.window.stop()
         sound, _, _ = room.listen(f"recordingseam-{speed}", music)
         strokes = beside(table, sound, speed, f"click against the recording in a loop, {speed:.0%}")

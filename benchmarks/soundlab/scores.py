@@ -45,7 +45,8 @@ class Desk:
         Returns the file and the time in seconds of each beat in the recording.
         """
         path = self.write(f"recorded{bars}", heading("Recorded", "Woodblock") + bars * ":1 r |\n")
-        lengths = [4 * BEAT * (1 + 0.12 * numpy.sin(bar)) for bar in range(bars)]
+        # Nothing in the file tells how long the last bar is: it is like the one before.
+        lengths = [4 * BEAT * (1 + 0.12 * numpy.sin(min(bar, bars - 2))) for bar in range(bars)]
         starts = 0.35 + numpy.concatenate([[0], numpy.cumsum(lengths)])
         beats = [starts[bar] + lengths[bar] * beat / 4 for bar in range(bars) for beat in range(4)]
         embed_recording(path, strokes(beats, starts[-1]), starts[:-1])

@@ -140,13 +140,15 @@ export class Engine extends alphaTab.AlphaTabApi {
     const media = this.#media;
     if (!this.recording) {
       this.recordingPlayer.load(null);
-    } else if (media) {
-      const recording = this.recordingPlayer;
+    } else if (media && this.player) {
+      const { player, recordingPlayer: recording } = this;
+      const { timePosition } = player;
       recording.load(this.recording);
       recording.playbackRate = this.playbackSpeed;
       recording.masterVolume = this.masterVolume;
       media.handler = recording;
-      this.player?.updateSyncPoints(this.syncPoints);
+      player.updateSyncPoints(this.syncPoints);
+      player.timePosition = timePosition;
     }
   }
 }

@@ -14,10 +14,11 @@ import { firstAtLeast } from "./time-stretch.js";
  * @property {Float32Array} others
  */
 
-/** A start this many frames behind a click is meant for it: places are rounded on their way here. */
-const slack = 2;
+/** A start so little behind a click is meant for it, in seconds: the engine takes a tick more for each thing it is told. */
+const slack = 0.003;
 
 export class RecordingClicks {
+  #slack;
   /** @type {Pattern} */
   #pattern = { places: new Float64Array(0), levels: new Uint8Array(0) };
   /** @type {Ticking} */
@@ -25,6 +26,11 @@ export class RecordingClicks {
   #next = 0;
   /** @type {{ samples: Float32Array, from: number }[]} from: at which of the next frames it begins; negative when it has */
   #sounding = [];
+
+  /** @param {number} sampleRate samples a second */
+  constructor(sampleRate) {
+    this.#slack = slack * sampleRate;
+  }
 
   /** @param {Ticking} ticking from the next click on */
   set ticking(ticking) {
@@ -42,7 +48,7 @@ export class RecordingClicks {
 
   /** @param {number} place where the recording goes on */
   goTo(place) {
-    this.#next = firstAtLeast(this.#pattern.places, place - slack);
+    this.#next = firstAtLeast(this.#pattern.places, place - this.#slack);
   }
 
   /** No click is heard any more. */

@@ -27,7 +27,10 @@ const volumeTime = 0.005;
 /** A seek to what is heard already is none, in milliseconds. */
 const sameTime = 1;
 
-/** So long before the end of the loop the engine is kept in it, in milliseconds: the stream starts over by itself. */
+/**
+ * So long before the end of the loop the engine is kept in it, in milliseconds: the stream starts over by itself. What
+ * is reported early for the sake of drawing would otherwise be behind the end.
+ */
 const endOfLoop = 2;
 
 /** @implements {MediaHandler} */
@@ -199,7 +202,8 @@ export class RecordingPlayer {
       this.heard.trigger(loop.to);
       this.#startingOver = false;
     }
-    this.#heard = loop && place < loop.to ? Math.min(place, loop.to - endOfLoop) : place;
+    const inLoop = loop !== null && (startsOver || this.#heard < loop.to);
+    this.#heard = inLoop ? Math.min(place, loop.to - endOfLoop) : place;
     this.heard.trigger(this.#heard);
     if (ended) {
       this.ended.trigger();

@@ -40,7 +40,7 @@ const { AudioWorkletProcessor, registerProcessor, sampleRate } = /** @type {any}
 class RecordingProcessor extends AudioWorkletProcessor {
   /** @type {TimeStretch | null} */
   #stretch = null;
-  #clicks = new RecordingClicks();
+  #clicks = new RecordingClicks(sampleRate);
   #heardTime = new HeardTime(sampleRate);
   #playing = false;
   #turn = 0;

@@ -24,7 +24,8 @@
  * @property {number} length of that fade
  * @property {number} until frames until it is due
  * @property {number} shift what the fade adds to the source
- * @property {boolean} seam whether it is the beginning of the next pass of the loop
+ * @property {number} unheard what may not be heard before: no piece before the fade reaches it
+ * @property {"attack" | "end" | "seam"} kind end: of the loop; seam: the beginning of its next pass
  */
 
 /** All in seconds. How far the source may be from the place. */
@@ -44,6 +45,9 @@ const shortestStep = 0.5;
 /** What is played as it is, before and after an attack begins. */
 const beforeAttack = 0.003;
 const afterAttack = 0.025;
+
+/** A source is settled at most so long before it is due: what was heard just before would be heard again. */
+const longestLead = 0.026;
 
 /** A piece that is taken up behind an attack is so far behind that nothing of its beginning is heard again. */
 const pastAttack = 0.008;
@@ -73,8 +77,8 @@ export class TimeStretch {
   #held = 0;
   /** @type {Pin | null | undefined} undefined when it has to be found */
   #pin;
-  /** Whether the source is already that of the next pass. */
-  #ahead = false;
+  /** What the source was settled for in this pass of the loop, when nothing is left to be settled. */
+  #settled = "";
   /** What fades out: its source, how long it did, how long it takes, and how alike the two are. */
   #fading = { source: 0, done: 0, length: 0, likeness: 0 };
   #frames;
@@ -98,6 +102,7 @@ export class TimeStretch {
       piece: frames(shortestPiece),
       before: frames(beforeAttack),
       after: frames(afterAttack),
+      lead: frames(longestLead),
       past: frames(pastAttack),
       retry: frames(retry),
     };
@@ -152,7 +157,7 @@ export class TimeStretch {
   startOver() {
     const from = this.#loop?.from ?? 0;
     const place = from + Math.max(this.#place - this.#end, 0);
-    if (!this.#ahead) {
+    if (this.#settled !== "seam") {
       this.#fadeTo(Math.round(place), this.#frames.shortFade);
     }
     this.#goOn(place);
@@ -161,7 +166,7 @@ export class TimeStretch {
   /** @param {number} place */
   #goOn(place) {
     this.#place = place;
-    this.#ahead = false;
+    this.#settled = "";
     this.#findEnd();
     this.#held = this.#frames.after;
     this.#next = firstAtLeast(this.#attacks, Math.max(place, this.#source));
@@ -205,7 +210,7 @@ export class TimeStretch {
   #untilOff() {
     const ahead = this.#source - this.#place;
     const drift = 1 - this.#speed;
-    if (this.#ahead || drift === 0) {
+    if (this.#settled || drift === 0) {
       return Infinity;
     }
     const room = drift > 0 ? this.#frames.tolerance - ahead : this.#frames.tolerance + ahead;
@@ -214,29 +219,44 @@ export class TimeStretch {
 
   #decide() {
     const pin = this.#nextPin();
-    if (pin && pin.wait <= 0) {
-      if (pin.shift !== 0) {
-        this.#fadeTo(this.#source + pin.shift, pin.length);
-      }
-      this.#held = Math.max(pin.until, 0) + this.#frames.after;
-      this.#ahead = pin.seam;
-      this.#next += pin.seam ? 0 : 1;
-      this.#pin = undefined;
-    } else if (pin && pin.wait < this.#frames.fade) {
-      this.#held = pin.wait;
-    } else {
-      this.#takeUpLikest();
+    if (!pin || pin.wait > 0) {
+      this.#goOnFreely(pin);
+    } else if (pin.until <= this.#frames.lead || !this.#takeUpLikest(pin)) {
+      this.#settle(pin);
     }
+  }
+
+  /** @param {Pin | null} pin */
+  #goOnFreely(pin) {
+    if (pin && pin.wait < this.#frames.fade) {
+      this.#held = pin.wait;
+    } else if (!this.#takeUpLikest(pin)) {
+      this.#held = this.#frames.retry;
+    }
+  }
+
+  /** @param {Pin} pin */
+  #settle({ kind, shift, length, until }) {
+    if (shift !== 0) {
+      this.#fadeTo(this.#source + shift, length);
+    }
+    this.#held = Math.max(until, 0) + this.#frames.after;
+    if (kind === "attack") {
+      this.#next++;
+    } else {
+      this.#settled = kind;
+    }
+    this.#pin = undefined;
   }
 
   #nextPin() {
     if (this.#pin === undefined) {
-      this.#pin = this.#ahead ? null : this.#findPin();
+      this.#pin = this.#settled ? null : this.#findPin();
     }
     return this.#pin;
   }
 
-  /** @returns {Pin | null} for the next attack or the seam of the loop, whichever is first */
+  /** @returns {Pin | null} for the next attack or the end of the loop, whichever is first */
   #findPin() {
     const seam = this.#seam();
     while (this.#next < this.#attacks.length) {
@@ -246,7 +266,7 @@ export class TimeStretch {
         break;
       }
       if (Math.min(until, attack - this.#source) >= this.#frames.before + this.#frames.shortFade) {
-        return this.#pinTo(attack, until, attack, false);
+        return this.#pinTo("attack", attack, until, attack);
       }
       this.#next++;
     }
@@ -259,51 +279,60 @@ export class TimeStretch {
     if (!loop || this.#end !== loop.to) {
       return null;
     }
+    const untilEnd = (loop.to - this.#place) / this.#speed;
+    if (loop.from < this.#frames.lead + this.#frames.tolerance) {
+      // Before the recording there is nothing that could fade in.
+      return this.#pinTo("end", Math.round(loop.to), Math.round(untilEnd), loop.to);
+    }
     // An attack that is meant by the beginning of the loop, and is not quite there, is heard when it is due itself.
-    const near = this.#attacks[firstAtLeast(this.#attacks, loop.from - this.#frames.tolerance)];
-    const meant = near !== undefined && near <= loop.from + this.#frames.tolerance ? near : Math.round(loop.from);
-    const until = Math.round((loop.to - this.#place + (meant - loop.from)) / this.#speed);
-    return this.#pinTo(meant, until, loop.to, true);
+    const meant = this.#attackAt(loop.from);
+    const unheard = Math.min(this.#attackAt(loop.to), loop.to);
+    return this.#pinTo("seam", meant, Math.round(untilEnd + (meant - loop.from) / this.#speed), unheard);
   }
 
   /**
-   * @param {number} wanted the source when it is due
-   * @param {number} until frames until it is due
-   * @param {number} unheard what may not be heard of what is played now
-   * @param {boolean} seam
-   * @returns {Pin}
+   * @param {number} place
+   * @returns {number} the attack that is meant by it; the place itself where there is none
    */
-  #pinTo(wanted, until, unheard, seam) {
-    const { before, fade, shortFade } = this.#frames;
-    const shift = wanted - until - this.#source;
-    const latest = Math.min(until, unheard - this.#source) - before;
-    const length = Math.max(Math.min(fade, latest), shortFade);
-    return { wait: latest - length, length, until, shift, seam };
+  #attackAt(place) {
+    const near = this.#attacks[firstAtLeast(this.#attacks, place - this.#frames.tolerance)];
+    return near !== undefined && near <= place + this.#frames.tolerance ? near : Math.round(place);
   }
 
-  /** Goes on with the piece near the place that is most like what would follow. */
-  #takeUpLikest() {
+  /**
+   * @param {Pin["kind"]} kind
+   * @param {number} wanted the source when it is due
+   * @param {number} until frames until it is due
+   * @param {number} unheard
+   * @returns {Pin}
+   */
+  #pinTo(kind, wanted, until, unheard) {
+    const { before, fade, shortFade } = this.#frames;
+    const shift = wanted - until - this.#source;
+    const latest = Math.min(until, Math.floor(unheard) - this.#source) - before;
+    const length = Math.max(Math.min(fade, latest), shortFade);
+    return { wait: latest - length, length, until, shift, unheard, kind };
+  }
+
+  /**
+   * Goes on with the piece near the place that is most like what would follow.
+   *
+   * @param {Pin | null} pin what comes next
+   * @returns {boolean} whether there is one
+   */
+  #takeUpLikest(pin) {
     const { tolerance, fade, piece, past, before } = this.#frames;
     const drift = 1 - this.#speed;
     const used = Math.min(Math.max(Math.abs(drift) * (fade + piece), shortestStep * tolerance), 2 * tolerance);
-    const place = Math.round(this.#place);
-    let low = place - tolerance + (drift < 0 ? used : 0);
-    let high = place + tolerance - (drift > 0 ? used : 0);
-    const last = this.#attacks[this.#next - 1];
-    const next = this.#attacks[this.#next];
-    if (last !== undefined) {
-      low = Math.max(low, last + past);
-    }
-    if (next !== undefined) {
-      high = Math.min(high, next - before - fade);
-    }
-    low = Math.round(low);
-    high = Math.round(high);
+    const last = this.#attacks[this.#next - 1] ?? -Infinity;
+    const latest = pin ? pin.unheard - before - fade - piece : Infinity;
+    const low = Math.ceil(Math.max(this.#place - tolerance + (drift < 0 ? used : 0), last + past));
+    const high = Math.floor(Math.min(this.#place + tolerance - (drift > 0 ? used : 0), latest));
     if (low > high || (low <= this.#source && this.#source <= high)) {
-      this.#held = this.#frames.retry;
-      return;
+      return false;
     }
     this.#fadeTo(this.#likest(low, high), fade);
+    return true;
   }
 
   /**

@@ -115,6 +115,24 @@ for (const speed of [0.25, 0.5, 1, 2]) {
   });
 }
 
+test("a loop from the very beginning starts over in time, and nothing is silent at its seam", () => {
+  for (const speed of [0.25, 0.5, 1, 2]) {
+    const loop = { from: 0, to: 2 * sampleRate };
+    const heard = onsets(new Player([strokes(6, [0, 0.5, 1, 1.5, 2, 2.5, 3])], { speed, loop }).listen(7.9 / speed)[0], 0.02);
+    assert.equal(heard.length, 16, heard.map(Math.round).join());
+    heard.forEach((at, beat) => assert.ok(Math.abs(at - (500 * beat) / speed) < 2, `${at} instead of ${(500 * beat) / speed}`));
+    const hum = levels(new Player([sine(196)], { speed, loop }).listen(9)[0].subarray(2000), 5);
+    assert.ok(Math.min(...hum) > Math.max(...hum) - 12, String(Math.min(...hum)));
+  }
+});
+
+test("quick notes are heard once each when they are very slow", () => {
+  const quick = Array.from({ length: 30 }, (_, note) => 0.2 + 0.07 * note);
+  const heard = onsets(new Player([strokes(3, quick)], { speed: 0.25 }).listen(12)[0], 0.01);
+  assert.equal(heard.length, quick.length);
+  heard.forEach((at, note) => assert.ok(Math.abs(at - 4000 * quick[note]) < 0.2, `${at} instead of ${4000 * quick[note]}`));
+});
+
 test("a loop that ends behind the recording starts over at its end", () => {
   const player = new Player([strokes(2, [0.1, 0.6, 1.1, 1.6])], { loop: { from: 0, to: 100 * sampleRate } });
   assert.equal(onsets(player.listen(6)[0]).length, 12);

@@ -1,0 +1,81 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { AudioThread } from "./support/audio-thread.mjs";
+import { levels, onsets, sampleRate, sharpest, sound, strokes } from "./support/sounds.mjs";
+
+const beats = Array.from({ length: 16 }, (_, beat) => 0.5 + 0.5 * beat);
+const clicks = { times: Float64Array.from(beats, (beat) => beat * 1000), levels: Uint8Array.from(beats, (_, beat) => (beat % 4 === 0 ? 0 : 1)) };
+const click = Float32Array.of(0.5, 0.4, 0.3, 0.2, 0.1);
+const tone = sound(9, (t) => 0.5 * Math.sin(2 * Math.PI * 220 * t));
+
+/** A recording that is about to be played. */
+function loaded(samples, message = {}) {
+  const thread = new AudioThread();
+  thread.tell({ seek: { place: 0, turn: 1 }, ...message });
+  thread.load(samples);
+  return thread;
+}
+
+test("clicks and strokes are one, at any speed and from pass to pass of a loop", () => {
+  for (const speed of [0.25, 0.5, 1, 2]) {
+    const loop = { from: 1000, to: 3000 };
+    // The strokes come from the left alone, the clicks from both sides.
+    const thread = loaded(strokes(9, beats), { speed, loop, clicks, ticking: { levels: 2, first: click, others: click }, seek: { place: 900, turn: 1 } });
+    thread.tell({ playing: true });
+    const [left] = thread.listen(7.8 / speed);
+    const wanted = Array.from({ length: 16 }, (_, beat) => (100 + 500 * beat) / speed);
+    assert.deepEqual(onsets(left).map(Math.round), wanted.map(Math.round));
+    const silent = loaded(new Int16Array(9 * sampleRate), { speed, loop, clicks, ticking: { levels: 2, first: click, others: click }, seek: { place: 900, turn: 1 } });
+    silent.tell({ playing: true });
+    const ticks = onsets(silent.listen(7.8 / speed)[0]);
+    assert.equal(ticks.length, wanted.length);
+    ticks.forEach((at, beat) => assert.ok(Math.abs(at - wanted[beat]) < 0.2, `${at} instead of ${wanted[beat]}`));
+  }
+});
+
+test("what was asked for before the recording came counts", () => {
+  const thread = new AudioThread();
+  thread.tell({ playing: true, speed: 0.5, seek: { place: 900, turn: 3 } });
+  assert.ok(thread.listen(0.2)[0].every((sample) => sample === 0));
+  assert.equal(thread.reports.length, 0);
+  thread.load(strokes(9, beats));
+  assert.ok(Math.abs(onsets(thread.listen(0.5)[0])[0] - 200) < 0.2);
+  assert.equal(thread.reports[0].turn, 3);
+});
+
+test("the place that is heard is reported, through changes of speed and loops", () => {
+  const thread = loaded(tone, { delay: 0.05, loop: { from: 1000, to: 2000 }, seek: { place: 1000, turn: 1 } });
+  thread.tell({ playing: true });
+  thread.listen(0.5);
+  thread.tell({ speed: 0.5 });
+  thread.listen(1.2);
+  const places = thread.reports.map(({ place }) => place);
+  // Half a second at full speed, then half of a second and a bit: that is behind the end of the loop.
+  assert.ok(Math.abs(places.at(-1) - (1000 + 500 + 600 - 1000 - 25)) < 12, String(places.at(-1)));
+  assert.equal(thread.reports.filter(({ startsOver }) => startsOver).length, 1);
+  assert.ok(Math.max(...places) <= 2000 && Math.min(...places) >= 1000);
+});
+
+test("the end is reported when it is heard", () => {
+  const thread = loaded(sound(1, () => 0.5), { delay: 0.1 });
+  thread.tell({ playing: true });
+  thread.listen(1.05);
+  assert.ok(thread.reports.every(({ ended }) => !ended));
+  thread.listen(0.1);
+  const last = thread.reports.at(-1);
+  assert.ok(last.ended);
+  assert.ok(Math.abs(last.place - 1000) < 1);
+});
+
+test("a pause, a start, a seek and a new recording do not click", () => {
+  const thread = loaded(tone);
+  const actions = [{ playing: true }, { seek: { place: 3003, turn: 2 } }, { playing: false }, { playing: true }, { seek: { place: 1.7, turn: 3 } }, { sound: null }];
+  const parts = actions.map((action) => {
+    thread.tell(action);
+    return thread.listen(0.1)[0];
+  });
+  // A fade of some samples bends, but a break would bend by half of full scale.
+  assert.ok(sharpest(Float32Array.from(parts.flatMap((part) => [...part]))) < 0.06);
+  assert.ok(Math.max(...levels(parts[2].subarray(512), 20)) < -100);
+  assert.ok(Math.max(...levels(parts[5].subarray(512), 20)) < -100);
+});

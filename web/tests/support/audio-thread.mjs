@@ -1,0 +1,41 @@
+// The audio thread, without a loudspeaker: what it would play is returned.
+import { findAttacks } from "../../src/attacks.js";
+import { sampleRate } from "./sounds.mjs";
+
+let Processor;
+globalThis.sampleRate = sampleRate;
+globalThis.AudioWorkletProcessor = class {
+  reports = [];
+  port = { postMessage: (report) => this.reports.push(report) };
+};
+globalThis.registerProcessor = (_, processor) => (Processor = processor);
+await import("../../src/recording-processor.js");
+
+export class AudioThread {
+  #processor = new Processor();
+
+  /** What the page was told so far. */
+  get reports() {
+    return this.#processor.reports;
+  }
+
+  /** @param {object} message as the page sends it */
+  tell(message) {
+    this.#processor.port.onmessage({ data: structuredClone(message) });
+  }
+
+  /** @param {Int16Array[]} channels */
+  load(...channels) {
+    this.tell({ sound: { channels, attacks: findAttacks(channels, sampleRate), sampleRate } });
+  }
+
+  /** @returns {Float32Array[]} left and right, of whole blocks */
+  listen(seconds) {
+    const blocks = Math.round((seconds * sampleRate) / 128);
+    const [left, right] = [new Float32Array(blocks * 128), new Float32Array(blocks * 128)];
+    for (let at = 0; at < left.length; at += 128) {
+      this.#processor.process([], [[left.subarray(at, at + 128), right.subarray(at, at + 128)]]);
+    }
+    return [left, right];
+  }
+}
