@@ -32,9 +32,6 @@ const reportEvery = 768;
 const fadeOut = 256;
 const fadeIn = 32;
 
-/** A loop is at least so long, in seconds. */
-const shortestLoop = 0.02;
-
 const { AudioWorkletProcessor, registerProcessor, sampleRate } = /** @type {any} */ (globalThis);
 
 class RecordingProcessor extends AudioWorkletProcessor {
@@ -74,7 +71,7 @@ class RecordingProcessor extends AudioWorkletProcessor {
       this.#clicks.setPattern({ places, levels: clicks.levels }, this.#stretch?.place ?? this.#start);
     }
     if (loop !== undefined) {
-      this.#loop = loop && loop.to - loop.from > shortestLoop * 1000 ? { from: frames(loop.from), to: frames(loop.to) } : null;
+      this.#loop = loop && { from: frames(loop.from), to: frames(loop.to) };
       if (this.#stretch) {
         this.#stretch.loop = this.#loop;
       }
@@ -176,7 +173,7 @@ class RecordingProcessor extends AudioWorkletProcessor {
   #play(stretch, left, right) {
     for (let done = 0; done < left.length; ) {
       let count = Math.min(left.length - done, stretch.framesLeft);
-      if (count === 0 && this.#loop) {
+      if (count === 0 && stretch.hasLoop) {
         this.#startOver(stretch, done);
         continue;
       }

@@ -1,4 +1,6 @@
 // @ts-check
+import { Pieces } from "./pieces.js";
+
 /**
  * Plays a recording slower or faster at its own pitch, and keeps its attacks sharp and in time.
  *
@@ -35,9 +37,6 @@ const tolerance = 0.013;
 const fadeTime = 0.01;
 const shortFadeTime = 0.0015;
 
-/** Over how long two pieces are compared. */
-const likenessTime = 0.016;
-
 /** A piece is played for at least so long between two fades, in seconds, and is so far from the last, in tolerances. */
 const shortestPiece = 0.006;
 const shortestStep = 0.5;
@@ -45,6 +44,9 @@ const shortestStep = 0.5;
 /** What is played as it is, before and after an attack begins. */
 const beforeAttack = 0.003;
 const afterAttack = 0.025;
+
+/** A loop is at least so long. */
+const shortestLoop = 0.02;
 
 /** A source is settled at most so long before it is due: what was heard just before would be heard again. */
 const longestLead = 0.026;
@@ -55,20 +57,14 @@ const pastAttack = 0.008;
 /** Where no better piece may be taken up, it is tried again after this time. */
 const retry = 0.004;
 
-/** Pieces are compared coarsely first, by the mean of so many samples. */
-const coarse = 4;
-
-const full = 32768;
-
 export class TimeStretch {
-  #channels;
+  #pieces;
   #attacks;
   #length;
   #speed = 1;
   /** @type {Loop | null} */
   #loop = null;
   #place = 0;
-  #source = 0;
   /** Up to where it is played. */
   #end = 0;
   /** The first attack that is neither past nor settled. */
@@ -79,37 +75,27 @@ export class TimeStretch {
   #pin;
   /** What the source was settled for in this pass of the loop, when nothing is left to be settled. */
   #settled = "";
-  /** What fades out: its source, how long it did, how long it takes, and how alike the two are. */
-  #fading = { source: 0, done: 0, length: 0, likeness: 0 };
   #frames;
-  /** @type {Float32Array[]} */
-  #reference;
-  /** @type {Float32Array[]} */
-  #candidates;
 
   /** @param {Sound} sound */
   constructor({ channels, attacks, sampleRate }) {
     /** @type {(seconds: number) => number} */
     const frames = (seconds) => Math.max(Math.round(seconds * sampleRate), 1);
-    this.#channels = channels;
+    this.#pieces = new Pieces(channels, sampleRate, 2 * tolerance);
     this.#attacks = attacks;
     this.#length = channels[0].length;
     this.#frames = {
       tolerance: frames(tolerance),
       fade: frames(fadeTime),
       shortFade: frames(shortFadeTime),
-      likeness: frames(likenessTime),
       piece: frames(shortestPiece),
       before: frames(beforeAttack),
       after: frames(afterAttack),
       lead: frames(longestLead),
+      shortestLoop: frames(shortestLoop),
       past: frames(pastAttack),
       retry: frames(retry),
     };
-    const compared = Math.ceil(this.#frames.likeness / coarse);
-    const range = compared + Math.ceil((2 * this.#frames.tolerance) / coarse) + 2;
-    this.#reference = channels.map(() => new Float32Array(compared));
-    this.#candidates = channels.map(() => new Float32Array(range));
     this.jump(0);
   }
 
@@ -130,8 +116,18 @@ export class TimeStretch {
 
   /** @param {Loop | null} loop what startOver() is going to be called for; null for none */
   set loop(loop) {
+    if (this.#settled === "seam") {
+      // What is heard is the beginning of a pass that may not come.
+      this.#fadeTo(Math.round(this.#place), this.#frames.shortFade);
+    }
+    this.#settled = "";
     this.#loop = loop;
     this.#findEnd();
+  }
+
+  /** Whether there is a loop with something to hear in it. */
+  get hasLoop() {
+    return this.#loop !== null && Math.min(this.#loop.to, this.#length) - this.#loop.from > this.#frames.shortestLoop;
   }
 
   /** How many frames there are up to the end of the loop, or of the recording. */
@@ -148,12 +144,11 @@ export class TimeStretch {
 
   /** @param {number} place where to go on, at once: what sounds is broken off */
   jump(place) {
-    this.#fading.done = this.#fading.length;
-    this.#source = Math.round(place);
+    this.#pieces.begin(Math.round(place));
     this.#goOn(place);
   }
 
-  /** Goes on at the beginning of the loop. To be called when no frames are left. */
+  /** Goes on at the beginning of the loop. To be called when no frames are left and there is a loop. */
   startOver() {
     const from = this.#loop?.from ?? 0;
     const place = from + Math.max(this.#place - this.#end, 0);
@@ -169,7 +164,7 @@ export class TimeStretch {
     this.#settled = "";
     this.#findEnd();
     this.#held = this.#frames.after;
-    this.#next = firstAtLeast(this.#attacks, Math.max(place, this.#source));
+    this.#next = firstAtLeast(this.#attacks, Math.max(place, this.#pieces.source));
   }
 
   /**
@@ -185,7 +180,7 @@ export class TimeStretch {
         this.#decide();
         continue;
       }
-      this.#copy(left, right, at + done, steps);
+      this.#pieces.play(left, right, at + done, steps);
       done += steps;
       this.#place += steps * this.#speed;
       this.#held -= steps;
@@ -197,9 +192,8 @@ export class TimeStretch {
   }
 
   #untilDecision() {
-    const { done, length } = this.#fading;
-    if (done < length) {
-      return length - done;
+    if (this.#pieces.fadeLeft > 0) {
+      return this.#pieces.fadeLeft;
     }
     const pin = this.#nextPin();
     const free = Math.max(this.#untilOff(), this.#held, 0);
@@ -208,7 +202,7 @@ export class TimeStretch {
 
   /** For how many frames the source is near enough to the place when nothing is done. */
   #untilOff() {
-    const ahead = this.#source - this.#place;
+    const ahead = this.#pieces.source - this.#place;
     const drift = 1 - this.#speed;
     if (this.#settled || drift === 0) {
       return Infinity;
@@ -238,7 +232,7 @@ export class TimeStretch {
   /** @param {Pin} pin */
   #settle({ kind, shift, length, until }) {
     if (shift !== 0) {
-      this.#fadeTo(this.#source + shift, length);
+      this.#fadeTo(this.#pieces.source + shift, length);
     }
     this.#held = Math.max(until, 0) + this.#frames.after;
     if (kind === "attack") {
@@ -265,7 +259,7 @@ export class TimeStretch {
       if (seam && until > seam.until - this.#frames.fade) {
         break;
       }
-      if (Math.min(until, attack - this.#source) >= this.#frames.before + this.#frames.shortFade) {
+      if (Math.min(until, attack - this.#pieces.source) >= this.#frames.before + this.#frames.shortFade) {
         return this.#pinTo("attack", attack, until, attack);
       }
       this.#next++;
@@ -276,7 +270,7 @@ export class TimeStretch {
   /** @returns {Pin | null} */
   #seam() {
     const loop = this.#loop;
-    if (!loop || this.#end !== loop.to) {
+    if (!loop || !this.hasLoop || this.#end !== loop.to) {
       return null;
     }
     const untilEnd = (loop.to - this.#place) / this.#speed;
@@ -308,8 +302,8 @@ export class TimeStretch {
    */
   #pinTo(kind, wanted, until, unheard) {
     const { before, fade, shortFade } = this.#frames;
-    const shift = wanted - until - this.#source;
-    const latest = Math.min(until, Math.floor(unheard) - this.#source) - before;
+    const shift = wanted - until - this.#pieces.source;
+    const latest = Math.min(until, Math.floor(unheard) - this.#pieces.source) - before;
     const length = Math.max(Math.min(fade, latest), shortFade);
     return { wait: latest - length, length, until, shift, unheard, kind };
   }
@@ -328,10 +322,10 @@ export class TimeStretch {
     const latest = pin ? pin.unheard - before - fade - piece : Infinity;
     const low = Math.ceil(Math.max(this.#place - tolerance + (drift < 0 ? used : 0), last + past));
     const high = Math.floor(Math.min(this.#place + tolerance - (drift > 0 ? used : 0), latest));
-    if (low > high || (low <= this.#source && this.#source <= high)) {
+    if (low > high || (low <= this.#pieces.source && this.#pieces.source <= high)) {
       return false;
     }
-    this.#fadeTo(this.#likest(low, high), fade);
+    this.#fadeTo(this.#pieces.likest(low, high), fade);
     return true;
   }
 
@@ -340,134 +334,8 @@ export class TimeStretch {
    * @param {number} length of the fade
    */
   #fadeTo(source, length) {
-    this.#fading = { source: this.#source, done: 0, length, likeness: this.#likeness(this.#source, source, length) };
-    this.#source = source;
+    this.#pieces.fadeTo(source, length);
     this.#pin = undefined;
-  }
-
-  /**
-   * @param {Float32Array} left
-   * @param {Float32Array} right
-   * @param {number} at
-   * @param {number} count at most as many as the fade still takes
-   */
-  #copy(left, right, at, count) {
-    const fading = this.#fading;
-    const fades = fading.done < fading.length;
-    for (let channel = 0; channel < this.#channels.length; channel++) {
-      const output = channel === 0 ? left : right;
-      const samples = this.#channels[channel];
-      for (let i = 0; i < count; i++) {
-        output[at + i] = (samples[this.#source + i] ?? 0) / full;
-      }
-      if (fades) {
-        this.#mixFading(output, samples, at, count);
-      }
-    }
-    if (this.#channels.length === 1) {
-      right.set(left.subarray(at, at + count), at);
-    }
-    if (fades) {
-      fading.done += count;
-      fading.source += count;
-    }
-    this.#source += count;
-  }
-
-  /**
-   * The more alike the two are, the less louder both together are than each of them.
-   *
-   * @param {Float32Array} output
-   * @param {Int16Array} samples
-   * @param {number} at
-   * @param {number} count
-   */
-  #mixFading(output, samples, at, count) {
-    const { source, done, length, likeness } = this.#fading;
-    for (let i = 0; i < count; i++) {
-      const part = 0.5 - 0.5 * Math.cos((Math.PI * (done + i + 0.5)) / length);
-      const rest = 1 - part;
-      const level = 1 / Math.sqrt(part * part + rest * rest + 2 * part * rest * likeness);
-      output[at + i] = level * (part * output[at + i] + (rest * (samples[source + i] ?? 0)) / full);
-    }
-  }
-
-  /**
-   * @param {number} low
-   * @param {number} high the first and the last source to choose from
-   */
-  #likest(low, high) {
-    const { likeness } = this.#frames;
-    this.#average(this.#reference, this.#source);
-    this.#average(this.#candidates, low);
-    const compared = this.#reference[0].length;
-    const steps = Math.floor((high - low) / coarse);
-    let best = 0;
-    let most = -Infinity;
-    for (let step = 0; step <= steps; step++) {
-      let product = 0;
-      let energy = 1;
-      for (let channel = 0; channel < this.#reference.length; channel++) {
-        const reference = this.#reference[channel];
-        const candidates = this.#candidates[channel];
-        for (let i = 0; i < compared; i++) {
-          const value = candidates[step + i];
-          product += reference[i] * value;
-          energy += value * value;
-        }
-      }
-      const alike = product / Math.sqrt(energy);
-      if (alike > most) {
-        most = alike;
-        best = low + step * coarse;
-      }
-    }
-    let finest = best;
-    most = -Infinity;
-    for (let source = Math.max(best - coarse + 1, low); source < Math.min(best + coarse, high + 1); source++) {
-      const alike = this.#likeness(this.#source, source, likeness);
-      if (alike > most) {
-        most = alike;
-        finest = source;
-      }
-    }
-    return finest;
-  }
-
-  /**
-   * @param {Float32Array[]} means
-   * @param {number} from
-   */
-  #average(means, from) {
-    means.forEach((target, channel) => {
-      const samples = this.#channels[channel];
-      for (let i = 0, at = from; i < target.length; i++, at += coarse) {
-        target[i] = (samples[at] ?? 0) + (samples[at + 1] ?? 0) + (samples[at + 2] ?? 0) + (samples[at + 3] ?? 0);
-      }
-    });
-  }
-
-  /**
-   * @param {number} one
-   * @param {number} other
-   * @param {number} length
-   * @returns {number} from 0 for what has nothing in common to 1 for the same, whatever their levels
-   */
-  #likeness(one, other, length) {
-    let product = 0;
-    let oneEnergy = 0;
-    let otherEnergy = 0;
-    for (const samples of this.#channels) {
-      for (let i = 0; i < length; i++) {
-        const a = samples[one + i] ?? 0;
-        const b = samples[other + i] ?? 0;
-        product += a * b;
-        oneEnergy += a * a;
-        otherEnergy += b * b;
-      }
-    }
-    const energy = Math.sqrt(oneEnergy * otherEnergy);
-    return energy > 0 ? Math.max(product / energy, 0) : 1;
   }
 }
 

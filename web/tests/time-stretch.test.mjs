@@ -138,6 +138,25 @@ test("a loop that ends behind the recording starts over at its end", () => {
   assert.equal(onsets(player.listen(6)[0]).length, 12);
 });
 
+test("a loop with nothing in it ends like the recording", () => {
+  for (const loop of [{ from: 3 * sampleRate, to: 4 * sampleRate }, { from: 1000, to: 1001 }, { from: 2 * sampleRate - 1, to: 9 * sampleRate }]) {
+    const player = new Player([sound(2, () => 0.1)], { loop });
+    player.stretch.jump(sampleRate);
+    assert.equal(player.listen(3)[0].length, sampleRate);
+  }
+});
+
+test("a loop that is given up at its seam goes on behind it", () => {
+  for (const speed of [0.5, 1]) {
+    const player = new Player([strokes(4, [1, 1.5, 2, 2.5, 3])], { speed, loop: { from: 1.3 * sampleRate, to: 2.3 * sampleRate } });
+    player.stretch.jump(1.8 * sampleRate);
+    player.listen(0.498 / speed);
+    player.stretch.loop = null;
+    const heard = onsets(player.listen(2)[0]);
+    assert.ok(Math.abs(heard[0] - 202 / speed) < 1, String(heard));
+  }
+});
+
 test("a recording ends when its time is over, however short it is", () => {
   for (const frames of [0, 1, 10, 500, 3000]) {
     for (const speed of speeds) {

@@ -29,7 +29,6 @@ export class Player {
     this.stretch = new TimeStretch({ channels, attacks, sampleRate });
     this.stretch.speed = speed;
     this.stretch.loop = loop;
-    this.loop = loop;
   }
 
   /** @returns {Float32Array[]} left and right; shorter where the recording ends */
@@ -40,7 +39,7 @@ export class Player {
     let done = 0;
     while (done < length) {
       const count = Math.min(128 - (done % 128), length - done, this.stretch.framesLeft);
-      if (count === 0 && !this.loop) {
+      if (count === 0 && !this.stretch.hasLoop) {
         break;
       }
       if (count === 0) {
