@@ -7,51 +7,24 @@
 /** How often the sound system is asked how far it is to the ear, in milliseconds. */
 const interval = 1000;
 
-/** From a report of what is heard it takes so many frames until the mark is on the screen. */
-const framesToDraw = 3.5;
+/** From a report of what is heard until the mark is on the screen it takes so long, in seconds. */
+const drawingTime = 0.018;
 
-/** How many frames are timed at a time, and what the longest of them counts as, in seconds. */
-const framesTimed = 12;
-const longestFrame = 1 / 35;
-
-/** What is assumed before anything was timed, in seconds. */
-const assumed = { frame: 1 / 36, output: 0.04 };
-
-/** How much of what was assumed a new timing replaces: a mark that jumps to and fro is worse than one a little off. */
-const trust = 0.25;
-
-/** @returns {Promise<number>} how long a frame takes at present, in seconds */
-async function frameTime() {
-  const nextFrame = () => new Promise((resolve) => requestAnimationFrame(resolve));
-  const start = await nextFrame();
-  let end = start;
-  for (let frame = 0; frame < framesTimed; frame++) {
-    end = await nextFrame();
-  }
-  return Math.min((end - start) / framesTimed / 1000, longestFrame);
-}
+/** How far it is to the ear where the sound system does not tell, in seconds. */
+const assumedLatency = 0.04;
 
 /**
  * @param {AudioContext} context
- * @param {(seconds: number) => void} tell called at once and whenever it was measured again; below zero when what is
- *     reported is seen later than it is heard
+ * @param {(seconds: number) => void} tell called at once and then every second while there is sound; below zero when
+ *     what is reported is seen later than it is heard
  * @returns {() => void} ends the watch
  */
 export function watchHearingDelay(context, tell) {
-  let frame = assumed.frame;
-  let timing = false;
-  const report = () => tell((context.outputLatency || assumed.output) + context.baseLatency - frame * framesToDraw);
-  const measure = async () => {
-    timing = true;
-    frame += trust * ((await frameTime()) - frame);
-    report();
-    timing = false;
-  };
+  const report = () => tell((context.outputLatency || assumedLatency) + context.baseLatency - drawingTime);
   report();
   const timer = setInterval(() => {
-    // A page that nobody sees draws no frames.
-    if (context.state === "running" && !timing) {
-      void measure();
+    if (context.state === "running") {
+      report();
     }
   }, interval);
   return () => clearInterval(timer);
