@@ -1,6 +1,8 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
+import { fullScale } from "./full-scale.js";
 import { HeardTime } from "./heard-time.js";
+import { Instruments } from "./instruments.js";
 
 /**
  * The engine's synthesizer, as a musician who practises needs it. Runs in a worker. What is different:
@@ -10,6 +12,7 @@ import { HeardTime } from "./heard-time.js";
  * - A change of speed goes on from where the sound is. The engine seeks, which cuts off every note.
  * - A pause stays at what was heard last, not at what was rendered last.
  * - The place it reports is the place that is heard.
+ * - Its sounds can be replaced while it plays.
  *
  * @typedef {object} CountIn
  * @property {number} beats none for no count-in
@@ -80,6 +83,7 @@ function silentOutput(/** @type {number} */ sampleRate, /** @type {Line} */ line
 export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   #sampleRate;
   #heardTime;
+  #instruments;
   /** Samples rendered since the stream began. */
   #rendered = 0;
   /** @type {number | null} the sample after which there is nothing more to hear */
@@ -104,6 +108,12 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     super(silentOutput(sampleRate, { ...line, clear }), 0);
     this.#sampleRate = sampleRate;
     this.#heardTime = new HeardTime(sampleRate);
+    this.#instruments = new Instruments(/** @type {any} */ (this).synthesizer);
+  }
+
+  /** What it sounds like. */
+  get instruments() {
+    return this.#instruments;
   }
 
   get #sequencer() {
@@ -125,6 +135,24 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     if (this.#countIn) {
       this.#beginCountIn();
     }
+  }
+
+  /**
+   * @override
+   * @param {import("@coderline/alphatab").midi.MidiFile} midi
+   */
+  loadMidiFile(midi) {
+    this.#instruments.setEvents(midi.events);
+    super.loadMidiFile(midi);
+  }
+
+  /**
+   * @override
+   * @param {Map<number, number>} semitones by channel
+   */
+  applyTranspositionPitches(semitones) {
+    this.#instruments.setTranspositions(semitones);
+    super.applyTranspositionPitches(semitones);
   }
 
   /** @override */
@@ -179,6 +207,9 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
       this.#mixFading(samples, frames, count);
       frames += count;
       this.#rendered += count;
+    }
+    for (let i = 0; i < frames * 2; i++) {
+      samples[i] /= fullScale;
     }
     return samples.subarray(0, frames * 2);
   }
