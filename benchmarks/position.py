@@ -4,7 +4,7 @@
 
 usage: position.py [SECONDS], with the program's build folder beside QUAVERLY_PROGRAM
 
-The window is handed messages thirty a second while nothing plays; what it takes when idle is subtracted.
+The window is handed messages fifteen a second while nothing plays; what it takes when idle is subtracted.
 """
 
 import sys
@@ -23,10 +23,10 @@ def main():
         window.rest(seconds)
         idle = main_thread_time(window.number) - begin
         begin = main_thread_time(window.number)
-        window.tell(f"positions {int(seconds * 30)}")
+        window.tell(f"positions {int(seconds * 15)}")
         window.rest(seconds)
         busy = main_thread_time(window.number) - begin
-        print(f"{(busy - idle) * 1000 / (seconds * 30):.2f} ms a message ({idle * 1000 / seconds:.1f} ms a second idle)")
+        print(f"{(busy - idle) * 1000 / (seconds * 15):.2f} ms a message ({idle * 1000 / seconds:.1f} ms a second idle)")
 
 
 if __name__ == "__main__":

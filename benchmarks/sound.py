@@ -231,13 +231,13 @@ def mute(room, table, options):
 
 
 class Marks:
-    """Watches the screen for the note that is marked as playing, and writes down when that is another one."""
+    """Watches the screen for the band that stands at what is playing, and writes down when it stands elsewhere."""
 
     # Where the first line of music is. Looking at more costs the program processor time.
     TOP, BOTTOM = 225, 345
-    # The line that runs through the whole system is as green as the note, and higher than any.
+    # The band runs through the whole system; the note it stands at is marked in the same colour, but not as high.
     HIGHEST_NOTE = 60
-    # Two notes are farther apart than this, in pixels, and one is not wider.
+    # Two notes are farther apart than this, in pixels.
     STEP = 14
 
     def __init__(self, screen):
@@ -251,20 +251,19 @@ class Marks:
         pixels = numpy.frombuffer(self._screen.rows(self.TOP, self.BOTTOM), dtype=numpy.uint8)
         blue, green, red = (pixels.reshape(self.BOTTOM - self.TOP, -1, 4)[:, :, colour].astype(numpy.int16)
                             for colour in range(3))
-        marked = (green - red > 50) & (green - blue > 25)
-        line = numpy.convolve(marked.sum(axis=0) > self.HIGHEST_NOTE, numpy.ones(9), "same") > 0
-        marked[:, line] = False
-        rows, columns = numpy.nonzero(marked)
-        return None if len(columns) < 12 else (numpy.median(columns), numpy.median(rows))
+        marked = (green - red > 6) & (green - blue > 4)
+        band = numpy.flatnonzero(marked.sum(axis=0) > self.HIGHEST_NOTE)
+        return numpy.median(band) if len(band) else None
 
     def _watch(self):
         before = None
         while not self._stopped.is_set():
             now = time.monotonic()
             place = self._place()
-            if place and (before is None or numpy.hypot(place[0] - before[0], place[1] - before[1]) > self.STEP):
+            # Where it stands at first it stands before the note is heard.
+            if place is not None and before is not None and abs(place - before) > self.STEP:
                 self.changes.append(now)
-                before = place
+            before = place if place is not None else before
             self._stopped.wait(0.006)
 
     def finish(self):
@@ -274,7 +273,7 @@ class Marks:
 
 
 def mark(room, table, options):
-    """The marked note against the note that is heard."""
+    """The mark on the score against the note that is heard."""
     room.window.open(room.desk.strokes(4))
     room.window.call("setLooping", True)
     for speed in (1.0, 0.5):

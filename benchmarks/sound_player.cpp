@@ -3,7 +3,7 @@
 //
 //   open PATH      js SCRIPT      mute TRACK      resize WIDTH HEIGHT      wheel STEPS      positions COUNT      quit
 //
-// "positions" hands the window position messages as a playing page does, thirty a second. When the main thread was busy
+// "positions" hands the window position messages as a playing page does, fifteen a second. When the main thread was busy
 // for long, "stalled" and the milliseconds are written. Every page message and every line carried out is written to
 // standard output as one line: the time in seconds of the monotonic clock, "message" or "did", and the message as JSON
 // or the line.
@@ -95,11 +95,11 @@ private:
         auto *timer = new QTimer(&m_window);
         QObject::connect(timer, &QTimer::timeout, &m_window, [this, timer, count, fed = 0]() mutable {
             m_controller.handle(
-                { { u"type"_s, u"position"_s }, { u"currentTime"_s, 33.0 * fed }, { u"endTime"_s, 33.0 * count } });
+                { { u"type"_s, u"position"_s }, { u"currentTime"_s, 66.0 * fed }, { u"endTime"_s, 66.0 * count } });
             if (++fed == count)
                 timer->deleteLater();
         });
-        timer->start(33);
+        timer->start(66);
     }
 
     /// Over the middle of the score, as a mouse does.

@@ -1,6 +1,7 @@
 // @ts-check
 import { decodeBase64, encodeBase64 } from "./base64.js";
 import { connect, expose } from "./bridge.js";
+import { Cursor } from "./cursor.js";
 import { Documents } from "./documents.js";
 import { DrumChannels } from "./drum-channels.js";
 import { Engine } from "./engine.js";
@@ -42,6 +43,7 @@ const sheet = new Sheet(engine, paper, desk, new Heading(element("heading")), ()
 });
 const selection = new Selection(engine, playback);
 new Follow(engine, playback, desk);
+engine.customCursorHandler = new Cursor();
 const documents = new Documents({ engine, playback, mixer, selection, sheet, post });
 new SoundBank(engine, post);
 

@@ -5,8 +5,8 @@
  * @typedef {{ currentTime: number, endTime: number }} Position milliseconds of score time
  */
 
-/** Shortest time between two positions while playing, in milliseconds: 30 a second at most. */
-export const shortestGap = 1000 / 30;
+/** Shortest time between two positions while playing, in milliseconds: 15 a second at most. */
+export const shortestGap = 1000 / 15;
 
 export class PositionFeed {
   #deliver;

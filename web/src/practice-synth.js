@@ -7,6 +7,7 @@ import { Instruments } from "./instruments.js";
 /**
  * The engine's synthesizer, as a musician who practises needs it. Runs in a worker. What is different:
  *
+ * - A note begins at its own sample. The engine lets it begin with the step of 64 samples that it falls into.
  * - A loop starts over from one sample to the next. The engine waits until the last sample has been heard.
  * - A bar is counted in by the synthesizer itself, so that its clicks and the first note are of one stream.
  * - A change of speed goes on from where the sound is. The engine seeks, which cuts off every note.
@@ -40,17 +41,26 @@ import { Instruments } from "./instruments.js";
  * @property {(time: number) => void} mainSeek
  * @property {() => void} fillMidiEventQueue hands over the events of the next `step` samples
  *
- * @typedef {object} Synthesizer
+ * @typedef {object} SynthEvent
+ * @property {number} time milliseconds of score time
+ * @property {{ type: number }} [event]
+ *
+ * @typedef {import("./fine-preset.js").PresetMaker & SoundMaker} Synthesizer
+ * @typedef {object} SoundMaker
  * @property {number} activeVoiceCount
  * @property {(buffer: Float32Array, at: number, frames: number) => void} synthesize adds to what is in the buffer
  * @property {(frames: number) => void} synthesizeSilent ends all voices
  * @property {(immediate: boolean) => void} noteOffAll
+ * @property {(event: SynthEvent) => void} dispatchEvent takes effect with the next samples
  * @property {(channel: number, key: number, velocity: number) => void} channelNoteOn
  * @property {(channel: number, bank: number, program: number) => void} channelSetBankPreset
  */
 
-/** The engine renders in steps of this many samples; events fall on their beginning. */
+/** The engine hands over events in steps of this many samples. */
 const step = 64;
+
+/** How often the place is reported while no note begins, a second. */
+const reportsPerSecond = 15;
 
 /** What still sounds at a seam fades out over this many samples. */
 const fadeLength = 480;
@@ -86,6 +96,12 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   #instruments;
   /** Samples rendered since the stream began. */
   #rendered = 0;
+  /** The samples with which notes begin that have not been heard yet, and those of them nobody was told of. */
+  #notes = /** @type {number[]} */ ([]);
+  #news = /** @type {number[]} */ ([]);
+  /** Milliseconds of score time. */
+  #heardPlace = 0;
+  #reportedFrame = -Infinity;
   /** @type {number | null} the sample after which there is nothing more to hear */
   #end = null;
   #ringingOut = 0;
@@ -98,6 +114,9 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   #clicks = 0;
   /** @type {Float32Array | null} what fades out over the next samples, of two channels */
   #fading = null;
+  /** @type {SynthEvent[] | null} where events are held back until their sample comes */
+  #held = null;
+  #dispatch;
 
   /**
    * @param {number} sampleRate samples a second
@@ -108,7 +127,16 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     super(silentOutput(sampleRate, { ...line, clear }), 0);
     this.#sampleRate = sampleRate;
     this.#heardTime = new HeardTime(sampleRate);
-    this.#instruments = new Instruments(/** @type {any} */ (this).synthesizer);
+    const synthesizer = this.#synthesizer;
+    this.#instruments = new Instruments(synthesizer);
+    this.#dispatch = synthesizer.dispatchEvent.bind(synthesizer);
+    synthesizer.dispatchEvent = (event) => {
+      if (this.#held) {
+        this.#held.push(event);
+      } else {
+        this.#dispatch(event);
+      }
+    };
   }
 
   /** What it sounds like. */
@@ -167,11 +195,12 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   /** @override */
   pause() {
     const playing = this.state === alphaTab.synth.PlayerState.Playing;
+    const heard = this.#heardPlace;
     this.#countIn = null;
     super.pause();
     if (playing) {
       // Back from what was rendered to what was heard.
-      this.timePosition = super.timePosition;
+      this.timePosition = heard / this.#sequencer.playbackSpeed;
     }
   }
 
@@ -186,10 +215,9 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
    * @param {number} speed
    */
   updatePlaybackSpeed(speed) {
-    const heard = super.timePosition * this.#sequencer.playbackSpeed;
     this.#sequencer.playbackSpeed = speed;
     this.#mark(false);
-    this.#report(heard, true);
+    this.#report(this.#heardPlace, true);
   }
 
   /**
@@ -214,14 +242,31 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     return samples.subarray(0, frames * 2);
   }
 
-  /** @param {number} frame of the stream that is heard now */
+  /** @returns {number[]} the frames of the stream with which notes begin, in what was rendered since the last call */
+  takeNotes() {
+    return this.#news.splice(0);
+  }
+
+  /**
+   * Reports the place where a note begins, and in between now and then.
+   *
+   * @param {number} frame of the stream that is heard now
+   */
   heard(frame) {
     if (this.state !== alphaTab.synth.PlayerState.Playing) {
       return;
     }
     const heard = this.#heardTime.at(frame);
     if (heard) {
-      this.#report(heard.place, heard.startsOver);
+      this.#heardPlace = heard.place;
+      const noteBegins = this.#notes[0] <= frame;
+      while (this.#notes[0] <= frame) {
+        this.#notes.shift();
+      }
+      if (noteBegins || heard.startsOver || frame - this.#reportedFrame >= this.#sampleRate / reportsPerSecond) {
+        this.#reportedFrame = frame;
+        this.#report(heard.place, heard.startsOver);
+      }
     }
     if (this.#end !== null && frame >= this.#end) {
       this.stop();
@@ -240,8 +285,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     const left = this.#framesLeft();
     if (left >= 1) {
       const count = Math.min(step, left);
-      this.#sequencer.fillMidiEventQueue();
-      this.#synthesizer.synthesize(samples, at * 2, count);
+      this.#renderScore(samples, at, count);
       return count;
     }
     if (this.isLooping) {
@@ -249,6 +293,49 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
       return 0;
     }
     return this.#ringOut(samples, at);
+  }
+
+  /**
+   * The events of a step that is cut short by the end of the range, and lie behind it, are dropped.
+   *
+   * @param {Float32Array} samples
+   * @param {number} at
+   * @param {number} count at most `step`
+   */
+  #renderScore(samples, at, count) {
+    const begin = this.#renderedPlace;
+    const perFrame = (1000 / this.#sampleRate) * this.#sequencer.playbackSpeed;
+    /** @type {SynthEvent[]} */
+    const events = [];
+    this.#held = events;
+    this.#sequencer.fillMidiEventQueue();
+    this.#held = null;
+    let done = 0;
+    for (const event of events) {
+      const due = Math.round((event.time - begin) / perFrame);
+      if (due >= count && count < step) {
+        break;
+      }
+      if (due > done) {
+        this.#synthesizer.synthesize(samples, (at + done) * 2, due - done);
+        done = due;
+      }
+      this.#dispatch(event);
+      if (event.event?.type === alphaTab.midi.MidiEventType.NoteOn) {
+        this.#noteBegins(this.#rendered + done);
+      }
+    }
+    if (count > done) {
+      this.#synthesizer.synthesize(samples, (at + done) * 2, count - done);
+    }
+  }
+
+  /** @param {number} frame */
+  #noteBegins(frame) {
+    if (this.#notes.at(-1) !== frame) {
+      this.#notes.push(frame);
+      this.#news.push(frame);
+    }
   }
 
   /** How many frames there are up to the end of the score, or of the range. */
@@ -365,6 +452,10 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     line.clear();
     this.#heardTime.clear();
     this.#rendered = 0;
+    this.#notes = [];
+    this.#news = [];
+    this.#heardPlace = this.#renderedPlace;
+    this.#reportedFrame = -Infinity;
     this.#end = null;
     this.#ringingOut = 0;
     this.#fading = null;

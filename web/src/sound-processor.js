@@ -8,7 +8,8 @@ import { SampleQueue } from "./sample-queue.js";
  * @typedef {{ port?: MessagePort, latency?: number, brace?: number }} FromPage latency in frames: by how much later
  *     than here a sample is heard than what is reported of it is seen; below zero when it is heard first; brace: for how
  *     many frames the page will keep the processor busy
- * @typedef {{ stream: number, samples?: Float32Array, playing?: boolean }} FromSynth
+ * @typedef {{ stream: number, samples?: Float32Array, notes?: number[], playing?: boolean }} FromSynth notes: frames of
+ *     the stream that the synthesizer wants to be told of as soon as they are heard
  * @typedef {{ stream: number, want?: number, heard?: number }} ToSynth frames
  */
 
@@ -23,7 +24,10 @@ const increase = 512;
 const portion = 512;
 
 /** After how many frames the synthesizer is told again what is heard. */
-const reportEvery = 768;
+const reportEvery = 1536;
+
+/** After how many at the soonest, when a note begins. */
+const reportSoonest = 256;
 
 /** How long a sound that is broken off takes to fade, in frames. */
 const fadeLength = 256;
@@ -44,6 +48,8 @@ class SoundProcessor extends AudioWorkletProcessor {
   /** How many frames had been taken at each of the last calls. @type {number[]} */
   #history = [];
   #sinceReport = 0;
+  /** @type {number[]} those of which the synthesizer has not been told yet */
+  #notes = [];
   /** @type {[Float32Array, Float32Array]} */
   #fade = [new Float32Array(0), new Float32Array(0)];
   #faded = 0;
@@ -64,7 +70,7 @@ class SoundProcessor extends AudioWorkletProcessor {
   }
 
   /** @param {FromSynth} message */
-  #listen({ stream, samples, playing }) {
+  #listen({ stream, samples, notes, playing }) {
     if (stream > this.#stream) {
       this.#breakOff();
       this.#stream = stream;
@@ -78,6 +84,7 @@ class SoundProcessor extends AudioWorkletProcessor {
     if (samples && stream === this.#stream) {
       this.#asked = Math.max(this.#asked - portion, 0);
       this.#queue.push(samples);
+      this.#notes.push(...(notes ?? []));
     }
   }
 
@@ -97,6 +104,7 @@ class SoundProcessor extends AudioWorkletProcessor {
     this.#taken = 0;
     this.#history = [];
     this.#sinceReport = 0;
+    this.#notes = [];
   }
 
   /**
@@ -135,9 +143,17 @@ class SoundProcessor extends AudioWorkletProcessor {
       this.#history.splice(0, this.#history.length - kept);
     }
     this.#sinceReport += frames;
-    if (this.#history.length === kept && this.#sinceReport >= reportEvery) {
+    if (this.#history.length < kept) {
+      return;
+    }
+    const heard = this.#history[0] + Math.max(-this.#latency, 0);
+    const due = this.#notes[0] <= heard ? reportSoonest : reportEvery;
+    if (this.#sinceReport >= due) {
       this.#sinceReport = 0;
-      this.#send({ stream: this.#stream, heard: this.#history[0] + Math.max(-this.#latency, 0) });
+      while (this.#notes[0] <= heard) {
+        this.#notes.shift();
+      }
+      this.#send({ stream: this.#stream, heard });
     }
   }
 

@@ -18,29 +18,11 @@ const latencyInterval = 1000;
 const busySigns = ["resize", "wheel"];
 const busyTime = 2;
 
-/** From a report of what is heard it takes so many frames until the mark is on the screen. */
-const framesToDraw = 3.5;
+/** From a report of what is heard until the mark is on the screen it takes so long, in seconds. */
+const drawingTime = 0.018;
 
-/** How many frames are timed at a time, and what the longest of them counts as, in seconds. */
-const framesTimed = 12;
-const longestFrame = 1 / 35;
-
-/** What is assumed before anything was timed, in seconds. */
-const assumed = { frame: 1 / 36, output: 0.04 };
-
-/** How much of what was assumed a new timing replaces: a mark that jumps to and fro is worse than one a little off. */
-const trust = 0.25;
-
-/** @returns {Promise<number>} how long a frame takes at present, in seconds */
-async function frameTime() {
-  const nextFrame = () => new Promise((resolve) => requestAnimationFrame(resolve));
-  const start = await nextFrame();
-  let end = start;
-  for (let frame = 0; frame < framesTimed; frame++) {
-    end = await nextFrame();
-  }
-  return Math.min((end - start) / framesTimed / 1000, longestFrame);
-}
+/** How far it is to the ear where the sound system does not tell, in seconds. */
+const assumedLatency = 0.04;
 
 /** Where the synthesizer sounds: an audio context that sleeps when there is nothing to hear. */
 class SoundOutput {
@@ -79,24 +61,14 @@ class SoundOutput {
       const brace = () => node.port.postMessage({ brace: Math.round(busyTime * context.sampleRate) });
       addEventListener(sign, brace, { passive: true, signal: this.#busyListening.signal });
     }
-    /** @type {(frame: number) => void} */
-    const tellLatency = (frame) => {
-      const seconds = (context.outputLatency || assumed.output) + context.baseLatency - frame * framesToDraw;
+    const tellLatency = () => {
+      const seconds = (context.outputLatency || assumedLatency) + context.baseLatency - drawingTime;
       node.port.postMessage({ latency: Math.round(seconds * context.sampleRate) });
     };
-    let frame = assumed.frame;
-    tellLatency(frame);
-    let timing = false;
-    const measure = async () => {
-      timing = true;
-      frame += trust * ((await frameTime()) - frame);
-      tellLatency(frame);
-      timing = false;
-    };
+    tellLatency();
     this.#latencyTimer = setInterval(() => {
-      // A page that nobody sees draws no frames.
-      if (context.state === "running" && !timing) {
-        void measure();
+      if (context.state === "running") {
+        tellLatency();
       }
     }, latencyInterval);
     this.#fallAsleep();

@@ -76,7 +76,8 @@ class Line {
         return;
       }
       if (want !== undefined) {
-        this.#send({ samples: synth.render(want) ?? new Float32Array(0) });
+        const samples = synth.render(want) ?? new Float32Array(0);
+        this.#send({ samples, notes: synth.takeNotes() });
       }
       if (heard !== undefined) {
         synth.heard(heard);

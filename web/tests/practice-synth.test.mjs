@@ -5,8 +5,8 @@ import { Rehearsal, onsets, sampleRate, scoreOf } from "./support/rehearsal.mjs"
 
 // The tracks are silent here: no instruments are loaded. What sounds are the metronome's clicks.
 
-/** The engine hands over events in steps of this many milliseconds, early ones rather than late ones. */
-const step = (64 * 1000) / sampleRate;
+/** A note begins at the sample nearest to its time; times lie on that grid from the first one on. */
+const sample = 1000 / sampleRate;
 
 /** @param {string} text alphaTex */
 function rehearse(text) {
@@ -22,7 +22,7 @@ function rehearse(text) {
 function assertAt(heard, wanted) {
   assert.equal(heard.length, wanted.length, `${heard.map(Math.round)} instead of ${wanted.map(Math.round)}`);
   heard.forEach((at, index) => {
-    assert.ok(at > wanted[index] - step - 0.2 && at < wanted[index] + 0.2, `${at} instead of ${wanted[index]}`);
+    assert.ok(Math.abs(at - wanted[index]) <= 2 * sample, `${at} instead of ${wanted[index]}`);
   });
 }
 
@@ -139,6 +139,39 @@ test("a pause stays at what was heard", () => {
   rehearsal.synth.heard(0.8 * sampleRate);
   rehearsal.synth.pause();
   assert.ok(Math.abs(rehearsal.synth.timePosition - 800) < 1);
+});
+
+test("a place is reported when a note begins, and otherwise now and then", () => {
+  const rehearsal = rehearse(`\\tempo 120 ${bar} ${bar}`);
+  rehearsal.playback.playPause();
+  rehearsal.listen(1.9);
+  const beats = rehearsal.synth.takeNotes().filter((frame) => frame % (sampleRate / 2) === 0);
+  assert.deepEqual(beats, [0, 0.5, 1, 1.5].map((seconds) => seconds * sampleRate));
+  const places = [];
+  rehearsal.synth.positionChanged.on(({ currentTime }) => places.push(currentTime));
+  for (let frame = 0; frame <= 1.1 * sampleRate; frame += sampleRate / 1000) {
+    rehearsal.synth.heard(frame);
+  }
+  assert.ok(places.some((place) => Math.abs(place - 500) < 0.1) && places.some((place) => Math.abs(place - 1000) < 0.1), String(places));
+  assert.ok(places.length > 15 && places.length < 30, String(places));
+});
+
+test("a pause stays at what was heard since the last report", () => {
+  const rehearsal = rehearse(`\\tempo 120 ${bar} ${bar}`);
+  rehearsal.playback.playPause();
+  rehearsal.listen(1);
+  rehearsal.synth.heard(0.8 * sampleRate);
+  rehearsal.synth.heard(0.81 * sampleRate);
+  rehearsal.synth.pause();
+  assert.ok(Math.abs(rehearsal.synth.timePosition - 810) < 1);
+});
+
+test("a range ends before the note that begins with its end", () => {
+  const rehearsal = rehearse(`\\tempo 137 ${bar} ${bar} ${bar}`);
+  rehearsal.metronome.turn(true);
+  rehearsal.synth.playbackRange = { startTick: 0, endTick: 4 * 960 };
+  rehearsal.playback.playPause();
+  assertAt(onsets(rehearsal.listen(3)), evenBeats(4, 60000 / 137));
 });
 
 test("the metronome changes with its next click, the stream without a break", () => {

@@ -1,0 +1,82 @@
+import assert from "node:assert/strict";
+import { createRequire } from "node:module";
+import { test } from "node:test";
+
+globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ENGINE);
+const { alphaTab } = globalThis;
+const { LayoutRun, nextStep } = await import("../src/layout-run.js");
+
+const width = 900;
+const view = { left: 0, top: 0, right: width, bottom: 600 };
+const bar = "c4.4 d4 e4 f4 |";
+
+function drawing() {
+  const settings = new alphaTab.Settings();
+  settings.core.engine = "svg";
+  settings.core.enableLazyLoading = true;
+  const score = alphaTab.importer.ScoreLoader.loadAlphaTex(bar.repeat(120), settings);
+  const renderer = new alphaTab.rendering.ScoreRenderer(settings);
+  renderer.width = width;
+  return { settings, score, renderer };
+}
+
+/** All pieces of a run, with what they were when they were delivered. */
+function pieces(run) {
+  const all = [];
+  while (!run.finished) {
+    const piece = run.step();
+    if (piece) {
+      all.push({ ...piece, painted: piece.parts.filter((part) => part.renderResult) });
+      run.delivered(piece);
+    }
+  }
+  return all;
+}
+
+const lines = (parts) => parts.filter((part) => part.firstMasterBarIndex >= 0).map((part) => [part.firstMasterBarIndex, part.lastMasterBarIndex]);
+
+test("each bar is laid out once, in the lines of a layout in one go", () => {
+  const { score, renderer } = drawing();
+  const inPieces = pieces(new LayoutRun(renderer, score, [0], view)).flatMap((piece) => lines(piece.parts));
+  const whole = drawing();
+  const parts = [];
+  whole.renderer.partialLayoutFinished.on((part) => parts.push(part));
+  whole.renderer.renderScore(whole.score, [0]);
+  assert.deepEqual(inPieces, lines(parts));
+  assert.equal(inPieces.at(-1)[1], 119);
+});
+
+test("the first piece fills the view and is painted there, and what lies below is not painted", () => {
+  const { score, renderer } = drawing();
+  const all = pieces(new LayoutRun(renderer, score, [0], view));
+  assert.ok(all.length > 1);
+  const [first, ...others] = all;
+  assert.ok(first.height >= view.bottom);
+  assert.ok(first.painted.length > 3 && first.painted.every((part) => part.y < view.bottom));
+  assert.ok(first.parts.every((part) => part.y >= view.bottom || first.painted.includes(part)));
+  assert.ok(others.every((piece) => piece.painted.length === 0));
+});
+
+test("the pieces say which is the first and which the last, and their places cover all lines", () => {
+  const { score, renderer } = drawing();
+  const all = pieces(new LayoutRun(renderer, score, [0], view));
+  assert.deepEqual(all.map((piece) => piece.first), all.map((_, index) => index === 0));
+  assert.deepEqual(all.map((piece) => piece.last), all.map((_, index) => index === all.length - 1));
+  const places = all.map((piece) => alphaTab.rendering.BoundsLookup.fromJson(piece.bounds, score).staffSystems.length);
+  assert.equal(places.reduce((sum, count) => sum + count), all.flatMap((piece) => lines(piece.parts)).length);
+  assert.ok(all.every((piece, index) => index === 0 || piece.height >= all[index - 1].height));
+});
+
+test("a score that fits the view is one piece", () => {
+  const { score, renderer } = drawing();
+  const all = pieces(new LayoutRun(renderer, score, [0], { ...view, bottom: 100000 }));
+  assert.equal(all.length, 1);
+  assert.equal(all[0].painted.length, all[0].parts.length);
+});
+
+test("steps grow where bars are quick to lay out, shrink where they are slow, and never come to a stop", () => {
+  assert.ok(nextStep(20, 15) > 20);
+  assert.ok(nextStep(20, 240) < 20);
+  assert.equal(nextStep(20, 0.01), 80);
+  assert.ok(nextStep(4, 10000) >= 4);
+});
