@@ -10,9 +10,9 @@
 
 using namespace Qt::StringLiterals;
 
-EngineSession::EngineSession()
+EngineSession::EngineSession(const QString &webFolder)
     : m_handler([this](const QString &line) { m_complaints << line; })
-    , m_host(std::make_unique<WebEngineHost>(m_handler, qEnvironmentVariable("QUAVERLY_WEB_FOLDER")))
+    , m_host(std::make_unique<WebEngineHost>(m_handler, webFolder))
 {
     m_clock.start();
     m_handler.setController(this);

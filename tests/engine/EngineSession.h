@@ -20,7 +20,8 @@ public:
         QVariantMap message;
     };
 
-    EngineSession();
+    /// `webFolder` holds the page; the built one by default.
+    explicit EngineSession(const QString &webFolder = qEnvironmentVariable("QUAVERLY_WEB_FOLDER"));
     ~EngineSession() override;
     Q_DISABLE_COPY_MOVE(EngineSession)
 

@@ -25,7 +25,7 @@ const gap = 46;
 
 const generator = { keyRange: 43, instrument: 41, scaleTuning: 56, sampleId: 53 };
 
-/** @returns {Uint8Array} the bank as a file */
+/** @returns {Uint8Array<ArrayBuffer>} the bank as a file */
 export function buildClickBank() {
   const sounds = soundNames.flatMap((name) => [false, true].map((accent) => ({ name, accent, key: clickKey(name, accent) })));
   const zones = sounds.map(({ name, accent, key }) => ({ name: name + (accent ? "+" : ""), key, samples: clickSamples(name, accent) }));

@@ -1,6 +1,8 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
+import { fullScale } from "./full-scale.js";
 import { HeardTime } from "./heard-time.js";
+import { Instruments } from "./instruments.js";
 
 /**
  * The engine's synthesizer, as a musician who practises needs it. Runs in a worker. What is different:
@@ -11,6 +13,7 @@ import { HeardTime } from "./heard-time.js";
  * - A change of speed goes on from where the sound is. The engine seeks, which cuts off every note.
  * - A pause stays at what was heard last, not at what was rendered last.
  * - The place it reports is the place that is heard.
+ * - Its sounds can be replaced while it plays.
  *
  * @typedef {object} CountIn
  * @property {number} beats none for no count-in
@@ -42,7 +45,8 @@ import { HeardTime } from "./heard-time.js";
  * @property {number} time milliseconds of score time
  * @property {{ type: number }} [event]
  *
- * @typedef {object} Synthesizer
+ * @typedef {import("./fine-preset.js").PresetMaker & SoundMaker} Synthesizer
+ * @typedef {object} SoundMaker
  * @property {number} activeVoiceCount
  * @property {(buffer: Float32Array, at: number, frames: number) => void} synthesize adds to what is in the buffer
  * @property {(frames: number) => void} synthesizeSilent ends all voices
@@ -89,6 +93,7 @@ function silentOutput(/** @type {number} */ sampleRate, /** @type {Line} */ line
 export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   #sampleRate;
   #heardTime;
+  #instruments;
   /** Samples rendered since the stream began. */
   #rendered = 0;
   /** The samples with which notes begin that have not been heard yet, and those of them nobody was told of. */
@@ -123,6 +128,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     this.#sampleRate = sampleRate;
     this.#heardTime = new HeardTime(sampleRate);
     const synthesizer = this.#synthesizer;
+    this.#instruments = new Instruments(synthesizer);
     this.#dispatch = synthesizer.dispatchEvent.bind(synthesizer);
     synthesizer.dispatchEvent = (event) => {
       if (this.#held) {
@@ -131,6 +137,11 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
         this.#dispatch(event);
       }
     };
+  }
+
+  /** What it sounds like. */
+  get instruments() {
+    return this.#instruments;
   }
 
   get #sequencer() {
@@ -152,6 +163,24 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     if (this.#countIn) {
       this.#beginCountIn();
     }
+  }
+
+  /**
+   * @override
+   * @param {import("@coderline/alphatab").midi.MidiFile} midi
+   */
+  loadMidiFile(midi) {
+    this.#instruments.setEvents(midi.events);
+    super.loadMidiFile(midi);
+  }
+
+  /**
+   * @override
+   * @param {Map<number, number>} semitones by channel
+   */
+  applyTranspositionPitches(semitones) {
+    this.#instruments.setTranspositions(semitones);
+    super.applyTranspositionPitches(semitones);
   }
 
   /** @override */
@@ -206,6 +235,9 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
       this.#mixFading(samples, frames, count);
       frames += count;
       this.#rendered += count;
+    }
+    for (let i = 0; i < frames * 2; i++) {
+      samples[i] /= fullScale;
     }
     return samples.subarray(0, frames * 2);
   }

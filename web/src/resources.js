@@ -4,7 +4,7 @@
  * Reads a file that ships with the page. The page's own scheme answers XMLHttpRequest; fetch() always fails on it.
  *
  * @param {string} path relative to the page
- * @returns {Promise<Uint8Array>}
+ * @returns {Promise<Uint8Array<ArrayBuffer>>}
  */
 export function fetchBytes(path) {
   return new Promise((resolve, reject) => {

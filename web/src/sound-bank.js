@@ -4,12 +4,13 @@ import { buildClickBank } from "./click-bank.js";
 import { fetchBytes } from "./resources.js";
 
 /**
- * Gives every new synthesizer its instruments: the bank that ships with the page and the metronome's clicks.
+ * Gives every new synthesizer what it begins with: the light bank, and the metronome's clicks.
  */
 export class SoundBank {
   #api;
-  /** @type {Promise<Uint8Array | null>} */
-  #instruments = Promise.resolve(null);
+  #post;
+  /** @type {Promise<Uint8Array<ArrayBuffer> | null> | null} the light bank on its way to the next synthesizer */
+  #light = null;
 
   /**
    * @param {import("./engine.js").Engine} api
@@ -17,9 +18,9 @@ export class SoundBank {
    */
   constructor(api, post) {
     this.#api = api;
+    this.#post = post;
     api.playerStarted.on(() => {
-      this.#instruments = fetchBytes("vendor/soundfont/sonivox.sf2");
-      this.#instruments.catch((reason) => post({ type: "error", message: `The instruments cannot be loaded: ${reason.message}` }));
+      this.#light = this.#fetch();
       api.player?.ready.on(() => void this.#fill());
     });
   }
@@ -29,9 +30,20 @@ export class SoundBank {
     if (!player || this.#api.actualPlayerMode !== alphaTab.PlayerMode.EnabledSynthesizer) {
       return;
     }
-    const instruments = await this.#instruments.catch(() => null);
-    if (instruments) {
-      this.#api.synth?.loadBanks([instruments, buildClickBank()]);
+    // A second synthesizer that comes while this waits needs a copy of its own.
+    const coming = this.#light ?? this.#fetch();
+    this.#light = null;
+    const light = await coming;
+    if (light) {
+      this.#api.synth?.loadBanks([light, buildClickBank()]);
     }
+  }
+
+  /** @returns {Promise<Uint8Array<ArrayBuffer> | null>} null, and said so, where it cannot be read */
+  #fetch() {
+    return fetchBytes("vendor/soundfont/sonivox.sf2").catch((reason) => {
+      this.#post({ type: "error", message: `The instruments cannot be loaded: ${reason.message}` });
+      return null;
+    });
   }
 }

@@ -125,10 +125,35 @@ export class SynthPlayer {
    * The engine is ready once for each bank, and sets volumes of its own each time: all at once, so that no music that was
    * begun in between is heard at those.
    *
-   * @param {Uint8Array[]} banks in place of those before; of two with the same sound the later one's is heard
+   * @param {Uint8Array<ArrayBuffer>[]} banks in place of those before, handed over and not here any more; of two with the
+   *     same sound the later one's is heard
    */
   loadBanks(banks) {
-    this.#talk.postMessage({ cmd: "alphaSynth.loadBanks", banks });
+    const buffers = banks.map((bank) => bank.buffer);
+    this.#talk.postMessage({ cmd: "alphaSynth.loadBanks", banks }, buffers);
+  }
+
+  /** @returns {Promise<import("./sounds-in-use.js").SoundInUse[]>} those that the score plays */
+  soundsInUse() {
+    const { port1, port2 } = new MessageChannel();
+    this.#talk.postMessage({ cmd: "alphaSynth.tellSoundsInUse", answer: port2 }, [port2]);
+    return new Promise((resolve) => {
+      port1.onmessage = ({ data }) => {
+        port1.close();
+        resolve(data);
+      };
+    });
+  }
+
+  /**
+   * Notes that begin from now on have another sound.
+   *
+   * @param {number} index as soundsInUse() told, of the same score
+   * @param {import("./fine-preset.js").FineSound} sound whose samples are handed over and not here any more
+   */
+  replaceSound(index, sound) {
+    const samples = sound.samples.map((sample) => sample.samples.buffer);
+    this.#talk.postMessage({ cmd: "alphaSynth.replaceSound", index, sound }, samples);
   }
 
   /** @param {import("./practice-synth.js").CountIn | null} countIn what the next start begins with */

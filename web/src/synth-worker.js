@@ -41,6 +41,8 @@ const operations = {
   resetChannelStates: (synth) => synth.resetChannelStates(),
   applyTranspositionPitches: (synth, { transpositionPitches }) => synth.applyTranspositionPitches(transpositionPitches),
   setCountIn: (synth, { countIn }) => synth.setCountIn(countIn),
+  tellSoundsInUse: (synth, { answer }) => answer.postMessage(synth.instruments.inUse()),
+  replaceSound: (synth, { index, sound }) => synth.instruments.replace(index, sound),
 };
 
 /** The way to the audio thread. */

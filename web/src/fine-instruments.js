@@ -1,0 +1,106 @@
+// @ts-check
+import { alphaTab } from "./alphatab.js";
+import { fetchBytes } from "./resources.js";
+
+/**
+ * Music starts with a light bank, which is there at once. When the score can be played and has been drawn, the sounds
+ * that it plays are replaced one by one by those of the fine bank, where the page was built with one.
+ */
+
+/** How long the page may be busy before the sounds are loaded all the same, in milliseconds. */
+const patience = 2000;
+
+export class FineInstruments {
+  #api;
+  /** @type {Promise<Set<string>> | null} what there is of the fine bank */
+  #names = null;
+  #ready = false;
+  #drawn = false;
+  /** Which of the upgrades is under way; the ones before are given up. */
+  #upgrade = 0;
+  /** @type {Worker | null} */
+  #loader = null;
+
+  /** @param {import("./engine.js").Engine} api */
+  constructor(api) {
+    this.#api = api;
+    api.renderStarted.on(() => {
+      this.#drawn = false;
+    });
+    api.playerReady.on(() => {
+      this.#ready = true;
+      this.#begin();
+    });
+  }
+
+  /** To be called when what can be seen of the score is on the paper. */
+  scoreDrawn() {
+    this.#drawn = true;
+    this.#begin();
+  }
+
+  #begin() {
+    const synthesized = this.#api.actualPlayerMode === alphaTab.PlayerMode.EnabledSynthesizer;
+    if (this.#ready && this.#drawn && synthesized) {
+      this.#ready = false;
+      const upgrade = ++this.#upgrade;
+      this.#loader?.terminate();
+      requestIdleCallback(() => void this.#replaceAll(upgrade), { timeout: patience });
+    }
+  }
+
+  /** @param {number} upgrade */
+  async #replaceAll(upgrade) {
+    const { synth } = this.#api;
+    this.#names ??= fetchBytes("sounds/index.json").then((bytes) => new Set(JSON.parse(new TextDecoder().decode(bytes))));
+    const names = await this.#names;
+    if (!synth || names.size === 0) {
+      return;
+    }
+    const sounds = (await synth.soundsInUse()).filter(({ bank, program }) => names.has(`${bank}-${program}`));
+    if (upgrade === this.#upgrade && sounds.length > 0) {
+      this.#load(sounds, synth);
+    }
+  }
+
+  /**
+   * @param {import("./sounds-in-use.js").SoundInUse[]} sounds
+   * @param {import("./synth-player.js").SynthPlayer} synth
+   */
+  #load(sounds, synth) {
+    const loader = new Worker(new URL("./sound-loader.js", import.meta.url), { type: "module", name: "sounds" });
+    /** @type {(message: import("./sound-loader.js").ToLoader, handedOver?: ArrayBufferLike[]) => void} */
+    const tell = (message, handedOver = []) => loader.postMessage(message, { transfer: handedOver });
+    const decode = streamDecoder();
+    loader.onmessage = async ({ data }) => {
+      const message = /** @type {import("./sound-loader.js").FromLoader} */ (data);
+      if ("stream" in message) {
+        const samples = await decode(message.stream, message.rate);
+        tell({ samples }, samples ? [samples.buffer] : []);
+      } else if ("index" in message) {
+        synth.replaceSound(message.index, message.sound);
+      } else if ("refused" in message) {
+        console.warn(`A light sound stays in the place of ${message.refused}`);
+      } else {
+        loader.terminate();
+      }
+    };
+    tell({ sounds });
+    this.#loader = loader;
+  }
+}
+
+/**
+ * @returns {(stream: Uint8Array, rate: number) => Promise<Float32Array | null>} takes a stream that is all of its buffer,
+ *     which is gone afterwards, and its rate in samples a second; null for a stream that cannot be decoded
+ */
+function streamDecoder() {
+  /** @type {Map<number, OfflineAudioContext>} by the rate of their streams: decoding resamples to any other */
+  const contexts = new Map();
+  return async ({ buffer }, rate) => {
+    const context = contexts.get(rate) ?? new OfflineAudioContext(1, 1, rate);
+    contexts.set(rate, context);
+    const sound = await context.decodeAudioData(/** @type {ArrayBuffer} */ (buffer)).catch(() => null);
+    return sound && sound.getChannelData(0);
+  };
+}
