@@ -11,6 +11,7 @@ long. The worst case counts: a row fails by its worst figure, and with a failed 
 import argparse
 import contextlib
 import os
+import shutil
 import sys
 import tempfile
 import threading
@@ -24,7 +25,7 @@ from soundlab.scores import BEAT, Desk
 from startup import Screen
 
 TOP = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
-SETTLING = 1.0
+LAUNCHES = 5
 SPEEDS = [0.25, 1.0, 2.0]
 RECORDING_SPEEDS = [0.25, 0.5, 1.0, 2.0]
 
@@ -336,24 +337,48 @@ def mark(room, table, options):
     room.window.call("setLooping", False)
 
 
+def ready(build, table, options):
+    """How long the finer instruments keep a musician waiting: launches with them and with the small bank alone."""
+    with tempfile.TemporaryDirectory(dir=build, prefix="small-bank-") as bare:
+        shutil.copy(os.path.join(build, "sound_player"), bare)
+        shutil.copytree(os.path.join(build, "web"), os.path.join(bare, "web"), copy_function=os.link)
+        listing = os.path.join(bare, "web", "sounds", "index.json")
+        os.remove(listing)
+        with open(listing, "w") as file:
+            file.write("[]")
+        waits = {build: [], bare: []}
+        for _ in range(LAUNCHES):
+            for place, times in waits.items():
+                with (tempfile.TemporaryDirectory(prefix="quaverly-sound-", ignore_cleanup_errors=True) as folder,
+                      contextlib.closing(Room(place, folder, None)) as room):
+                    room.window.tell(f"open {options.score}")
+                    times.append(room.window.wait_for("playerReady") - room.window.launched)
+        fine, small = (numpy.median(times) for times in waits.values())
+    table.row("playerReady after the launch, beside the small bank", fine / small, 1.2, unit="x",
+              note=f"medians of {LAUNCHES}: {1000 * fine:.0f} and {1000 * small:.0f} ms")
+
+
 ROWS = {row.__name__: row for row in (clicks, recording, recordingseam, seam, mute, mark, drift, dropouts)}
 
 
 def main():
     parser = argparse.ArgumentParser(description="Measures what is heard.")
-    parser.add_argument("rows", nargs="*", metavar="ROW", help=", ".join(ROWS))
+    parser.add_argument("rows", nargs="*", metavar="ROW", help=", ".join((*ROWS, "ready")))
     parser.add_argument("--quick", action="store_true", help="a minute for the rows that take longer")
     parser.add_argument("--score", default=os.path.join(TOP, "..", "shared", "samples", "canon.gp5"),
-                        help="the score of the row dropouts")
+                        help="the score of the rows dropouts and ready")
     parser.add_argument("--keep", metavar="FOLDER", help="keeps the recordings: 32-bit floats, stereo")
     options = parser.parse_args()
     options.score = os.path.abspath(options.score)
-    unknown = [row for row in options.rows if row not in ROWS]
+    unknown = [row for row in options.rows if row not in (*ROWS, "ready")]
     if unknown:
         parser.error(f"no such row: {', '.join(unknown)}")
     build = os.path.dirname(os.environ["QUAVERLY_PROGRAM"])
     table = Table()
-    for name in options.rows or ROWS:
+    for name in options.rows or (*ROWS, "ready"):
+        if name == "ready":
+            ready(build, table, options)
+            continue
         with (tempfile.TemporaryDirectory(prefix="quaverly-sound-", ignore_cleanup_errors=True) as folder,
               contextlib.closing(Room(build, folder, options.keep)) as room):
             ROWS[name](room, table, options)
