@@ -1,5 +1,7 @@
 #include "engine_host/BridgeCalls.h"
 
+#include "engine_host/Base64Text.h"
+
 #include <QStringBuilder>
 #include <QStringList>
 
@@ -14,8 +16,7 @@ namespace BridgeCalls {
 
 namespace {
 
-/// @param arguments text, or text still in pieces: each copy of a file with a recording in it holds up the window
-template <typename Text = QString> QString call(QLatin1StringView function, const Text &arguments = {})
+QString call(QLatin1StringView function, const QString &arguments = {})
 {
     return "window.qv."_L1 % function % u'(' % arguments % u')';
 }
@@ -47,8 +48,14 @@ QString formatReal(double value)
 
 QString loadBase64(const QByteArray &file)
 {
-    const QByteArray text = file.toBase64();
-    return call("loadBase64"_L1, u'\'' % QLatin1StringView(text) % u'\'');
+    constexpr auto before = "window.qv.loadBase64('"_L1;
+    constexpr auto after = "')"_L1;
+    QString text;
+    text.reserve(before.size() + Base64Text::length(file.size()) + after.size());
+    text += before;
+    Base64Text::append(text, file);
+    text += after;
+    return text;
 }
 
 QString loadSample() { return call("loadSample"_L1); }
