@@ -48,13 +48,13 @@ QString formatReal(double value)
 
 QString loadBase64(const QByteArray &file)
 {
-    constexpr auto before = "window.qv.loadBase64('"_L1;
-    constexpr auto after = "')"_L1;
-    QString text;
-    text.reserve(before.size() + Base64Text::length(file.size()) + after.size());
-    text += before;
+    // Written into the call, which is never copied: that would hold up the window for a file with a recording in it.
+    QString text = call("loadBase64"_L1, formatText({}));
+    const QString end = text.last(2);
+    text.chop(end.size());
+    text.reserve(text.size() + Base64Text::length(file.size()) + end.size());
     Base64Text::append(text, file);
-    text += after;
+    text += end;
     return text;
 }
 
