@@ -1,5 +1,7 @@
 #include "engine_host/BridgeCalls.h"
 
+#include "engine_host/Base64Text.h"
+
 #include <QStringBuilder>
 #include <QStringList>
 
@@ -14,8 +16,7 @@ namespace BridgeCalls {
 
 namespace {
 
-/// @param arguments text, or text still in pieces: each copy of a file with a recording in it holds up the window
-template <typename Text = QString> QString call(QLatin1StringView function, const Text &arguments = {})
+QString call(QLatin1StringView function, const QString &arguments = {})
 {
     return "window.qv."_L1 % function % u'(' % arguments % u')';
 }
@@ -47,8 +48,14 @@ QString formatReal(double value)
 
 QString loadBase64(const QByteArray &file)
 {
-    const QByteArray text = file.toBase64();
-    return call("loadBase64"_L1, u'\'' % QLatin1StringView(text) % u'\'');
+    // Written into the call, which is never copied: that would hold up the window for a file with a recording in it.
+    QString text = call("loadBase64"_L1, formatText({}));
+    const QString end = text.last(2);
+    text.chop(end.size());
+    text.reserve(text.size() + Base64Text::length(file.size()) + end.size());
+    Base64Text::append(text, file);
+    text += end;
+    return text;
 }
 
 QString loadSample() { return call("loadSample"_L1); }

@@ -12,6 +12,7 @@ namespace DrawingBackend {
 namespace {
 
 constexpr char backendVariable[] = "QT_QUICK_BACKEND";
+constexpr char integrationVariable[] = "QT_XCB_GL_INTEGRATION";
 
 } // namespace
 
@@ -28,12 +29,20 @@ QByteArray nameFor(bool hasGraphicsCard, const QByteArray &name)
     return name.isEmpty() && !hasGraphicsCard ? QByteArrayLiteral("software") : name;
 }
 
+QByteArray integrationFor(const QByteArray &backend, const QByteArray &integration)
+{
+    return integration.isEmpty() && backend == "software" ? QByteArrayLiteral("none") : integration;
+}
+
 void adapt()
 {
     const QByteArray before = qgetenv(backendVariable);
     const QByteArray after = nameFor(hasGraphicsCard(u"/dev"_s), before);
     if (after != before)
         qputenv(backendVariable, after);
+    const QByteArray integration = qgetenv(integrationVariable);
+    if (const QByteArray fitting = integrationFor(after, integration); fitting != integration)
+        qputenv(integrationVariable, fitting);
 }
 
 } // namespace DrawingBackend

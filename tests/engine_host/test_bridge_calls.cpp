@@ -2,6 +2,7 @@
 
 #include <QTest>
 
+#include <algorithm>
 #include <bit>
 #include <limits>
 #include <random>
@@ -47,6 +48,17 @@ private Q_SLOTS:
             const QString text = BridgeCalls::formatReal(value);
             QVERIFY2(text.contains(u'.') || text.contains(u'e'), qPrintable(text));
             QCOMPARE(text.toDouble(), value);
+        }
+    }
+
+    void filesOfEveryLengthAreStandardBase64()
+    {
+        std::mt19937 random(20261121);
+        for (qsizetype length = 0; length < 400; ++length) {
+            QByteArray file(length, Qt::Uninitialized);
+            std::generate(file.begin(), file.end(), [&random] { return char(random()); });
+            QCOMPARE(BridgeCalls::loadBase64(file),
+                u"window.qv.loadBase64('"_s + QString::fromLatin1(file.toBase64()) + u"')"_s);
         }
     }
 

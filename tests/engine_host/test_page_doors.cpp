@@ -62,6 +62,10 @@ private Q_SLOTS:
         QCOMPARE(DrawingBackend::nameFor(true, {}), QByteArray());
         QCOMPARE(DrawingBackend::nameFor(false, {}), QByteArray("software"));
         QCOMPARE(DrawingBackend::nameFor(false, "rhi"), QByteArray("rhi"));
+        QCOMPARE(DrawingBackend::integrationFor("software", {}), QByteArray("none"));
+        QCOMPARE(DrawingBackend::integrationFor("software", "xcb_egl"), QByteArray("xcb_egl"));
+        QCOMPARE(DrawingBackend::integrationFor("rhi", {}), QByteArray());
+        QCOMPARE(DrawingBackend::integrationFor({}, {}), QByteArray());
     }
 
     void anEvaluationTellsWhyItFailed()

@@ -124,6 +124,20 @@ private Q_SLOTS:
         m_consoleErrors.clear(); // the syntax error stands there too
     }
 
+    void aLongTextArrivesWhole()
+    {
+        const QString text = u"AbC+/9zZ"_s.repeated(1 << 18) + u"AA=="_s;
+        QCOMPARE(outcome(u"globalThis.take = text => { globalThis.taken = text; }"_s), u"fine"_s);
+        QCOMPARE(outcome(u"take('"_s + text + u"')"_s), u"fine"_s);
+        QCOMPARE(settled(u"taken.length"_s).toDouble(), double(text.size()));
+        QCOMPARE(settled(u"taken === 'AbC+/9zZ'.repeat(1 << 18) + 'AA=='"_s), QVariant(true));
+        QCOMPARE(outcome(u"throw new Error('"_s + text + u"'.slice(-4))"_s), u"Error: AA=="_s);
+        // What means something else between quotes than elsewhere comes as it is, too.
+        QCOMPARE(outcome(u"take('"_s + text + u"*/\\n"_s + text + u"')"_s), u"fine"_s);
+        QCOMPARE(settled(u"taken.slice(-8)"_s), u"AbC+/9zZAA=="_s.right(8));
+        QCOMPARE(settled(u"taken.indexOf('*/\\n')"_s).toDouble(), double(text.size()));
+    }
+
     void soundNeedsNoGesture()
     {
         QCOMPARE(settled(u"isSecureContext && typeof AudioWorkletNode"_s), u"function"_s);
