@@ -1,5 +1,6 @@
 #include "engine_host/WebEngineHost.h"
 
+#include "engine_host/AudioThreads.h"
 #include "engine_host/EnginePage.h"
 #include "engine_host/EngineView.h"
 #include "engine_host/RequestInterceptor.h"
@@ -73,6 +74,10 @@ void WebEngineHost::configurePage()
         // A document that never began to arrive leaves no history; its failure is nobody's news.
         if (info.status() == QWebEngineLoadingInfo::LoadFailedStatus && m_page->history()->count() > 0)
             m_scriptHandler.navigationFailed(info.errorString());
+    });
+    connect(m_page.get(), &QWebEnginePage::recentlyAudibleChanged, this, [](bool audible) {
+        if (audible)
+            AudioThreads::raise(QCoreApplication::applicationPid());
     });
     connect(m_page.get(), &EnginePage::consoleError, this,
         [](const QString &text) { SystemLog::write(u"[Quaverly] page: "_s + text); });

@@ -14,6 +14,12 @@ const drawingTime = 0.018;
 const assumedLatency = 0.04;
 
 /**
+ * How much the sound system asks for at a time, in seconds. A web engine's shortest, a hundredth, left a hole each time
+ * that the audio thread came to its turn as late as that, about once a minute while the window was scrolled and resized.
+ */
+export const turnOfSound = 0.02;
+
+/**
  * @param {AudioContext} context
  * @param {(seconds: number) => void} tell called at once and then every second while there is sound; below zero when
  *     what is reported is seen later than it is heard

@@ -1,7 +1,7 @@
 // @ts-check
 import { clickSamples } from "./click-sounds.js";
 import { Emitter } from "./emitter.js";
-import { watchHearingDelay } from "./hearing-delay.js";
+import { turnOfSound, watchHearingDelay } from "./hearing-delay.js";
 
 /**
  * The page's side of a recording that plays: decodes it, has it prepared by a worker, and speaks to the audio thread. To
@@ -154,7 +154,7 @@ export class RecordingPlayer {
 
   #open() {
     if (!this.#context) {
-      this.#context = new AudioContext({ latencyHint: "interactive" });
+      this.#context = new AudioContext({ latencyHint: turnOfSound });
       this.#gain = new GainNode(this.#context, { gain: this.#volume });
       this.#gain.connect(this.#context.destination);
       void this.#connect(this.#context, this.#gain);

@@ -14,7 +14,7 @@ import { SampleQueue } from "./sample-queue.js";
  */
 
 /** How many frames are kept ahead. The more, the longer a mute takes to be heard; the fewer, the sooner it stutters. */
-const least = 3072;
+const least = 1280;
 const most = 8192;
 
 /** What is added after the queue ran dry. */

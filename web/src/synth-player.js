@@ -1,7 +1,7 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
 import { Emitter } from "./emitter.js";
-import { watchHearingDelay } from "./hearing-delay.js";
+import { turnOfSound, watchHearingDelay } from "./hearing-delay.js";
 
 /**
  * The page's side of the synthesizer: starts its worker and its place in the audio thread, and joins the two.
@@ -23,7 +23,7 @@ class SoundOutput {
   /** Never triggered: the audio thread and the synthesizer's worker settle these between themselves. */
   samplesPlayed = new Emitter();
   sampleRequest = new Emitter();
-  #context = new AudioContext({ latencyHint: "interactive" });
+  #context = new AudioContext({ latencyHint: turnOfSound });
   #loudspeaker;
   #sleep = 0;
   #endWatch = () => {};
