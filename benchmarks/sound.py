@@ -283,7 +283,7 @@ class Marks:
         self._screen = screen
         self.changes = []
         self._stopped = threading.Event()
-        self._watcher = threading.Thread(target=self._watch)
+        self._watcher = threading.Thread(target=self._watch, daemon=True)
         self._watcher.start()
 
     def _place(self):
@@ -358,30 +358,36 @@ def ready(build, table, options):
               note=f"medians of {LAUNCHES}: {1000 * fine:.0f} and {1000 * small:.0f} ms")
 
 
-ROWS = {row.__name__: row for row in (clicks, recording, recordingseam, seam, mute, mark, drift, dropouts)}
+def in_a_room(row):
+    """A row that is measured in one window, opened for it."""
+    def measure(build, table, options):
+        with (tempfile.TemporaryDirectory(prefix="quaverly-sound-", ignore_cleanup_errors=True) as folder,
+              contextlib.closing(Room(build, folder, options.keep)) as room):
+            row(room, table, options)
+    return measure
+
+
+ROWS = {row.__name__: in_a_room(row)
+        for row in (clicks, recording, recordingseam, seam, mute, mark, drift, dropouts)}
+ROWS["ready"] = ready
 
 
 def main():
     parser = argparse.ArgumentParser(description="Measures what is heard.")
-    parser.add_argument("rows", nargs="*", metavar="ROW", help=", ".join((*ROWS, "ready")))
+    parser.add_argument("rows", nargs="*", metavar="ROW", help=", ".join(ROWS))
     parser.add_argument("--quick", action="store_true", help="a minute for the rows that take longer")
     parser.add_argument("--score", default=os.path.join(TOP, "..", "shared", "samples", "canon.gp5"),
                         help="the score of the rows dropouts and ready")
     parser.add_argument("--keep", metavar="FOLDER", help="keeps the recordings: 32-bit floats, stereo")
     options = parser.parse_args()
     options.score = os.path.abspath(options.score)
-    unknown = [row for row in options.rows if row not in (*ROWS, "ready")]
+    unknown = [row for row in options.rows if row not in ROWS]
     if unknown:
         parser.error(f"no such row: {', '.join(unknown)}")
     build = os.path.dirname(os.environ["QUAVERLY_PROGRAM"])
     table = Table()
-    for name in options.rows or (*ROWS, "ready"):
-        if name == "ready":
-            ready(build, table, options)
-            continue
-        with (tempfile.TemporaryDirectory(prefix="quaverly-sound-", ignore_cleanup_errors=True) as folder,
-              contextlib.closing(Room(build, folder, options.keep)) as room):
-            ROWS[name](room, table, options)
+    for name in options.rows or ROWS:
+        ROWS[name](build, table, options)
     sys.exit(table.failed)
 
 

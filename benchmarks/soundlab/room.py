@@ -61,7 +61,7 @@ class Tape:
         self._length = 0
         # A block never arrives before it has sounded: the earliest arrival tells when the recording began.
         self._began = float("inf")
-        self._reader = threading.Thread(target=self._read)
+        self._reader = threading.Thread(target=self._read, daemon=True)
         self._reader.start()
 
     def _read(self):
@@ -111,7 +111,7 @@ class Window:
         # When the main thread was busy for long, and for how many milliseconds.
         self.stalls = []
         self.complaints = []
-        self._readers = [threading.Thread(target=self._read), threading.Thread(target=self._read_complaints)]
+        self._readers = [threading.Thread(target=read, daemon=True) for read in (self._read, self._read_complaints)]
         for reader in self._readers:
             reader.start()
 
