@@ -3,9 +3,7 @@
 #include "app/QuaverlyApp.h"
 #include "app/TerminationSignals.h"
 #include "controller/AlphaTabController.h"
-#include "engine_host/DrawingBackend.h"
-#include "engine_host/RootSandbox.h"
-#include "engine_host/WebSchemeHandler.h"
+#include "engine_host/WebEngineHost.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -28,9 +26,7 @@ int main(int argc, char *argv[])
 
     // The web engine reports its graphics set-up at every start; QT_LOGGING_RULES brings the report back.
     QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false"_s);
-    RootSandbox::adapt();
-    DrawingBackend::adapt();
-    WebSchemeHandler::registerScheme();
+    WebEngineHost::prepare();
     const QApplication application(argc, argv);
     QApplication::setWindowIcon(QIcon(u":/icons/quaverly.svg"_s));
 

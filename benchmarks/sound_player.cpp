@@ -10,11 +10,9 @@
 
 #include "app/QuaverlyApp.h"
 #include "controller/AlphaTabController.h"
-#include "engine_host/DrawingBackend.h"
 #include "engine_host/MessageReceiver.h"
-#include "engine_host/RootSandbox.h"
 #include "engine_host/ScriptHandler.h"
-#include "engine_host/WebSchemeHandler.h"
+#include "engine_host/WebEngineHost.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -145,9 +143,7 @@ int main(int argc, char *argv[])
 {
     QCoreApplication::setApplicationName(u"quaverly"_s);
     QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false"_s);
-    RootSandbox::adapt();
-    DrawingBackend::adapt();
-    WebSchemeHandler::registerScheme();
+    WebEngineHost::prepare();
     const QApplication application(argc, argv);
 
     Surroundings surroundings = Surroundings::system();

@@ -1,9 +1,12 @@
 #include "engine_host/WebEngineHost.h"
 
 #include "engine_host/AudioThreads.h"
+#include "engine_host/DrawingBackend.h"
 #include "engine_host/EnginePage.h"
+#include "engine_host/EngineSwitches.h"
 #include "engine_host/EngineView.h"
 #include "engine_host/RequestInterceptor.h"
+#include "engine_host/RootSandbox.h"
 #include "engine_host/ScriptEvaluation.h"
 #include "engine_host/ScriptHandler.h"
 #include "engine_host/SystemLog.h"
@@ -20,6 +23,14 @@
 #include <QWebEngineSettings>
 
 using namespace Qt::StringLiterals;
+
+void WebEngineHost::prepare()
+{
+    RootSandbox::adapt();
+    DrawingBackend::adapt();
+    EngineSwitches::adapt();
+    WebSchemeHandler::registerScheme();
+}
 
 WebEngineHost::WebEngineHost(ScriptHandler &scriptHandler, const std::optional<QString> &webFolder)
     : m_interceptor(std::make_unique<RequestInterceptor>())

@@ -20,6 +20,9 @@ class WebEngineHost final : public QObject, public EngineHost {
     Q_DISABLE_COPY_MOVE(WebEngineHost)
 
 public:
+    /// Prepares the process for the web engine. To be called once, before the application object exists.
+    static void prepare();
+
     /// @param scriptHandler receives the page's messages; has to outlive this host
     /// @param webFolder the folder to serve; without one no scheme handler is registered and nothing can load
     WebEngineHost(ScriptHandler &scriptHandler, const std::optional<QString> &webFolder);

@@ -1,4 +1,5 @@
 #include "engine_host/DrawingBackend.h"
+#include "engine_host/EngineSwitches.h"
 #include "engine_host/RequestInterceptor.h"
 #include "engine_host/RootSandbox.h"
 #include "engine_host/ScriptEvaluation.h"
@@ -44,6 +45,20 @@ private Q_SLOTS:
         QCOMPARE(RootSandbox::flagsFor(true, {}), QByteArray("--no-sandbox"));
         QCOMPARE(RootSandbox::flagsFor(true, "--mute-audio"), QByteArray("--mute-audio --no-sandbox"));
         QCOMPARE(RootSandbox::flagsFor(true, "--no-sandbox --mute-audio"), QByteArray("--no-sandbox --mute-audio"));
+    }
+
+    void theEngineIsStartedWithWhatThePageNeeds()
+    {
+        const QByteArray features = "--enable-features=SharedArrayBuffer";
+        const QByteArray script = "--js-flags=--expose-gc,--no-memory-reducer";
+        QCOMPARE(EngineSwitches::flagsFor({}), features + ' ' + script);
+        QCOMPARE(EngineSwitches::flagsFor("--mute-audio"), "--mute-audio " + features + ' ' + script);
+        QCOMPARE(EngineSwitches::flagsFor(features + ' ' + script), features + ' ' + script);
+        QCOMPARE(EngineSwitches::flagsFor("--enable-features=A,B --js-flags=--trace-gc --mute-audio"),
+            QByteArray("--enable-features=A,B,SharedArrayBuffer --js-flags=--trace-gc,--expose-gc,--no-memory-reducer "
+                       "--mute-audio"));
+        QCOMPARE(EngineSwitches::flagsFor("--enable-features=A --enable-features=B " + script),
+            "--enable-features=A --enable-features=B,SharedArrayBuffer " + script);
     }
 
     void theProcessorDrawsWhereThereIsNoGraphicsCard()

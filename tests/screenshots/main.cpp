@@ -1,10 +1,8 @@
 #include "app/QuaverlyApp.h"
 #include "controller/AlphaTabController.h"
 #include "engine_host/BridgeCalls.h"
-#include "engine_host/DrawingBackend.h"
-#include "engine_host/RootSandbox.h"
+#include "engine_host/WebEngineHost.h"
 #include "engine_host/WebFolder.h"
-#include "engine_host/WebSchemeHandler.h"
 #include "pdf/viewing/PDFSheetView.h"
 #include "tests/screenshots/Scenes.h"
 #include "tests/support/TestSurroundings.h"
@@ -138,9 +136,7 @@ int main(int argc, char *argv[])
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false"_s);
-    RootSandbox::adapt();
-    DrawingBackend::adapt();
-    WebSchemeHandler::registerScheme();
+    WebEngineHost::prepare();
     const QApplication application(argc, argv);
     QTextStream err(stderr);
     if (argc < 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {

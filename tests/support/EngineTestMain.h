@@ -1,7 +1,6 @@
 #pragma once
 
-#include "engine_host/RootSandbox.h"
-#include "engine_host/WebSchemeHandler.h"
+#include "engine_host/WebEngineHost.h"
 
 #include <QApplication>
 #include <QTest>
@@ -10,8 +9,7 @@
 /// The main function of a test with the real web engine: what has to happen before the application object, happens.
 template <typename Test> int runEngineTest(int argc, char *argv[])
 {
-    RootSandbox::adapt();
-    WebSchemeHandler::registerScheme();
+    WebEngineHost::prepare();
     const QApplication application(argc, argv);
     // On its first start the engine says what it thinks of the screen. That is said before any test listens: a warning
     // in a test is a failure.

@@ -96,9 +96,9 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   #instruments;
   /** Samples rendered since the stream began. */
   #rendered = 0;
-  /** The samples with which notes begin that have not been heard yet, and those of them nobody was told of. */
+  /** The samples with which notes begin that have not been heard yet. */
   #notes = /** @type {number[]} */ ([]);
-  #news = /** @type {number[]} */ ([]);
+  #samples = new Float32Array(0);
   /** Milliseconds of score time. */
   #heardPlace = 0;
   #reportedFrame = -Infinity;
@@ -137,6 +137,11 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
         this.#dispatch(event);
       }
     };
+  }
+
+  /** Samples a second. */
+  get sampleRate() {
+    return this.#sampleRate;
   }
 
   /** What it sounds like. */
@@ -222,13 +227,14 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
 
   /**
    * @param {number} least how many frames are wanted
-   * @returns {Float32Array | null} at least as many, left and right in turn; null when there is nothing more to play
+   * @returns {Float32Array | null} at least as many, left and right in turn, until the next call; null when there is
+   *     nothing more to play
    */
   render(least) {
     if (this.state !== alphaTab.synth.PlayerState.Playing || this.#end !== null) {
       return null;
     }
-    const samples = new Float32Array((least + step) * 2);
+    const samples = this.#silence((least + step) * 2);
     let frames = 0;
     while (frames < least && this.#end === null) {
       const count = this.#renderStep(samples, frames);
@@ -242,9 +248,17 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     return samples.subarray(0, frames * 2);
   }
 
-  /** @returns {number[]} the frames of the stream with which notes begin, in what was rendered since the last call */
-  takeNotes() {
-    return this.#news.splice(0);
+  /** @param {number} length */
+  #silence(length) {
+    if (this.#samples.length < length) {
+      this.#samples = new Float32Array(length);
+    }
+    return this.#samples.fill(0, 0, length);
+  }
+
+  /** The frame of the stream with which the next note begins; undefined when none was rendered that was not heard. */
+  get nextNote() {
+    return /** @type {number | undefined} */ (this.#notes[0]);
   }
 
   /**
@@ -334,7 +348,6 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   #noteBegins(frame) {
     if (this.#notes.at(-1) !== frame) {
       this.#notes.push(frame);
-      this.#news.push(frame);
     }
   }
 
@@ -453,7 +466,6 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     this.#heardTime.clear();
     this.#rendered = 0;
     this.#notes = [];
-    this.#news = [];
     this.#heardPlace = this.#renderedPlace;
     this.#reportedFrame = -Infinity;
     this.#end = null;

@@ -1,33 +1,44 @@
 // @ts-check
-import { SampleQueue } from "./sample-queue.js";
+import { SampleRing } from "./sample-ring.js";
 
 /**
  * The last station before the loudspeaker, in the audio thread. It asks the synthesizer's worker for samples over a
- * port of their own, so that nothing the page is busy with holds up the sound.
+ * port of their own, so that nothing the page is busy with holds up the sound. While it plays it allocates next to
+ * nothing and hears nothing: garbage to collect made it miss its turn once in ten minutes.
  *
- * @typedef {{ port?: MessagePort, latency?: number, brace?: number }} FromPage latency in frames: by how much later
- *     than here a sample is heard than what is reported of it is seen; below zero when it is heard first; brace: for how
- *     many frames the page will keep the processor busy
- * @typedef {{ stream: number, samples?: Float32Array, notes?: number[], playing?: boolean }} FromSynth notes: frames of
- *     the stream that the synthesizer wants to be told of as soon as they are heard
- * @typedef {{ stream: number, want?: number, heard?: number }} ToSynth frames
+ * @typedef {{ port?: MessagePort, ring?: SharedArrayBuffer | null, latency?: number, brace?: number }} FromPage
+ *     ring: where the samples come, if memory can be shared; latency in frames: by how much later than here a sample is heard than what is reported
+ *     of it is seen, below zero when it is heard first; brace: for how many frames the page will keep the processor busy
+ * @typedef {{ stream: number, samples?: Float32Array, playing?: boolean }} FromSynth samples: where memory cannot be
+ *     shared
+ * @typedef {{ stream: number, want: number, heard?: number, at: number }} ToSynth want, heard: up to which frame of the
+ *     stream samples are wanted, and which one is heard (not begun yet below zero) at the time `at` of Date
  */
 
 /** How many frames are kept ahead. The more, the longer a mute takes to be heard; the fewer, the sooner it stutters. */
-const least = 1280;
+const least = 1536;
 const most = 8192;
 
-/** What is added after the queue ran dry. */
+/** What is added after the ring ran dry. */
 const increase = 512;
 
-/** Frames asked for at a time. */
-const portion = 512;
+/**
+ * How many frames at the least are asked for at a time: as many as the sound system takes in one turn, as the
+ * synthesizer's thread wakes up for each question.
+ */
+const portion = 1024;
 
 /** After how many frames the synthesizer is told again what is heard. */
 const reportEvery = 1536;
 
-/** After how many at the soonest, when a note begins. */
-const reportSoonest = 256;
+/**
+ * The calls of one turn of the sound system come at once, one behind the other. After so many milliseconds another turn
+ * has begun.
+ */
+const pause = 2;
+
+/** How many calls are remembered: more than the latency of the slowest loudspeaker, half a second. */
+const memory = 256;
 
 /** How long a sound that is broken off takes to fade, in frames. */
 const fadeLength = 256;
@@ -35,42 +46,47 @@ const fadeLength = 256;
 const { AudioWorkletProcessor, registerProcessor } = /** @type {any} */ (globalThis);
 
 class SoundProcessor extends AudioWorkletProcessor {
-  #queue = new SampleQueue();
+  #ring = new SampleRing(null);
   #ahead = least;
-  #asked = 0;
   #playing = false;
-  /** Counts the streams: a seek begins a new one, and answers for the one before are dropped. */
+  /** Counts the streams: a seek begins a new one, and what comes of the one before is dropped. */
   #stream = 0;
+  /** Frames of the stream that were asked for, and that came. */
+  #asked = 0;
   #taken = 0;
   #latency = 0;
   /** For how many frames to come as much as possible is kept ahead. */
   #braced = 0;
-  /** How many frames had been taken at each of the last calls. @type {number[]} */
-  #history = [];
+  /** Calls since the stream's first frame, and how many frames had been taken before each of the last ones. */
+  #calls = 0;
+  #before = new Int32Array(memory);
+  /** With which of them the turn began, and when this and the last call came, in milliseconds. */
+  #turn = 0;
+  #turnTime = 0;
+  #lastTime = 0;
   #sinceReport = 0;
-  /** @type {number[]} those of which the synthesizer has not been told yet */
-  #notes = [];
-  /** @type {[Float32Array, Float32Array]} */
-  #fade = [new Float32Array(0), new Float32Array(0)];
-  #faded = 0;
+  #fadeLeft = new Float32Array(fadeLength);
+  #fadeRight = new Float32Array(fadeLength);
+  #faded = fadeLength;
   /** @type {MessagePort | undefined} */
   #synth;
 
   constructor() {
     super();
     this.port.onmessage = (/** @type {MessageEvent<FromPage>} */ event) => {
-      const { port, latency, brace } = event.data;
+      const { port, ring, latency, brace } = event.data;
       if (port) {
         this.#synth = port;
         port.onmessage = (message) => this.#listen(message.data);
       }
+      this.#ring = ring ? new SampleRing(ring) : this.#ring;
       this.#latency = latency ?? this.#latency;
       this.#braced = brace ?? this.#braced;
     };
   }
 
   /** @param {FromSynth} message */
-  #listen({ stream, samples, notes, playing }) {
+  #listen({ stream, samples, playing }) {
     if (stream > this.#stream) {
       this.#breakOff();
       this.#stream = stream;
@@ -82,29 +98,27 @@ class SoundProcessor extends AudioWorkletProcessor {
       this.#playing = playing;
     }
     if (samples && stream === this.#stream) {
-      this.#asked = Math.max(this.#asked - portion, 0);
-      this.#queue.push(samples);
-      this.#notes.push(...(notes ?? []));
+      this.#ring.write(samples);
     }
   }
 
   /** Drops what is waiting; a little of it fades out, as a sound that ends at once clicks. */
   #breakOff() {
-    const fade = /** @type {[Float32Array, Float32Array]} */ ([new Float32Array(fadeLength), new Float32Array(fadeLength)]);
     if (this.#playing) {
-      this.#queue.take(...fade);
-      for (const channel of fade) {
+      for (const channel of [this.#fadeLeft, this.#fadeRight]) {
+        channel.fill(0);
+      }
+      this.#ring.take(this.#fadeLeft, this.#fadeRight);
+      for (const channel of [this.#fadeLeft, this.#fadeRight]) {
         channel.forEach((sample, frame) => (channel[frame] = sample * (1 - frame / fadeLength)));
       }
-      this.#fade = fade;
       this.#faded = 0;
     }
-    this.#queue.clear();
+    this.#ring.clear();
     this.#asked = 0;
     this.#taken = 0;
-    this.#history = [];
+    this.#calls = 0;
     this.#sinceReport = 0;
-    this.#notes = [];
   }
 
   /**
@@ -112,49 +126,64 @@ class SoundProcessor extends AudioWorkletProcessor {
    * @param {Float32Array[][]} outputs
    */
   process(_inputs, outputs) {
-    const [left, right] = outputs[0];
+    const left = outputs[0][0];
+    const right = outputs[0][1];
     if (this.#playing) {
-      const taken = this.#queue.take(left, right);
+      this.#noticeTurn();
+      const taken = this.#ring.take(left, right);
       if (taken < left.length && taken > 0) {
         this.#ahead = Math.min(this.#ahead + increase, most);
       }
+      if (taken > 0 || this.#calls > 0) {
+        this.#before[this.#calls++ % memory] = this.#taken;
+      }
       this.#taken += taken;
       this.#braced = Math.max(this.#braced - left.length, 0);
-      this.#ask();
-      this.#report(left.length);
+      this.#sinceReport += left.length;
+      this.#tell(left.length);
     }
     this.#mixFade(left, right);
     return true;
   }
 
-  #ask() {
-    const ahead = this.#braced > 0 ? most : this.#ahead;
-    while (this.#queue.length + this.#asked < ahead) {
-      this.#asked += portion;
-      this.#send({ stream: this.#stream, want: portion });
+  #noticeTurn() {
+    const now = Date.now();
+    if (now - this.#lastTime >= pause || this.#calls === 0) {
+      this.#turn = this.#calls;
+      this.#turnTime = now;
     }
+    this.#lastTime = now;
   }
 
-  /** @param {number} frames how many went by */
-  #report(frames) {
-    this.#history.push(this.#taken);
-    const kept = Math.round(Math.max(this.#latency, 0) / frames) + 1;
-    if (this.#history.length > kept) {
-      this.#history.splice(0, this.#history.length - kept);
-    }
-    this.#sinceReport += frames;
-    if (this.#history.length < kept) {
+  /** @param {number} length frames of a call */
+  #tell(length) {
+    const missing = (this.#braced > 0 ? most : this.#ahead) - (this.#asked - this.#taken);
+    if (missing <= 0 && this.#sinceReport < reportEvery) {
       return;
     }
-    const heard = this.#history[0] + Math.max(-this.#latency, 0);
-    const due = this.#notes[0] <= heard ? reportSoonest : reportEvery;
-    if (this.#sinceReport >= due) {
-      this.#sinceReport = 0;
-      while (this.#notes[0] <= heard) {
-        this.#notes.shift();
-      }
-      this.#send({ stream: this.#stream, heard });
+    if (missing > 0) {
+      // The first time exactly what is to be kept ahead: from then on the questions come when a turn begins.
+      this.#asked += this.#asked === 0 ? missing : Math.ceil(missing / portion) * portion;
     }
+    this.#sinceReport = 0;
+    const heard = this.#calls > 0 ? this.#heardFrame(length) : undefined;
+    this.#synth?.postMessage({ stream: this.#stream, want: this.#asked, heard, at: this.#turnTime });
+  }
+
+  /**
+   * Which frame of the stream was heard when the turn began.
+   *
+   * @param {number} length frames of a call
+   */
+  #heardFrame(length) {
+    const back = Math.min(Math.round(this.#latency / length), memory - 1);
+    const call = this.#turn - back;
+    if (call <= 0) {
+      return call * length;
+    }
+    // What has not been taken yet is heard one call behind the other from now on.
+    const known = Math.min(call, this.#turn);
+    return this.#before[known % memory] + (call - known) * length;
   }
 
   /**
@@ -162,18 +191,12 @@ class SoundProcessor extends AudioWorkletProcessor {
    * @param {Float32Array} right
    */
   #mixFade(left, right) {
-    const [fadeLeft, fadeRight] = this.#fade;
-    const count = Math.min(left.length, fadeLeft.length - this.#faded);
+    const count = Math.min(left.length, fadeLength - this.#faded);
     for (let i = 0; i < count; i++) {
-      left[i] += fadeLeft[this.#faded + i];
-      right[i] += fadeRight[this.#faded + i];
+      left[i] += this.#fadeLeft[this.#faded + i];
+      right[i] += this.#fadeRight[this.#faded + i];
     }
     this.#faded += count;
-  }
-
-  /** @param {ToSynth} message */
-  #send(message) {
-    this.#synth?.postMessage(message);
   }
 }
 

@@ -2,6 +2,7 @@
 import { alphaTab } from "./alphatab.js";
 import { Emitter } from "./emitter.js";
 import { turnOfSound, watchHearingDelay } from "./hearing-delay.js";
+import { SampleRing } from "./sample-ring.js";
 
 /**
  * The page's side of the synthesizer: starts its worker and its place in the audio thread, and joins the two.
@@ -25,13 +26,18 @@ class SoundOutput {
   sampleRequest = new Emitter();
   #context = new AudioContext({ latencyHint: turnOfSound });
   #loudspeaker;
+  #ring;
   #sleep = 0;
   #endWatch = () => {};
   #busyListening = new AbortController();
 
-  /** @param {MessagePort} loudspeaker the audio thread's end of the line to the worker */
-  constructor(loudspeaker) {
+  /**
+   * @param {MessagePort} loudspeaker the audio thread's end of the line to the worker
+   * @param {SharedArrayBuffer | null} ring where the worker puts the samples
+   */
+  constructor(loudspeaker, ring) {
     this.#loudspeaker = loudspeaker;
+    this.#ring = ring;
   }
 
   get sampleRate() {
@@ -47,7 +53,7 @@ class SoundOutput {
     const context = this.#context;
     await context.audioWorklet.addModule("src/sound-processor.js");
     const node = new AudioWorkletNode(context, "quaverly-sound", { numberOfInputs: 0, outputChannelCount: [2] });
-    node.port.postMessage({ port: this.#loudspeaker }, [this.#loudspeaker]);
+    node.port.postMessage({ port: this.#loudspeaker, ring: this.#ring }, [this.#loudspeaker]);
     node.connect(context.destination);
     for (const sign of busySigns) {
       const brace = () => node.port.postMessage({ brace: Math.round(busyTime * context.sampleRate) });
@@ -115,9 +121,10 @@ export class SynthPlayer {
     const worker = new Worker("src/synth-worker.js", { type: "module" });
     const line = new MessageChannel();
     const talk = new MessageChannel();
-    worker.postMessage({ cmd: "serve", page: talk.port2, loudspeaker: line.port2 }, [talk.port2, line.port2]);
+    const ring = SampleRing.sharedMemory();
+    worker.postMessage({ cmd: "serve", page: talk.port2, loudspeaker: line.port2, ring }, [talk.port2, line.port2]);
     this.#talk = Object.assign(talk.port1, { terminate: () => worker.terminate() });
-    this.player = new WorkerPlayer(new SoundOutput(line.port1), settings, this.#talk);
+    this.player = new WorkerPlayer(new SoundOutput(line.port1, ring), settings, this.#talk);
     this.#talk.start();
   }
 

@@ -1,11 +1,13 @@
 // @ts-check
 import "../vendor/alphaTab.min.js";
 import { alphaTab } from "./alphatab.js";
+import { HeardClock } from "./heard-clock.js";
 import { PracticeSynth } from "./practice-synth.js";
+import { SampleRing } from "./sample-ring.js";
 
 /**
  * The worker in which the synthesizer runs. It speaks the engine's own language with the engine's player on the page,
- * and exchanges samples with the audio thread over a port of their own.
+ * and answers the audio thread, which asks for samples over a port of their own.
  *
  * @typedef {{ cmd: string } & Record<string, any>} Command
  */
@@ -48,11 +50,20 @@ const operations = {
 /** The way to the audio thread. */
 class Line {
   #port;
+  #ring;
   #stream = 0;
+  /** Frames of the stream that are on their way. */
+  #sent = 0;
+  /** @type {HeardClock | undefined} */
+  #clock;
 
-  /** @param {MessagePort} port */
-  constructor(port) {
+  /**
+   * @param {MessagePort} port
+   * @param {SharedArrayBuffer | null} memory of the ring that the audio thread reads; null when samples are to be posted
+   */
+  constructor(port, memory) {
     this.#port = port;
+    this.#ring = memory && new SampleRing(memory);
   }
 
   start() {
@@ -60,34 +71,44 @@ class Line {
   }
 
   stop() {
+    this.#clock?.stop();
     this.#send({ playing: false });
   }
 
   clear() {
+    this.#clock?.stop();
     this.#stream++;
+    this.#sent = 0;
     this.#send({});
   }
 
   /** @param {PracticeSynth} synth who answers */
   serve(synth) {
+    const clock = new HeardClock(synth);
+    this.#clock = clock;
     this.#port.onmessage = ({ data }) => {
-      const { stream, want, heard } = /** @type {import("./sound-processor.js").ToSynth} */ (data);
+      const { stream, want, heard, at } = /** @type {import("./sound-processor.js").ToSynth} */ (data);
       if (stream !== this.#stream) {
         return;
       }
-      if (want !== undefined) {
-        const samples = synth.render(want) ?? new Float32Array(0);
-        this.#send({ samples, notes: synth.takeNotes() });
+      const samples = want > this.#sent ? synth.render(want - this.#sent) : null;
+      if (samples) {
+        this.#sent += samples.length / 2;
+        if (this.#ring) {
+          this.#ring.write(samples);
+        } else {
+          this.#send({ samples });
+        }
       }
       if (heard !== undefined) {
-        synth.heard(heard);
+        clock.set(heard, at);
       }
     };
   }
 
   /** @param {Omit<import("./sound-processor.js").FromSynth, "stream">} message */
   #send(message) {
-    this.#port.postMessage({ stream: this.#stream, ...message }, message.samples ? [message.samples.buffer] : []);
+    this.#port.postMessage({ stream: this.#stream, ...message });
   }
 }
 
@@ -112,9 +133,10 @@ function report(synth, page) {
 /**
  * @param {MessagePort} page
  * @param {MessagePort} loudspeaker
+ * @param {SharedArrayBuffer | null} ring
  */
-function serve(page, loudspeaker) {
-  const line = new Line(loudspeaker);
+function serve(page, loudspeaker, ring) {
+  const line = new Line(loudspeaker, ring);
   /** @type {PracticeSynth | undefined} */
   let synth;
   page.onmessage = ({ data }) => {
@@ -151,6 +173,6 @@ function serve(page, loudspeaker) {
 // The engine listens here too, for commands of its own, none of which is this one.
 addEventListener("message", ({ data }) => {
   if (data.cmd === "serve") {
-    serve(data.page, data.loudspeaker);
+    serve(data.page, data.loudspeaker, data.ring);
   }
 });

@@ -145,13 +145,15 @@ test("a place is reported when a note begins, and otherwise now and then", () =>
   const rehearsal = rehearse(`\\tempo 120 ${bar} ${bar}`);
   rehearsal.playback.playPause();
   rehearsal.listen(1.9);
-  const beats = rehearsal.synth.takeNotes().filter((frame) => frame % (sampleRate / 2) === 0);
-  assert.deepEqual(beats, [0, 0.5, 1, 1.5].map((seconds) => seconds * sampleRate));
   const places = [];
   rehearsal.synth.positionChanged.on(({ currentTime }) => places.push(currentTime));
+  const notes = new Set();
   for (let frame = 0; frame <= 1.1 * sampleRate; frame += sampleRate / 1000) {
+    notes.add(rehearsal.synth.nextNote);
     rehearsal.synth.heard(frame);
   }
+  const beats = [...notes].filter((frame) => frame % (sampleRate / 2) === 0);
+  assert.deepEqual(beats, [0, 0.5, 1].map((seconds) => seconds * sampleRate));
   assert.ok(places.some((place) => Math.abs(place - 500) < 0.1) && places.some((place) => Math.abs(place - 1000) < 0.1), String(places));
   assert.ok(places.length > 15 && places.length < 30, String(places));
 });

@@ -1,0 +1,182 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { SampleRing } from "../src/sample-ring.js";
+import { pass } from "./support/clock.mjs";
+
+const block = 128;
+/** Frames that the sound system takes at once. */
+const turn = 1024;
+/** So many of them are one millisecond: a turn is 21 of those and a third. */
+const perMillisecond = 48;
+
+let Processor;
+globalThis.AudioWorkletProcessor = class {
+  port = {};
+};
+globalThis.registerProcessor = (_, processor) => (Processor = processor);
+await import("../src/sound-processor.js");
+
+/** The audio thread and a synthesizer that answers between two turns, with samples that count from 1. */
+class Stage {
+  questions = [];
+  stream = 0;
+  sent = 0;
+  shared;
+  /** How many frames of a question are answered at most. */
+  most = Infinity;
+  #processor = new Processor();
+  #port = { postMessage: (question) => this.questions.push(question) };
+  #ring;
+
+  constructor({ shared = true, latency = 0 } = {}) {
+    this.shared = shared;
+    const memory = shared ? SampleRing.sharedMemory() : null;
+    this.#ring = memory && new SampleRing(memory);
+    this.#processor.port.onmessage({ data: { port: this.#port, ring: memory } });
+    this.page({ latency });
+  }
+
+  page(message) {
+    this.#processor.port.onmessage({ data: message });
+  }
+
+  synth(message) {
+    this.#port.onmessage({ data: { stream: this.stream, ...message } });
+  }
+
+  seek() {
+    this.stream++;
+    this.sent = 0;
+    this.synth({});
+  }
+
+  answer() {
+    const { stream, want } = this.questions.at(-1) ?? {};
+    const count = Math.min(want - this.sent, this.most);
+    if (stream === this.stream && count > 0) {
+      const samples = Float32Array.from({ length: 2 * count }, (_, i) => this.sent + 1 + (i >> 1));
+      this.sent += count;
+      if (this.#ring) {
+        this.#ring.write(samples);
+      } else {
+        this.synth({ samples });
+      }
+    }
+  }
+
+  /** @returns {number[]} what sounds during so many turns */
+  listen(turns) {
+    const sound = [];
+    for (let i = 0; i < turns; i++) {
+      for (let at = 0; at < turn; at += block) {
+        const [left, right] = [new Float32Array(block), new Float32Array(block)];
+        this.#processor.process([], [[left, right]]);
+        assert.deepEqual(left, right);
+        sound.push(...left);
+      }
+      this.answer();
+      pass(turn / perMillisecond);
+    }
+    return sound;
+  }
+}
+
+const counting = (first, count) => Array.from({ length: count }, (_, i) => first + i);
+
+for (const shared of [true, false]) {
+  test(`every sample sounds once and in order ${shared ? "through shared memory" : "through messages"}`, () => {
+    const stage = new Stage({ shared });
+    stage.listen(2);
+    assert.equal(stage.questions.length, 0);
+    stage.synth({ playing: true });
+    assert.ok(stage.listen(1).every((sample) => sample === 0));
+    assert.deepEqual(stage.listen(100), counting(1, 100 * turn));
+  });
+}
+
+test("one question a turn, and no more is kept ahead than a mute may take", () => {
+  const stage = new Stage();
+  stage.synth({ playing: true });
+  stage.listen(50);
+  assert.ok(stage.questions.length <= 51, String(stage.questions.length));
+  assert.equal(stage.sent - 49 * turn, 1536);
+});
+
+test("more is kept ahead while the page is busy, and after a stutter", () => {
+  const stage = new Stage();
+  stage.synth({ playing: true });
+  stage.listen(2);
+  stage.page({ brace: 10 * turn });
+  stage.listen(2);
+  assert.ok(stage.sent - 3 * turn >= 8192);
+  stage.listen(40);
+  assert.equal(stage.sent - 43 * turn, 1536);
+  stage.most = 700;
+  stage.listen(10);
+  stage.most = Infinity;
+  stage.listen(20);
+  assert.ok(stage.sent - 73 * turn > 1536);
+});
+
+test("the frame that is heard is told as of the beginning of the turn", () => {
+  const latency = 3000;
+  const stage = new Stage({ latency });
+  stage.synth({ playing: true });
+  stage.listen(1);
+  const began = Date.now();
+  stage.listen(30);
+  const told = stage.questions.filter(({ heard }) => heard !== undefined);
+  assert.ok(told.length >= 28);
+  for (const { heard, at } of told) {
+    assert.ok(Math.abs(heard - ((at - began) * perMillisecond - latency)) <= block, `${heard} at ${at - began}`);
+  }
+});
+
+test("what is heard before it is seen is told ahead", () => {
+  const stage = new Stage({ latency: -480 });
+  stage.synth({ playing: true });
+  stage.listen(1);
+  const began = Date.now();
+  stage.listen(10);
+  const { heard, at } = stage.questions.at(-1);
+  assert.ok(Math.abs(heard - ((at - began) * perMillisecond + 480)) <= block);
+});
+
+test("the end is heard when its sound has come as far as the ear", () => {
+  const stage = new Stage({ latency: 4 * turn });
+  stage.synth({ playing: true });
+  stage.listen(5);
+  stage.most = 0;
+  const last = stage.sent;
+  stage.listen(4);
+  assert.ok(stage.questions.at(-1).heard < last);
+  stage.listen(4);
+  assert.equal(stage.questions.at(-1).heard, last);
+});
+
+test("a seek fades out what was waiting, and what comes then is of the new stream", () => {
+  const stage = new Stage();
+  stage.synth({ playing: true });
+  stage.listen(10);
+  const last = 9 * turn;
+  stage.seek();
+  const after = stage.listen(2);
+  assert.ok(Math.abs(after[0] - (last + 1)) < 1 && after[255] < after[0] / 100);
+  after.slice(1, 256).forEach((sample, i) => assert.ok(sample < after[i], String(i)));
+  assert.ok(after.slice(256, turn).every((sample) => sample === 0));
+  assert.deepEqual(after.slice(turn), counting(1, turn));
+  assert.ok(stage.questions.filter(({ stream }) => stream === 1).every(({ heard }) => !(heard > turn)));
+});
+
+test("a pause is silent, and asks for nothing", () => {
+  const stage = new Stage();
+  stage.synth({ playing: true });
+  stage.listen(10);
+  stage.synth({ playing: false });
+  stage.seek();
+  const asked = stage.questions.length;
+  assert.ok(stage.listen(10).slice(256).every((sample) => sample === 0));
+  assert.equal(stage.questions.length, asked);
+  stage.synth({ playing: true });
+  assert.deepEqual(stage.listen(5).slice(turn), counting(1, 4 * turn));
+});
