@@ -3,6 +3,7 @@ import "../vendor/alphaTab.min.js";
 import { alphaTab } from "./alphatab.js";
 import { LayoutRun } from "./layout-run.js";
 import { readScore } from "./score-files.js";
+import { collectGarbage } from "./tidying.js";
 
 /**
  * Draws scores beside the page. It reads a score's file itself, at the same time as the page does: handing the read
@@ -56,6 +57,9 @@ function answer(request) {
       break;
     case "paint":
       paint(request.id);
+      break;
+    case "tidy":
+      collectGarbage();
       break;
   }
 }

@@ -14,6 +14,7 @@ import { Playback } from "./playback.js";
 import { Selection } from "./selection.js";
 import { Sheet, visiblePart } from "./sheet.js";
 import { SoundBank } from "./sound-bank.js";
+import { Tidying } from "./tidying.js";
 
 /** Wires the page together: every call of the program goes to the one module that answers for it. */
 
@@ -46,6 +47,7 @@ new Follow(engine, playback, desk);
 engine.customCursorHandler = new Cursor();
 const documents = new Documents({ engine, playback, mixer, selection, sheet, post });
 new SoundBank(engine, post);
+new Tidying(engine, playback, document);
 
 engine.error.on((error) => post({ type: "error", message: error.message }));
 engine.recordingPlayer.failed.on((message) => post({ type: "error", message }));

@@ -163,6 +163,11 @@ export class SynthPlayer {
     this.#talk.postMessage({ cmd: "alphaSynth.replaceSound", index, sound }, samples);
   }
 
+  /** Has the worker collect its garbage. */
+  tidy() {
+    this.#talk.postMessage({ cmd: "alphaSynth.tidy" });
+  }
+
   /** @param {import("./practice-synth.js").CountIn | null} countIn what the next start begins with */
   setCountIn(countIn) {
     this.#talk.postMessage({ cmd: "alphaSynth.setCountIn", countIn });

@@ -4,6 +4,7 @@ import { alphaTab } from "./alphatab.js";
 import { HeardClock } from "./heard-clock.js";
 import { PracticeSynth } from "./practice-synth.js";
 import { SampleRing } from "./sample-ring.js";
+import { collectGarbage } from "./tidying.js";
 
 /**
  * The worker in which the synthesizer runs. It speaks the engine's own language with the engine's player on the page,
@@ -44,6 +45,7 @@ const operations = {
   applyTranspositionPitches: (synth, { transpositionPitches }) => synth.applyTranspositionPitches(transpositionPitches),
   setCountIn: (synth, { countIn }) => synth.setCountIn(countIn),
   tellSoundsInUse: (synth, { answer }) => answer.postMessage(synth.instruments.inUse()),
+  tidy: () => collectGarbage(),
   replaceSound: (synth, { index, sound }) => synth.instruments.replace(index, sound),
 };
 

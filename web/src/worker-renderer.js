@@ -20,7 +20,8 @@ import { Emitter } from "./emitter.js";
  *   | { cmd: "draw", drawing: number, file: number, score: Map<string, unknown> | null, tracks: number[], width: number,
  *       view: View, textWidths: Map<string, unknown> }
  *   | { cmd: "stop" }
- *   | { cmd: "paint", id: string }} Request
+ *   | { cmd: "paint", id: string }
+ *   | { cmd: "tidy" }} Request
  *
  * @typedef {{ kind: "drawn", drawing: number, piece: Piece }
  *   | { kind: "painted", drawing: number, part: Part }
@@ -146,6 +147,11 @@ export class WorkerRenderer {
   /** @param {string} id */
   renderResult(id) {
     this.#ask({ cmd: "paint", id });
+  }
+
+  /** Has the worker collect its garbage. */
+  tidy() {
+    this.#ask({ cmd: "tidy" });
   }
 
   destroy() {
