@@ -48,7 +48,10 @@ const documents = new Documents({ engine, playback, mixer, selection, sheet, pos
 new SoundBank(engine, post);
 
 engine.error.on((error) => post({ type: "error", message: error.message }));
-engine.recordingPlayer.failed.on((message) => post({ type: "error", message }));
+engine.recordingPlayer.failed.on((message) => {
+  post({ type: "error", message });
+  documents.giveUpRecording();
+});
 
 expose({
   loadBase64: (base64) => void documents.open(decodeBase64(base64)),
