@@ -22,11 +22,15 @@ import { cutWave } from "./cut-wave.js";
  * @property {(cut: Cut) => Uint8Array<ArrayBuffer>} fileOf a file with nothing but that part
  */
 
+/** What the web engine decodes to, in samples a second. */
+const rates = { lowest: 3000, highest: 384000 };
+
 /**
  * @param {Uint8Array} bytes an audio file
  * @returns {Cuts | null} null for one that nobody knows how to cut
  */
 export function cutRecording(bytes) {
   // The one that is known by its content alone comes last.
-  return cutWave(bytes) ?? cutOgg(bytes) ?? cutMpeg(bytes);
+  const cuts = cutWave(bytes) ?? cutOgg(bytes) ?? cutMpeg(bytes);
+  return cuts && cuts.sampleRate >= rates.lowest && cuts.sampleRate <= rates.highest ? cuts : null;
 }
