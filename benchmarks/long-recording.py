@@ -22,7 +22,8 @@ from speedlab.driven import driven_window
 from speedlab.processes import memory
 from speedlab.recordings import with_recording
 
-SETTLING = 10.0
+# The page cleans up when it has had nothing to do for a while.
+SETTLING = 25.0
 DECODING = 30.0
 # A tone in each ear, with noise beneath it, so that the encoder has something to do.
 SOUND = "aevalsrc=0.3*sin(2*PI*220*t)+0.03*random(0)|0.3*sin(2*PI*277*t)+0.03*random(1):s=44100:d={seconds}"
