@@ -5,7 +5,8 @@
 usage: sound.py [ROW...] [--quick] [--score FILE] [--keep FOLDER], with the program in QUAVERLY_PROGRAM
 
 Without a ROW every one is measured; "drift" takes five minutes, "dropouts" and "recordingdropouts" ten each. --quick
-makes these a minute long. The worst case counts: a row fails by its worst figure, and with a failed row the script ends with 1.
+makes these a minute long. The worst case counts: a row fails by its worst figure, and with a failed row the script ends
+with 1.
 """
 
 import argparse

@@ -111,9 +111,13 @@ function channelsOf(buffer) {
  * @returns {Promise<Part>}
  */
 function prepare(worker, decoded) {
-  return new Promise((resolve, reject) => {
+  /** @type {Promise<Part>} */
+  const prepared = new Promise((resolve, reject) => {
     worker.onmessage = ({ data }) => resolve(data);
     worker.onerror = ({ message }) => reject(new Error(message));
     worker.postMessage(decoded, decoded.channels.map(({ buffer }) => buffer));
   });
+  // Whether it failed is asked when the next part has been decoded.
+  prepared.catch(() => {});
+  return prepared;
 }

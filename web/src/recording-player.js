@@ -10,6 +10,7 @@ import { decodeRecording } from "./recording-decoder.js";
  *
  * @typedef {import("@coderline/alphatab").synth.IExternalMediaHandler} MediaHandler
  * @typedef {import("./recordings.js").Recording} Recording
+ * @typedef {import("./recording-processor.js").FromPage} FromPage
  * @typedef {{ from: number, to: number }} Loop
  * @typedef {{ ms: number, level: number }} TimedClick
  *
@@ -51,7 +52,7 @@ export class RecordingPlayer {
   #gain;
   /** @type {AudioWorkletNode | undefined} */
   #node;
-  /** @typedef {import("./recording-processor.js").FromPage} Message @type {{ message: Message, transfer: Transferable[] }[]} */
+  /** @type {{ message: FromPage, transfer: Transferable[] }[]} what the audio thread is told once it listens */
   #unsaid = [];
   /** @type {Recording | null} */
   #recording = null;
@@ -182,7 +183,7 @@ export class RecordingPlayer {
   }
 
   /**
-   * @param {import("./recording-processor.js").FromPage} message
+   * @param {FromPage} message
    * @param {Transferable[]} [transfer]
    */
   #tell(message, transfer = []) {
