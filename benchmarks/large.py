@@ -12,9 +12,9 @@ import os
 import sys
 import time
 import wave
-import zipfile
 
 from speedlab.driven import driven_window
+from speedlab.recordings import with_recording
 
 
 def with_long_recording(source, target, megabytes):
@@ -24,17 +24,8 @@ def with_long_recording(source, target, megabytes):
         sound.setsampwidth(2)
         sound.setframerate(44100)
         sound.writeframes(os.urandom(1 << 20) * megabytes)
-    with zipfile.ZipFile(source) as old, zipfile.ZipFile(target, "w") as new:
-        replaced = False
-        for entry in old.infolist():
-            if entry.filename.startswith("Content/Assets/") and not entry.is_dir():
-                new.write(recording, entry.filename)
-                replaced = True
-            else:
-                new.writestr(entry, old.read(entry))
+    with_recording(source, target, recording)
     os.remove(recording)
-    if not replaced:
-        sys.exit(f"large: {source} has no recording in it")
 
 
 def main():

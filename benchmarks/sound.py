@@ -4,8 +4,9 @@
 
 usage: sound.py [ROW...] [--quick] [--score FILE] [--keep FOLDER], with the program in QUAVERLY_PROGRAM
 
-Without a ROW every one is measured; "drift" takes five minutes and "dropouts" ten. --quick makes those two a minute
-long. The worst case counts: a row fails by its worst figure, and with a failed row the script ends with 1.
+Without a ROW every one is measured; "drift" takes five minutes, "dropouts" and "recordingdropouts" ten each. --quick
+makes these a minute long. The worst case counts: a row fails by its worst figure, and with a failed row the script ends
+with 1.
 """
 
 import argparse
@@ -21,7 +22,7 @@ import numpy
 
 from soundlab.ears import errors, last_sound, onsets, silences
 from soundlab.room import RATE, SoundSystem, Tape, Window
-from soundlab.scores import BEAT, Desk
+from soundlab.scores import BEAT, ON_EACH_BEAT, Desk
 from startup import Screen
 
 TOP = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
@@ -212,8 +213,18 @@ def seam(room, table, options):
 
 def dropouts(room, table, options):
     """Holes in a real score while its window is scrolled and resized."""
-    seconds = 60 if options.quick else 600
     room.window.open(options.score)
+    holes_in_motion(room, table, options, "drop-outs")
+
+
+def recordingdropouts(room, table, options):
+    """The same in a recording."""
+    room.window.open(room.desk.hummed(48, ":16" + 16 * " 0.1" + " |\n"))
+    holes_in_motion(room, table, options, "drop-outs of a recording")
+
+
+def holes_in_motion(room, table, options, name):
+    seconds = 60 if options.quick else 600
     room.window.call("setLooping", True)
 
     def music():
@@ -227,10 +238,10 @@ def dropouts(room, table, options):
                 room.window.tell(f"resize {1000 + turn * 37 % 390} {640 + turn * 23 % 250}")
             turn += 1
         room.window.stop()
-    sound, _, _ = room.listen("dropouts", music)
+    sound, _, _ = room.listen(name, music)
     holes = silences(numpy.abs(sound).max(axis=1), 0.0015)
     length = len(sound) / RATE
-    table.row(f"drop-outs in {length / 60:.1f} minutes", len(holes), 0, unit="",
+    table.row(f"{name} in {length / 60:.1f} minutes", len(holes), 0, unit="",
               note=", ".join(f"{1000 * hole:.0f} ms at {at:.1f} s" for at, hole in holes[:6]))
     room.window.call("setLooping", False)
 
@@ -314,6 +325,17 @@ class Marks:
 def mark(room, table, options):
     """The mark on the score against the note that is heard."""
     room.window.open(room.desk.strokes(4))
+    mark_against(room, table, "mark on the score against the sound")
+
+
+def recordingmark(room, table, options):
+    """The same with a recording whose beats are known."""
+    path, _ = room.desk.recorded(4, ON_EACH_BEAT)
+    room.window.open(path)
+    mark_against(room, table, "mark on the score against the recording")
+
+
+def mark_against(room, table, name):
     room.window.call("setLooping", True)
     for speed in (1.0, 0.5):
         room.window.call("setSpeed", speed)
@@ -325,13 +347,13 @@ def mark(room, table, options):
             changes = marks.finish()
             room.window.stop()
             return changes
-        sound, began, changes = room.listen(f"mark-{speed}", music)
+        sound, began, changes = room.listen(f"{name}-{speed}", music)
         notes = onsets(sound[:, 0], 0.6 * BEAT / speed)
         late = errors(changes - began, notes)
         late = late[numpy.abs(late) < 400 * BEAT / speed]
         if len(late) < 8:
             raise RuntimeError(f"only {len(late)} marks were seen, and {len(notes)} notes heard")
-        table.row(f"mark on the score against the sound, {speed:.0%}: worst", numpy.abs(late).max(), 50,
+        table.row(f"{name}, {speed:.0%}: worst", numpy.abs(late).max(), 50,
                   note=f"{len(late)} notes, mean {late.mean():+.1f} (late is positive), spread {late.std():.1f}")
     room.window.call("setSpeed", 1.0)
     room.window.call("setLooping", False)
@@ -368,7 +390,7 @@ def in_a_room(row):
 
 
 ROWS = {row.__name__: in_a_room(row)
-        for row in (clicks, recording, recordingseam, seam, mute, mark, drift, dropouts)}
+        for row in (clicks, recording, recordingseam, recordingmark, recordingdropouts, seam, mute, mark, drift, dropouts)}
 ROWS["ready"] = ready
 
 

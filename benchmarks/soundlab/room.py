@@ -102,6 +102,7 @@ class Window:
                            XDG_CACHE_HOME=os.path.join(folder, "cache"), XDG_DATA_HOME=os.path.join(folder, "data"))
         environment.pop("WAYLAND_DISPLAY", None)
         environment.pop("QV_SMOKE", None)
+        self.system = system
         self.launched = time.monotonic()
         self._process = subprocess.Popen([program], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
                                          stderr=subprocess.PIPE, env=environment, text=True)

@@ -14,6 +14,10 @@ TEMPO = 120
 BEAT = 60 / TEMPO
 
 
+# A bar with a note on each beat.
+ON_EACH_BEAT = ":4 0.1 0.1 0.1 0.1 |\n"
+
+
 class Desk:
     """Writes scores into a folder, with the engine's own exporter."""
 
@@ -32,19 +36,19 @@ class Desk:
 
     def strokes(self, bars):
         """A sharp stroke on every beat, from the left loudspeaker alone."""
-        return self.write(f"strokes{bars}", heading("Strokes", "Woodblock", balance=0) + bars * ":4 0.1 0.1 0.1 0.1 |\n")
+        return self.write(f"strokes{bars}", heading("Strokes", "Woodblock", balance=0) + bars * ON_EACH_BEAT)
 
     def drone(self, bars):
         """One chord that never decays, from both loudspeakers."""
         return self.write(f"drone{bars}", heading("Drone", "DrawbarOrgan") + ":1 (5.1 5.2 6.3) |\n"
                           + (bars - 1) * ":1 (-.1 -.2 -.3) |\n")
 
-    def recorded(self, bars):
-        """A score that is silent itself and carries the recording of a player who never keeps the tempo.
+    def recorded(self, bars, bar=":1 r |\n"):
+        """A score that carries the recording of a player who never keeps the tempo.
 
         Returns the file and the time in seconds of each beat in the recording.
         """
-        path = self.write(f"recorded{bars}", heading("Recorded", "Woodblock") + bars * ":1 r |\n")
+        path = self.write(f"recorded{bars}", heading("Recorded", "Woodblock") + bars * bar)
         # Nothing in the file tells how long the last bar is: it is like the one before.
         lengths = [4 * BEAT * (1 + 0.12 * numpy.sin(min(bar, bars - 2))) for bar in range(bars)]
         starts = 0.35 + numpy.concatenate([[0], numpy.cumsum(lengths)])
@@ -52,9 +56,9 @@ class Desk:
         embed_recording(path, strokes(beats, starts[-1]), starts[:-1])
         return path, beats
 
-    def hummed(self, bars):
+    def hummed(self, bars, bar=":1 r |\n"):
         """A score whose recording is one tone that never ends."""
-        path = self.write(f"hummed{bars}", heading("Hummed", "Woodblock") + bars * ":1 r |\n")
+        path = self.write(f"hummed{bars}", heading("Hummed", "Woodblock") + bars * bar)
         time = numpy.arange(int((bars * 4 * BEAT + 2) * GUITAR_PRO_RATE)) / GUITAR_PRO_RATE
         tone = 0.4 * numpy.sin(2 * numpy.pi * 196 * time)
         embed_recording(path, wave_file(numpy.column_stack([tone, tone])), 4 * BEAT * numpy.arange(bars))

@@ -140,4 +140,18 @@ void EngineSession::listen()
 
 double EngineSession::loudness() { return valueOf(u"loudness()"_s).toDouble(); }
 
+void EngineSession::failToDecodeWaveFiles()
+{
+    // Of a recording only the beginning is decoded before its score is shown.
+    valueOf(uR"((() => {
+            const decode = BaseAudioContext.prototype.decodeAudioData;
+            let recordings = 0;
+            BaseAudioContext.prototype.decodeAudioData = function (file) {
+                const isRecording = String.fromCharCode(...new Uint8Array(file, 0, 4)) === "RIFF";
+                return isRecording && recordings++ > 0 ? Promise.reject(new Error("out of memory")) : decode.call(this, file);
+            };
+            return true;
+        })())"_s);
+}
+
 void EngineSession::handle(const QVariantMap &message) { m_heard << Heard{ m_clock.elapsed(), message }; }

@@ -57,6 +57,9 @@ public:
     /// Peak of the last three quarters of a second, 0 to 1.
     double loudness();
 
+    /// From now on the web engine can decode the next WAVE file that it is handed, and none after that.
+    void failToDecodeWaveFiles();
+
     void handle(const QVariantMap &message) override;
 
 private:

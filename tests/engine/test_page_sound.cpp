@@ -1,6 +1,7 @@
 #include "engine_host/BridgeCalls.h"
 #include "tests/engine/EngineScores.h"
 #include "tests/engine/EngineSession.h"
+#include "tests/engine/RecordedScores.h"
 
 using namespace Qt::StringLiterals;
 
@@ -71,9 +72,7 @@ private Q_SLOTS:
 
     void theFilesOwnRecordingIsHeard()
     {
-        if (!EngineScores::haveSamples())
-            QSKIP("the samples are not here");
-        QVERIFY(m_session->open(EngineScores::sample(u"canon-audio-track.gp"_s)));
+        QVERIFY(m_session->open(recordedScore()));
         QCOMPARE(m_session->last(u"score"_s).value(u"hasBackingTrack"_s), QVariant(true));
         play();
         QVERIFY(becomesAudible());
@@ -95,9 +94,7 @@ private Q_SLOTS:
 
     void masterVolumeRulesARecordingWithItsMetronome()
     {
-        if (!EngineScores::haveSamples())
-            QSKIP("the samples are not here");
-        QVERIFY(m_session->open(EngineScores::sample(u"canon-audio-track.gp"_s)));
+        QVERIFY(m_session->open(recordedScore()));
         m_session->call(BridgeCalls::setMetronome(true));
         m_session->call(BridgeCalls::setMasterVolume(0));
         play();
@@ -108,9 +105,7 @@ private Q_SLOTS:
 
     void aRecordingGoesOnAtAnotherSpeedFromWhereItIs()
     {
-        if (!EngineScores::haveSamples())
-            QSKIP("the samples are not here");
-        QVERIFY(m_session->open(EngineScores::sample(u"canon-audio-track.gp"_s)));
+        QVERIFY(m_session->open(recordedScore()));
         play();
         QVERIFY(m_session->waitFor([&] { return m_session->position() > 2000; }));
         const double before = m_session->position();
@@ -128,9 +123,7 @@ private Q_SLOTS:
 
     void aRecordingStartsOverInALoop()
     {
-        if (!EngineScores::haveSamples())
-            QSKIP("the samples are not here");
-        QVERIFY(m_session->open(EngineScores::sample(u"canon-audio-track.gp"_s)));
+        QVERIFY(m_session->open(recordedScore()));
         const double end = m_session->last(u"position"_s).value(u"endTime"_s).toDouble();
         QVERIFY(end > 60000);
         m_session->call(BridgeCalls::setLooping(true));
@@ -143,11 +136,31 @@ private Q_SLOTS:
         QCOMPARE(m_session->count(u"state"_s), 1); // it never stopped
     }
 
+    void theSynthesizerTakesThePlaceOfARecordingThatCannotBeDecoded()
+    {
+        m_session->failToDecodeWaveFiles();
+        const qsizetype before = m_session->count(u"score"_s);
+        QVERIFY(m_session->open(recordedScore()));
+        m_session->call(BridgeCalls::setTrackMute(0, true));
+        play();
+        QVERIFY(m_session->waitForCount(u"score"_s, before + 2));
+        QVERIFY(m_session->last(u"error"_s).value(u"message"_s).toString().contains(u"out of memory"_s));
+        const QList<EngineSession::Heard> scores = m_session->heard(u"score"_s);
+        QCOMPARE(scores.at(before).message.value(u"hasBackingTrack"_s), QVariant(true));
+        QCOMPARE(scores.at(before + 1).message.value(u"hasBackingTrack"_s), QVariant(false));
+        QVERIFY(!scores.at(before + 1).message.contains(u"tracks"_s));
+        QVERIFY(becomesAudible());
+        QVERIFY(m_session->waitFor([&] { return m_session->isPlaying() && m_session->position() > 1000; }));
+        m_session->call(BridgeCalls::setTrackMute(1, true));
+        QVERIFY(becomesSilent());
+        m_session->call(BridgeCalls::setSoundSource(true));
+        m_session->call(BridgeCalls::setSoundSource(false));
+        QVERIFY(m_session->isPlaying());
+    }
+
     void theMixerOutlivesAChangeOfSound()
     {
-        if (!EngineScores::haveSamples())
-            QSKIP("the samples are not here");
-        QVERIFY(m_session->open(EngineScores::sample(u"canon-audio-track.gp"_s)));
+        QVERIFY(m_session->open(recordedScore()));
         const int tracks = int(m_session->last(u"score"_s).value(u"tracks"_s).toList().size());
         for (int track = 0; track < tracks; ++track)
             m_session->call(BridgeCalls::setTrackVolume(track, 0));
@@ -285,6 +298,9 @@ private Q_SLOTS:
     }
 
 private:
+    /// Eighty seconds of score and recording.
+    static QByteArray recordedScore() { return RecordedScores::score(RecordedScores::tone(80), 40); }
+
     void play()
     {
         m_session->call(BridgeCalls::playPause());

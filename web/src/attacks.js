@@ -27,32 +27,100 @@ export const closest = 0.05;
 const standsOut = 1.25;
 const beginning = 0.05;
 
+/** How many hops before a place decide on it; one more, because the slope of the very first sample is not known. */
+const lookBack = hopsBefore + 1;
+
+/** Looks for the attacks of a recording that comes piece by piece; wherever it was cut, it finds the same. */
+export class AttackFinder {
+  #step;
+  #apart;
+  /** @type {Int16Array[]} what may still be looked at, from hop #begin on */
+  #window = [];
+  #begin = 0;
+  /** The first hop that was not decided on, and that of the last attack. */
+  #next = 0;
+  #last;
+  /** The most that each energy was before #next. */
+  #loudest = { sound: 0, slope: 0 };
+
+  /** @param {number} sampleRate samples a second */
+  constructor(sampleRate) {
+    this.#step = Math.max(Math.round(hop * sampleRate), 1);
+    this.#apart = Math.round((closest * sampleRate) / this.#step);
+    this.#last = -this.#apart;
+  }
+
+  /**
+   * @param {Int16Array[]} channels what comes next, of equal length
+   * @returns {number[]} frames of the recording, in rising order: attacks that are certain by now
+   */
+  push(channels) {
+    this.#window = channels.map((samples, channel) => joined(this.#window[channel], samples));
+    const whole = Math.floor(this.#window[0].length / this.#step);
+    return this.#search(whole - (this.#apart >> 1) - 2 * hopsSummed);
+  }
+
+  /** @returns {number[]} the rest */
+  finish() {
+    return this.#search(Math.ceil((this.#window[0]?.length ?? 0) / this.#step));
+  }
+
+  /** @param {number} end the first hop of the window that is not decided on yet */
+  #search(end) {
+    const step = this.#step;
+    const first = this.#next - this.#begin;
+    if (end <= first) {
+      return [];
+    }
+    const channels = this.#window;
+    const energies = measure(channels, channels[0].length, step);
+    const rise = {
+      sound: rising(energies.sound, rises.sound, channels.length * step, this.#loudest.sound, first),
+      slope: rising(energies.slope, rises.slope, channels.length * step, this.#loudest.slope, first),
+    };
+    /** @type {number[]} */
+    const found = [];
+    for (let at = first; at < end; at++) {
+      const strength = Math.max(rise.sound.strengths[at], rise.slope.strengths[at]);
+      if (strength > 1 && this.#begin + at - this.#last >= this.#apart && strongest(rise, at, this.#apart >> 1)) {
+        this.#last = this.#begin + at;
+        const bySound = rise.sound.strengths[at] > rise.slope.strengths[at];
+        found.push(this.#begin * step + begins(channels, at * step, step, bySound));
+      }
+    }
+    this.#loudest = { sound: rise.sound.loudest[end - 1], slope: rise.slope.loudest[end - 1] };
+    this.#forget(end);
+    return found;
+  }
+
+  /** @param {number} end hop of the window up to which it is decided */
+  #forget(end) {
+    this.#next = this.#begin + end;
+    const past = Math.max(end - lookBack, 0);
+    this.#begin += past;
+    this.#window = this.#window.map((samples) => samples.slice(past * this.#step));
+  }
+}
+
 /**
  * @param {Int16Array[]} channels of equal length
  * @param {number} sampleRate samples a second
  * @returns {Int32Array} frames, in rising order
  */
 export function findAttacks(channels, sampleRate) {
-  const length = channels[0]?.length ?? 0;
-  const step = Math.max(Math.round(hop * sampleRate), 1);
-  const energies = measure(channels, length, step);
-  const rise = {
-    sound: rising(energies.sound, rises.sound, channels.length * step),
-    slope: rising(energies.slope, rises.slope, channels.length * step),
-  };
-  const count = energies.sound.length;
-  const apart = Math.round((closest * sampleRate) / step);
-  /** @type {number[]} */
-  const found = [];
-  let last = -apart;
-  for (let at = 0; at < count; at++) {
-    const strength = Math.max(rise.sound[at], rise.slope[at]);
-    if (strength > 1 && at - last >= apart && strongest(rise, at, apart >> 1)) {
-      last = at;
-      found.push(begins(channels, at * step, step, rise.sound[at] > rise.slope[at]));
-    }
-  }
-  return Int32Array.from(found);
+  const finder = new AttackFinder(sampleRate);
+  return Int32Array.from([...finder.push(channels), ...finder.finish()]);
+}
+
+/**
+ * @param {Int16Array | undefined} samples
+ * @param {Int16Array} more
+ */
+function joined(samples, more) {
+  const all = new Int16Array((samples?.length ?? 0) + more.length);
+  all.set(samples ?? []);
+  all.set(more, samples?.length ?? 0);
+  return all;
 }
 
 /**
@@ -85,12 +153,18 @@ function measure(channels, length, step) {
 }
 
 /**
+ * @typedef {object} Rise
+ * @property {Float32Array} strengths above 1 where the energy rises by more than it takes
+ * @property {Float64Array} loudest the most that the energy was by then
+ *
  * @param {Float64Array} energy of each step
  * @param {number} rise
  * @param {number} floor energy of a step that is hardly silent
- * @returns {Float32Array} above 1 where the energy rises by more than `rise`
+ * @param {number} loudest the most that the energy was before `first`
+ * @param {number} first the first step of interest
+ * @returns {Rise}
  */
-function rising(energy, rise, floor) {
+function rising(energy, rise, floor, loudest, first) {
   const count = energy.length;
   const summed = new Float64Array(count);
   for (let at = count - 1, sum = 0; at >= 0; at--) {
@@ -98,28 +172,28 @@ function rising(energy, rise, floor) {
     summed[at] = sum;
   }
   const strengths = new Float32Array(count);
-  let loudest = 0;
-  for (let at = 0; at < count; at++) {
-    loudest = Math.max(loudest, summed[at]);
-    let before = Math.max(loudest * faintest, floor * hopsSummed);
+  const most = new Float64Array(count);
+  for (let at = first; at < count; at++) {
+    most[at] = Math.max(most[at - 1] ?? 0, loudest, summed[at]);
+    let before = Math.max(most[at] * faintest, floor * hopsSummed);
     for (let back = Math.max(at - hopsBefore, 0); back <= at - hopsSummed; back++) {
       before = Math.max(before, summed[back]);
     }
     strengths[at] = summed[at] / before / rise;
   }
-  return strengths;
+  return { strengths, loudest: most };
 }
 
 /**
- * @param {{ sound: Float32Array, slope: Float32Array }} rise
+ * @param {{ sound: Rise, slope: Rise }} rise
  * @param {number} at
  * @param {number} around
  */
-function strongest(rise, at, around) {
-  const strength = Math.max(rise.sound[at], rise.slope[at]);
-  const end = Math.min(at + around, rise.sound.length - 1);
+function strongest({ sound, slope }, at, around) {
+  const strength = Math.max(sound.strengths[at], slope.strengths[at]);
+  const end = Math.min(at + around, sound.strengths.length - 1);
   for (let other = at + 1; other <= end; other++) {
-    if (Math.max(rise.sound[other], rise.slope[other]) > strength) {
+    if (Math.max(sound.strengths[other], slope.strengths[other]) > strength) {
       return false;
     }
   }

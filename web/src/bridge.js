@@ -28,7 +28,8 @@
  * @property {() => void} exportGp
  *
  * @typedef {{ index: number, name: string }} TrackEntry
- * @typedef {{ title: string, artist: string, tracks: TrackEntry[], hasBackingTrack: boolean }} ScoreFacts
+ * @typedef {{ title: string, artist: string, tracks?: TrackEntry[], hasBackingTrack: boolean }} ScoreFacts Without tracks
+ *     those that were told last stay as they are.
  *
  * @typedef {{ type: "ready" }
  *   | { type: "playerReady" }

@@ -79,6 +79,22 @@ export class Documents {
     }
   }
 
+  /** The recording of the score on the desk cannot be heard after all: the synthesizer takes its place. */
+  giveUpRecording() {
+    const score = this.#engine.score;
+    if (!score || !this.#recordings.of(score)) {
+      return;
+    }
+    this.#recordings.giveUp(score);
+    // The tracks stay what they are, with what the mixer did to them.
+    this.#post({ type: "score", title: score.title, artist: score.artist, hasBackingTrack: false });
+    this.#playback.repeatPosition();
+    if (this.#choosePlayer(score)) {
+      this.#playback.handOver();
+      this.#engine.updateSettings();
+    }
+  }
+
   /** @param {(bytes: Uint8Array) => string} encode */
   exportGuitarPro(encode) {
     const score = this.#engine.score;

@@ -26,7 +26,7 @@ export class Engine extends alphaTab.AlphaTabApi {
   #preparedMode = alphaTab.PlayerMode.Disabled;
   #wantedMode = alphaTab.PlayerMode.EnabledSynthesizer;
   #playerStarted = false;
-  /** @type {Uint8Array<ArrayBuffer> | null} the score's recording, where it can be heard */
+  /** @type {import("./recordings.js").Recording | null} the score's own, where it can be heard */
   recording = null;
   /** Plays it while it is chosen in the synthesizer's place. */
   recordingPlayer = new RecordingPlayer();

@@ -50,7 +50,10 @@ new SoundBank(engine, post);
 new Tidying(engine, playback, document);
 
 engine.error.on((error) => post({ type: "error", message: error.message }));
-engine.recordingPlayer.failed.on((message) => post({ type: "error", message }));
+engine.recordingPlayer.failed.on((message) => {
+  post({ type: "error", message });
+  documents.giveUpRecording();
+});
 
 expose({
   loadBase64: (base64) => void documents.open(decodeBase64(base64)),

@@ -2,6 +2,8 @@
 /**
  * A recording played in pieces: each is copied as it is, and fades into the next. Places are frames of the recording;
  * before its beginning and behind its end there is silence.
+ *
+ * @typedef {import("./samples.js").Samples} Samples
  */
 
 /** Over how long two pieces are compared, in seconds. */
@@ -24,7 +26,7 @@ export class Pieces {
   #candidates;
 
   /**
-   * @param {Int16Array[]} channels one or two, of equal length
+   * @param {Samples[]} channels one or two, of equal length
    * @param {number} sampleRate samples a second
    * @param {number} range within how long the likest piece is looked for, in seconds
    */
@@ -76,7 +78,7 @@ export class Pieces {
       const output = channel === 0 ? left : right;
       const samples = this.#channels[channel];
       for (let i = 0; i < count; i++) {
-        output[at + i] = (samples[this.#source + i] ?? 0) / full;
+        output[at + i] = samples.at(this.#source + i) / full;
       }
       if (fades) {
         this.#mixFading(output, samples, at, count);
@@ -96,7 +98,7 @@ export class Pieces {
    * The more alike the two are, the less louder both together are than each of them.
    *
    * @param {Float32Array} output
-   * @param {Int16Array} samples
+   * @param {Samples} samples
    * @param {number} at
    * @param {number} count
    */
@@ -106,7 +108,7 @@ export class Pieces {
       const part = 0.5 - 0.5 * Math.cos((Math.PI * (done + i + 0.5)) / length);
       const rest = 1 - part;
       const level = 1 / Math.sqrt(part * part + rest * rest + 2 * part * rest * likeness);
-      output[at + i] = level * (part * output[at + i] + (rest * (samples[source + i] ?? 0)) / full);
+      output[at + i] = level * (part * output[at + i] + (rest * samples.at(source + i)) / full);
     }
   }
 
@@ -160,7 +162,7 @@ export class Pieces {
     means.forEach((target, channel) => {
       const samples = this.#channels[channel];
       for (let i = 0, at = from; i < target.length; i++, at += coarse) {
-        target[i] = (samples[at] ?? 0) + (samples[at + 1] ?? 0) + (samples[at + 2] ?? 0) + (samples[at + 3] ?? 0);
+        target[i] = samples.at(at) + samples.at(at + 1) + samples.at(at + 2) + samples.at(at + 3);
       }
     });
   }
@@ -177,8 +179,8 @@ export class Pieces {
     let otherEnergy = 0;
     for (const samples of this.#channels) {
       for (let i = 0; i < length; i++) {
-        const a = samples[one + i] ?? 0;
-        const b = samples[other + i] ?? 0;
+        const a = samples.at(one + i);
+        const b = samples.at(other + i);
         product += a * b;
         oneEnergy += a * a;
         otherEnergy += b * b;

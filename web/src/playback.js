@@ -112,6 +112,11 @@ export class Playback {
     this.#feed.jump({ currentTime: 0, endTime: this.endTime });
   }
 
+  /** Tells once more what was told last. */
+  repeatPosition() {
+    this.#feed.jump({ currentTime: this.#timeline.msAt(this.#tick + this.#tickShift), endTime: this.endTime });
+  }
+
   playPause() {
     if (!this.#api.score) {
       return;

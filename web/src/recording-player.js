@@ -2,12 +2,15 @@
 import { clickSamples } from "./click-sounds.js";
 import { Emitter } from "./emitter.js";
 import { turnOfSound, watchHearingDelay } from "./hearing-delay.js";
+import { decodeRecording } from "./recording-decoder.js";
 
 /**
- * The page's side of a recording that plays: decodes it, has it prepared by a worker, and speaks to the audio thread. To
- * the engine it is a medium that plays beside it. Times are milliseconds of the recording.
+ * The page's side of a recording that plays: has it decoded, and speaks to the audio thread. To the engine it is a medium
+ * that plays beside it. Times are milliseconds of the recording.
  *
  * @typedef {import("@coderline/alphatab").synth.IExternalMediaHandler} MediaHandler
+ * @typedef {import("./recordings.js").Recording} Recording
+ * @typedef {import("./recording-processor.js").FromPage} FromPage
  * @typedef {{ from: number, to: number }} Loop
  * @typedef {{ ms: number, level: number }} TimedClick
  *
@@ -49,10 +52,10 @@ export class RecordingPlayer {
   #gain;
   /** @type {AudioWorkletNode | undefined} */
   #node;
-  /** @type {import("./recording-processor.js").FromPage} what the audio thread is told once it listens */
-  #unsaid = {};
-  /** @type {Uint8Array | null} */
-  #bytes = null;
+  /** @type {{ message: FromPage, transfer: Transferable[] }[]} what the audio thread is told once it listens */
+  #unsaid = [];
+  /** @type {Recording | null} */
+  #recording = null;
   #playing = false;
   #speed = 1;
   #volume = 1;
@@ -64,13 +67,13 @@ export class RecordingPlayer {
   #startingOver = false;
   #sleep = 0;
 
-  /** @param {Uint8Array<ArrayBuffer> | null} bytes an audio file; null for silence */
-  load(bytes) {
-    if (bytes !== this.#bytes) {
-      this.#bytes = bytes;
+  /** @param {Recording | null} recording null for silence */
+  load(recording) {
+    if (recording !== this.#recording) {
+      this.#recording = recording;
       this.#tell({ sound: null });
-      if (bytes) {
-        void this.#prepare(bytes);
+      if (recording) {
+        void this.#decode(recording);
       }
     }
   }
@@ -136,19 +139,19 @@ export class RecordingPlayer {
     this.#tell({ ticking: { levels, first: click(accent), others: click(false) } });
   }
 
-  /** @param {Uint8Array<ArrayBuffer>} bytes */
-  async #prepare(bytes) {
+  /** @param {Recording} recording */
+  async #decode(recording) {
     try {
-      const context = this.#open();
-      const decoded = await context.decodeAudioData(bytes.slice().buffer);
-      if (bytes === this.#bytes) {
-        const sound = await prepared(decoded);
-        if (bytes === this.#bytes) {
-          this.#tell({ sound }, sound.channels.map(({ buffer }) => buffer));
+      for await (const part of decodeRecording(recording.take(), this.#open().sampleRate)) {
+        if (recording !== this.#recording) {
+          return;
         }
+        this.#tell({ part }, [part.attacks.buffer, ...part.blocks.flat().map(({ buffer }) => buffer)]);
       }
     } catch (reason) {
-      this.failed.trigger(`The recording cannot be played: ${reason instanceof Error ? reason.message : reason}`);
+      if (recording === this.#recording) {
+        this.failed.trigger(`The recording cannot be played: ${reason instanceof Error ? reason.message : reason}`);
+      }
     }
   }
 
@@ -173,20 +176,21 @@ export class RecordingPlayer {
     node.port.onmessage = ({ data }) => this.#listen(data);
     node.connect(gain);
     this.#node = node;
-    node.port.postMessage(this.#unsaid);
-    this.#unsaid = {};
+    for (const { message, transfer } of this.#unsaid.splice(0)) {
+      node.port.postMessage(message, transfer);
+    }
     watchHearingDelay(context, (delay) => this.#tell({ delay }));
   }
 
   /**
-   * @param {import("./recording-processor.js").FromPage} message
+   * @param {FromPage} message
    * @param {Transferable[]} [transfer]
    */
   #tell(message, transfer = []) {
     if (this.#node) {
       this.#node.port.postMessage(message, transfer);
     } else {
-      Object.assign(this.#unsaid, message);
+      this.#unsaid.push({ message, transfer });
     }
   }
 
@@ -214,21 +218,4 @@ export class RecordingPlayer {
     clearTimeout(this.#sleep);
     this.#sleep = setTimeout(() => void this.#context?.suspend(), patience);
   }
-}
-
-/**
- * @param {AudioBuffer} decoded loses its samples
- * @returns {Promise<import("./time-stretch.js").Sound>}
- */
-function prepared(decoded) {
-  const worker = new Worker("src/recording-worker.js", { type: "module" });
-  const count = Math.min(decoded.numberOfChannels, 2);
-  const channels = Array.from({ length: count }, (_, index) => decoded.getChannelData(index));
-  return new Promise((resolve, reject) => {
-    worker.onmessage = ({ data }) => resolve(data);
-    worker.onerror = ({ message }) => reject(new Error(message));
-    /** @type {import("./recording-worker.js").Decoded} */
-    const work = { channels, sampleRate: decoded.sampleRate };
-    worker.postMessage(work, channels.map(({ buffer }) => buffer));
-  }).finally(() => worker.terminate());
 }

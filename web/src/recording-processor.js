@@ -1,5 +1,6 @@
 // @ts-check
 import { HeardTime } from "./heard-time.js";
+import { RecordedSound } from "./recorded-sound.js";
 import { RecordingClicks } from "./recording-clicks.js";
 import { TimeStretch } from "./time-stretch.js";
 
@@ -8,7 +9,8 @@ import { TimeStretch } from "./time-stretch.js";
  * clicks, loops and changes of speed fall where they belong whatever the page is busy with.
  *
  * @typedef {object} FromPage times are milliseconds of the recording
- * @property {import("./time-stretch.js").Sound | null} [sound] null for none; playing waits for one
+ * @property {null} [sound] there is none any more
+ * @property {import("./recorded-sound.js").Part} [part] of a recording; playing waits for the part that it starts in
  * @property {boolean} [playing]
  * @property {{ place: number, turn: number }} [seek] turn: what reports are told apart by from then on
  * @property {number} [speed]
@@ -35,11 +37,15 @@ const fadeIn = 32;
 const { AudioWorkletProcessor, registerProcessor, sampleRate } = /** @type {any} */ (globalThis);
 
 class RecordingProcessor extends AudioWorkletProcessor {
+  /** @type {RecordedSound | null} */
+  #sound = null;
   /** @type {TimeStretch | null} */
   #stretch = null;
   #clicks = new RecordingClicks(sampleRate);
   #heardTime = new HeardTime(sampleRate);
   #playing = false;
+  /** Whether what comes next has not been decoded yet. */
+  #waiting = true;
   #turn = 0;
   /** Frames of the recording: where it starts when it comes, and afterwards whatever seek was last. */
   #start = 0;
@@ -61,7 +67,7 @@ class RecordingProcessor extends AudioWorkletProcessor {
   }
 
   /** @param {FromPage} message */
-  #listen({ sound, playing, seek, speed, loop, clicks, ticking, delay }) {
+  #listen({ sound, part, playing, seek, speed, loop, clicks, ticking, delay }) {
     this.#delay = delay !== undefined ? Math.round(delay * sampleRate) : this.#delay;
     if (ticking) {
       this.#clicks.ticking = ticking;
@@ -82,6 +88,13 @@ class RecordingProcessor extends AudioWorkletProcessor {
     if (sound !== undefined) {
       this.#load(sound);
     }
+    if (part) {
+      if (part.first) {
+        this.#load(new RecordedSound(part.blocks.length, sampleRate));
+      }
+      this.#sound?.add(part);
+      this.#stretch?.grow();
+    }
     if (seek) {
       this.#turn = seek.turn;
       this.#goTo(frames(seek.place));
@@ -92,9 +105,10 @@ class RecordingProcessor extends AudioWorkletProcessor {
     }
   }
 
-  /** @param {import("./time-stretch.js").Sound | null} sound */
+  /** @param {RecordedSound | null} sound */
   #load(sound) {
     this.#breakOff();
+    this.#sound = sound;
     this.#stretch = sound && new TimeStretch(sound);
     if (this.#stretch) {
       this.#stretch.speed = this.#speed;
@@ -115,6 +129,7 @@ class RecordingProcessor extends AudioWorkletProcessor {
   /** @param {number} place */
   #goTo(place) {
     this.#breakOff();
+    this.#waiting = true;
     this.#start = place;
     this.#stretch?.jump(place);
     this.#clicks.goTo(place);
@@ -132,7 +147,7 @@ class RecordingProcessor extends AudioWorkletProcessor {
 
   /** A sound that ends at once clicks: a little of what would have come fades out. */
   #breakOff() {
-    if (this.#playing && this.#stretch) {
+    if (this.#playing && this.#stretch && !this.#waiting) {
       const { left, right } = this.#tail;
       left.fill(0);
       right.fill(0);
@@ -156,13 +171,23 @@ class RecordingProcessor extends AudioWorkletProcessor {
    */
   process(_inputs, outputs) {
     const [left, right] = outputs[0];
-    if (this.#playing && this.#stretch) {
+    this.#wait();
+    if (this.#playing && this.#stretch && !this.#waiting) {
       this.#play(this.#stretch, left, right);
       this.#played += left.length;
       this.#report(left.length);
     }
     this.#mixTail(left, right);
     return true;
+  }
+
+  /** What has not been decoded yet is waited for. */
+  #wait() {
+    const waiting = !this.#stretch || !this.#sound?.reaches(this.#stretch.place);
+    if (waiting && !this.#waiting) {
+      this.#breakOff();
+    }
+    this.#waiting = waiting;
   }
 
   /**

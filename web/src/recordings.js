@@ -11,8 +11,25 @@
  */
 const taste = 1 << 18;
 
+/** An audio file that is decoded once, and not kept after that. */
+export class Recording {
+  #score;
+
+  /** @param {Score} score whose recording it is */
+  constructor(score) {
+    this.#score = score;
+  }
+
+  /** @returns {Uint8Array<ArrayBuffer>} the file, which nobody else holds from then on */
+  take() {
+    const bytes = this.#score.backingTrack?.rawAudioFile ?? new Uint8Array();
+    delete this.#score.backingTrack?.rawAudioFile;
+    return /** @type {Uint8Array<ArrayBuffer>} */ (bytes);
+  }
+}
+
 export class Recordings {
-  /** @type {WeakMap<Score, Uint8Array<ArrayBuffer> | null>} null for a recording that cannot be played */
+  /** @type {WeakMap<Score, Recording | null>} null for a recording that cannot be played */
   #playable = new WeakMap();
 
   /**
@@ -30,12 +47,17 @@ export class Recordings {
    */
   async prepare(score) {
     const bytes = /** @type {Uint8Array<ArrayBuffer>} */ (score.backingTrack?.rawAudioFile ?? new Uint8Array());
-    this.#playable.set(score, (await canBeDecoded(bytes)) ? bytes : null);
+    this.#playable.set(score, (await canBeDecoded(bytes)) ? new Recording(score) : null);
+  }
+
+  /** @param {Score} score whose recording cannot be heard after all */
+  giveUp(score) {
+    this.#playable.set(score, null);
   }
 
   /**
    * @param {Score} score
-   * @returns {Uint8Array<ArrayBuffer> | null} an audio file; null without a playable recording
+   * @returns {Recording | null} null without a playable recording
    */
   of(score) {
     return this.#playable.get(score) ?? null;

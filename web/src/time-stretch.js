@@ -14,11 +14,6 @@ import { Pieces } from "./pieces.js";
  * All places are frames of the recording. The place is where the even course of time is; the source is what is being
  * played, which is never far from it.
  *
- * @typedef {object} Sound
- * @property {Int16Array[]} channels one or two, of equal length
- * @property {Int32Array} attacks frames, in rising order
- * @property {number} sampleRate samples a second
- *
  * @typedef {{ from: number, to: number }} Loop frames
  *
  * @typedef {object} Pin a source that has to be reached in time for something to be heard when it is due
@@ -59,8 +54,8 @@ const retry = 0.004;
 
 export class TimeStretch {
   #pieces;
+  #sound;
   #attacks;
-  #length;
   #speed = 1;
   /** @type {Loop | null} */
   #loop = null;
@@ -77,13 +72,13 @@ export class TimeStretch {
   #settled = "";
   #frames;
 
-  /** @param {Sound} sound */
-  constructor({ channels, attacks, sampleRate }) {
+  /** @param {import("./recorded-sound.js").RecordedSound} sound */
+  constructor(sound) {
     /** @type {(seconds: number) => number} */
-    const frames = (seconds) => Math.max(Math.round(seconds * sampleRate), 1);
-    this.#pieces = new Pieces(channels, sampleRate, 2 * tolerance);
-    this.#attacks = attacks;
-    this.#length = channels[0].length;
+    const frames = (seconds) => Math.max(Math.round(seconds * sound.sampleRate), 1);
+    this.#pieces = new Pieces(sound.channels, sound.sampleRate, 2 * tolerance);
+    this.#sound = sound;
+    this.#attacks = sound.attacks;
     this.#frames = {
       tolerance: frames(tolerance),
       fade: frames(fadeTime),
@@ -127,7 +122,7 @@ export class TimeStretch {
 
   /** Whether there is a loop with something to hear in it. */
   get hasLoop() {
-    return this.#loop !== null && Math.min(this.#loop.to, this.#length) - this.#loop.from > this.#frames.shortestLoop;
+    return this.#loop !== null && Math.min(this.#loop.to, this.#sound.length) - this.#loop.from > this.#frames.shortestLoop;
   }
 
   /** How many frames there are up to the end of the loop, or of the recording. */
@@ -137,9 +132,14 @@ export class TimeStretch {
 
   /** A place behind the loop is played to the end of the recording. */
   #findEnd() {
-    const to = this.#loop?.to ?? this.#length;
-    this.#end = this.#place < to ? Math.min(to, this.#length) : this.#length;
+    const to = this.#loop?.to ?? this.#sound.length;
+    this.#end = this.#place < to ? Math.min(to, this.#sound.length) : this.#sound.length;
     this.#pin = undefined;
+  }
+
+  /** To be called when more of the recording has come. */
+  grow() {
+    this.#findEnd();
   }
 
   /** @param {number} place where to go on, at once: what sounds is broken off */
@@ -340,7 +340,7 @@ export class TimeStretch {
 }
 
 /**
- * @param {Int32Array | Float64Array} numbers in rising order
+ * @param {ArrayLike<number>} numbers in rising order
  * @param {number} least
  * @returns {number} the index of the first that is not less
  */

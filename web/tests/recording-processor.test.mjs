@@ -1,5 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
+import { findAttacks } from "../src/attacks.js";
 import { AudioThread } from "./support/audio-thread.mjs";
 import { levels, onsets, sampleRate, sharpest, sound, strokes } from "./support/sounds.mjs";
 
@@ -78,4 +79,56 @@ test("a pause, a start, a seek and a new recording do not click", () => {
   assert.ok(sharpest(Float32Array.from(parts.flatMap((part) => [...part]))) < 0.06);
   assert.ok(Math.max(...levels(parts[2].subarray(512), 20)) < -100);
   assert.ok(Math.max(...levels(parts[5].subarray(512), 20)) < -100);
+});
+
+test("a recording is played while it is still being decoded, and waited for where it is not there yet", () => {
+  const block = 1 << 16;
+  const beginning = tone.slice(0, 2 * block);
+  const thread = new AudioThread();
+  thread.tell({ playing: true, seek: { place: 0, turn: 1 } });
+  thread.add([beginning], { first: true });
+  const [heard] = thread.listen(1);
+  assert.ok(Math.min(...levels(heard.subarray(2000), 20)) > -12);
+  thread.tell({ seek: { place: 5000, turn: 2 } });
+  const [waiting] = thread.listen(0.5);
+  assert.ok(sharpest(waiting) < 0.06);
+  assert.ok(Math.max(...levels(waiting.subarray(512), 20)) < -100);
+  const { length } = thread.reports;
+  thread.add([tone.slice(2 * block)], { last: true });
+  const [, right] = thread.listen(0.2);
+  assert.deepEqual(right.subarray(64), Float32Array.from(tone.subarray(5 * sampleRate + 64, 5 * sampleRate + right.length), (sample) => sample / 32768));
+  assert.ok(thread.reports[length].place < 5100);
+});
+
+test("a recording that is played faster than it comes is broken off and taken up again", () => {
+  const block = 1 << 16;
+  const thread = new AudioThread();
+  thread.tell({ playing: true, seek: { place: 0, turn: 1 } });
+  thread.add([tone.slice(0, block)], { first: true });
+  const [first] = thread.listen(2);
+  const loud = levels(first, 10).filter((level) => level > -12).length / 100;
+  assert.ok(loud > 1.1 && loud < block / sampleRate, `${loud} s were heard`);
+  thread.add([tone.slice(block)], { last: true });
+  const [second] = thread.listen(1);
+  const all = Float32Array.from([...first, ...second]);
+  assert.ok(sharpest(all) < 0.06);
+  assert.ok(Math.min(...levels(second.subarray(512), 20)) > -12);
+});
+
+test("attacks that come with a later part are kept in time", () => {
+  const block = 1 << 16;
+  const samples = strokes(9, beats);
+  const attacks = [...findAttacks([samples], sampleRate)];
+  const thread = new AudioThread();
+  thread.tell({ speed: 0.5, playing: true, seek: { place: 0, turn: 1 } });
+  const listened = [];
+  for (let at = 0; at < samples.length; at += block) {
+    const own = Int32Array.from(attacks.filter((frame) => frame >= at && frame < at + block));
+    thread.add([samples.slice(at, at + block)], { first: at === 0, last: at + block >= samples.length, attacks: own });
+    listened.push(thread.listen(0.01)[0]);
+  }
+  listened.push(thread.listen(17)[0]);
+  const heard = onsets(Float32Array.from(listened.flatMap((part) => [...part])));
+  assert.equal(heard.length, beats.length);
+  heard.forEach((at, beat) => assert.ok(Math.abs(at - 2000 * beats[beat]) < 0.3, `${at} instead of ${2000 * beats[beat]}`));
 });

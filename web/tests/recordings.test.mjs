@@ -28,24 +28,34 @@ async function judged(bytes, isReadable) {
   await recordings.prepare(score);
   assert.equal(recordings.isWaiting(score), false);
   assert.equal(bytes.length > 0, true, "the score keeps its recording");
-  return recordings.of(score);
+  return { recordings, score, recording: recordings.of(score) };
 }
 
 test("of a large recording only the beginning is decoded to see that it can be heard", async () => {
   const bytes = new Uint8Array(large);
-  assert.equal(await judged(bytes, () => true), bytes);
+  assert.equal((await judged(bytes, () => true)).recording.take(), bytes);
   assert.ok(Math.max(...decoded) < large / 4);
 });
 
 test("a recording that needs its end to be read is heard", async () => {
   const bytes = new Uint8Array(large);
-  assert.equal(await judged(bytes, (part) => part.length === large), bytes);
+  assert.equal((await judged(bytes, (part) => part.length === large)).recording.take(), bytes);
 });
 
 test("a recording that nobody can read is none", async () => {
-  assert.equal(await judged(new Uint8Array(large), () => false), null);
-  assert.equal(await judged(new Uint8Array(100), () => false), null);
+  assert.equal((await judged(new Uint8Array(large), () => false)).recording, null);
+  assert.equal((await judged(new Uint8Array(100), () => false)).recording, null);
   assert.deepEqual(decoded, [100]);
+});
+
+test("the file of a recording is given away and not kept", async () => {
+  const { score, recording, recordings } = await judged(new Uint8Array(100), () => true);
+  assert.equal(recording.take().length, 100);
+  assert.equal(score.backingTrack.rawAudioFile, undefined);
+  assert.equal(recordings.of(score), recording);
+  recordings.giveUp(score);
+  assert.equal(recordings.of(score), null);
+  assert.equal(recordings.isWaiting(score), false);
 });
 
 test("a score without a recording waits for nothing", () => {

@@ -1,6 +1,6 @@
 // The audio thread, without a loudspeaker: what it would play is returned.
 import { findAttacks } from "../../src/attacks.js";
-import { sampleRate } from "./sounds.mjs";
+import { blocksOf, sampleRate } from "./sounds.mjs";
 
 let Processor;
 globalThis.sampleRate = sampleRate;
@@ -24,9 +24,17 @@ export class AudioThread {
     this.#processor.port.onmessage({ data: structuredClone(message) });
   }
 
-  /** @param {Int16Array[]} channels */
+  /** @param {Int16Array[]} channels of a whole recording */
   load(...channels) {
-    this.tell({ sound: { channels, attacks: findAttacks(channels, sampleRate), sampleRate } });
+    this.add(channels, { first: true, last: true });
+  }
+
+  /**
+   * @param {Int16Array[]} channels of what comes next, in whole blocks
+   * @param {{ first?: boolean, last?: boolean, attacks?: Int32Array }} part
+   */
+  add(channels, { first = false, last = false, attacks = findAttacks(channels, sampleRate) }) {
+    this.tell({ part: { first, blocks: channels.map(blocksOf), attacks, last } });
   }
 
   /** @returns {Float32Array[]} left and right, of whole blocks */

@@ -1,5 +1,7 @@
 // Sounds made up for the tests, as 16-bit samples, and what is heard when they are stretched.
 import { findAttacks } from "../../src/attacks.js";
+import { RecordedSound } from "../../src/recorded-sound.js";
+import { blockLength } from "../../src/samples.js";
 import { TimeStretch } from "../../src/time-stretch.js";
 
 export const sampleRate = 44100;
@@ -7,6 +9,11 @@ export const sampleRate = 44100;
 /** @param {(seconds: number) => number} wave */
 export function sound(seconds, wave) {
   return Int16Array.from({ length: Math.round(seconds * sampleRate) }, (_, frame) => Math.round(30000 * wave(frame / sampleRate)));
+}
+
+/** @param {Int16Array} samples */
+export function blocksOf(samples) {
+  return Array.from({ length: Math.ceil(samples.length / blockLength) }, (_, index) => samples.slice(index * blockLength, (index + 1) * blockLength));
 }
 
 /** Sharp strokes at some times. */
@@ -26,7 +33,9 @@ export function strokes(seconds, times) {
 export class Player {
   /** @param {Int16Array[]} channels */
   constructor(channels, { speed = 1, loop = null, attacks = findAttacks(channels, sampleRate) } = {}) {
-    this.stretch = new TimeStretch({ channels, attacks, sampleRate });
+    const sound = new RecordedSound(channels.length, sampleRate);
+    sound.add({ first: true, blocks: channels.map(blocksOf), attacks, last: true });
+    this.stretch = new TimeStretch(sound);
     this.stretch.speed = speed;
     this.stretch.loop = loop;
   }
