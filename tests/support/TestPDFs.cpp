@@ -91,7 +91,8 @@ bool TestPDFs::encrypt(const QString &path, const char *userPassword)
         const QByteArray bytes = plain.readAll();
         QPDF document;
         document.processMemoryFile("plain", bytes.constData(), size_t(bytes.size()));
-        QPDFWriter writer(document, QFile::encodeName(path).constData());
+        const QByteArray name = QFile::encodeName(path); // the writer keeps no copy
+        QPDFWriter writer(document, name.constData());
         writer.setR6EncryptionParameters(
             userPassword, "owner", true, true, true, true, true, true, qpdf_r3p_full, true);
         writer.write();
