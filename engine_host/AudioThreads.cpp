@@ -5,20 +5,30 @@
 
 #include <algorithm>
 #include <array>
-#include <sys/resource.h>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/// What Chromium gives such threads where it may.
-constexpr int niceness = -10;
+using Work = AudioThread::Work;
+
+struct Name {
+    QByteArrayView name;
+    Work work;
+};
 
 /// The system keeps the first fifteen characters of a thread's name.
-bool isAudio(const QByteArray &name)
+constexpr std::array names{
+    Name{ "Realtime AudioW", Work::computes }, // the page's audio worklet
+    Name{ "AudioOutputDevi", Work::copies }, // takes its samples to the engine's audio process
+    Name{ "threaded-ml", Work::copies }, // takes them from there to the sound system
+};
+
+std::optional<Work> workOf(QByteArrayView name)
 {
-    static const std::array<QByteArray, 3> names{ "Realtime AudioW", "AudioOutputDevi", "threaded-ml" };
-    return std::find(names.begin(), names.end(), name) != names.end();
+    const auto known = std::find_if(names.begin(), names.end(), [name](const Name &one) { return one.name == name; });
+    return known == names.end() ? std::nullopt : std::optional(known->work);
 }
 
 QByteArray read(const QString &path)
@@ -29,18 +39,18 @@ QByteArray read(const QString &path)
 
 } // namespace
 
-int AudioThreads::raise(qint64 process)
+QList<AudioThread> AudioThreads::of(qint64 process)
 {
-    int raised = 0;
+    QList<AudioThread> found;
     const QDir tasks(u"/proc/%1/task"_s.arg(process));
     for (const QString &thread : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
         const QString folder = tasks.filePath(thread);
-        if (isAudio(read(folder + u"/comm"_s)) && setpriority(PRIO_PROCESS, id_t(thread.toUInt()), niceness) == 0)
-            ++raised;
+        if (const auto work = workOf(read(folder + u"/comm"_s)))
+            found << AudioThread{ process, thread.toLongLong(), *work };
         for (const QByteArray &child : read(folder + u"/children"_s).split(' ')) {
             if (!child.isEmpty())
-                raised += raise(child.toLongLong());
+                found << of(child.toLongLong());
         }
     }
-    return raised;
+    return found;
 }

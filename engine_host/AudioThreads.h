@@ -1,16 +1,25 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QList>
+
+/// A thread that sound depends on. It has some 20 ms for each turn, which drawing on all cores, or another program, can
+/// make it miss.
+struct AudioThread {
+    enum class Work {
+        computes, ///< runs the page's own code, which may take its time
+        copies, ///< hands samples on, and sleeps again in a millisecond
+    };
+
+    qint64 process = 0;
+    qint64 thread = 0;
+    Work work = Work::computes;
+};
 
 namespace AudioThreads {
 
-/// Lets the threads that sound depends on go before others: the web engine's audio thread and the sound system's
-/// clients. They have some 20 ms for each turn, which drawing on all cores can make them miss. The system permits it to
-/// root and to whom it grants a niceness of -10 ("nice" in limits.conf, which distributions set up for musicians);
-/// without that nothing changes.
+/// The web engine's audio threads and those of the sound system's clients.
 ///
 /// @param process whose threads, and those of its descendants, are looked through
-/// @returns how many threads go first now
-int raise(qint64 process);
+QList<AudioThread> of(qint64 process);
 
 } // namespace AudioThreads

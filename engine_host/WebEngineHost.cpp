@@ -1,6 +1,5 @@
 #include "engine_host/WebEngineHost.h"
 
-#include "engine_host/AudioThreads.h"
 #include "engine_host/DrawingBackend.h"
 #include "engine_host/EnginePage.h"
 #include "engine_host/EngineSwitches.h"
@@ -9,6 +8,7 @@
 #include "engine_host/RootSandbox.h"
 #include "engine_host/ScriptEvaluation.h"
 #include "engine_host/ScriptHandler.h"
+#include "engine_host/SoundPrecedence.h"
 #include "engine_host/SystemLog.h"
 #include "engine_host/WebSchemeHandler.h"
 
@@ -36,6 +36,7 @@ WebEngineHost::WebEngineHost(ScriptHandler &scriptHandler, const std::optional<Q
     : m_interceptor(std::make_unique<RequestInterceptor>())
     , m_profile(std::make_unique<QWebEngineProfile>()) // without a name: off the record
     , m_channel(std::make_unique<QWebChannel>())
+    , m_soundPrecedence(std::make_unique<SoundPrecedence>(QCoreApplication::applicationPid()))
     , m_scriptHandler(scriptHandler)
 {
     m_profile->setUrlRequestInterceptor(m_interceptor.get());
@@ -63,6 +64,7 @@ void WebEngineHost::shutDown()
     m_view.reset();
     m_page.reset();
     m_profile.reset();
+    m_soundPrecedence.reset();
 }
 
 void WebEngineHost::configurePage()
@@ -86,10 +88,8 @@ void WebEngineHost::configurePage()
         if (info.status() == QWebEngineLoadingInfo::LoadFailedStatus && m_page->history()->count() > 0)
             m_scriptHandler.navigationFailed(info.errorString());
     });
-    connect(m_page.get(), &QWebEnginePage::recentlyAudibleChanged, this, [](bool audible) {
-        if (audible)
-            AudioThreads::raise(QCoreApplication::applicationPid());
-    });
+    connect(m_page.get(), &QWebEnginePage::recentlyAudibleChanged, this,
+        [this](bool audible) { m_soundPrecedence->setAudible(audible); });
     connect(m_page.get(), &EnginePage::consoleError, this,
         [](const QString &text) { SystemLog::write(u"[Quaverly] page: "_s + text); });
 }

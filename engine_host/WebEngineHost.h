@@ -12,6 +12,7 @@ class QWebChannel;
 class QWebEngineProfile;
 class RequestInterceptor;
 class ScriptHandler;
+class SoundPrecedence;
 class WebSchemeHandler;
 
 /// The real engine host: Qt WebEngine with the message channel, the resource scheme and all its doors shut.
@@ -48,6 +49,7 @@ private:
     std::unique_ptr<QWebEngineProfile> m_profile;
     std::unique_ptr<QWebChannel> m_channel;
     std::unique_ptr<EngineView> m_view;
+    std::unique_ptr<SoundPrecedence> m_soundPrecedence;
     std::unique_ptr<EnginePage> m_page;
     ScriptHandler &m_scriptHandler;
 };

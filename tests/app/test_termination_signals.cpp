@@ -23,7 +23,8 @@ private Q_SLOTS:
         int quits = 0;
         {
             const TerminationSignals watched;
-            const auto counting = connect(qApp, &QCoreApplication::aboutToQuit, this, [&quits] { ++quits; });
+            const auto counting
+                = connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, [&quits] { ++quits; });
             QTimer::singleShot(0, this, [number] { std::raise(number); });
             QCOMPARE(QCoreApplication::exec(), 0);
             disconnect(counting);

@@ -1,8 +1,8 @@
 #include "controller/AlphaTabController.h"
 #include "pdf/conversion/PDFDocument.h"
 #include "tests/pdf/conversion/Processes.h"
-#include "tests/pdf/conversion/SmallPdf.h"
 #include "tests/pdf/conversion/StandIn.h"
+#include "tests/support/TestPDFs.h"
 #include "tests/support/TestSurroundings.h"
 
 #include <QDir>
@@ -29,8 +29,7 @@ struct Studio {
 
     QUrl sheet(const QString &name = u"song.pdf"_s) const
     {
-        return QUrl::fromLocalFile(
-            writeFile(world.path(u"."_s), name, smallPdf({ { "[0 0 200 200]", "9 9 9 9 re f", "" } })));
+        return world.file(name, TestPDFs::file({ { .media = "0 0 200 200", .drawing = "9 9 9 9 re f" } }));
     }
 
     QStringList leftBehind() const
@@ -229,8 +228,8 @@ private Q_SLOTS:
         Studio studio;
         AlphaTabController c(studio.world.make());
         // A whole page of letter size, so that there is something to draw.
-        c.load(QUrl::fromLocalFile(
-            writeFile(studio.world.path(u"."_s), u"l.pdf"_s, smallPdf({ { "[0 0 612 792]", "9 9 90 90 re f", "" } }))));
+        const TestPDFs::Page page{ .media = "0 0 612 792", .drawing = "9 9 90 90 re f" };
+        c.load(studio.world.file(u"l.pdf"_s, TestPDFs::file({ page })));
         QElapsedTimer clock;
         qint64 longest = 0;
         QTimer beat;

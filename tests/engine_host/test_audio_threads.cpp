@@ -1,102 +1,151 @@
 #include "engine_host/AudioThreads.h"
+#include "engine_host/ThreadPrecedence.h"
+#include "tests/engine_host/NamedThread.h"
 
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <condition_variable>
-#include <mutex>
-#include <pthread.h>
-#include <sys/resource.h>
-#include <sys/syscall.h>
-#include <thread>
-#include <unistd.h>
-
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
-/// A thread of that name that does nothing until the end.
-class NamedThread final {
-    Q_DISABLE_COPY_MOVE(NamedThread)
+using Work = AudioThread::Work;
 
-public:
-    explicit NamedThread(const char *name)
-        : m_thread([this, name] {
-            pthread_setname_np(pthread_self(), name);
-            std::unique_lock lock(m_mutex);
-            m_id = int(syscall(SYS_gettid));
-            m_changed.notify_all();
-            m_changed.wait(lock, [this] { return m_done; });
-        })
-    {
-        std::unique_lock lock(m_mutex);
-        m_changed.wait(lock, [this] { return m_id != 0; });
-    }
-
-    ~NamedThread()
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_done = true;
-        }
-        m_changed.notify_all();
-        m_thread.join();
-    }
-
-    int id() const { return m_id; }
-    int niceness() const { return getpriority(PRIO_PROCESS, id_t(m_id)); }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    int m_id = 0;
-    bool m_done = false;
-    std::thread m_thread;
-};
-
-bool systemPermits()
+bool systemPermitsNiceness()
 {
     const NamedThread trial("trial");
     return setpriority(PRIO_PROCESS, id_t(trial.id()), -10) == 0;
 }
 
+bool systemPermitsRealTime()
+{
+    const NamedThread trial("trial");
+    const sched_param priority{ .sched_priority = 5 };
+    return sched_setscheduler(trial.id(), SCHED_RR, &priority) == 0;
+}
+
+rlimit boundOf(qint64 process)
+{
+    rlimit bound{};
+    prlimit(pid_t(process), RLIMIT_RTTIME, nullptr, &bound);
+    return bound;
+}
+
+/// A process of any name, which does nothing.
+class Sleeper final {
+public:
+    /// A process is called like the file it was started by.
+    explicit Sleeper(const QString &name)
+    {
+        const QString program = m_folder.filePath(name);
+        QFile::link(u"/bin/sleep"_s, program);
+        m_process.start(program, { u"60"_s });
+        m_process.waitForStarted();
+    }
+    ~Sleeper()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+    Q_DISABLE_COPY_MOVE(Sleeper)
+
+    qint64 id() const { return m_process.processId(); }
+
+private:
+    QTemporaryDir m_folder;
+    QProcess m_process;
+};
+
+AudioThread audioThread(const NamedThread &thread, Work work) { return { getpid(), thread.id(), work }; }
+
 } // namespace
 
+/// The threads that sound depends on, and what the system lets the program do for them by itself.
 class TestAudioThreads final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void theAudioThreadsAloneAreRaised()
+    void theAudioThreadsAloneAreFound_data()
     {
-        const NamedThread audio("Realtime AudioW");
+        QTest::addColumn<QByteArray>("name");
+        QTest::addColumn<bool>("copies");
+        QTest::newRow("the page's worklet") << QByteArray("Realtime AudioW") << false;
+        QTest::newRow("the engine's output") << QByteArray("AudioOutputDevi") << true;
+        QTest::newRow("the sound system's client") << QByteArray("threaded-ml") << true;
+    }
+
+    void theAudioThreadsAloneAreFound()
+    {
+        QFETCH(QByteArray, name);
+        const NamedThread audio(name.constData());
         const NamedThread drawing("CompositorTileW");
-        const int before = drawing.niceness();
-        const int raised = AudioThreads::raise(getpid());
-        QCOMPARE(raised, systemPermits() ? 1 : 0);
-        QCOMPARE(audio.niceness(), systemPermits() ? -10 : before);
-        QCOMPARE(drawing.niceness(), before);
-        QCOMPARE(getpriority(PRIO_PROCESS, id_t(getpid())), before);
+        const QList<AudioThread> found = AudioThreads::of(getpid());
+        QCOMPARE(found.size(), 1);
+        QCOMPARE(found[0].process, qint64(getpid()));
+        QCOMPARE(found[0].thread, qint64(audio.id()));
+        QTEST(found[0].work == Work::copies, "copies");
     }
 
     void thoseOfStartedProcessesAreToo()
     {
-        // A process is called like the file it was started by.
-        const QTemporaryDir folder;
-        const QString program = folder.filePath(u"threaded-ml"_s);
-        QVERIFY(QFile::link(u"/bin/sleep"_s, program));
-        QProcess process;
-        process.start(program, { u"60"_s });
-        QVERIFY(process.waitForStarted());
-        const auto before = getpriority(PRIO_PROCESS, id_t(process.processId()));
-        AudioThreads::raise(getpid());
-        QCOMPARE(getpriority(PRIO_PROCESS, id_t(process.processId())), systemPermits() ? -10 : before);
-        process.kill();
-        QVERIFY(process.waitForFinished());
+        const Sleeper sleeper(u"threaded-ml"_s);
+        const QList<AudioThread> found = AudioThreads::of(getpid());
+        QCOMPARE(found.size(), 1);
+        QCOMPARE(found[0].process, sleeper.id());
+        QCOMPARE(found[0].thread, sleeper.id());
     }
 
-    void aProcessThatIsGoneIsNone() { QCOMPARE(AudioThreads::raise(-1), 0); }
+    void aProcessThatIsGoneHasNone() { QVERIFY(AudioThreads::of(-1).isEmpty()); }
+
+    void whatCopiesBecomesRealTimeWhereThatIsPermitted()
+    {
+        const NamedThread copying("AudioOutputDevi");
+        const NamedThread other("AudioOutputDevi");
+        const bool given = ThreadPrecedence::give(audioThread(copying, Work::copies));
+        QCOMPARE(given, systemPermitsRealTime() || systemPermitsNiceness());
+        if (systemPermitsRealTime()) {
+            // Threads that it starts are usual ones, and one that ran away would be ended.
+            QCOMPARE(copying.policy(), SCHED_RR | SCHED_RESET_ON_FORK);
+            QCOMPARE(boundOf(getpid()).rlim_max, rlim_t(200'000));
+            QCOMPARE(boundOf(getpid()).rlim_cur, rlim_t(200'000));
+        } else {
+            QCOMPARE(copying.policy(), SCHED_OTHER);
+            QCOMPARE(copying.niceness(), systemPermitsNiceness() ? -10 : other.niceness());
+        }
+        QCOMPARE(other.policy(), SCHED_OTHER);
+    }
+
+    void whatComputesIsNeverRealTime()
+    {
+        const NamedThread computing("Realtime AudioW");
+        const NamedThread other("Realtime AudioW");
+        QCOMPARE(ThreadPrecedence::give(audioThread(computing, Work::computes)), systemPermitsNiceness());
+        QCOMPARE(computing.policy(), SCHED_OTHER);
+        QCOMPARE(computing.niceness(), systemPermitsNiceness() ? -10 : other.niceness());
+    }
+
+    void aThreadThatIsGoneGetsNothing()
+    {
+        AudioThread gone;
+        {
+            const NamedThread thread("AudioOutputDevi");
+            gone = audioThread(thread, Work::copies);
+        }
+        QVERIFY(!ThreadPrecedence::give(gone));
+    }
+
+    void aLowerBoundStays()
+    {
+        const Sleeper sleeper(u"sleep"_s);
+        QVERIFY(ThreadPrecedence::boundRealTime(sleeper.id(), 50ms));
+        QVERIFY(ThreadPrecedence::boundRealTime(sleeper.id(), 200ms));
+        QCOMPARE(boundOf(sleeper.id()).rlim_max, rlim_t(50'000));
+        QCOMPARE(boundOf(sleeper.id()).rlim_cur, rlim_t(50'000));
+        QVERIFY(!ThreadPrecedence::boundRealTime(-1, 200ms));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestAudioThreads)

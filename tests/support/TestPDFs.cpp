@@ -10,7 +10,7 @@ namespace {
 /// Numbered objects, from 1, and a catalogue that is the first of them.
 QByteArray assembled(const QList<QByteArray> &objects)
 {
-    QByteArray file = "%PDF-1.4\n";
+    QByteArray file = "%PDF-1.7\n";
     QByteArray table = "0000000000 65535 f \n";
     for (qsizetype i = 0; i < objects.size(); ++i) {
         table += QByteArray::number(file.size()).rightJustified(10, '0') + " 00000 n \n";
@@ -33,16 +33,17 @@ QByteArray reference(qsizetype number) { return QByteArray::number(number) + " 0
 
 } // namespace
 
-QByteArray TestPDFs::file(const QList<Page> &pages, const QByteArray &inherited)
+QByteArray TestPDFs::file(const QList<Page> &pages, const QByteArray &inherited, const QByteArray &catalog)
 {
-    QList<QByteArray> objects{ "<< /Type /Catalog /Pages 2 0 R >>", {} };
+    QList<QByteArray> objects{ "<< /Type /Catalog /Pages 2 0 R " + catalog + " >>", {} };
     QByteArray kids;
     for (const Page &page : pages) {
         const qsizetype number = objects.size() + 1;
         kids += reference(number) + ' ';
-        objects << "<< /Type /Page /Parent 2 0 R /Resources << >>" + entry("MediaBox", box(page.media))
+        const QByteArray resources = page.entries.contains("/Resources") ? QByteArray() : " /Resources << >>";
+        objects << "<< /Type /Page /Parent 2 0 R" + resources + entry("MediaBox", box(page.media))
                 + entry("CropBox", box(page.crop)) + entry("Rotate", page.rotation) + " /Contents "
-                + reference(number + 1) + " >>";
+                + reference(number + 1) + ' ' + page.entries + " >>";
         objects << "<< /Length " + QByteArray::number(page.drawing.size()) + " >>\nstream\n" + page.drawing
                 + "\nendstream";
     }
@@ -90,7 +91,8 @@ bool TestPDFs::encrypt(const QString &path, const char *userPassword)
         const QByteArray bytes = plain.readAll();
         QPDF document;
         document.processMemoryFile("plain", bytes.constData(), size_t(bytes.size()));
-        QPDFWriter writer(document, QFile::encodeName(path).constData());
+        const QByteArray name = QFile::encodeName(path); // the writer keeps no copy
+        QPDFWriter writer(document, name.constData());
         writer.setR6EncryptionParameters(
             userPassword, "owner", true, true, true, true, true, true, qpdf_r3p_full, true);
         writer.write();

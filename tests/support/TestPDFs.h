@@ -16,11 +16,14 @@ struct Page {
     QByteArray rotation;
     /// Drawing operators.
     QByteArray drawing;
+    /// Further entries of the page's dictionary, such as "/Annots [5 0 R]"; resources instead of none at all, too.
+    QByteArray entries;
 };
 
-/// A whole file.
+/// A whole file. Its objects are the catalogue, the page tree's root, and for each page itself and its drawing.
 /// @param inherited entries of the page tree's root, such as "/Rotate 90"
-QByteArray file(const QList<Page> &pages, const QByteArray &inherited = {});
+/// @param catalog further entries of the catalogue
+QByteArray file(const QList<Page> &pages, const QByteArray &inherited = {}, const QByteArray &catalog = {});
 
 /// `count` upright pages; each is filled with a colour of its own.
 QByteArray colored(int count);

@@ -3,6 +3,7 @@ import { clickSamples } from "./click-sounds.js";
 import { Emitter } from "./emitter.js";
 import { turnOfSound, watchHearingDelay } from "./hearing-delay.js";
 import { decodeRecording } from "./recording-decoder.js";
+import { collectGarbage } from "./tidying.js";
 
 /**
  * The page's side of a recording that plays: has it decoded, and speaks to the audio thread. To the engine it is a medium
@@ -148,6 +149,8 @@ export class RecordingPlayer {
         }
         this.#tell({ part }, [part.attacks.buffer, ...part.blocks.flat().map(({ buffer }) => buffer)]);
       }
+      // What the decoder wrote is many times what is kept of it.
+      collectGarbage();
     } catch (reason) {
       if (recording === this.#recording) {
         this.failed.trigger(`The recording cannot be played: ${reason instanceof Error ? reason.message : reason}`);

@@ -1,7 +1,8 @@
 #include "pdf/conversion/GrayBitmap.h"
 #include "pdf/conversion/PageRaster.h"
 #include "pdf/conversion/SheetPages.h"
-#include "tests/pdf/conversion/SmallPdf.h"
+#include "tests/pdf/conversion/Files.h"
+#include "tests/support/TestPDFs.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -14,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QByteArray letter = "[0 0 612 792]";
+const QByteArray letter = "0 0 612 792";
 
 /// The rectangle that holds everything that is not white; null for a blank page.
 QRect inkOf(const GrayBitmap &bitmap)
@@ -57,12 +58,12 @@ private:
         return render(*page);
     }
 
-    Outcome<GrayBitmap> rendered(const SmallPage &page) const { return rendered(smallPdf({ page })); }
+    Outcome<GrayBitmap> rendered(const TestPDFs::Page &page) const { return rendered(TestPDFs::file({ page })); }
 
 private Q_SLOTS:
     void aLetterPage()
     {
-        const Outcome<GrayBitmap> bitmap = rendered({ letter, "", "" });
+        const Outcome<GrayBitmap> bitmap = rendered({ .media = letter });
         QVERIFY(bitmap);
         QCOMPARE(bitmap->width, 5100);
         QCOMPARE(bitmap->height, 6600);
@@ -74,24 +75,24 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("box");
         QTest::addColumn<QSize>("size");
-        QTest::newRow("A4") << QByteArray("[0 0 595.276 841.89]") << QSize(4961, 7016);
-        QTest::newRow("corners in the other order") << QByteArray("[72 144 0 0]") << QSize(600, 1200);
-        QTest::newRow("away from the origin") << QByteArray("[-100.5 200.25 -28.5 344.25]") << QSize(600, 1200);
-        QTest::newRow("one pixel") << QByteArray("[0 0 0.1 72]") << QSize(1, 600);
+        QTest::newRow("A4") << QByteArray("0 0 595.276 841.89") << QSize(4961, 7016);
+        QTest::newRow("corners in the other order") << QByteArray("72 144 0 0") << QSize(600, 1200);
+        QTest::newRow("away from the origin") << QByteArray("-100.5 200.25 -28.5 344.25") << QSize(600, 1200);
+        QTest::newRow("one pixel") << QByteArray("0 0 0.1 72") << QSize(1, 600);
     }
 
     void sizesAreRounded()
     {
         QFETCH(QByteArray, box);
-        const Outcome<GrayBitmap> bitmap = rendered({ box, "", "" });
+        const Outcome<GrayBitmap> bitmap = rendered({ .media = box });
         QVERIFY(bitmap);
         QTEST(QSize(bitmap->width, bitmap->height), "size");
     }
 
     void anEmptyPage()
     {
-        for (const char *box : { "[0 0 0.05 72]", "[0 0 72 0.05]" }) {
-            const Outcome<GrayBitmap> bitmap = rendered({ box, "", "" });
+        for (const char *box : { "0 0 0.05 72", "0 0 72 0.05" }) {
+            const Outcome<GrayBitmap> bitmap = rendered({ .media = box });
             QVERIFY(!bitmap);
             QCOMPARE(bitmap.failure().message, u"Empty PDF page."_s);
         }
@@ -100,10 +101,10 @@ private Q_SLOTS:
     void moreThanAGibibyte()
     {
         // 32768 pixels are 3932.16 units: one row more is one too many.
-        const Outcome<GrayBitmap> tooLarge = rendered({ "[0 0 3932.16 3932.28]", "", "" });
+        const Outcome<GrayBitmap> tooLarge = rendered({ .media = "0 0 3932.16 3932.28" });
         QVERIFY(!tooLarge);
         QCOMPARE(tooLarge.failure().message, u"Could not rasterize a PDF page."_s);
-        QVERIFY(!rendered({ "[0 0 99999999 99999999]", "", "" }));
+        QVERIFY(!rendered({ .media = "0 0 99999999 99999999" }));
     }
 
     void everyPixelIsInItsPlace_data()
@@ -113,7 +114,7 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("rectangle");
         QTest::addColumn<QRect>("ink");
         // 3 units are 25 pixels. The page is 60 by 90 units: 500 by 750 pixels.
-        const QByteArray box = "[0 0 60 90]";
+        const QByteArray box = "0 0 60 90";
         QTest::newRow("upright") << box << 0 << QByteArray("6 9 12 24") << QRect(50, 475, 100, 200);
         QTest::newRow("the lowest row") << box << 0 << QByteArray("0 0 60 3") << QRect(0, 725, 500, 25);
         QTest::newRow("the last column") << box << 0 << QByteArray("57 0 3 90") << QRect(475, 0, 25, 750);
@@ -121,16 +122,16 @@ private Q_SLOTS:
         QTest::newRow("a half") << box << 180 << QByteArray("6 9 12 24") << QRect(350, 75, 100, 200);
         QTest::newRow("three quarters") << box << 270 << QByteArray("6 9 12 24") << QRect(475, 350, 200, 100);
         QTest::newRow("backwards") << box << -90 << QByteArray("6 9 12 24") << QRect(475, 350, 200, 100);
-        QTest::newRow("elsewhere") << QByteArray("[-30 300 30 390]") << 0 << QByteArray("-24 309 12 24")
+        QTest::newRow("elsewhere") << QByteArray("-30 300 30 390") << 0 << QByteArray("-24 309 12 24")
                                    << QRect(50, 475, 100, 200);
         QTest::newRow("elsewhere, turned")
-            << QByteArray("[-30 300 30 390]") << 90 << QByteArray("-24 309 12 24") << QRect(75, 50, 200, 100);
+            << QByteArray("-30 300 30 390") << 90 << QByteArray("-24 309 12 24") << QRect(75, 50, 200, 100);
         // 595.276 by 841.89 units, not whole ones: the scale must not give way.
-        const QByteArray a4 = "[0 0 595.276 841.89]";
+        const QByteArray a4 = "0 0 595.276 841.89";
         QTest::newRow("A4, far corner") << a4 << 0 << QByteArray("585 831.89 6 6") << QRect(4875, 33, 50, 50);
         QTest::newRow("A4, turned") << a4 << 90 << QByteArray("585 831.89 6 6") << QRect(6932, 4875, 50, 50);
         QTest::newRow("not from whole units")
-            << QByteArray("[0.52 0.76 60.52 90.76]") << 0 << QByteArray("6.52 9.76 12 24") << QRect(50, 475, 100, 200);
+            << QByteArray("0.52 0.76 60.52 90.76") << 0 << QByteArray("6.52 9.76 12 24") << QRect(50, 475, 100, 200);
     }
 
     void everyPixelIsInItsPlace()
@@ -140,7 +141,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, rectangle);
         QFETCH(QRect, ink);
         const Outcome<GrayBitmap> bitmap
-            = rendered({ box, rectangle + " re f", "/Rotate " + QByteArray::number(rotation) });
+            = rendered({ .media = box, .rotation = QByteArray::number(rotation), .drawing = rectangle + " re f" });
         QVERIFY(bitmap);
         const QRect found = inkOf(*bitmap);
         // An edge between two pixels may fall to either.
@@ -154,11 +155,12 @@ private Q_SLOTS:
     void bandsLeaveNoSeams()
     {
         // A black page is black in every row, and a slope is as long as one drawn in one piece.
-        const Outcome<GrayBitmap> black = rendered({ "[0 0 300 1500]", "0 0 300 1500 re f", "" });
+        const Outcome<GrayBitmap> black = rendered({ .media = "0 0 300 1500", .drawing = "0 0 300 1500 re f" });
         QVERIFY(black);
         QVERIFY(std::all_of(black->pixels.begin(), black->pixels.end(), [](quint8 p) { return p == 0; }));
 
-        const Outcome<GrayBitmap> slope = rendered({ "[0 0 300 1500]", "0 0 m 300 1500 l 300 0 l f", "" });
+        const Outcome<GrayBitmap> slope
+            = rendered({ .media = "0 0 300 1500", .drawing = "0 0 m 300 1500 l 300 0 l f" });
         QVERIFY(slope);
         int last = -1;
         for (int y = slope->height - 1; y >= 0; --y) {
@@ -173,7 +175,8 @@ private Q_SLOTS:
 
     void theMediaBoxWholeWhereACropBoxIsSmaller()
     {
-        const Outcome<GrayBitmap> bitmap = rendered({ "[0 0 60 90]", "6 9 12 24 re f", "/CropBox [30 45 50 60]" });
+        const Outcome<GrayBitmap> bitmap
+            = rendered({ .media = "0 0 60 90", .crop = "30 45 50 60", .drawing = "6 9 12 24 re f" });
         QVERIFY(bitmap);
         QCOMPARE(QSize(bitmap->width, bitmap->height), QSize(500, 750));
         QVERIFY(inkOf(*bitmap).intersects(QRect(60, 500, 10, 10)));
@@ -183,8 +186,9 @@ private Q_SLOTS:
     {
         const QByteArray content = "0.5 g 0 0 30 30 re f 1 0 0 rg 30 0 30 30 re f 1 g 0 30 30 30 re f "
                                    "0 0 1 rg 30 30 30 30 re f 0 1 0 rg 0 60 30 30 re f /half gs 0 g 30 60 30 30 re f";
-        const Outcome<GrayBitmap> bitmap
-            = rendered({ "[0 0 60 90]", content, "/Resources << /ExtGState << /half << /ca 0.5 >> >> >>" });
+        const Outcome<GrayBitmap> bitmap = rendered({ .media = "0 0 60 90",
+            .drawing = content,
+            .entries = "/Resources << /ExtGState << /half << /ca 0.5 >> >> >>" });
         QVERIFY(bitmap);
         const auto near = [&](int x, int y, int gray) { return std::abs(pixel(*bitmap, x, y) - gray) <= 2; };
         QVERIFY(near(100, 650, 128));
@@ -202,8 +206,11 @@ private Q_SLOTS:
         const QByteArray content = "/OC /hidden BDC 30 0 30 90 re f EMC 0 0 3 3 re f";
         const QByteArray catalog = "/OCProperties << /OCGs [5 0 R] /D << /OFF [5 0 R] >> >>";
         // The second page's object has number 5; a layer of that number is what the catalog needs, so it stands in.
-        QByteArray file = smallPdf({ { "[0 0 60 90]", content, resources }, { "[0 0 9 9]", "", "" } }, catalog);
-        file.replace("<< /Type /Page /Parent 2 0 R /MediaBox [0 0 9 9]", "<< /Type /OCG /Name (off) /Was [0 0 9 9]");
+        QByteArray file = TestPDFs::file(
+            { { .media = "0 0 60 90", .drawing = content, .entries = resources }, { .media = "0 0 9 9" } }, {},
+            catalog);
+        file.replace("<< /Type /Page /Parent 2 0 R /Resources << >> /MediaBox [0 0 9 9]",
+            "<< /Type /OCG /Name (off) /Was [0 0 9 9]");
         file.replace("3 0 R 5 0 R ", "3 0 R       ");
         file.replace("/Count 2", "/Count 1");
         const Outcome<GrayBitmap> bitmap = rendered(file);
@@ -213,16 +220,17 @@ private Q_SLOTS:
 
     void annotationsAreNoMusic()
     {
-        const Outcome<GrayBitmap> bitmap = rendered({ "[0 0 60 90]", "0 0 3 3 re f",
-            "/Annots [<< /Type /Annot /Subtype /Square /Rect [9 9 50 80] /C [0 0 0] /IC [0 0 0] >>]" });
+        const Outcome<GrayBitmap> bitmap = rendered({ .media = "0 0 60 90",
+            .drawing = "0 0 3 3 re f",
+            .entries = "/Annots [<< /Type /Annot /Subtype /Square /Rect [9 9 50 80] /C [0 0 0] /IC [0 0 0] >>]" });
         QVERIFY(bitmap);
         QCOMPARE(inkOf(*bitmap), QRect(0, 725, 25, 25));
     }
 
     void stoppedBetweenBands()
     {
-        const auto pages = SheetPages::open(
-            writeFile(m_folder.path(), u"stop.pdf"_s, smallPdf({ { letter, "0 0 612 792 re f", "" } })));
+        const auto pages = SheetPages::open(writeFile(
+            m_folder.path(), u"stop.pdf"_s, TestPDFs::file({ { .media = letter, .drawing = "0 0 612 792 re f" } })));
         QVERIFY(pages);
         std::stop_source stop;
         stop.request_stop();
@@ -233,7 +241,7 @@ private Q_SLOTS:
     {
         // A warning of the library's about threads would fail this test.
         bool drawn = false;
-        std::thread([&] { drawn = bool(rendered({ "[0 0 60 90]", "0 0 3 3 re f", "" })); }).join();
+        std::thread([&] { drawn = bool(rendered({ .media = "0 0 60 90", .drawing = "0 0 3 3 re f" })); }).join();
         QVERIFY(drawn);
     }
 
@@ -241,9 +249,10 @@ private Q_SLOTS:
     {
         QVERIFY(!SheetPages::open(m_folder.filePath(u"missing.pdf"_s)));
         QVERIFY(!SheetPages::open(writeFile(m_folder.path(), u"text.pdf"_s, "no PDF at all")));
-        const auto empty = SheetPages::open(writeFile(m_folder.path(), u"empty.pdf"_s, smallPdf({})));
+        const auto empty = SheetPages::open(writeFile(m_folder.path(), u"empty.pdf"_s, TestPDFs::file({})));
         QVERIFY(!empty || empty->count() == 0);
-        const auto pages = SheetPages::open(writeFile(m_folder.path(), u"one.pdf"_s, smallPdf({ { letter, "", "" } })));
+        const auto pages
+            = SheetPages::open(writeFile(m_folder.path(), u"one.pdf"_s, TestPDFs::file({ { .media = letter } })));
         QVERIFY(pages);
         QVERIFY(pages->page(0));
         QVERIFY(!pages->page(1));

@@ -1,8 +1,9 @@
 #include "pdf/conversion/MusicXmlDocument.h"
 #include "pdf/conversion/PDFConverter.h"
+#include "tests/pdf/conversion/Files.h"
 #include "tests/pdf/conversion/Processes.h"
-#include "tests/pdf/conversion/SmallPdf.h"
 #include "tests/pdf/conversion/StandIn.h"
+#include "tests/support/TestPDFs.h"
 
 #include <QDir>
 #include <QImageReader>
@@ -29,8 +30,8 @@ QByteArray staff(double top, double gap)
 }
 
 // 4 units are 33 pixels, 7 are 58.
-const SmallPage notation{ "[0 0 200 200]", staff(180, 4) + staff(90, 4), "" };
-const SmallPage withTab{ "[0 0 200 200]", staff(180, 4) + staff(90, 7), "" };
+const TestPDFs::Page notation{ .media = "0 0 200 200", .drawing = staff(180, 4) + staff(90, 4) };
+const TestPDFs::Page withTab{ .media = "0 0 200 200", .drawing = staff(180, 4) + staff(90, 7) };
 
 } // namespace
 
@@ -41,9 +42,9 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<QTemporaryDir> m_temporary;
 
-    QString pdf(const QList<SmallPage> &pages, const QString &name = u"song.pdf"_s) const
+    QString pdf(const QList<TestPDFs::Page> &pages, const QString &name = u"song.pdf"_s) const
     {
-        return writeFile(m_folder->path(), name, smallPdf(pages));
+        return writeFile(m_folder->path(), name, TestPDFs::file(pages));
     }
 
     Outcome<QByteArray> converted(const QString &path) const { return convert(path, StandIn::program()); }
@@ -210,7 +211,7 @@ private Q_SLOTS:
     void anEmptyPageEndsIt()
     {
         const StandIn engine(m_folder->path());
-        QCOMPARE(failure(pdf({ notation, { "[0 0 0.05 72]", "", "" } })), u"Empty PDF page."_s);
+        QCOMPARE(failure(pdf({ notation, { .media = "0 0 0.05 72" } })), u"Empty PDF page."_s);
         QVERIFY(leftBehind().isEmpty());
         QVERIFY(engine.report().isEmpty());
     }

@@ -1,6 +1,6 @@
 #include "pdf/conversion/RecognitionRun.h"
+#include "tests/pdf/conversion/Files.h"
 #include "tests/pdf/conversion/Processes.h"
-#include "tests/pdf/conversion/SmallPdf.h"
 #include "tests/pdf/conversion/StandIn.h"
 
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "pdf/conversion/ResultFiles.h"
 #include "tests/pdf/conversion/Archives.h"
-#include "tests/pdf/conversion/SmallPdf.h"
+#include "tests/pdf/conversion/Files.h"
 
 #include <QDir>
 #include <QTemporaryDir>

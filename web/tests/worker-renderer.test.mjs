@@ -1,0 +1,290 @@
+import assert from "node:assert/strict";
+import { createRequire } from "node:module";
+import { test } from "node:test";
+
+globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ENGINE);
+const { alphaTab } = globalThis;
+const { LayoutRun } = await import("../src/layout-run.js");
+const { WorkerRenderer } = await import("../src/worker-renderer.js");
+
+const view = { left: 0, top: 0, right: 900, bottom: 600 };
+
+/** The drawing worker, without a worker: what it is asked is written down, and the test answers. */
+class FakeWorker extends EventTarget {
+  asked = [];
+  terminated = false;
+
+  postMessage(request) {
+    // What cannot be copied cannot be sent.
+    this.asked.push(structuredClone(request));
+  }
+
+  terminate() {
+    this.terminated = true;
+  }
+
+  answer(answer) {
+    this.dispatchEvent(new MessageEvent("message", { data: structuredClone(answer) }));
+  }
+
+  get last() {
+    return this.asked.at(-1);
+  }
+
+  count(cmd) {
+    return this.asked.filter((request) => request.cmd === cmd).length;
+  }
+}
+
+/** A renderer at its worker, with everything that it told the engine. */
+function desk() {
+  const worker = new FakeWorker();
+  const renderer = new WorkerRenderer(worker, () => view);
+  renderer.width = 900;
+  const told = [];
+  renderer.preRender.on(() => told.push("new sheet"));
+  renderer.partialLayoutFinished.on(({ id }) => told.push(`place of ${id}`));
+  renderer.partialRenderFinished.on(({ id }) => told.push(`picture of ${id}`));
+  renderer.renderFinished.on(({ totalHeight }) => told.push(`${totalHeight} high`));
+  renderer.pieceShown.on(({ first, last }) => told.push(`shown${first ? " first" : ""}${last ? " last" : ""}`));
+  renderer.error.on(({ message }) => told.push(`error: ${message}`));
+  return { worker, renderer, told, take: () => told.splice(0) };
+}
+
+function scoreOf(text) {
+  return alphaTab.importer.ScoreLoader.loadAlphaTex(text, new alphaTab.Settings());
+}
+
+const noBounds = new alphaTab.rendering.BoundsLookup().toJson();
+
+/** A piece of a drawing, by the names of its parts; those in capitals are painted. */
+function piece(names, { first = false, last = false, height = 100 } = {}) {
+  const parts = names.map((id) => ({ id, renderResult: id === id.toUpperCase() ? "<svg/>" : undefined }));
+  return { first, last, parts, bounds: noBounds, width: 900, height };
+}
+
+test("a score that the worker has read is asked for by its number", () => {
+  const { worker, renderer } = desk();
+  const bytes = new Uint8Array([1, 2, 3]);
+  const file = renderer.read(bytes);
+  assert.deepEqual(worker.last, { cmd: "read", file, bytes });
+  const score = scoreOf("c4");
+  renderer.recognize(score, file);
+  renderer.renderScore(score, [0]);
+  const { cmd, file: drawn, score: sent, tracks, width, view: seen } = worker.last;
+  assert.deepEqual({ cmd, drawn, sent, tracks, width, seen }, { cmd: "draw", drawn: file, sent: null, tracks: [0], width: 900, seen: view });
+});
+
+test("the worker is told how wide letters are, which only the page can measure", () => {
+  const { worker, renderer } = desk();
+  alphaTab.platform.FontSizes.fontSizeLookupTables.set("Measured Serif", [[3, 5, 8]]);
+  renderer.renderScore(scoreOf("c4"), [0]);
+  assert.deepEqual(worker.last.textWidths.get("Measured Serif"), [[3, 5, 8]]);
+});
+
+test("files are numbered one by one, and a long one, with a recording in it, is not read twice", () => {
+  const { worker, renderer } = desk();
+  assert.notEqual(renderer.read(new Uint8Array(9)), renderer.read(new Uint8Array(9)));
+  assert.equal(renderer.read(new Uint8Array(5 << 20)), null);
+  assert.equal(worker.count("read"), 2);
+});
+
+test("any other score is handed over, once, as it is but for its recording", () => {
+  const { worker, renderer } = desk();
+  const score = scoreOf("\\title \"Tune\" . c4 d4");
+  score.backingTrack = new alphaTab.model.BackingTrack();
+  score.backingTrack.rawAudioFile = new Uint8Array(1000);
+  renderer.renderScore(score, [0]);
+  const first = worker.last;
+  const arrived = alphaTab.model.JsonConverter.jsObjectToScore(first.score);
+  assert.equal(arrived.title, "Tune");
+  assert.equal(arrived.tracks[0].staves[0].bars[0].voices[0].beats.length, 2);
+  assert.equal(arrived.backingTrack, undefined);
+  renderer.render();
+  assert.equal(worker.last.score, null);
+  assert.equal(worker.last.file, first.file);
+  renderer.renderScore(scoreOf("e4"), [0]);
+  assert.notEqual(worker.last.file, first.file);
+});
+
+test("what the worker no longer has is handed over", () => {
+  const { worker, renderer, take } = desk();
+  const score = scoreOf("c4");
+  renderer.recognize(score, renderer.read(new Uint8Array(9)));
+  renderer.renderScore(score, [0]);
+  const before = worker.last;
+  renderer.read(new Uint8Array(9)); // comes to nothing
+  worker.answer({ kind: "missing", drawing: before.drawing });
+  assert.equal(worker.count("draw"), 2);
+  assert.ok(worker.last.score);
+  assert.notEqual(worker.last.file, before.file);
+  worker.answer({ kind: "drawn", drawing: worker.last.drawing, piece: piece(["A"], { first: true, last: true }) });
+  assert.equal(take().at(-1), "shown first last");
+});
+
+test("without a width, a score or a track there is nothing to draw", () => {
+  const { worker, renderer } = desk();
+  renderer.render();
+  renderer.renderScore(scoreOf("c4"), []);
+  renderer.renderScore(scoreOf("c4"), null);
+  renderer.width = 0;
+  renderer.renderScore(scoreOf("c4"), [0]);
+  assert.equal(worker.count("draw"), 0);
+  renderer.width = 500;
+  renderer.resizeRender();
+  assert.equal(worker.last.width, 500);
+});
+
+test("the first piece makes a new sheet and shows it, the next ones add to it, the last tells the length", () => {
+  const { worker, renderer, take } = desk();
+  renderer.renderScore(scoreOf("c4"), [0]);
+  const { drawing } = worker.last;
+  worker.answer({ kind: "drawn", drawing, piece: piece(["A", "b"], { first: true, height: 200 }) });
+  assert.deepEqual(take(), ["new sheet", "place of A", "picture of A", "place of b", "200 high", "shown first"]);
+  worker.answer({ kind: "drawn", drawing, piece: piece(["c"], { height: 300 }) });
+  assert.deepEqual(take(), ["place of c"]);
+  worker.answer({ kind: "drawn", drawing, piece: piece(["d"], { last: true, height: 400 }) });
+  assert.deepEqual(take(), ["place of d", "400 high", "shown last"]);
+});
+
+test("a part that came into view is painted on demand", () => {
+  const { worker, renderer, take } = desk();
+  renderer.renderScore(scoreOf("c4"), [0]);
+  const { drawing } = worker.last;
+  worker.answer({ kind: "drawn", drawing, piece: piece(["a", "b"], { first: true, last: true }) });
+  take();
+  renderer.renderResult("b");
+  assert.deepEqual(worker.last, { cmd: "paint", id: "b" });
+  worker.answer({ kind: "painted", drawing, part: { id: "b", renderResult: "<svg/>" } });
+  assert.deepEqual(take(), ["picture of b"]);
+});
+
+test("of a drawing that another took the place of, nothing is heard any more", () => {
+  const { worker, renderer, take } = desk();
+  renderer.renderScore(scoreOf("c4"), [0]);
+  const { drawing: old } = worker.last;
+  worker.answer({ kind: "drawn", drawing: old, piece: piece(["A"], { first: true }) });
+  take();
+  renderer.renderScore(scoreOf("d4"), [0]);
+  const { drawing } = worker.last;
+  const shownBefore = renderer.boundsLookup;
+  worker.answer({ kind: "drawn", drawing: old, piece: piece(["B"], { last: true }) });
+  worker.answer({ kind: "painted", drawing: old, part: { id: "A", renderResult: "<svg/>" } });
+  worker.answer({ kind: "missing", drawing: old });
+  assert.deepEqual(take(), []);
+  assert.equal(renderer.boundsLookup, shownBefore);
+  assert.equal(worker.count("draw"), 2);
+  worker.answer({ kind: "drawn", drawing, piece: piece(["C"], { first: true, last: true }) });
+  assert.deepEqual(take(), ["new sheet", "place of C", "picture of C", "100 high", "shown first last"]);
+});
+
+test("a drawing that was given up stops in the worker, and nothing is heard of it", () => {
+  const { worker, renderer, take } = desk();
+  const score = scoreOf("c4");
+  renderer.renderScore(score, [0]);
+  const { drawing } = worker.last;
+  renderer.abandon();
+  assert.deepEqual(worker.last, { cmd: "stop" });
+  worker.answer({ kind: "drawn", drawing, piece: piece(["A"], { first: true }) });
+  worker.answer({ kind: "missing", drawing });
+  assert.deepEqual(take(), []);
+  assert.equal(worker.count("draw"), 1);
+});
+
+test("a score drawn anew keeps its length until the new one is known; another score does not get it", () => {
+  const { worker, renderer, take } = desk();
+  const draw = (score, ...pieces) => {
+    renderer.renderScore(score, [0]);
+    const { drawing } = worker.last;
+    pieces.forEach((piece) => worker.answer({ kind: "drawn", drawing, piece }));
+    return take().filter((line) => line.endsWith("high"));
+  };
+  const score = scoreOf("c4");
+  assert.deepEqual(draw(score, piece([], { first: true, height: 300 }), piece([], { last: true, height: 5000 })), ["300 high", "5000 high"]);
+  assert.deepEqual(draw(score, piece([], { first: true, height: 300 })), ["5000 high"]);
+  assert.deepEqual(draw(score, piece([], { first: true, height: 300 }), piece([], { last: true, height: 900 })), ["5000 high", "900 high"]);
+  assert.deepEqual(draw(scoreOf("d4"), piece([], { first: true, height: 300 })), ["300 high"]);
+});
+
+test("what goes wrong in the worker reaches the engine, of whichever drawing", () => {
+  const { worker, renderer, take } = desk();
+  renderer.renderScore(scoreOf("c4"), [0]);
+  worker.answer({ kind: "failed", message: "no such clef" });
+  const broken = new Event("error");
+  broken.message = "no such script";
+  worker.dispatchEvent(broken);
+  assert.deepEqual(take(), ["error: no such clef", "error: no such script"]);
+});
+
+test("settings go to the worker, without the player's, which it has no use for", () => {
+  const { worker, renderer } = desk();
+  const settings = new alphaTab.Settings();
+  settings.display.scale = 1.25;
+  settings.player.scrollElement = "body";
+  renderer.updateSettings(settings);
+  assert.equal(worker.last.cmd, "settings");
+  assert.ok(!worker.last.settings.has("player"));
+  assert.equal(alphaTab.model.JsonConverter.jsObjectToSettings(worker.last.settings).display.scale, 1.25);
+});
+
+test("the worker ends with the renderer", () => {
+  const { worker, renderer } = desk();
+  renderer.destroy();
+  assert.ok(worker.terminated);
+});
+
+/** A drawing by the real layout, taken apart into pieces as the worker sends them. */
+function pieces(score) {
+  const settings = new alphaTab.Settings();
+  settings.core.engine = "svg";
+  settings.core.enableLazyLoading = true;
+  const layout = new alphaTab.rendering.ScoreRenderer(settings);
+  layout.width = view.right;
+  const run = new LayoutRun(layout, score, [0], view);
+  const all = [];
+  while (!run.finished) {
+    const next = run.step();
+    if (next) {
+      all.push(structuredClone(next));
+      run.delivered(next);
+    }
+  }
+  return all;
+}
+
+test("every beat of the pieces that came can be found, and a click on it finds it, while the rest is on its way", () => {
+  const { worker, renderer } = desk();
+  const score = scoreOf("c4.4 d4 e4 f4 |".repeat(120));
+  renderer.renderScore(score, [0]);
+  const { drawing } = worker.last;
+  const all = pieces(score);
+  assert.ok(all.length > 1);
+  const beats = score.tracks[0].staves[0].bars.flatMap((bar) => bar.voices[0].beats);
+  let foundBefore = 0;
+  for (const piece of all) {
+    worker.answer({ kind: "drawn", drawing, piece });
+    const found = beats.filter((beat) => renderer.boundsLookup.findBeat(beat));
+    assert.ok(found.length > foundBefore);
+    assert.deepEqual(found, beats.slice(0, found.length));
+    for (const beat of found) {
+      const { x, y, w, h } = renderer.boundsLookup.findBeat(beat).visualBounds;
+      assert.equal(renderer.boundsLookup.getBeatAtPos(x + w / 2, y + h / 2), beat);
+    }
+    foundBefore = found.length;
+  }
+  assert.equal(foundBefore, beats.length);
+});
+
+test("a new sheet knows nothing of the places of the one before", () => {
+  const { worker, renderer } = desk();
+  const [before, after] = ["c4.4 d4 e4 f4 |", "g4.4 a4 |"].map((bar) => scoreOf(bar.repeat(4)));
+  for (const score of [before, after]) {
+    renderer.renderScore(score, [0]);
+    const { drawing } = worker.last;
+    pieces(score).forEach((piece) => worker.answer({ kind: "drawn", drawing, piece }));
+  }
+  const [old, current] = [before, after].map((score) => score.tracks[0].staves[0].bars[0].voices[0].beats[0]);
+  assert.ok(renderer.boundsLookup.findBeat(current));
+  assert.equal(renderer.boundsLookup.staffSystems.flatMap((line) => line.bars).length, 4);
+  assert.notEqual(renderer.boundsLookup.findBeat(current).beat, old);
+});
