@@ -93,7 +93,10 @@ function fill(content, bits) {
         content[at++] = literals >> (8 * (left - 1));
       }
     } else {
-      const width = bits.has(4) ? bits.take(4) : NaN;
+      if (!bits.has(4)) {
+        break;
+      }
+      const width = bits.take(4);
       if (!bits.has(2 * width)) {
         break;
       }

@@ -1,10 +1,11 @@
 // @ts-check
 import { unpack } from "./bcfz.js";
 import { storedZip } from "./stored-zip.js";
+import { withoutGaps } from "./xml-gaps.js";
 
 /**
- * Guitar Pro 6 files: small file systems, compressed or not. The engine reads both bit by bit; what it finds in them it
- * also finds in a zip, which it reads in a tenth of the time.
+ * Guitar Pro 6 files: small file systems, compressed or not. The engine reads both bit by bit, but what it finds in them
+ * it also finds in a zip, which it reads byte by byte.
  *
  * Behind the mark "BCFS" come sectors of 4096 bytes, of which the first says nothing here. One that begins with the number
  * two is the head of a file: its name, its length, and the numbers of the sectors with its content, up to a zero. All
@@ -19,8 +20,13 @@ const headMark = 2;
 const place = { name: 4, length: 140, sectors: 148 };
 const nameLength = 127;
 
+const scoreName = "score.gpif";
+
+/** Tags in a score of many thousand bars. The engine keeps some hundred bytes for each. */
+const mostTags = 1e6;
+
 /** The score, and what the engine reads beside it. */
-const wanted = ["score.gpif", "BinaryStylesheet", "PartConfiguration", "LayoutConfiguration"];
+const wanted = [scoreName, "BinaryStylesheet", "PartConfiguration", "LayoutConfiguration"];
 
 /**
  * @param {Uint8Array} bytes of the file
@@ -41,12 +47,23 @@ export function repackGpx(bytes, limit) {
     const entry = entries.get(name);
     const content = entry && contentOf(entry, disk);
     if (content) {
-      files.set(name, content);
+      files.set(name, name === scoreName ? withoutGaps(content) : content);
     } else if (entry) {
       return null;
     }
   }
-  return files.has(wanted[0]) ? storedZip(files) : null;
+  const score = files.get(scoreName);
+  return score && countTags(score) <= mostTags ? storedZip(files) : null;
+}
+
+/** @param {Uint8Array} xml */
+function countTags(xml) {
+  const less = "<".charCodeAt(0);
+  let count = 0;
+  for (let at = xml.indexOf(less); at >= 0; at = xml.indexOf(less, at + 1)) {
+    count++;
+  }
+  return count;
 }
 
 /** @param {Uint8Array} disk */

@@ -14,8 +14,8 @@ const sample = join(process.env.QUAVERLY_SAMPLES ?? "", "serenade.gpx");
 const limit = 1 << 24;
 const sectorLength = 4096;
 
-/** Content of which no two sectors are the same. */
-const bytes = (length, seed = 1) => Uint8Array.from({ length }, (_, i) => (i * seed) ^ (i >> 8));
+/** Content of which no two sectors are the same, and without anything of XML. */
+const bytes = (length, seed = 1) => Uint8Array.from({ length }, (_, i) => 0x80 | ((i * seed) ^ (i >> 8)));
 
 /** What a zip holds, by the engine's way of reading one: from the front. */
 function filesIn(zip) {
@@ -111,6 +111,13 @@ test("a container of nothing but heads is gone through in one pass", () => {
   const began = performance.now();
   repackGpx(container, limit);
   assert.ok(performance.now() - began < 2000);
+});
+
+test("more elements than a score ever has are not read at all", () => {
+  const score = (content) => makeContainer({ "score.gpif": new TextEncoder().encode(content) });
+  assert.notEqual(repackGpx(score("<a/>".repeat(500000)), limit), null);
+  assert.equal(repackGpx(score("<a/>".repeat(3000000)), limit), null);
+  assert.match(readScore(score("<GPIF>".repeat(200000)), new alphaTab.Settings()).problem, /damaged/);
 });
 
 test("a damaged file gets a sentence", () => {
