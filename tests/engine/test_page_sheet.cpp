@@ -31,6 +31,31 @@ private Q_SLOTS:
             QVERIFY2(text.contains(name), qPrintable(text));
     }
 
+    void theFirstPictureShowsTheMarkAtTheFirstBeat()
+    {
+        // The second score comes while the mark is far on in the first one.
+        for (int turn = 0; turn < 2; ++turn) {
+            m_session->call(
+                u"for (const drawn of document.querySelectorAll('#sheet svg')) { drawn.dataset.before = ''; } "
+                "window.firstMarks = null; "
+                "window.marks = () => [...document.querySelectorAll('.at-cursor-bar, .at-cursor-beat')].flatMap((mark) "
+                "=> "
+                "{ const { x, y, width, height } = mark.getBoundingClientRect(); return [x, y, width, height]; }); "
+                "const look = () => { if (document.querySelector('#sheet svg:not([data-before])')) { "
+                "setTimeout(() => { firstMarks = marks(); }); } else { requestAnimationFrame(look); } }; look();"_s);
+            QVERIFY(m_session->open(threeParts()));
+            const QVariantList first = m_session->valueOf(u"firstMarks"_s).toList();
+            const QVariantList last = m_session->valueOf(u"marks()"_s).toList();
+            QCOMPARE(first.size(), 8);
+            QVERIFY(last.at(2).toDouble() > 50 && last.at(7).toDouble() > 50);
+            for (qsizetype i = 0; i < first.size(); ++i)
+                QVERIFY2(qAbs(first.at(i).toDouble() - last.at(i).toDouble()) < 1.5,
+                    qPrintable(u"%1: %2 %3"_s.arg(i).arg(first.at(i).toDouble()).arg(last.at(i).toDouble())));
+            m_session->call(BridgeCalls::seekToTime(9000));
+            QVERIFY(m_session->waitFor([&] { return m_session->valueOf(u"marks()"_s).toList() != last; }));
+        }
+    }
+
     void onlyTheChosenTracksAreDrawn()
     {
         QVERIFY(m_session->open(threeParts()));

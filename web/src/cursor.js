@@ -14,12 +14,46 @@ const bandWidth = 18;
 
 /** @implements {CursorHandler} */
 export class Cursor {
-  /** @param {Parameters<CursorHandler["onAttach"]>[0]} cursors */
+  #engine;
+  #marks;
+
+  /** @param {import("./engine.js").Engine} engine */
+  constructor(engine) {
+    this.#engine = engine;
+    this.#marks = engine.uiFacade.createCursors();
+    // The engine makes marks together with a player, which comes after the first lines of a score: it gets these.
+    engine.uiFacade.createCursors = () => this.#marks;
+    engine.customCursorHandler = this;
+    engine.drawing.pieceShown.on(({ first }) => {
+      if (first && !engine.hasPrepared) {
+        this.#markStart();
+      }
+    });
+  }
+
+  /** @param {Parameters<CursorHandler["onAttach"]>[0]} marks */
   onAttach({ beatCursor }) {
     beatCursor.width = bandWidth;
   }
 
   onDetach() {}
+
+  /**
+   * The engine learns where the beats lie in time when the score is prepared for playing. That its first beat comes first
+   * is known before, so that the score's first picture shows the mark too.
+   */
+  #markStart() {
+    const beat = this.#engine.boundsLookup?.staffSystems[0]?.bars[0]?.bars[0]?.beats[0];
+    const marks = this.#marks;
+    if (beat && marks) {
+      this.onAttach(marks);
+      // Behind the engine's own doing, which goes by the score before.
+      this.#engine.uiFacade.beginInvoke(() => {
+        this.placeBarCursor(marks.barCursor, beat);
+        this.placeBeatCursor(marks.beatCursor, beat);
+      });
+    }
+  }
 
   /**
    * @param {Mark} mark

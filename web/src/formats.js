@@ -3,8 +3,9 @@
  * Tells score files apart by their first bytes. The engine would take any text for its own notation language, so
  * nothing reaches it that does not look like one of these.
  *
- * @typedef {"guitarPro" | "archive" | "musicXml"} Format
- *   "archive" is a zip: a newer Guitar Pro file or a compressed MusicXML file.
+ * @typedef {"guitarPro" | "gpx" | "archive" | "musicXml"} Format
+ *   "gpx" is of Guitar Pro 6, "guitarPro" of those before. "archive" is a zip: a newer Guitar Pro file or a compressed
+ *   MusicXML file.
  */
 
 /** How far into a text the root element of a MusicXML file is looked for, in characters. */
@@ -18,7 +19,10 @@ export function detectFormat(bytes) {
   if (startsWith(bytes, 0, "PK\x03\x04")) {
     return "archive";
   }
-  if (startsWith(bytes, 0, "BCFZ") || startsWith(bytes, 0, "BCFS") || startsWith(bytes, 1, "FICHIER GUITAR PRO")) {
+  if (startsWith(bytes, 0, "BCFZ") || startsWith(bytes, 0, "BCFS")) {
+    return "gpx";
+  }
+  if (startsWith(bytes, 1, "FICHIER GUITAR PRO")) {
     return "guitarPro";
   }
   const prolog = decodeText(bytes.subarray(0, prologLength * 2)).trimStart();

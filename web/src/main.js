@@ -44,7 +44,7 @@ const sheet = new Sheet(engine, paper, desk, new Heading(element("heading")), ()
 });
 const selection = new Selection(engine, playback);
 new Follow(engine, playback, desk);
-engine.customCursorHandler = new Cursor();
+new Cursor(engine);
 const documents = new Documents({ engine, playback, mixer, selection, sheet, post });
 new SoundBank(engine, post);
 new Tidying(engine, playback, document);

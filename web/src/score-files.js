@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
 import { decodeText, detectFormat } from "./formats.js";
+import { repackGpx } from "./gpx-archive.js";
 
 /**
  * Reads score files with the engine's importers, and tells in a sentence why one cannot be read.
@@ -9,6 +10,11 @@ import { decodeText, detectFormat } from "./formats.js";
  * @typedef {import("./alphatab.js").Settings} Settings
  * @typedef {{ score: Score } | { problem: string }} Reading
  */
+
+/** How much a Guitar Pro 6 file may unpack to, in bytes: many times what the longest scores do. */
+const largestGpx = 32 << 20;
+
+const importers = { guitarPro: importBytes, gpx: importGpx, archive: importBytes, musicXml: importMusicXml };
 
 /**
  * @param {Uint8Array | null} bytes null when the transport text could not be decoded
@@ -27,7 +33,7 @@ export function readScore(bytes, settings) {
     return { problem: "The file is neither a Guitar Pro nor a MusicXML score." };
   }
   try {
-    const score = format === "musicXml" ? importMusicXml(bytes, settings) : importBytes(bytes, settings);
+    const score = importers[format](bytes, settings);
     breakableSpaces(score);
     wholeTrackNames(score);
     return score.tracks.length > 0 && score.masterBars.length > 0 ? { score } : { problem: "The score has no music in it." };
@@ -55,6 +61,18 @@ function importBytes(bytes, settings) {
   } finally {
     settings.importer.encoding = encoding;
   }
+}
+
+/**
+ * @param {Uint8Array} bytes
+ * @param {Settings} settings
+ */
+function importGpx(bytes, settings) {
+  const zip = repackGpx(bytes, largestGpx);
+  if (!zip) {
+    throw new Error("not all of what it packs is there");
+  }
+  return importBytes(zip, settings);
 }
 
 /**

@@ -8,8 +8,8 @@ const partwise = '<score-partwise version="4.0"><part-list/></score-partwise>';
 test("Guitar Pro's own formats are known by their first bytes", () => {
   assert.equal(detectFormat(bytes("\x18FICHIER GUITAR PRO v5.10\0\0")), "guitarPro");
   assert.equal(detectFormat(bytes("\x18FICHIER GUITAR PRO v3.00\0\0")), "guitarPro");
-  assert.equal(detectFormat(bytes("BCFZ....")), "guitarPro");
-  assert.equal(detectFormat(bytes("BCFS....")), "guitarPro");
+  assert.equal(detectFormat(bytes("BCFZ....")), "gpx");
+  assert.equal(detectFormat(bytes("BCFS....")), "gpx");
 });
 
 test("a zip may be a Guitar Pro file or compressed MusicXML", () => {
