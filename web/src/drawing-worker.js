@@ -155,8 +155,4 @@ addEventListener("message", (event) => {
     fail(reason);
   }
 });
-// In a task of its own: what is posted while the script runs overtakes the news that it has run.
-setTimeout(() => {
-  post({ kind: "listening" });
-  rehearse();
-});
+rehearse();
