@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
+import { drawingWorkerListens } from "./drawing-worker-start.js";
 import { Recordings } from "./recordings.js";
 import { fetchBytes } from "./resources.js";
 import { readScore } from "./score-files.js";
@@ -40,6 +41,7 @@ export class Documents {
 
   /** @param {Uint8Array | null} bytes null when they could not be decoded */
   async open(bytes) {
+    await drawingWorkerListens;
     const drawing = this.#engine.drawing;
     const file = bytes && drawing.read(bytes);
     const reading = readScore(bytes, this.#engine.settings);

@@ -26,6 +26,7 @@ import { Emitter } from "./emitter.js";
  * @typedef {{ kind: "drawn", drawing: number, piece: Piece }
  *   | { kind: "painted", drawing: number, part: Part }
  *   | { kind: "missing", drawing: number }
+ *   | { kind: "listening" }
  *   | { kind: "failed", message: string }} Answer
  */
 
@@ -174,8 +175,8 @@ export class WorkerRenderer {
   #hear(answer) {
     if (answer.kind === "failed") {
       this.error.trigger(new Error(answer.message));
-    } else if (answer.drawing !== this.#drawing) {
-      // Of a drawing that another has taken the place of.
+    } else if (answer.kind === "listening" || answer.drawing !== this.#drawing) {
+      // Nothing drawn, or of a drawing that another has taken the place of.
     } else if (answer.kind === "painted") {
       this.partialRenderFinished.trigger(answer.part);
     } else if (answer.kind === "drawn") {
