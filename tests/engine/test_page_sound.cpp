@@ -169,6 +169,24 @@ private Q_SLOTS:
         QVERIFY(staysSilent());
     }
 
+    void theMarkOutlivesAChangeOfSound()
+    {
+        // Where the mark is; empty without one.
+        const QString mark
+            = u"[...document.querySelectorAll('.at-cursor-beat')].map((mark) => mark.getBoundingClientRect()."
+              "x).filter((x) => x > 0).join()"_s;
+        QVERIFY(m_session->open(recordedScore()));
+        for (const bool synthesized : { true, false }) {
+            m_session->call(BridgeCalls::setSoundSource(synthesized));
+            const QString before = m_session->valueOf(mark).toString();
+            play();
+            QVERIFY(m_session->waitFor([&] { return m_session->valueOf(mark).toString() != before; }));
+            QVERIFY(!m_session->valueOf(mark).toString().isEmpty());
+            m_session->call(BridgeCalls::stop());
+            QVERIFY(m_session->waitFor([&] { return !m_session->isPlaying(); }));
+        }
+    }
+
     void aSoloedTrackSilencesTheOthers()
     {
         m_session->call(BridgeCalls::setTrackVolume(0, 0));

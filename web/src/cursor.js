@@ -21,8 +21,10 @@ export class Cursor {
   constructor(engine) {
     this.#engine = engine;
     this.#marks = engine.uiFacade.createCursors();
-    // The engine makes marks together with a player, which comes after the first lines of a score: it gets these.
+    // The engine makes marks together with a player, which comes after the first lines of a score, and takes them away
+    // with it: it gets these, and they stay.
     engine.uiFacade.createCursors = () => this.#marks;
+    engine.uiFacade.destroyCursors = () => {};
     engine.customCursorHandler = this;
     engine.drawing.pieceShown.on(({ first }) => {
       if (first && !engine.hasPrepared) {
