@@ -188,6 +188,18 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     super.applyTranspositionPitches(semitones);
   }
 
+  /**
+   * @param {Uint8Array[]} banks in place of those before; of two with the same sound the later one's is heard
+   */
+  loadBanks(banks) {
+    banks.forEach((bank, index) => this.loadSoundFont(bank, index > 0));
+    const { currentTime } = this.#sequencer;
+    if (currentTime > 0 && this.state !== alphaTab.synth.PlayerState.Playing) {
+      // On the way to this place the score chose sounds that were not there yet.
+      this.timePosition = currentTime;
+    }
+  }
+
   /** @override */
   play() {
     const playing = super.play();

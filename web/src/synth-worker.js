@@ -34,7 +34,7 @@ const operations = {
   playPause: (synth) => synth.playPause(),
   stop: (synth) => synth.stop(),
   loadSoundFontBytes: (synth, { data, append }) => synth.loadSoundFont(data, append),
-  loadBanks: (synth, { banks }) => banks.forEach((/** @type {Uint8Array} */ bank, /** @type {number} */ index) => synth.loadSoundFont(bank, index > 0)),
+  loadBanks: (synth, { banks }) => synth.loadBanks(banks),
   resetSoundFonts: (synth) => synth.resetSoundFonts(),
   loadMidi: (synth, { midi }) => synth.loadMidiFile(JsonConverter.jsObjectToMidiFile(midi)),
   setChannelMute: (synth, { channel, mute }) => synth.setChannelMute(channel, mute),

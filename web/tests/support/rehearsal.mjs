@@ -68,7 +68,7 @@ export class Rehearsal {
     this.midi = midi;
     this.api.tickCache = generator.tickLookup;
     this.api.midiLoad.trigger(midi);
-    this.synth.loadSoundFont(buildClickBank(), false);
+    this.synth.loadBanks([buildClickBank()]);
     this.synth.loadMidiFile(midi);
     this.api.playerReady.trigger();
   }
