@@ -21,6 +21,9 @@ import { collectGarbage } from "./tidying.js";
 const rehearsal = `\\title "" \\track \\staff {score tabs} :8 3.3 5.3{h} :4 7.2{b (0 4)} (0.1 2.2 2.3) r |
   :16 3.3 5.3{h} 2.4{sl} 4.4 :2 0.6{v} :8 3.5 3.5 | \\track \\staff {score} \\clef F4 :4 c3 :8 e3 g3 :2 c4 | :1 c3`;
 
+/** How long the rest of a drawing is held back at most, in milliseconds. */
+const patience = 2000;
+
 /** The page's settings; a drawing under way keeps those it began with. */
 let settings = new alphaTab.Settings();
 const renderer = new alphaTab.rendering.ScoreRenderer(settings);
@@ -31,6 +34,7 @@ let read = null;
 /** @type {LayoutRun | null} */
 let run = null;
 let drawing = 0;
+let restHeld = false;
 let next = 0;
 
 /** @param {Answer} answer */
@@ -51,6 +55,10 @@ function answer(request) {
     }
     case "draw":
       draw(request);
+      break;
+    case "goOn":
+      restHeld = false;
+      proceed();
       break;
     case "stop":
       run = null;
@@ -75,6 +83,7 @@ function draw(request) {
   }
   run = null;
   drawing = request.drawing;
+  restHeld = request.restHeld;
   if (held?.file !== request.file) {
     post({ kind: "missing", drawing });
     return;
@@ -86,25 +95,27 @@ function draw(request) {
   proceed();
 }
 
-/** Takes one step of the drawing, and the next one when the page has been heard. */
+/** Takes one step of the drawing, and the next one when the page has been heard, or has time for the rest. */
 function proceed() {
   clearTimeout(next);
   const current = run;
   if (!current) {
     return;
   }
+  let wait = 0;
   try {
     const piece = current.step();
     if (piece) {
       post({ kind: "drawn", drawing, piece });
       current.delivered(piece);
+      wait = piece.first && restHeld ? patience : 0;
     }
     run = current.finished ? null : current;
   } catch (reason) {
     run = null;
     fail(reason);
   }
-  next = setTimeout(proceed, 0);
+  next = setTimeout(proceed, wait);
 }
 
 /** @param {string} id of a part that was laid out */

@@ -15,8 +15,9 @@ const patience = 1000;
 const idleTime = 400;
 
 /**
- * The engine with the page's settings, its drawing done by a worker of the page's own. Sound comes after the first sight
- * of a score: the player is started, and the score prepared for playing once, when its first lines are on the paper.
+ * The engine with the page's settings, its drawing done by a worker of the page's own. A score is seen first, then heard,
+ * then drawn to its end: the player is started, and the score prepared for playing once, when its first lines can be
+ * seen, and the drawing goes on when the score can be played. All three at once would take each other's processor.
  */
 export class Engine extends alphaTab.AlphaTabApi {
   #soundHeldBack = false;
@@ -60,7 +61,8 @@ export class Engine extends alphaTab.AlphaTabApi {
       /** @type {unknown} */ (this.renderer)
     );
     renderer.instance = this.drawing;
-    this.drawing.pieceShown.on(({ first }) => first && this.#soundHeldBack && afterPaint(() => this.#prepareSound()));
+    this.drawing.pieceShown.on(({ first }) => first && this.#soundHeldBack && afterSight(() => this.#prepareSound()));
+    this.playerReady.on(() => this.drawing.goOn());
     this.#soundTimer = setTimeout(() => this.#startPlayer(), idleTime);
   }
 
@@ -78,7 +80,11 @@ export class Engine extends alphaTab.AlphaTabApi {
     this.#soundHeldBack = true;
     clearTimeout(this.#soundTimer);
     this.#soundTimer = setTimeout(() => this.#prepareSound(), patience);
+    this.drawing.holdRest();
     this.renderScore(score, [-1]);
+    if (!this.#playerStarted && this.#wantedMode === alphaTab.PlayerMode.EnabledSynthesizer) {
+      SynthPlayer.prepare();
+    }
   }
 
   /**
@@ -187,15 +193,16 @@ function nextFrame() {
 }
 
 /**
- * Calls back when what was put on the page by now has been painted; a hidden page paints nothing.
+ * Calls back when what was put on the page by now can be seen: the frame after the one with it in begins when that has been
+ * painted. A hidden page paints nothing.
  *
  * @param {() => void} callback
  */
-function afterPaint(callback) {
+function afterSight(callback) {
   if (document.hidden) {
     setTimeout(callback);
   } else {
-    requestAnimationFrame(() => setTimeout(callback));
+    requestAnimationFrame(() => requestAnimationFrame(() => setTimeout(callback)));
   }
 }
 

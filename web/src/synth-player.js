@@ -113,12 +113,25 @@ const WorkerPlayer = /** @type {new (output: unknown, settings: unknown, worker:
   /** @type {any} */ (alphaTab.synth).AlphaSynthWebWorkerApi
 );
 
+/** @type {Worker | null} for the next synthesizer */
+let spare = null;
+
+function newWorker() {
+  return new Worker("src/synth-worker.js", { type: "module" });
+}
+
 export class SynthPlayer {
   #talk;
 
+  /** Gets the next synthesizer its worker: to be called while the page has time for that. */
+  static prepare() {
+    spare ??= newWorker();
+  }
+
   /** @param {import("./alphatab.js").Settings} settings */
   constructor(settings) {
-    const worker = new Worker("src/synth-worker.js", { type: "module" });
+    const worker = spare ?? newWorker();
+    spare = null;
     const line = new MessageChannel();
     const talk = new MessageChannel();
     const ring = SampleRing.sharedMemory();

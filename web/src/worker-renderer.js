@@ -18,7 +18,8 @@ import { Emitter } from "./emitter.js";
  * @typedef {{ cmd: "settings", settings: Map<string, unknown> | null }
  *   | { cmd: "read", file: number, bytes: Uint8Array }
  *   | { cmd: "draw", drawing: number, file: number, score: Map<string, unknown> | null, tracks: number[], width: number,
- *       view: View, textWidths: Map<string, unknown> }
+ *       view: View, textWidths: Map<string, unknown>, restHeld: boolean }
+ *   | { cmd: "goOn" }
  *   | { cmd: "stop" }
  *   | { cmd: "paint", id: string }
  *   | { cmd: "tidy" }} Request
@@ -60,6 +61,7 @@ export class WorkerRenderer {
   /** @type {WeakMap<Score, number>} the number of each score's file with the worker */
   #fileOf = new WeakMap();
   #drawing = 0;
+  #restHeld = false;
   /** @type {Score | null} */
   #score = null;
   /** @type {number[]} */
@@ -106,6 +108,19 @@ export class WorkerRenderer {
     this.#ask({ cmd: "stop" });
   }
 
+  /** From now on drawings stop after what can be seen, until goOn(). */
+  holdRest() {
+    this.#restHeld = true;
+  }
+
+  /** Has the drawing under way go on to its end, and those to come not stop. */
+  goOn() {
+    if (this.#restHeld) {
+      this.#restHeld = false;
+      this.#ask({ cmd: "goOn" });
+    }
+  }
+
   /** @param {import("./alphatab.js").Settings} settings */
   updateSettings(settings) {
     const values = alphaTab.model.JsonConverter.settingsToJsObject(settings);
@@ -137,6 +152,7 @@ export class WorkerRenderer {
         width: this.width,
         view: this.#viewNow(),
         textWidths: textWidths(),
+        restHeld: this.#restHeld,
       });
     }
   }

@@ -227,6 +227,21 @@ test("settings go to the worker, without the player's, which it has no use for",
   assert.equal(alphaTab.model.JsonConverter.jsObjectToSettings(worker.last.settings).display.scale, 1.25);
 });
 
+test("drawings stop after their beginning while their rest is held, until it may go on", () => {
+  const { worker, renderer } = desk();
+  renderer.renderScore(scoreOf("c4"), [0]);
+  assert.equal(worker.last.restHeld, false);
+  renderer.holdRest();
+  renderer.renderScore(scoreOf("d4"), [0]);
+  assert.equal(worker.last.restHeld, true);
+  renderer.goOn();
+  assert.deepEqual(worker.last, { cmd: "goOn" });
+  renderer.goOn();
+  assert.equal(worker.count("goOn"), 1);
+  renderer.render();
+  assert.equal(worker.last.restHeld, false);
+});
+
 test("the worker ends with the renderer", () => {
   const { worker, renderer } = desk();
   renderer.destroy();
