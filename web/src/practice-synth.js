@@ -193,11 +193,20 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
    */
   loadBanks(banks) {
     banks.forEach((bank, index) => this.loadSoundFont(bank, index > 0));
-    const { currentTime } = this.#sequencer;
-    if (currentTime > 0 && this.state !== alphaTab.synth.PlayerState.Playing) {
-      // On the way to this place the score chose sounds that were not there yet.
-      this.timePosition = currentTime;
+    if (this.#sequencer.currentTime > 0 && this.state !== alphaTab.synth.PlayerState.Playing) {
+      this.#comeHereAgain();
     }
+  }
+
+  /** On the way to this place the score chose sounds that were not there yet. */
+  #comeHereAgain() {
+    const sequencer = this.#sequencer;
+    const { currentTime, mainPlaybackRange } = sequencer;
+    // To where it is the engine does not seek, and to the beginning not while there is a range.
+    sequencer.mainPlaybackRange = null;
+    sequencer.mainSeek(0);
+    sequencer.mainPlaybackRange = mainPlaybackRange;
+    this.timePosition = currentTime;
   }
 
   /** @override */

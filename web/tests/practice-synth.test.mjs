@@ -1,4 +1,6 @@
 import assert from "node:assert/strict";
+import { readFile } from "node:fs/promises";
+import { dirname, join } from "node:path";
 import { test } from "node:test";
 import { HeardTime } from "../src/heard-time.js";
 import { Rehearsal, onsets, sampleRate, scoreOf } from "./support/rehearsal.mjs";
@@ -7,6 +9,9 @@ import { Rehearsal, onsets, sampleRate, scoreOf } from "./support/rehearsal.mjs"
 
 /** A note begins at the sample nearest to its time; times lie on that grid from the first one on. */
 const sample = 1000 / sampleRate;
+
+/** The engine's own instruments. */
+const instruments = await readFile(join(dirname(process.env.QUAVERLY_ENGINE), "soundfont", "sonivox.sf2"));
 
 /** @param {string} text alphaTex */
 function rehearse(text) {
@@ -202,3 +207,21 @@ test("what is heard is told apart from what was rendered", () => {
   assert.deepEqual(time.at(301), { place: 2, startsOver: true });
   assert.deepEqual(time.at(350), { place: 100, startsOver: false });
 });
+
+for (const range of [null, { startTick: 2 * 3840, endTick: 4 * 3840 }]) {
+  test(`instruments that come after the place was chosen are heard there${range ? ", at the beginning of a loop too" : ""}`, () => {
+    const rehearsal = new Rehearsal(scoreOf("\\track \\instrument 27 c4.4 d4 e4 f4 |".padEnd(120, " g4.4 a4 b4 c5 |")));
+    const { synth, playback } = rehearsal;
+    synth.loadMidiFile(rehearsal.midi);
+    synth.isLooping = range !== null;
+    synth.playbackRange = range;
+    synth.tickPosition = 2 * 3840;
+    const place = synth.timePosition;
+    synth.loadBanks([new Uint8Array(instruments)]);
+    assert.ok(place > 1000 && Math.abs(synth.timePosition - place) < 1, `${synth.timePosition} instead of ${place}`);
+    assert.deepEqual(synth.playbackRange, range);
+    playback.playPause();
+    const loudest = rehearsal.listen(1).reduce((most, sample) => Math.max(most, Math.abs(sample)), 0);
+    assert.ok(loudest > 0.01, `${loudest}`);
+  });
+}
