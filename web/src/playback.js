@@ -295,7 +295,12 @@ export class Playback {
       this.#readyPosted = true;
       this.#post({ type: "playerReady" });
     }
-    if (this.#startWhenReady) {
+    // The engine sets volumes of its own now, and the mixer then sets the right ones: not while music plays.
+    setTimeout(() => this.#startIfWanted());
+  }
+
+  #startIfWanted() {
+    if (this.#startWhenReady && this.#api.isReadyForPlayback && !this.#stale) {
       this.#startWhenReady = false;
       this.#prepareCountIn(this.#tick);
       this.#api.play();

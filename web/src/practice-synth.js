@@ -117,6 +117,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   /** @type {SynthEvent[] | null} where events are held back until their sample comes */
   #held = null;
   #dispatch;
+  #banksToCome = false;
 
   /**
    * @param {number} sampleRate samples a second
@@ -162,6 +163,11 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     return this.#sequencer.currentTime * this.#sequencer.playbackSpeed;
   }
 
+  /** @override Left to itself the engine would be ready once for each bank. */
+  get isReadyForPlayback() {
+    return super.isReadyForPlayback && !this.#banksToCome;
+  }
+
   /** @param {CountIn | null} countIn what the next start begins with; while one is under way it starts over with this */
   setCountIn(countIn) {
     this.#nextCountIn = countIn;
@@ -192,7 +198,10 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
    * @param {Uint8Array[]} banks in place of those before; of two with the same sound the later one's is heard
    */
   loadBanks(banks) {
-    banks.forEach((bank, index) => this.loadSoundFont(bank, index > 0));
+    banks.forEach((bank, index) => {
+      this.#banksToCome = index + 1 < banks.length;
+      this.loadSoundFont(bank, index > 0);
+    });
     if (this.#sequencer.currentTime > 0 && this.state !== alphaTab.synth.PlayerState.Playing) {
       this.#comeHereAgain();
     }

@@ -142,9 +142,6 @@ export class SynthPlayer {
   }
 
   /**
-   * The engine is ready once for each bank, and sets volumes of its own each time: all at once, so that no music that was
-   * begun in between is heard at those.
-   *
    * @param {Uint8Array<ArrayBuffer>[]} banks in place of those before, handed over and not here any more; of two with the
    *     same sound the later one's is heard
    */

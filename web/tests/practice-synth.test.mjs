@@ -2,6 +2,7 @@ import assert from "node:assert/strict";
 import { readFile } from "node:fs/promises";
 import { dirname, join } from "node:path";
 import { test } from "node:test";
+import { buildClickBank } from "../src/click-bank.js";
 import { HeardTime } from "../src/heard-time.js";
 import { Rehearsal, onsets, sampleRate, scoreOf } from "./support/rehearsal.mjs";
 
@@ -225,3 +226,12 @@ for (const range of [null, { startTick: 2 * 3840, endTick: 4 * 3840 }]) {
     assert.ok(loudest > 0.01, `${loudest}`);
   });
 }
+
+test("several banks make it ready once, when the last one is there", () => {
+  const { synth } = new Rehearsal(scoreOf("c4"));
+  const ready = [];
+  synth.readyForPlayback.on(() => ready.push(synth.isReadyForPlayback));
+  ready.length = 0; // those who come late are told at once
+  synth.loadBanks([new Uint8Array(instruments), buildClickBank(), buildClickBank()]);
+  assert.deepEqual(ready, [true]);
+});
