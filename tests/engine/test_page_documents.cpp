@@ -1,6 +1,6 @@
 #include "engine_host/BridgeCalls.h"
 #include "tests/engine/EngineScores.h"
-#include "tests/engine/EngineSession.h"
+#include "tests/engine/PageTest.h"
 
 using namespace Qt::StringLiterals;
 
@@ -16,22 +16,10 @@ QStringList trackNames(const QVariantMap &score)
 
 } // namespace
 
-class TestPageDocuments final : public QObject {
+class TestPageDocuments final : public PageTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_session = std::make_unique<EngineSession>();
-        QVERIFY(m_session->start());
-    }
-
-    void cleanup()
-    {
-        QCOMPARE(m_session->complaints(), QStringList());
-        m_session.reset();
-    }
-
     void aScoreIsAnnouncedWithItsTracksInOrder()
     {
         QVERIFY(m_session->open(EngineScores::musicXml({ .parts = { u"Flute"_s, u"Viola"_s, u"Bass"_s } })));
@@ -211,8 +199,6 @@ private:
         QVERIFY2(qAbs(m_session->length() - length) < length / 100,
             qPrintable(u"%1 instead of %2 ms"_s.arg(m_session->length()).arg(length)));
     }
-
-    std::unique_ptr<EngineSession> m_session;
 };
 
 int main(int argc, char *argv[]) { return runEngineTest<TestPageDocuments>(argc, argv); }

@@ -1,6 +1,6 @@
 #include "engine_host/BridgeCalls.h"
 #include "tests/engine/EngineScores.h"
-#include "tests/engine/EngineSession.h"
+#include "tests/engine/PageTest.h"
 
 using namespace Qt::StringLiterals;
 
@@ -11,23 +11,10 @@ bool near(double one, double other) { return qAbs(one - other) < 20; }
 
 } // namespace
 
-class TestPagePlayback final : public QObject {
+class TestPagePlayback final : public PageTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_session = std::make_unique<EngineSession>();
-        QVERIFY(m_session->start());
-        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 8 })));
-    }
-
-    void cleanup()
-    {
-        QCOMPARE(m_session->complaints(), QStringList());
-        m_session.reset();
-    }
-
     void playPauseToggles()
     {
         play();
@@ -203,6 +190,8 @@ private Q_SLOTS:
     }
 
 private:
+    bool prepare() override { return m_session->open(EngineScores::musicXml({ .bars = 8 })); }
+
     /// Whether the band stands upright over the notes that are highlighted, and leaves them to be seen.
     bool bandOverHighlight()
     {
@@ -242,8 +231,6 @@ private:
             return 0;
         return (m_session->position() - start) * 1000 / double(clock.elapsed());
     }
-
-    std::unique_ptr<EngineSession> m_session;
 };
 
 int main(int argc, char *argv[]) { return runEngineTest<TestPagePlayback>(argc, argv); }

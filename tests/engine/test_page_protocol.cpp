@@ -3,7 +3,7 @@
 #include "engine_host/EnginePage.h"
 #include "engine_host/RequestInterceptor.h"
 #include "tests/engine/EngineScores.h"
-#include "tests/engine/EngineSession.h"
+#include "tests/engine/PageTest.h"
 
 using namespace Qt::StringLiterals;
 
@@ -37,22 +37,10 @@ QString nameOf(const QString &call)
 
 } // namespace
 
-class TestPageProtocol final : public QObject {
+class TestPageProtocol final : public PageTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_session = std::make_unique<EngineSession>();
-        QVERIFY(m_session->start());
-    }
-
-    void cleanup()
-    {
-        QCOMPARE(m_session->complaints(), QStringList());
-        m_session.reset();
-    }
-
     void thePageOffersExactlyTheCallsThatTheProgramMakes()
     {
         QStringList made;
@@ -143,9 +131,6 @@ private Q_SLOTS:
         QCOMPARE(refused, QStringList({ u"connect-src"_s, u"img-src"_s, u"script-src-elem"_s }));
         m_session = std::make_unique<EngineSession>(); // the refusals are console errors, as they should be
     }
-
-private:
-    std::unique_ptr<EngineSession> m_session;
 };
 
 int main(int argc, char *argv[]) { return runEngineTest<TestPageProtocol>(argc, argv); }

@@ -1,28 +1,16 @@
 #include "engine_host/BridgeCalls.h"
 #include "tests/engine/EngineScores.h"
-#include "tests/engine/EngineSession.h"
+#include "tests/engine/PageTest.h"
 
 #include <QWidget>
 
 using namespace Qt::StringLiterals;
 
 /// The paper: layouts, sizes, tracks, the mouse.
-class TestPageSheet final : public QObject {
+class TestPageSheet final : public PageTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_session = std::make_unique<EngineSession>();
-        QVERIFY(m_session->start());
-    }
-
-    void cleanup()
-    {
-        QCOMPARE(m_session->complaints(), QStringList());
-        m_session.reset();
-    }
-
     void everyTrackIsDrawnAfterALoad()
     {
         QVERIFY(m_session->open(threeParts()));
@@ -275,8 +263,6 @@ private:
             QTest::mouseMove(target(), from + (to - from) * step / 4, 20);
         QTest::mouseRelease(target(), Qt::LeftButton, {}, to);
     }
-
-    std::unique_ptr<EngineSession> m_session;
 };
 
 int main(int argc, char *argv[]) { return runEngineTest<TestPageSheet>(argc, argv); }

@@ -1,6 +1,6 @@
 #include "engine_host/BridgeCalls.h"
 #include "tests/engine/EngineScores.h"
-#include "tests/engine/EngineSession.h"
+#include "tests/engine/PageTest.h"
 #include "tests/engine/RecordedScores.h"
 
 using namespace Qt::StringLiterals;
@@ -14,24 +14,10 @@ constexpr double audible = 0.01;
 } // namespace
 
 /// What comes out of the loudspeakers, measured where the page hands it over.
-class TestPageSound final : public QObject {
+class TestPageSound final : public PageTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_session = std::make_unique<EngineSession>();
-        QVERIFY(m_session->start());
-        m_session->listen();
-        QVERIFY(m_session->open(EngineScores::musicXml({ .parts = { u"Left"_s, u"Right"_s }, .bars = 60 })));
-    }
-
-    void cleanup()
-    {
-        QCOMPARE(m_session->complaints(), QStringList());
-        m_session.reset();
-    }
-
     void playingIsHeard()
     {
         play();
@@ -316,6 +302,12 @@ private Q_SLOTS:
     }
 
 private:
+    bool prepare() override
+    {
+        m_session->listen();
+        return m_session->open(EngineScores::musicXml({ .parts = { u"Left"_s, u"Right"_s }, .bars = 60 }));
+    }
+
     /// Eighty seconds of score and recording.
     static QByteArray recordedScore() { return RecordedScores::score(RecordedScores::tone(80), 40); }
 
@@ -352,8 +344,6 @@ private:
         });
         return played && !heard;
     }
-
-    std::unique_ptr<EngineSession> m_session;
 };
 
 int main(int argc, char *argv[]) { return runEngineTest<TestPageSound>(argc, argv); }
