@@ -56,4 +56,9 @@ export class RecordedSound {
     }
     this.#complete = last;
   }
+
+  /** @returns {ArrayBufferLike[]} where the samples were, of which none are left */
+  empty() {
+    return this.channels.flatMap((samples) => samples.empty());
+  }
 }

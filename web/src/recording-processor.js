@@ -25,6 +25,9 @@ import { TimeStretch } from "./time-stretch.js";
  * @property {number} place what is heard now, in milliseconds of the recording
  * @property {boolean} startsOver whether the loop did since the last report
  * @property {boolean} ended whether the recording is over
+ *
+ * @typedef {object} Returned
+ * @property {ArrayBuffer[]} memory of a recording that is not played any more
  */
 
 /** After how many frames the page is told again what is heard. */
@@ -108,12 +111,23 @@ class RecordingProcessor extends AudioWorkletProcessor {
   /** @param {RecordedSound | null} sound */
   #load(sound) {
     this.#breakOff();
+    this.#giveBack();
     this.#sound = sound;
     this.#stretch = sound && new TimeStretch(sound);
     if (this.#stretch) {
       this.#stretch.speed = this.#speed;
       this.#stretch.loop = this.#loop;
       this.#goTo(this.#start);
+    }
+  }
+
+  /** Nobody collects garbage in the audio thread; the page does. */
+  #giveBack() {
+    const memory = /** @type {ArrayBuffer[]} */ (this.#sound?.empty() ?? []);
+    if (memory.length > 0) {
+      /** @type {Returned} */
+      const returned = { memory };
+      this.port.postMessage(returned, memory);
     }
   }
 

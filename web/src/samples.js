@@ -30,6 +30,14 @@ export class Samples {
     this.#length += block.length;
   }
 
+  /** @returns {ArrayBufferLike[]} where the samples were, of which none are left */
+  empty() {
+    const memory = this.#blocks.map(({ buffer }) => buffer);
+    this.#blocks = [];
+    this.#length = 0;
+    return memory;
+  }
+
   /**
    * @param {number} frame
    * @returns {number} silence before the first sample and behind the last

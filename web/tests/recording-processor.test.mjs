@@ -132,3 +132,19 @@ test("attacks that come with a later part are kept in time", () => {
   assert.equal(heard.length, beats.length);
   heard.forEach((at, beat) => assert.ok(Math.abs(at - 2000 * beats[beat]) < 0.3, `${at} instead of ${2000 * beats[beat]}`));
 });
+
+test("the memory of a recording is given back when it is not played any more", () => {
+  const bytes = (thread) => thread.reports.flatMap(({ memory }) => memory ?? []).reduce((sum, { byteLength }) => sum + byteLength, 0);
+  const thread = loaded(tone);
+  thread.tell({ playing: true });
+  thread.listen(0.5);
+  assert.equal(bytes(thread), 0);
+  thread.tell({ sound: null });
+  assert.equal(bytes(thread), tone.byteLength);
+  const [after] = thread.listen(0.1);
+  assert.ok(Math.max(...levels(after.subarray(512), 20)) < -100);
+  thread.load(tone, tone);
+  thread.load(tone);
+  assert.equal(bytes(thread), 3 * tone.byteLength);
+  assert.ok(Math.min(...levels(thread.listen(0.5)[0].subarray(512), 20)) > -12);
+});
