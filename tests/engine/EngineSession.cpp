@@ -120,19 +120,25 @@ void EngineSession::listen()
 {
     valueOf(uR"((() => {
         const connect = AudioNode.prototype.connect;
+        const taps = [];
         AudioNode.prototype.connect = function (target, ...rest) {
             if (target instanceof AudioDestinationNode) {
                 const tap = this.context.createAnalyser();
                 tap.fftSize = 32768;
                 connect.call(this, tap);
+                taps.push(tap);
                 globalThis.tap = tap;
             }
             return connect.call(this, target, ...rest);
         };
         globalThis.loudness = () => {
-            const samples = new Float32Array(32768);
-            globalThis.tap?.getFloatTimeDomainData(samples);
-            return samples.reduce((peak, sample) => Math.max(peak, Math.abs(sample)), 0);
+            // Of a context that sleeps a tap keeps what was heard last.
+            const peaks = taps.filter((tap) => tap.context.state === "running").map((tap) => {
+                const samples = new Float32Array(tap.fftSize);
+                tap.getFloatTimeDomainData(samples);
+                return samples.reduce((peak, sample) => Math.max(peak, Math.abs(sample)), 0);
+            });
+            return Math.max(0, ...peaks);
         };
         return true;
     })())"_s);

@@ -6,9 +6,10 @@ import { SampleRing } from "./sample-ring.js";
  * port of their own, so that nothing the page is busy with holds up the sound. While it plays it allocates next to
  * nothing and hears nothing: garbage to collect made it miss its turn once in ten minutes.
  *
- * @typedef {{ port?: MessagePort, ring?: SharedArrayBuffer | null, latency?: number, brace?: number }} FromPage
- *     ring: where the samples come, if memory can be shared; latency in frames: by how much later than here a sample is heard than what is reported
- *     of it is seen, below zero when it is heard first; brace: for how many frames the page will keep the processor busy
+ * @typedef {{ port?: MessagePort | null, ring?: SharedArrayBuffer | null, latency?: number, brace?: number }} FromPage
+ *     port: to the synthesizer that is heard from now on, null for none; ring: where the samples come, if memory can be
+ *     shared; latency in frames: by how much later than here a sample is heard than what is reported of it is seen, below
+ *     zero when it is heard first; brace: for how many frames the page will keep the processor busy
  * @typedef {{ stream: number, samples?: Float32Array, playing?: boolean }} FromSynth samples: where memory cannot be
  *     shared
  * @typedef {{ stream: number, want: number, heard?: number, at: number }} ToSynth want, heard: up to which frame of the
@@ -68,21 +69,33 @@ class SoundProcessor extends AudioWorkletProcessor {
   #fadeLeft = new Float32Array(fadeLength);
   #fadeRight = new Float32Array(fadeLength);
   #faded = fadeLength;
-  /** @type {MessagePort | undefined} */
-  #synth;
+  /** @type {MessagePort | null} */
+  #synth = null;
 
   constructor() {
     super();
     this.port.onmessage = (/** @type {MessageEvent<FromPage>} */ event) => {
       const { port, ring, latency, brace } = event.data;
-      if (port) {
-        this.#synth = port;
-        port.onmessage = (message) => this.#listen(message.data);
+      if (port !== undefined) {
+        this.#hear(port);
       }
       this.#ring = ring ? new SampleRing(ring) : this.#ring;
       this.#latency = latency ?? this.#latency;
       this.#braced = brace ?? this.#braced;
     };
+  }
+
+  /** @param {MessagePort | null} synth */
+  #hear(synth) {
+    this.#breakOff();
+    this.#synth?.close();
+    this.#synth = synth;
+    this.#stream = 0;
+    this.#playing = false;
+    this.#ahead = least;
+    if (synth) {
+      synth.onmessage = (message) => this.#listen(message.data);
+    }
   }
 
   /** @param {FromSynth} message */
@@ -94,6 +107,9 @@ class SoundProcessor extends AudioWorkletProcessor {
     if (playing !== undefined) {
       if (!playing) {
         this.#breakOff();
+      } else if (this.#asked === 0) {
+        // A synthesizer that was heard before this one may have answered its last question late.
+        this.#ring.clear();
       }
       this.#playing = playing;
     }

@@ -1,93 +1,59 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
 import { Emitter } from "./emitter.js";
-import { turnOfSound, watchHearingDelay } from "./hearing-delay.js";
-import { SampleRing } from "./sample-ring.js";
+import { Loudspeaker } from "./loudspeaker.js";
 
 /**
- * The page's side of the synthesizer: starts its worker and its place in the audio thread, and joins the two.
+ * The page's side of the synthesizer: starts its worker, and joins it to the loudspeaker.
  *
  * @typedef {import("@coderline/alphatab").synth.IAlphaSynth} Player
  */
 
-/** How long after the last sound the line to the sound system is kept open, in milliseconds. */
-const patience = 15000;
+/** @type {Loudspeaker | null} there as soon as something is to sound */
+let loudspeaker = null;
 
-/** What announces that the page will be busy drawing, and for how long more sound is kept ahead then, in seconds. */
-const busySigns = ["resize", "wheel"];
-const busyTime = 2;
-
-/** Where the synthesizer sounds: an audio context that sleeps when there is nothing to hear. */
+/** What the engine knows of the loudspeaker, for one synthesizer. */
 class SoundOutput {
   /** @type {Emitter<void>} */
   ready = new Emitter();
   /** Never triggered: the audio thread and the synthesizer's worker settle these between themselves. */
   samplesPlayed = new Emitter();
   sampleRequest = new Emitter();
-  #context = new AudioContext({ latencyHint: turnOfSound });
   #loudspeaker;
-  #ring;
-  #sleep = 0;
-  #endWatch = () => {};
-  #busyListening = new AbortController();
+  #line;
 
   /**
-   * @param {MessagePort} loudspeaker the audio thread's end of the line to the worker
-   * @param {SharedArrayBuffer | null} ring where the worker puts the samples
+   * @param {Loudspeaker} loudspeaker
+   * @param {MessagePort} line the audio thread's end of the line to the worker
    */
-  constructor(loudspeaker, ring) {
+  constructor(loudspeaker, line) {
     this.#loudspeaker = loudspeaker;
-    this.#ring = ring;
+    this.#line = line;
   }
 
   get sampleRate() {
-    return this.#context.sampleRate;
+    return this.#loudspeaker.sampleRate;
   }
 
   open() {
-    void this.#connect();
+    this.#loudspeaker.connect(this.#line);
     this.ready.trigger();
   }
 
-  async #connect() {
-    const context = this.#context;
-    await context.audioWorklet.addModule("src/sound-processor.js");
-    const node = new AudioWorkletNode(context, "quaverly-sound", { numberOfInputs: 0, outputChannelCount: [2] });
-    node.port.postMessage({ port: this.#loudspeaker, ring: this.#ring }, [this.#loudspeaker]);
-    node.connect(context.destination);
-    for (const sign of busySigns) {
-      const brace = () => node.port.postMessage({ brace: Math.round(busyTime * context.sampleRate) });
-      addEventListener(sign, brace, { passive: true, signal: this.#busyListening.signal });
-    }
-    this.#endWatch = watchHearingDelay(context, (seconds) => {
-      node.port.postMessage({ latency: Math.round(seconds * context.sampleRate) });
-    });
-    this.#fallAsleep();
-  }
-
   activate() {
-    clearTimeout(this.#sleep);
-    void this.#context.resume();
+    this.#loudspeaker.wake(this.#line);
   }
 
   play() {
-    this.activate();
+    this.#loudspeaker.wake(this.#line);
   }
 
   pause() {
-    this.#fallAsleep();
-  }
-
-  #fallAsleep() {
-    clearTimeout(this.#sleep);
-    this.#sleep = setTimeout(() => void this.#context.suspend(), patience);
+    this.#loudspeaker.fallAsleep(this.#line);
   }
 
   destroy() {
-    clearTimeout(this.#sleep);
-    this.#endWatch();
-    this.#busyListening.abort();
-    void this.#context.close();
+    this.#loudspeaker.disconnect(this.#line);
   }
 
   addSamples() {}
@@ -134,10 +100,11 @@ export class SynthPlayer {
     spare = null;
     const line = new MessageChannel();
     const talk = new MessageChannel();
-    const ring = SampleRing.sharedMemory();
+    loudspeaker ??= new Loudspeaker();
+    const { ring } = loudspeaker;
     worker.postMessage({ cmd: "serve", page: talk.port2, loudspeaker: line.port2, ring }, [talk.port2, line.port2]);
     this.#talk = Object.assign(talk.port1, { terminate: () => worker.terminate() });
-    this.player = new WorkerPlayer(new SoundOutput(line.port1, ring), settings, this.#talk);
+    this.player = new WorkerPlayer(new SoundOutput(loudspeaker, line.port1), settings, this.#talk);
     this.#talk.start();
   }
 

@@ -25,7 +25,7 @@ class Stage {
   /** How many frames of a question are answered at most. */
   most = Infinity;
   #processor = new Processor();
-  #port = { postMessage: (question) => this.questions.push(question) };
+  #port = this.#line();
   #ring;
 
   constructor({ shared = true, latency = 0 } = {}) {
@@ -34,6 +34,22 @@ class Stage {
     this.#ring = memory && new SampleRing(memory);
     this.#processor.port.onmessage({ data: { port: this.#port, ring: memory } });
     this.page({ latency });
+  }
+
+  #line() {
+    const line = { open: true, postMessage: (question) => this.questions.push(question), close: () => (line.open = false) };
+    return line;
+  }
+
+  /** Another synthesizer takes the place of the present one, which answers its last question late. */
+  replace() {
+    const before = this.#port;
+    this.#port = this.#line();
+    this.page({ port: this.#port });
+    this.#ring?.write(new Float32Array(2 * turn).fill(9));
+    this.stream = 0;
+    this.sent = 0;
+    return before;
   }
 
   page(message) {
@@ -179,4 +195,32 @@ test("a pause is silent, and asks for nothing", () => {
   assert.equal(stage.questions.length, asked);
   stage.synth({ playing: true });
   assert.deepEqual(stage.listen(5).slice(turn), counting(1, 4 * turn));
+});
+
+for (const shared of [true, false]) {
+  test(`another synthesizer is heard from its first sample on ${shared ? "through shared memory" : "through messages"}`, () => {
+    const stage = new Stage({ shared });
+    stage.synth({ playing: true });
+    stage.listen(5);
+    stage.seek();
+    stage.listen(5);
+    const before = stage.replace();
+    assert.equal(before.open, false);
+    const { length } = stage.questions;
+    assert.ok(stage.listen(5).slice(256).every((sample) => sample === 0));
+    assert.equal(stage.questions.length, length);
+    stage.synth({ playing: true });
+    assert.deepEqual(stage.listen(5).slice(turn), counting(1, 4 * turn));
+  });
+}
+
+test("where no synthesizer is heard any more it is silent", () => {
+  const stage = new Stage();
+  stage.synth({ playing: true });
+  stage.listen(5);
+  stage.page({ port: null });
+  const { length } = stage.questions;
+  const after = stage.listen(5);
+  assert.ok(after[255] < after[0] / 100 && after.slice(256).every((sample) => sample === 0));
+  assert.equal(stage.questions.length, length);
 });

@@ -1,0 +1,47 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { contexts, settled, told } from "./support/audio-context.mjs";
+import { pass } from "./support/clock.mjs";
+
+const { Loudspeaker } = await import("../src/loudspeaker.js");
+
+const loudspeaker = new Loudspeaker();
+
+/** The ports that the audio thread was told of, in order. */
+async function ports() {
+  await settled();
+  return told.filter((message) => "port" in message).map(({ port }) => port);
+}
+
+test("it sleeps when there has been nothing to hear for a while", () => {
+  const line = {};
+  loudspeaker.connect(line);
+  loudspeaker.wake(line);
+  assert.equal(contexts.state, "running");
+  pass(60000);
+  assert.equal(contexts.state, "running");
+  loudspeaker.fallAsleep(line);
+  pass(14000);
+  assert.equal(contexts.state, "running");
+  pass(2000);
+  assert.equal(contexts.state, "suspended");
+});
+
+test("a synthesizer that another one has taken the place of has no say any more", async () => {
+  const [first, second] = [{ name: "first" }, { name: "second" }];
+  loudspeaker.connect(first);
+  loudspeaker.connect(second);
+  loudspeaker.wake(second);
+  loudspeaker.fallAsleep(first);
+  loudspeaker.disconnect(first);
+  pass(60000);
+  assert.equal(contexts.state, "running");
+  assert.deepEqual((await ports()).slice(-2), [first, second]);
+  loudspeaker.disconnect(second);
+  assert.equal((await ports()).at(-1), null);
+  pass(60000);
+  assert.equal(contexts.state, "suspended");
+  loudspeaker.wake(first);
+  assert.equal(contexts.state, "suspended");
+  assert.equal(contexts.made, 1);
+});
