@@ -138,9 +138,11 @@ export class Metronome {
     this.#firstChannel = highestChannel(notes.events) + 1;
     const pattern = clicksOf(bars, midi.division);
     const points = this.#playback.syncPoints;
-    this.#api.recordingPlayer.setClicks(
-      pattern.map(({ tick, level }) => ({ ms: recordingTime(points, this.#playback.timeline.msAt(tick)), level })),
-    );
+    if (this.#api.playsRecording) {
+      this.#api.recordingPlayer.setClicks(
+        pattern.map(({ tick, level }) => ({ ms: recordingTime(points, this.#playback.timeline.msAt(tick)), level })),
+      );
+    }
     const clicks = pattern.map(({ tick, level }) => note(tick, this.#firstChannel + level));
     // Those of the count-in are set up too: the engine takes the first channel that is not for a metronome of its own.
     const used = [...levels.keys(), ...Object.values(countInChannels)];

@@ -12,6 +12,9 @@ import { collectGarbage } from "./tidying.js";
  * @typedef {import("@coderline/alphatab").synth.IExternalMediaHandler} MediaHandler
  * @typedef {import("./recordings.js").Recording} Recording
  * @typedef {import("./recording-processor.js").FromPage} FromPage
+ * @typedef {import("./recording-processor.js").ToPage} ToPage
+ * @typedef {import("./recording-processor.js").Returned} Returned
+ * @typedef {import("./recorded-sound.js").Part} Part
  * @typedef {{ from: number, to: number }} Loop
  * @typedef {{ ms: number, level: number }} TimedClick
  *
@@ -53,8 +56,8 @@ export class RecordingPlayer {
   #gain;
   /** @type {AudioWorkletNode | undefined} */
   #node;
-  /** @type {{ message: FromPage, transfer: Transferable[] }[]} what the audio thread is told once it listens */
-  #unsaid = [];
+  /** @type {Part[]} what the audio thread gets once it listens */
+  #parts = [];
   /** @type {Recording | null} */
   #recording = null;
   #playing = false;
@@ -62,6 +65,10 @@ export class RecordingPlayer {
   #volume = 1;
   /** @type {Loop | null} */
   #loop = null;
+  /** @type {TimedClick[]} */
+  #clicks = [];
+  /** @type {Ticking} */
+  #ticking = { levels: 0, sound: "woodblock", accent: true, volume: 0 };
   /** Counts the seeks: what was reported before the last one is stale. */
   #turn = 0;
   #heard = 0;
@@ -72,6 +79,7 @@ export class RecordingPlayer {
   load(recording) {
     if (recording !== this.#recording) {
       this.#recording = recording;
+      this.#parts = [];
       this.#tell({ sound: null });
       if (recording) {
         void this.#decode(recording);
@@ -94,7 +102,17 @@ export class RecordingPlayer {
 
   set masterVolume(volume) {
     this.#volume = volume;
-    this.#gain?.gain.setTargetAtTime(volume, this.#context?.currentTime ?? 0, volumeTime);
+    if (!this.#context || !this.#gain) {
+      return;
+    }
+    const { gain } = this.#gain;
+    if (this.#playing) {
+      gain.setTargetAtTime(volume, this.#context.currentTime, volumeTime);
+    } else {
+      // What begins now, or when the context wakes, would begin with the change.
+      gain.cancelScheduledValues(0);
+      gain.value = volume;
+    }
   }
 
   /** @param {number} ms */
@@ -103,7 +121,8 @@ export class RecordingPlayer {
       return;
     }
     this.#heard = ms;
-    this.#tell({ seek: { place: Math.max(ms, 0), turn: ++this.#turn } });
+    this.#turn++;
+    this.#tell({ seek: this.#seek });
   }
 
   play() {
@@ -129,15 +148,31 @@ export class RecordingPlayer {
 
   /** @param {TimedClick[]} clicks in rising order of time */
   setClicks(clicks) {
-    this.#tell({ clicks: { times: Float64Array.from(clicks, ({ ms }) => ms), levels: Uint8Array.from(clicks, ({ level }) => level) } });
+    this.#clicks = clicks;
+    this.#tell({ clicks: placesOf(clicks) });
   }
 
   /** @param {Ticking} ticking */
-  setTicking({ levels, sound, accent, volume }) {
-    const rate = this.#open().sampleRate;
+  setTicking(ticking) {
+    const before = this.#ticking;
+    this.#ticking = ticking;
+    const { levels, sound, accent, volume } = ticking;
+    const same = levels === before.levels && sound === before.sound && accent === before.accent && volume === before.volume;
+    if (this.#context && !same) {
+      this.#tell({ ticking: this.#clickSounds(this.#context) });
+    }
+  }
+
+  get #seek() {
+    return { place: Math.max(this.#heard, 0), turn: this.#turn };
+  }
+
+  /** @param {AudioContext} context */
+  #clickSounds({ sampleRate }) {
+    const { levels, sound, accent, volume } = this.#ticking;
     /** @type {(accented: boolean) => Float32Array} */
-    const click = (accented) => clickSamples(sound, accented, rate).map((sample) => sample * volume);
-    this.#tell({ ticking: { levels, first: click(accent), others: click(false) } });
+    const click = (accented) => clickSamples(sound, accented, sampleRate).map((sample) => sample * volume);
+    return { levels, first: click(accent), others: click(false) };
   }
 
   /** @param {Recording} recording */
@@ -147,7 +182,7 @@ export class RecordingPlayer {
         if (recording !== this.#recording) {
           return;
         }
-        this.#tell({ part }, [part.attacks.buffer, ...part.blocks.flat().map(({ buffer }) => buffer)]);
+        this.#hand(part);
       }
       // What the decoder wrote is many times what is kept of it.
       collectGarbage();
@@ -176,28 +211,47 @@ export class RecordingPlayer {
   async #connect(context, gain) {
     await context.audioWorklet.addModule("src/recording-processor.js");
     const node = new AudioWorkletNode(context, "quaverly-recording", { numberOfInputs: 0, outputChannelCount: [2] });
-    node.port.onmessage = ({ data }) => this.#listen(data);
+    node.port.onmessage = (/** @type {MessageEvent<ToPage | Returned>} */ { data }) => {
+      if ("turn" in data) {
+        this.#listen(data);
+      }
+    };
     node.connect(gain);
     this.#node = node;
-    for (const { message, transfer } of this.#unsaid.splice(0)) {
-      node.port.postMessage(message, transfer);
+    this.#tell({
+      seek: this.#seek,
+      speed: this.#speed,
+      loop: this.#loop,
+      clicks: placesOf(this.#clicks),
+      ticking: this.#clickSounds(context),
+      playing: this.#playing,
+    });
+    for (const part of this.#parts.splice(0)) {
+      this.#hand(part);
     }
     watchHearingDelay(context, (delay) => this.#tell({ delay }));
   }
 
+  /** @param {Part} part of the recording */
+  #hand(part) {
+    if (this.#node) {
+      this.#tell({ part }, [part.attacks.buffer, ...part.blocks.flat().map(({ buffer }) => buffer)]);
+    } else {
+      this.#parts.push(part);
+    }
+  }
+
   /**
+   * As soon as the audio thread listens it is told how things are.
+   *
    * @param {FromPage} message
    * @param {Transferable[]} [transfer]
    */
   #tell(message, transfer = []) {
-    if (this.#node) {
-      this.#node.port.postMessage(message, transfer);
-    } else {
-      this.#unsaid.push({ message, transfer });
-    }
+    this.#node?.port.postMessage(message, transfer);
   }
 
-  /** @param {import("./recording-processor.js").ToPage} report */
+  /** @param {ToPage} report */
   #listen({ turn, place, startsOver, ended }) {
     if (turn !== this.#turn || !this.#playing) {
       return;
@@ -221,4 +275,9 @@ export class RecordingPlayer {
     clearTimeout(this.#sleep);
     this.#sleep = setTimeout(() => void this.#context?.suspend(), patience);
   }
+}
+
+/** @param {TimedClick[]} clicks */
+function placesOf(clicks) {
+  return { times: Float64Array.from(clicks, ({ ms }) => ms), levels: Uint8Array.from(clicks, ({ level }) => level) };
 }

@@ -1,0 +1,50 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { contexts, settled, told, volumes } from "./support/audio-context.mjs";
+import "./support/clock.mjs";
+
+const { RecordingPlayer } = await import("../src/recording-player.js");
+
+const ticking = { levels: 2, sound: "woodblock", accent: true, volume: 0.5 };
+
+test("without a recording nothing is opened; when one is about to play the audio thread hears how things are", async () => {
+  const player = new RecordingPlayer();
+  for (const volume of [0.25, 0.5]) {
+    player.load(null);
+    player.setTicking({ ...ticking, volume });
+    player.setClicks([{ ms: 1000 * volume, level: 1 }]);
+    player.setLoop({ from: 0, to: 1000 * volume });
+    player.playbackRate = volume;
+  }
+  player.seekTo(300);
+  await settled();
+  assert.equal(contexts.made, 0);
+  player.play();
+  await settled();
+  assert.equal(contexts.made, 1);
+  const [first, ...others] = told.filter((message) => !("delay" in message));
+  assert.deepEqual(others, []);
+  const { clicks, ticking: sounds, ...rest } = first;
+  assert.deepEqual(rest, { seek: { place: 300, turn: 1 }, speed: 0.5, loop: { from: 0, to: 500 }, playing: true });
+  assert.deepEqual([...clicks.times, ...clicks.levels], [500, 1]);
+  assert.equal(sounds.levels, 2);
+  assert.ok(sounds.first.some((sample) => sample !== 0) && sounds.others.some((sample) => sample !== 0));
+
+  const before = told.length;
+  player.setTicking({ ...ticking });
+  assert.equal(told.length, before);
+  player.setTicking({ ...ticking, levels: 1 });
+  player.setTicking({ ...ticking, levels: 1, accent: false });
+  assert.deepEqual(told.slice(before).map((message) => message.ticking.levels), [1, 1]);
+});
+
+test("a volume set while nothing plays holds from the first sample on, and one set while it plays does not click", () => {
+  const player = new RecordingPlayer();
+  volumes.length = 0;
+  player.masterVolume = 0.5;
+  player.play();
+  player.masterVolume = 0.25;
+  player.pause();
+  player.masterVolume = 0;
+  assert.deepEqual(volumes, [{ set: 0.5 }, { approached: 0.25 }, { set: 0 }]);
+});
