@@ -170,6 +170,10 @@ export class LayoutRun {
     const bounds = new alphaTab.rendering.BoundsLookup();
     bounds.staffSystems = all.slice(this.#lines, lines);
     this.#lines = lines;
+    if (this.finished) {
+      // The page has them now; here they would only take room.
+      this.#renderer.boundsLookup = null;
+    }
     return bounds.toJson();
   }
 }

@@ -67,6 +67,18 @@ test("the pieces say which is the first and which the last, and their places cov
   assert.ok(all.every((piece, index) => index === 0 || piece.height >= all[index - 1].height));
 });
 
+test("what was not in view is painted later, without the places of its beats being kept", () => {
+  const { score, renderer } = drawing();
+  const last = pieces(new LayoutRun(renderer, score, [0], view)).at(-1).parts.at(-1);
+  assert.equal(renderer.boundsLookup, null);
+  const painted = [];
+  renderer.partialRenderFinished.on((part) => painted.push(part));
+  renderer.error.on((error) => assert.fail(error));
+  renderer.renderResult(last.id);
+  assert.deepEqual(painted.map(({ id }) => id), [last.id]);
+  assert.ok(painted[0].renderResult);
+});
+
 test("a score that fits the view is one piece", () => {
   const { score, renderer } = drawing();
   const all = pieces(new LayoutRun(renderer, score, [0], { ...view, bottom: 100000 }));
