@@ -10,21 +10,33 @@
  */
 const rest = 6000;
 
-/** Each thread collects twice: the first time leaves what the second finds, room that has been empty since then. */
-const rounds = 2;
+/**
+ * Each thread collects three times. The first time leaves what the second finds; the room for new objects is given up when
+ * the time since the last collection was a quiet one, and the first of them is seldom far enough from the drawing for that.
+ */
+const rounds = 3;
 
 /** From one collection to the next, in milliseconds: two threads together would take each other's processor. */
 const apart = 500;
 
+/** From the last collection but one of all threads to the last one of the first. */
+const quiet = 5500;
+
+/** For how long a collection waits at most until the page has nothing else to do, in milliseconds. */
+const idle = 1000;
+
 /** A page that is just being read or scrolled would stumble. */
 const gestures = ["wheel", "pointermove", "pointerdown", "keydown", "touchmove"];
 
+/** @typedef {"drawing" | "synth" | "page"} Thread in the order in which they collect */
+
 export class Tidying {
-  #api;
   #playback;
   #timer = 0;
-  /** How many times each is still to collect: the drawing worker, and the page with the synthesizer's worker. */
-  #left = { drawing: 0, page: 0 };
+  /** How many times each is still to collect. @type {Record<Thread, number>} */
+  #left = { drawing: 0, synth: 0, page: 0 };
+  /** @type {Record<Thread, () => void>} */
+  #collect;
 
   /**
    * @param {Pick<import("./engine.js").Engine, "drawing" | "playerReady" | "playerStateChanged" | "synth">} api
@@ -32,10 +44,15 @@ export class Tidying {
    * @param {EventTarget} view where the reader's hands are felt
    */
   constructor(api, playback, view) {
-    this.#api = api;
     this.#playback = playback;
+    this.#collect = {
+      drawing: () => api.drawing.tidy(),
+      synth: () => api.synth?.tidy(),
+      // The mark on the score moves between two notes, and is still while one sounds.
+      page: () => requestIdleCallback(collectGarbage, { timeout: idle }),
+    };
     const disturbed = () => {
-      this.#left = { drawing: rounds, page: rounds };
+      this.#left = { drawing: rounds, synth: rounds, page: rounds };
       this.#wait(rest);
     };
     api.drawing.pieceShown.on(disturbed);
@@ -47,29 +64,29 @@ export class Tidying {
     }
   }
 
+  /** Those whose turn it is, the first of them first. */
+  get #most() {
+    // The sound may not stumble: when the music stops there is time again.
+    const threads = /** @type {Thread[]} */ (Object.keys(this.#left)).filter((thread) => thread !== "synth" || !this.#playback.playing);
+    const most = Math.max(...threads.map((thread) => this.#left[thread]));
+    return { most, threads: threads.filter((thread) => this.#left[thread] === most) };
+  }
+
   /** @param {number} milliseconds */
   #wait(milliseconds) {
     clearTimeout(this.#timer);
-    if (this.#left.drawing + this.#left.page > 0) {
+    if (this.#most.most > 0) {
       this.#timer = setTimeout(() => this.#tidy(), milliseconds);
     }
   }
 
   #tidy() {
-    const left = this.#left;
-    // Neither the mark on the score nor the sound may stumble: when the music stops there is time again.
-    const pageWaits = left.page === 0 || this.#playback.playing;
-    if (left.drawing > 0 && (left.drawing >= left.page || pageWaits)) {
-      left.drawing--;
-      this.#api.drawing.tidy();
-    } else if (!pageWaits) {
-      left.page--;
-      this.#api.synth?.tidy();
-      collectGarbage();
-    } else {
-      return;
+    const { most, threads } = this.#most;
+    if (most > 0) {
+      this.#left[threads[0]]--;
+      this.#collect[threads[0]]();
+      this.#wait(most > 1 && this.#most.most === 1 ? quiet : apart);
     }
-    this.#wait(apart);
   }
 }
 

@@ -8,6 +8,7 @@ import { pass } from "./support/clock.mjs";
 function page() {
   const collected = [];
   globalThis.gc = () => collected.push("page");
+  globalThis.requestIdleCallback = (callback) => callback();
   const api = {
     drawing: { pieceShown: new Emitter(), tidy: () => collected.push("drawing") },
     playerReady: new Emitter(),
@@ -20,9 +21,10 @@ function page() {
   return { collected, api, playback, view, tidying };
 }
 
-const all = ["drawing", "synth", "page", "drawing", "synth", "page"];
+const round = ["drawing", "synth", "page"];
+const all = [...round, ...round, ...round];
 
-test("each thread collects twice, one after the other, when nothing has happened for a while", () => {
+test("each thread collects one after the other when nothing has happened for a while, and once more after a quiet time", () => {
   const { collected, api } = page();
   pass(20000);
   assert.deepEqual(collected, []);
@@ -33,6 +35,10 @@ test("each thread collects twice, one after the other, when nothing has happened
   assert.deepEqual(collected, []);
   pass(1100);
   assert.deepEqual(collected, ["drawing"]);
+  pass(2500);
+  assert.deepEqual(collected, [...round, ...round]);
+  pass(5000);
+  assert.equal(collected.length, 6);
   pass(20000);
   assert.deepEqual(collected, all);
 });
@@ -52,17 +58,29 @@ test("a reader's hands put it off", () => {
   assert.equal(collected.length, all.length);
 });
 
-test("while the music plays only the drawing worker collects; the others do when it stops", () => {
+test("while the music plays the synthesizer does not collect; it does when the music stops", () => {
   const { collected, api, playback } = page();
   api.drawing.pieceShown.trigger();
   playback.playing = true;
   api.playerStateChanged.trigger();
   pass(20000);
-  assert.deepEqual(collected, ["drawing", "drawing"]);
+  const others = ["drawing", "page"];
+  assert.deepEqual(collected, [...others, ...others, ...others]);
   playback.playing = false;
   api.playerStateChanged.trigger();
   pass(20000);
-  assert.deepEqual(collected.slice(2), ["synth", "page", "synth", "page"]);
+  assert.deepEqual(collected.slice(6), ["synth", "synth", "synth"]);
+});
+
+test("the page collects when it has nothing else to do", () => {
+  const { collected, api } = page();
+  const idle = [];
+  globalThis.requestIdleCallback = (callback) => idle.push(callback);
+  api.drawing.pieceShown.trigger();
+  pass(7500);
+  assert.deepEqual(collected, ["drawing", "synth", "drawing"]);
+  idle.forEach((callback) => callback());
+  assert.deepEqual(collected, ["drawing", "synth", "drawing", "page"]);
 });
 
 test("a web engine that does not let the page collect is left alone", () => {
