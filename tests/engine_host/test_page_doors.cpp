@@ -61,6 +61,12 @@ private Q_SLOTS:
             "--enable-features=A --enable-features=B,SharedArrayBuffer " + script);
     }
 
+    void theEnginesThreadsShareOneHeapUnlessTheUserWantsMore()
+    {
+        QCOMPARE(EngineSwitches::heapsFor({}), QByteArray("1"));
+        QCOMPARE(EngineSwitches::heapsFor("4"), QByteArray("4"));
+    }
+
     void theProcessorDrawsWhereThereIsNoGraphicsCard()
     {
         const QTemporaryDir folder;
