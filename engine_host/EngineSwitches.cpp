@@ -10,7 +10,6 @@ namespace EngineSwitches {
 namespace {
 
 constexpr char flagsVariable[] = "QTWEBENGINE_CHROMIUM_FLAGS";
-constexpr char heapsVariable[] = "MALLOC_ARENA_MAX";
 
 /// Adds to what an option lists, separated by commas. Of several such options the web engine knows the last alone.
 void enlist(QByteArrayList &flags, const QByteArray &option, const QByteArray &value)
@@ -34,12 +33,6 @@ QByteArray flagsFor(const QByteArray &flags)
     return list.join(' ');
 }
 
-QByteArray heapsFor(const QByteArray &heaps) { return heaps.isEmpty() ? QByteArrayLiteral("1") : heaps; }
-
-void adapt()
-{
-    qputenv(flagsVariable, flagsFor(qgetenv(flagsVariable)));
-    qputenv(heapsVariable, heapsFor(qgetenv(heapsVariable)));
-}
+void adapt() { qputenv(flagsVariable, flagsFor(qgetenv(flagsVariable))); }
 
 } // namespace EngineSwitches

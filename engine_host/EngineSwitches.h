@@ -9,15 +9,10 @@
 /// Otherwise only pages of an isolated origin may, which a scheme of an application's own cannot be before Qt 6.6.
 /// - The page says when garbage is collected after a score was opened. V8's memory reducer does it about fifteen
 /// seconds later, three times in turn, when music plays.
-/// - All threads of a process allocate from one heap. The C library gives each its own, up to eight for each processor;
-/// what is freed in one is of no use to the others, and the more scores are opened the more of it there is.
 namespace EngineSwitches {
 
 /// `flags` of the web engine, separated by spaces, with these in them. What they say otherwise stays.
 QByteArray flagsFor(const QByteArray &flags);
-
-/// The most heaps of a process, in decimal, as the C library reads it; what the user wants stays.
-QByteArray heapsFor(const QByteArray &heaps);
 
 /// Writes them into the environment. To be called before the application object exists.
 void adapt();

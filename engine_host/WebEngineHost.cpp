@@ -4,6 +4,7 @@
 #include "engine_host/EnginePage.h"
 #include "engine_host/EngineSwitches.h"
 #include "engine_host/EngineView.h"
+#include "engine_host/HeapLimits.h"
 #include "engine_host/RequestInterceptor.h"
 #include "engine_host/RootSandbox.h"
 #include "engine_host/ScriptEvaluation.h"
@@ -29,6 +30,7 @@ void WebEngineHost::prepare()
     RootSandbox::adapt();
     DrawingBackend::adapt();
     EngineSwitches::adapt();
+    HeapLimits::adapt();
     WebSchemeHandler::registerScheme();
 }
 

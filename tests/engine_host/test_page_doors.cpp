@@ -1,5 +1,6 @@
 #include "engine_host/DrawingBackend.h"
 #include "engine_host/EngineSwitches.h"
+#include "engine_host/HeapLimits.h"
 #include "engine_host/RequestInterceptor.h"
 #include "engine_host/RootSandbox.h"
 #include "engine_host/ScriptEvaluation.h"
@@ -61,10 +62,16 @@ private Q_SLOTS:
             "--enable-features=A --enable-features=B,SharedArrayBuffer " + script);
     }
 
-    void theEnginesThreadsShareOneHeapUnlessTheUserWantsMore()
+    void theEnginesProcessesGiveBackWhatTheyFree()
     {
-        QCOMPARE(EngineSwitches::heapsFor({}), QByteArray("1"));
-        QCOMPARE(EngineSwitches::heapsFor("4"), QByteArray("4"));
+        const QProcessEnvironment plain = HeapLimits::limited({});
+        QCOMPARE(plain.value(u"MALLOC_ARENA_MAX"_s), u"1"_s);
+        QCOMPARE(plain.value(u"MALLOC_TRIM_THRESHOLD_"_s), u"131072"_s);
+        QCOMPARE(plain.value(u"MALLOC_MMAP_THRESHOLD_"_s), u"131072"_s);
+        QProcessEnvironment own;
+        own.insert(u"MALLOC_ARENA_MAX"_s, u"4"_s);
+        QCOMPARE(HeapLimits::limited(own).value(u"MALLOC_ARENA_MAX"_s), u"4"_s);
+        QCOMPARE(HeapLimits::limited(own).value(u"MALLOC_TRIM_THRESHOLD_"_s), u"131072"_s);
     }
 
     void theProcessorDrawsWhereThereIsNoGraphicsCard()
