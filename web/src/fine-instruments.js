@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
+import { decodingContext } from "./decoding-context.js";
 import { fetchBytes } from "./resources.js";
 
 /**
@@ -71,7 +72,6 @@ export class FineInstruments {
     const loader = new Worker(new URL("./sound-loader.js", import.meta.url), { type: "module", name: "sounds" });
     /** @type {(message: import("./sound-loader.js").ToLoader, handedOver?: ArrayBufferLike[]) => void} */
     const tell = (message, handedOver = []) => loader.postMessage(message, { transfer: handedOver });
-    const decode = streamDecoder();
     loader.onmessage = async ({ data }) => {
       const message = /** @type {import("./sound-loader.js").FromLoader} */ (data);
       if ("stream" in message) {
@@ -91,16 +91,11 @@ export class FineInstruments {
 }
 
 /**
- * @returns {(stream: Uint8Array, rate: number) => Promise<Float32Array | null>} takes a stream that is all of its buffer,
- *     which is gone afterwards, and its rate in samples a second; null for a stream that cannot be decoded
+ * @param {Uint8Array} stream all of its buffer, which is gone afterwards
+ * @param {number} rate its own, in samples a second: decoding resamples to any other
+ * @returns {Promise<Float32Array | null>} null for a stream that cannot be decoded
  */
-function streamDecoder() {
-  /** @type {Map<number, OfflineAudioContext>} by the rate of their streams: decoding resamples to any other */
-  const contexts = new Map();
-  return async ({ buffer }, rate) => {
-    const context = contexts.get(rate) ?? new OfflineAudioContext(1, 1, rate);
-    contexts.set(rate, context);
-    const sound = await context.decodeAudioData(/** @type {ArrayBuffer} */ (buffer)).catch(() => null);
-    return sound && sound.getChannelData(0);
-  };
+async function decode({ buffer }, rate) {
+  const sound = await decodingContext(rate).decodeAudioData(/** @type {ArrayBuffer} */ (buffer)).catch(() => null);
+  return sound && sound.getChannelData(0);
 }

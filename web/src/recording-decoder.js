@@ -1,4 +1,5 @@
 // @ts-check
+import { decodingContext } from "./decoding-context.js";
 import { cutRecording } from "./recording-cuts.js";
 
 /**
@@ -47,7 +48,7 @@ export async function* decodeRecording(bytes, sampleRate) {
 async function* decode(bytes, wantedRate) {
   const cuts = cutRecording(bytes);
   if (!cuts || !(yield* decodeCuts(cuts, wantedRate))) {
-    const buffer = await decodedWith(new OfflineAudioContext(1, 1, wantedRate), bytes.slice());
+    const buffer = await decodedWith(decodingContext(wantedRate), bytes.slice());
     const channels = channelsOf(buffer);
     yield { silent: 0, channels, from: 0, length: buffer.length, sampleRate: wantedRate, wantedRate, last: true };
   }
@@ -60,7 +61,7 @@ async function* decode(bytes, wantedRate) {
  */
 async function* decodeCuts({ sampleRate, parts, fileOf }, wantedRate) {
   // At the file's own rate nothing is resampled, which would tell where the file was cut.
-  const context = new OfflineAudioContext(1, 1, sampleRate);
+  const context = decodingContext(sampleRate);
   const rates = { sampleRate, wantedRate };
   /** @type {(cut: Cut, end: number) => Promise<number>} */
   const beginningOf = async (cut, end) => {

@@ -1,4 +1,6 @@
 // @ts-check
+import { decodingContext } from "./decoding-context.js";
+
 /**
  * The recordings that some scores carry: which of them can be heard.
  *
@@ -73,7 +75,7 @@ async function canBeDecoded(bytes) {
 /** @param {Uint8Array<ArrayBuffer>} bytes are lost */
 async function decodes(bytes) {
   try {
-    await new OfflineAudioContext(1, 1, 44100).decodeAudioData(bytes.buffer);
+    await decodingContext(44100).decodeAudioData(bytes.buffer);
     return true;
   } catch {
     return false;
