@@ -163,6 +163,11 @@ export class RecordingPlayer {
     }
   }
 
+  /** Has the audio thread collect its garbage, for which nobody may be listening. */
+  tidy() {
+    this.#tell({ tidy: true });
+  }
+
   get #seek() {
     return { place: Math.max(this.#heard, 0), turn: this.#turn };
   }

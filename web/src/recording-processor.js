@@ -2,6 +2,7 @@
 import { HeardTime } from "./heard-time.js";
 import { RecordedSound } from "./recorded-sound.js";
 import { RecordingClicks } from "./recording-clicks.js";
+import { collectGarbage } from "./tidying.js";
 import { TimeStretch } from "./time-stretch.js";
 
 /**
@@ -17,6 +18,7 @@ import { TimeStretch } from "./time-stretch.js";
  * @property {{ from: number, to: number } | null} [loop]
  * @property {{ times: Float64Array, levels: Uint8Array }} [clicks]
  * @property {import("./recording-clicks.js").Ticking} [ticking]
+ * @property {boolean} [tidy] whether garbage is to be collected
  * @property {number} [delay] in seconds: by how much later than here a sample is heard than what is reported of it is
  *     seen; below zero when it is heard first
  *
@@ -70,7 +72,7 @@ class RecordingProcessor extends AudioWorkletProcessor {
   }
 
   /** @param {FromPage} message */
-  #listen({ sound, part, playing, seek, speed, loop, clicks, ticking, delay }) {
+  #listen({ sound, part, playing, seek, speed, loop, clicks, ticking, tidy, delay }) {
     this.#delay = delay !== undefined ? Math.round(delay * sampleRate) : this.#delay;
     if (ticking) {
       this.#clicks.ticking = ticking;
@@ -105,6 +107,9 @@ class RecordingProcessor extends AudioWorkletProcessor {
     if (playing !== undefined && playing !== this.#playing) {
       this.#breakOff();
       this.#playing = playing;
+    }
+    if (tidy) {
+      collectGarbage();
     }
   }
 

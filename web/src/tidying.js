@@ -28,18 +28,21 @@ const idle = 1000;
 /** A page that is just being read or scrolled would stumble. */
 const gestures = ["wheel", "pointermove", "pointerdown", "keydown", "touchmove"];
 
-/** @typedef {"drawing" | "synth" | "page"} Thread in the order in which they collect */
+/** @typedef {"drawing" | "synth" | "sound" | "page"} Thread in the order in which they collect */
+
+/** What these do is heard. @type {Thread[]} */
+const heard = ["synth", "sound"];
 
 export class Tidying {
   #playback;
   #timer = 0;
   /** How many times each is still to collect. @type {Record<Thread, number>} */
-  #left = { drawing: 0, synth: 0, page: 0 };
+  #left = { drawing: 0, synth: 0, sound: 0, page: 0 };
   /** @type {Record<Thread, () => void>} */
   #collect;
 
   /**
-   * @param {Pick<import("./engine.js").Engine, "drawing" | "playerReady" | "playerStateChanged" | "synth">} api
+   * @param {Pick<import("./engine.js").Engine, "drawing" | "playerReady" | "playerStateChanged" | "recordingPlayer" | "synth">} api
    * @param {{ readonly playing: boolean }} playback
    * @param {EventTarget} view where the reader's hands are felt
    */
@@ -48,11 +51,12 @@ export class Tidying {
     this.#collect = {
       drawing: () => api.drawing.tidy(),
       synth: () => api.synth?.tidy(),
+      sound: () => api.recordingPlayer.tidy(),
       // The mark on the score moves between two notes, and is still while one sounds.
       page: () => requestIdleCallback(collectGarbage, { timeout: idle }),
     };
     const disturbed = () => {
-      this.#left = { drawing: rounds, synth: rounds, page: rounds };
+      this.#left = { drawing: rounds, synth: rounds, sound: rounds, page: rounds };
       this.#wait(rest);
     };
     api.drawing.pieceShown.on(disturbed);
@@ -67,7 +71,7 @@ export class Tidying {
   /** Those whose turn it is, the first of them first. */
   get #most() {
     // The sound may not stumble: when the music stops there is time again.
-    const threads = /** @type {Thread[]} */ (Object.keys(this.#left)).filter((thread) => thread !== "synth" || !this.#playback.playing);
+    const threads = /** @type {Thread[]} */ (Object.keys(this.#left)).filter((thread) => !this.#playback.playing || !heard.includes(thread));
     const most = Math.max(...threads.map((thread) => this.#left[thread]));
     return { most, threads: threads.filter((thread) => this.#left[thread] === most) };
   }

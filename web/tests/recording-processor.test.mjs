@@ -148,3 +148,12 @@ test("the memory of a recording is given back when it is not played any more", (
   assert.equal(bytes(thread), 3 * tone.byteLength);
   assert.ok(Math.min(...levels(thread.listen(0.5)[0].subarray(512), 20)) > -12);
 });
+
+test("garbage is collected when the page asks for it", () => {
+  let collected = 0;
+  globalThis.gc = () => collected++;
+  const thread = loaded(tone);
+  assert.equal(collected, 0);
+  thread.tell({ tidy: true });
+  assert.equal(collected, 1);
+});

@@ -13,6 +13,7 @@ function page() {
     drawing: { pieceShown: new Emitter(), tidy: () => collected.push("drawing") },
     playerReady: new Emitter(),
     playerStateChanged: new Emitter(),
+    recordingPlayer: { tidy: () => collected.push("sound") },
     synth: { tidy: () => collected.push("synth") },
   };
   const playback = { playing: false };
@@ -21,7 +22,7 @@ function page() {
   return { collected, api, playback, view, tidying };
 }
 
-const round = ["drawing", "synth", "page"];
+const round = ["drawing", "synth", "sound", "page"];
 const all = [...round, ...round, ...round];
 
 test("each thread collects one after the other when nothing has happened for a while, and once more after a quiet time", () => {
@@ -35,10 +36,10 @@ test("each thread collects one after the other when nothing has happened for a w
   assert.deepEqual(collected, []);
   pass(1100);
   assert.deepEqual(collected, ["drawing"]);
-  pass(2500);
+  pass(3500);
   assert.deepEqual(collected, [...round, ...round]);
   pass(5000);
-  assert.equal(collected.length, 6);
+  assert.equal(collected.length, 8);
   pass(20000);
   assert.deepEqual(collected, all);
 });
@@ -58,7 +59,7 @@ test("a reader's hands put it off", () => {
   assert.equal(collected.length, all.length);
 });
 
-test("while the music plays the synthesizer does not collect; it does when the music stops", () => {
+test("while the music plays the threads that are heard do not collect; they do when the music stops", () => {
   const { collected, api, playback } = page();
   api.drawing.pieceShown.trigger();
   playback.playing = true;
@@ -69,7 +70,7 @@ test("while the music plays the synthesizer does not collect; it does when the m
   playback.playing = false;
   api.playerStateChanged.trigger();
   pass(20000);
-  assert.deepEqual(collected.slice(6), ["synth", "synth", "synth"]);
+  assert.deepEqual(collected.slice(6), ["synth", "sound", "synth", "sound", "synth", "sound"]);
 });
 
 test("the page collects when it has nothing else to do", () => {
@@ -77,10 +78,10 @@ test("the page collects when it has nothing else to do", () => {
   const idle = [];
   globalThis.requestIdleCallback = (callback) => idle.push(callback);
   api.drawing.pieceShown.trigger();
-  pass(7500);
-  assert.deepEqual(collected, ["drawing", "synth", "drawing"]);
+  pass(8000);
+  assert.deepEqual(collected, ["drawing", "synth", "sound", "drawing"]);
   idle.forEach((callback) => callback());
-  assert.deepEqual(collected, ["drawing", "synth", "drawing", "page"]);
+  assert.deepEqual(collected, ["drawing", "synth", "sound", "drawing", "page"]);
 });
 
 test("a web engine that does not let the page collect is left alone", () => {
