@@ -14,7 +14,7 @@ import sys
 from speedlab.driven import driven_window
 from speedlab.processes import memory
 
-SETTLING = 16.0
+SETTLING = 20.0
 
 
 def rest_and_weigh(window):
