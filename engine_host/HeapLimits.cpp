@@ -16,7 +16,6 @@ struct Limit {
 };
 
 constexpr std::array limits{
-    Limit{ "MALLOC_ARENA_MAX", 1 },
     Limit{ "MALLOC_MMAP_THRESHOLD_", largeBlock },
     Limit{ "MALLOC_TRIM_THRESHOLD_", largeBlock },
 };
