@@ -16,8 +16,8 @@ namespace HeapLimits {
 /// What the user wants stays.
 QProcessEnvironment limited(QProcessEnvironment environment);
 
-/// Limits this process but for the number of its heaps, and through the environment those that it starts from then on.
-/// To be called before the web engine starts, and while there is no other thread.
+/// Limits this process, and through the environment those that it starts from then on. To be called before the web
+/// engine starts, and while there is no other thread.
 void adapt();
 
 } // namespace HeapLimits
