@@ -3,13 +3,12 @@
 #include <QProcessEnvironment>
 
 /// How the C library keeps memory that was freed, in the program's process and in the web engine's. What opening a
-/// score takes for a moment would otherwise stay: large blocks are mapped on their own, and free memory at the end of a
-/// heap is given back. The library raises both limits to up to 64 MB when a large block is freed, unless they are set.
+/// score takes for a moment would otherwise stay:
 ///
-/// The number of heaps is left alone. All threads in one heap leave 20 MB less after a hundred scores, but the audio
-/// thread would wait for whoever holds that heap, and nobody puts such a one before others.
-///
-/// Other C libraries than GNU's take no notice.
+/// - All threads share two heaps. The library gives each thread one, up to eight for each processor, and what is freed
+///   in one heap is of no use to the others. With a single one everybody would be in the audio thread's way.
+/// - Large blocks are mapped on their own, and free memory at the end of a heap is given back. The library raises both
+///   limits to up to 64 MB when a large block is freed, unless they are set.
 namespace HeapLimits {
 
 /// `environment` with the limits in it, under the names by which the C library of a process to come looks for them.

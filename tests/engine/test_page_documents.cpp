@@ -181,6 +181,16 @@ private Q_SLOTS:
         QCOMPARE(m_session->count(u"error"_s), 0);
     }
 
+    void whatNobodyNeedsCanBeCollected()
+    {
+        m_session->valueOf(u"globalThis.lost = new WeakRef(new Array(100000).fill(0)); 1"_s);
+        m_session->valueOf(u"import('qv-app://app/src/tidying.js').then((tidying) => { tidying.collectThoroughly(); "
+                           "globalThis.collected = globalThis.lost.deref() === undefined; }); 1"_s);
+        const QString collected = u"globalThis.collected"_s;
+        QVERIFY(m_session->waitFor([&] { return m_session->valueOf(collected).isValid(); }));
+        QCOMPARE(m_session->valueOf(collected), QVariant(true));
+    }
+
 private:
     /// Opens the exported file: it is the same piece, the same tracks and as many bars.
     void verifyExport(const QVariantMap &original, double length)

@@ -65,10 +65,13 @@ private Q_SLOTS:
     void theEnginesProcessesGiveBackWhatTheyFree()
     {
         const QProcessEnvironment plain = HeapLimits::limited({});
+        QCOMPARE(plain.value(u"MALLOC_ARENA_MAX"_s), u"2"_s);
         QCOMPARE(plain.value(u"MALLOC_TRIM_THRESHOLD_"_s), u"131072"_s);
         QCOMPARE(plain.value(u"MALLOC_MMAP_THRESHOLD_"_s), u"131072"_s);
         QProcessEnvironment own;
+        own.insert(u"MALLOC_ARENA_MAX"_s, u"1"_s);
         own.insert(u"MALLOC_MMAP_THRESHOLD_"_s, u"65536"_s);
+        QCOMPARE(HeapLimits::limited(own).value(u"MALLOC_ARENA_MAX"_s), u"1"_s);
         QCOMPARE(HeapLimits::limited(own).value(u"MALLOC_MMAP_THRESHOLD_"_s), u"65536"_s);
         QCOMPARE(HeapLimits::limited(own).value(u"MALLOC_TRIM_THRESHOLD_"_s), u"131072"_s);
     }

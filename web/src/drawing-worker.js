@@ -3,7 +3,7 @@ import "../vendor/alphaTab.min.js";
 import { alphaTab } from "./alphatab.js";
 import { LayoutRun } from "./layout-run.js";
 import { readScore } from "./score-files.js";
-import { collectGarbage } from "./tidying.js";
+import { collectThoroughly } from "./tidying.js";
 
 /**
  * Draws scores beside the page. It reads a score's file itself, at the same time as the page does: handing the read
@@ -67,7 +67,7 @@ function answer(request) {
       paint(request.id);
       break;
     case "tidy":
-      collectGarbage();
+      collectThoroughly();
       break;
   }
 }

@@ -2,7 +2,7 @@
 import { HeardTime } from "./heard-time.js";
 import { RecordedSound } from "./recorded-sound.js";
 import { RecordingClicks } from "./recording-clicks.js";
-import { collectGarbage } from "./tidying.js";
+import { collectThoroughly } from "./tidying.js";
 import { TimeStretch } from "./time-stretch.js";
 
 /**
@@ -109,7 +109,7 @@ class RecordingProcessor extends AudioWorkletProcessor {
       this.#playing = playing;
     }
     if (tidy) {
-      collectGarbage();
+      collectThoroughly();
     }
   }
 

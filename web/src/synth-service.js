@@ -4,7 +4,7 @@ import { alphaTab } from "./alphatab.js";
 import { HeardClock } from "./heard-clock.js";
 import { PracticeSynth } from "./practice-synth.js";
 import { SampleRing } from "./sample-ring.js";
-import { collectGarbage } from "./tidying.js";
+import { collectThoroughly } from "./tidying.js";
 
 /**
  * The synthesizer at work in its worker. It speaks the engine's own language with the engine's player on the page, and
@@ -45,7 +45,7 @@ const operations = {
   applyTranspositionPitches: (synth, { transpositionPitches }) => synth.applyTranspositionPitches(transpositionPitches),
   setCountIn: (synth, { countIn }) => synth.setCountIn(countIn),
   tellSoundsInUse: (synth, { answer }) => answer.postMessage(synth.instruments.inUse()),
-  tidy: () => collectGarbage(),
+  tidy: () => collectThoroughly(),
   replaceSound: (synth, { index, sound }) => synth.instruments.replace(index, sound),
 };
 

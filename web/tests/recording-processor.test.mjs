@@ -2,6 +2,7 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import { findAttacks } from "../src/attacks.js";
 import { AudioThread } from "./support/audio-thread.mjs";
+import { watchCollections } from "./support/collections.mjs";
 import { levels, onsets, sampleRate, sharpest, sound, strokes } from "./support/sounds.mjs";
 
 const beats = Array.from({ length: 16 }, (_, beat) => 0.5 + 0.5 * beat);
@@ -151,7 +152,7 @@ test("the memory of a recording is given back when it is not played any more", (
 
 test("garbage is collected when the page asks for it", () => {
   let collected = 0;
-  globalThis.gc = () => collected++;
+  watchCollections(() => collected++);
   const thread = loaded(tone);
   assert.equal(collected, 0);
   thread.tell({ tidy: true });
