@@ -13,7 +13,7 @@ const rest = 6000;
 /** From one collection to the next, in milliseconds: two threads together would take each other's processor. */
 const apart = 500;
 
-/** From the last collection but one to the last. */
+/** From the second collection of the page to its third, in milliseconds. */
 const quiet = 5500;
 
 /** For how long a collection waits at most until the page has nothing else to do, in milliseconds. */
@@ -28,21 +28,21 @@ const gestures = ["wheel", "pointermove", "pointerdown", "keydown", "touchmove"]
 /**
  * @typedef {object} Step
  * @property {"drawing" | "synth" | "sound" | "page"} thread that collects
- * @property {boolean} [silent] whether it has to wait for the music to stop, which would stumble
+ * @property {boolean} [inSilence] whether the music would stumble, and has to have stopped
  * @property {number} wait for so many milliseconds since the step before
  */
 
 /** @type {Step[]} */
 const steps = [
   { thread: "drawing", wait: apart },
-  { thread: "synth", silent: true, wait: apart },
-  { thread: "sound", silent: true, wait: apart },
+  { thread: "synth", inSilence: true, wait: apart },
+  { thread: "sound", inSilence: true, wait: apart },
   // By halves, so that it never stands still for long while music plays: the first time leaves what the second finds, and
   // the room for new objects is given up when the time since the last collection was a quiet one.
   { thread: "page", wait: apart },
   { thread: "page", wait: apart },
   { thread: "page", wait: quiet },
-  { thread: "page", silent: true, wait: apart },
+  { thread: "page", inSilence: true, wait: apart },
 ];
 
 export class Tidying {
@@ -75,7 +75,7 @@ export class Tidying {
 
   /** @returns {Step | undefined} */
   get #next() {
-    return this.#left.find(({ silent }) => !silent || !this.#playback.playing);
+    return this.#left.find(({ inSilence }) => !inSilence || !this.#playback.playing);
   }
 
   /** @param {number} milliseconds */
@@ -112,7 +112,7 @@ export class Tidying {
 
   /** @param {Step} step */
   #collectHere(step) {
-    if (!step.silent) {
+    if (!step.inSilence) {
       collectGarbage();
     } else if (this.#playback.playing) {
       // Music began meanwhile.
