@@ -95,6 +95,27 @@ private Q_SLOTS:
         QCOMPARE(scrollRoom(u"Width"_s), 0);
     }
 
+    void theHorizontalLayoutIsDrawnOnce()
+    {
+        // The line makes the sheet as wide as it is, which is no other room for it.
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 40 })));
+        m_session->call(
+            u"window.drawings = 0; const { postMessage } = Worker.prototype; "
+            "Worker.prototype.postMessage = function (...given) { drawings += given[0].cmd === 'draw' ? 1 : 0; "
+            "return postMessage.apply(this, given); };"_s);
+        redraw(BridgeCalls::setLayout(true));
+        letThePageSettle();
+        QCOMPARE(m_session->valueOf(u"drawings"_s).toInt(), 1);
+        const int width = m_session->valueOf(u"innerWidth"_s).toInt();
+        m_session->host().view()->resize(600, 800);
+        QVERIFY(m_session->waitFor([&] { return m_session->valueOf(u"innerWidth"_s).toInt() < width; }));
+        letThePageSettle();
+        QCOMPARE(m_session->valueOf(u"drawings"_s).toInt(), 1);
+        redraw(BridgeCalls::setLayout(false));
+        QCOMPARE(scrollRoom(u"Width"_s), 0);
+        QCOMPARE(m_session->valueOf(u"drawings"_s).toInt(), 2);
+    }
+
     void layoutAndZoomComeBeforeTheScoreToo()
     {
         m_session->call(BridgeCalls::setLayout(true));
@@ -205,6 +226,15 @@ private:
         const qsizetype drawn = m_session->count(u"rendered"_s);
         m_session->call(script);
         QVERIFY(m_session->waitForCount(u"rendered"_s, drawn + 1));
+    }
+
+    /// Waits for what follows a change of sizes: the engine hears of it with a frame, and waits 10 ms before it draws anew.
+    void letThePageSettle()
+    {
+        m_session->call(u"window.settled = false; const begun = performance.now(); let frames = 0; "
+                        "const frame = () => { settled = ++frames > 4 && performance.now() - begun > 100; "
+                        "if (!settled) { requestAnimationFrame(frame); } }; frame();"_s);
+        QVERIFY(m_session->waitFor([&] { return m_session->valueOf(u"settled"_s).toBool(); }));
     }
 
     QString drawnText() { return m_session->valueOf(u"document.getElementById('sheet').textContent"_s).toString(); }

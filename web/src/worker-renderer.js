@@ -55,6 +55,11 @@ export class WorkerRenderer {
   boundsLookup = null;
   width = 0;
 
+  /** Whether lines go on for ever, whatever the width. */
+  #sideways = false;
+  /** Whether the worker has been asked for the score as it is to be drawn now. */
+  #asked = false;
+
   #worker;
   #viewNow;
   #files = 0;
@@ -125,6 +130,7 @@ export class WorkerRenderer {
   updateSettings(settings) {
     const values = alphaTab.model.JsonConverter.settingsToJsObject(settings);
     values?.delete("player");
+    this.#sideways = settings.display.layoutMode === alphaTab.LayoutMode.Horizontal;
     this.#ask({ cmd: "settings", settings: values });
   }
 
@@ -141,7 +147,8 @@ export class WorkerRenderer {
   render() {
     const score = this.#score;
     this.#drawing++;
-    if (score && this.#tracks.length > 0 && this.width > 0) {
+    this.#asked = score !== null && this.#tracks.length > 0 && this.width > 0;
+    if (score && this.#asked) {
       const file = this.#fileOf.get(score);
       this.#ask({
         cmd: "draw",
@@ -157,8 +164,11 @@ export class WorkerRenderer {
     }
   }
 
+  /** A line that goes on for ever makes the sheet wider itself, and is not drawn again for that. */
   resizeRender() {
-    this.render();
+    if (!this.#sideways || !this.#asked) {
+      this.render();
+    }
   }
 
   /** @param {string} id */

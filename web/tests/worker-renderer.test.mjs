@@ -135,6 +135,30 @@ test("without a width, a score or a track there is nothing to draw", () => {
   assert.equal(worker.last.width, 500);
 });
 
+test("another width draws pages anew, and a line without an end only when it has not been drawn", () => {
+  const { worker, renderer } = desk();
+  const settings = new alphaTab.Settings();
+  const draws = (act) => {
+    const before = worker.count("draw");
+    act();
+    return worker.count("draw") - before;
+  };
+  renderer.updateSettings(settings);
+  renderer.renderScore(scoreOf("c4"), [0]);
+  assert.equal(draws(() => renderer.resizeRender()), 1);
+  settings.display.layoutMode = alphaTab.LayoutMode.Horizontal;
+  renderer.updateSettings(settings);
+  assert.equal(draws(() => renderer.render()), 1);
+  assert.equal(draws(() => renderer.resizeRender()), 0);
+  renderer.width = 0;
+  assert.equal(draws(() => renderer.renderScore(scoreOf("d4"), [0])), 0);
+  renderer.width = 500;
+  assert.equal(draws(() => renderer.resizeRender()), 1);
+  settings.display.layoutMode = alphaTab.LayoutMode.Page;
+  renderer.updateSettings(settings);
+  assert.equal(draws(() => renderer.resizeRender()), 1);
+});
+
 test("the first piece makes a new sheet and shows it, the next ones add to it, the last tells the length", () => {
   const { worker, renderer, take } = desk();
   renderer.renderScore(scoreOf("c4"), [0]);
