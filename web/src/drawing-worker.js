@@ -91,8 +91,14 @@ function draw(request) {
   setTextWidths(request.textWidths);
   renderer.updateSettings(settings);
   renderer.width = request.width;
-  run = new LayoutRun(renderer, held.score, request.tracks, request.view);
-  proceed();
+  run = new LayoutRun(renderer, held.score, request.tracks, request.view, request.atOnce);
+  if (request.atOnce) {
+    // Another zoom may have been asked for already.
+    clearTimeout(next);
+    next = setTimeout(proceed);
+  } else {
+    proceed();
+  }
 }
 
 /** Takes one step of the drawing, and the next one when the page has been heard, or has time for the rest. */

@@ -26,6 +26,12 @@ const firstBars = 80;
 /** How long a later step should take, in milliseconds. */
 const stepTime = 60;
 
+/**
+ * How long the beginning of an endless line may wait for the rest, in milliseconds: higher notes far on move all staves
+ * down, which is better not seen.
+ */
+const lineTime = 150;
+
 export class LayoutRun {
   #renderer;
   #settings;
@@ -49,15 +55,16 @@ export class LayoutRun {
    * @param {Score} score
    * @param {number[]} tracks
    * @param {View} view
+   * @param {boolean} [atOnce] whether nothing is to be shown before all is laid out
    */
-  constructor(renderer, score, tracks, view) {
+  constructor(renderer, score, tracks, view, atOnce = false) {
     this.#renderer = renderer;
     this.#settings = renderer.settings;
     this.#score = score;
     this.#tracks = tracks;
     this.#view = view;
     this.#sideways = renderer.settings.display.layoutMode === alphaTab.LayoutMode.Horizontal;
-    this.#stepBars = Math.max(6, Math.round(firstBars / tracks.length));
+    this.#stepBars = atOnce ? score.masterBars.length : Math.max(6, Math.round(firstBars / tracks.length));
   }
 
   /**
@@ -74,8 +81,12 @@ export class LayoutRun {
     this.finished = this.#bars === total;
     const { parts, width, height } = this.#layOut(before);
     const fresh = this.#takeFresh(parts);
-    this.#stepBars = nextStep(this.#bars - before, performance.now() - began);
+    const took = performance.now() - began;
+    this.#stepBars = nextStep(this.#bars - before, took);
     this.#waiting.push(...fresh);
+    if (this.#sideways && !this.finished && (took * total) / this.#bars < lineTime) {
+      return null;
+    }
     const end = this.#waiting.at(-1);
     if (!this.finished && !this.#sideways && !this.#deliveredAny && (!end || end.y + end.height < this.#view.bottom)) {
       return null;
@@ -101,7 +112,13 @@ export class LayoutRun {
     const parts = [];
     let size = { width: 0, height: 0 };
     const ends = [
-      renderer.partialLayoutFinished.on((part) => parts.push(part)),
+      renderer.partialLayoutFinished.on((part) => {
+        parts.push(part);
+        if (this.#sideways && renderer.boundsLookup) {
+          // Places in the line are known by now, all of them; the engine would find them out again with each part.
+          renderer.boundsLookup.isFinished = true;
+        }
+      }),
       renderer.renderFinished.on(({ totalWidth, totalHeight }) => (size = { width: totalWidth, height: totalHeight })),
     ];
     this.#settings.display.barCount = this.finished ? -1 : this.#bars;

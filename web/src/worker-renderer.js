@@ -18,7 +18,7 @@ import { Emitter } from "./emitter.js";
  * @typedef {{ cmd: "settings", settings: Map<string, unknown> | null }
  *   | { cmd: "read", file: number, bytes: Uint8Array }
  *   | { cmd: "draw", drawing: number, file: number, score: Map<string, unknown> | null, tracks: number[], width: number,
- *       view: View, textWidths: Map<string, unknown>, restHeld: boolean }
+ *       view: View, textWidths: Map<string, unknown>, restHeld: boolean, atOnce: boolean }
  *   | { cmd: "goOn" }
  *   | { cmd: "stop" }
  *   | { cmd: "paint", id: string }
@@ -71,8 +71,8 @@ export class WorkerRenderer {
   #score = null;
   /** @type {number[]} */
   #tracks = [];
-  /** @type {{ score: Score | null, height: number }} what is on the paper */
-  #shown = { score: null, height: 0 };
+  /** @type {{ score: Score | null, height: number, sideways: boolean }} what is on the paper */
+  #shown = { score: null, height: 0, sideways: false };
 
   /**
    * @param {Worker} worker running drawing-worker.js
@@ -160,6 +160,8 @@ export class WorkerRenderer {
         view: this.#viewNow(),
         textWidths: textWidths(),
         restHeld: this.#restHeld,
+        // Who reads far on in the line would be lost with its beginning alone.
+        atOnce: this.#sideways && this.#shown.sideways && this.#shown.score === score,
       });
     }
   }
@@ -241,7 +243,7 @@ export class WorkerRenderer {
     const size = new alphaTab.rendering.RenderFinishedEventArgs();
     size.totalWidth = width;
     size.totalHeight = Math.max(height, atLeast);
-    this.#shown = { score: this.#score, height: size.totalHeight };
+    this.#shown = { score: this.#score, height: size.totalHeight, sideways: this.#sideways };
     return size;
   }
 

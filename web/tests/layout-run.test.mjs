@@ -86,6 +86,41 @@ test("a score that fits the view is one piece", () => {
   assert.equal(all[0].painted.length, all[0].parts.length);
 });
 
+/** The pieces of the endless line, where every look at the clock takes so many milliseconds. */
+function lineOf(context, look, atOnce) {
+  let now = 0;
+  context.mock.method(performance, "now", () => (now += look));
+  const { settings, score, renderer } = drawing();
+  settings.display.layoutMode = alphaTab.LayoutMode.Horizontal;
+  const all = pieces(new LayoutRun(renderer, score, [0], view, atOnce));
+  return all.map((piece) => ({
+    ...piece,
+    systems: alphaTab.rendering.BoundsLookup.fromJson(piece.bounds, score).staffSystems.map(({ bars }) => bars.length),
+    ends: lines(piece.parts).at(-1)[1],
+  }));
+}
+
+test("the places of an endless line are told of once, whatever the number of its parts", (context) => {
+  const [line] = lineOf(context, 0.01, false);
+  assert.ok(line.parts.length > 5);
+  assert.deepEqual(line.systems, [120]);
+  const [beginning, whole] = lineOf(context, 1000, false);
+  assert.deepEqual([beginning.systems, whole.systems], [[beginning.ends + 1], [120]]);
+});
+
+test("an endless line that takes long begins before its end is known, as a sheet of its own", (context) => {
+  const [beginning, whole, ...others] = lineOf(context, 1000, false);
+  assert.deepEqual(others, []);
+  assert.ok(beginning.first && !beginning.last && beginning.width >= view.right && beginning.ends < 119);
+  assert.ok(whole.first && whole.last && whole.width > beginning.width && whole.ends === 119);
+  assert.ok(whole.painted.length > 0 && whole.painted.every((part) => part.x < view.right));
+});
+
+test("an endless line is shown as a whole when that is soon, or when it is asked for", (context) => {
+  assert.deepEqual(lineOf(context, 0.01, false).map(({ first, last, ends }) => [first, last, ends]), [[true, true, 119]]);
+  assert.deepEqual(lineOf(context, 1000, true).map(({ first, last, ends }) => [first, last, ends]), [[true, true, 119]]);
+});
+
 test("steps grow where bars are quick to lay out, shrink where they are slow, and never come to a stop", () => {
   assert.ok(nextStep(20, 15) > 20);
   assert.ok(nextStep(20, 240) < 20);

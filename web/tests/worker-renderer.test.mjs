@@ -159,6 +159,28 @@ test("another width draws pages anew, and a line without an end only when it has
   assert.equal(draws(() => renderer.resizeRender()), 1);
 });
 
+test("a line without an end is drawn anew as a whole, and begins when it is new", () => {
+  const { worker, renderer } = desk();
+  const settings = new alphaTab.Settings();
+  const drawn = (act) => {
+    act();
+    const { drawing, atOnce } = worker.last;
+    worker.answer({ kind: "drawn", drawing, piece: piece(["A"], { first: true, last: true }) });
+    return atOnce;
+  };
+  const lay = (layout) => {
+    settings.display.layoutMode = alphaTab.LayoutMode[layout];
+    renderer.updateSettings(settings);
+    renderer.render();
+  };
+  assert.equal(drawn(() => renderer.renderScore(scoreOf("c4"), [0])), false);
+  assert.equal(drawn(() => renderer.render()), false);
+  assert.equal(drawn(() => lay("Horizontal")), false);
+  assert.equal(drawn(() => renderer.render()), true);
+  assert.equal(drawn(() => renderer.renderScore(scoreOf("d4"), [0])), false);
+  assert.equal(drawn(() => lay("Page")), false);
+});
+
 test("the first piece makes a new sheet and shows it, the next ones add to it, the last tells the length", () => {
   const { worker, renderer, take } = desk();
   renderer.renderScore(scoreOf("c4"), [0]);
