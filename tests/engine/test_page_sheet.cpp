@@ -116,6 +116,55 @@ private Q_SLOTS:
         QCOMPARE(m_session->valueOf(u"drawings"_s).toInt(), 2);
     }
 
+    void readersStayWhereTheyAreWhenTheScoreIsDrawnAnew()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 240 })));
+        const double top = 10;
+        letThePageSettle();
+        m_session->call(u"document.getElementById('desk').scrollTop = 1000"_s);
+        QVERIFY(m_session->waitFor([&] { return firstBarInView() > 0; }));
+        const int bar = firstBarInView();
+        m_session->call(u"document.getElementById('desk').scrollBy(0, %1 - %2)"_s.arg(placeOfBar(bar).y()).arg(top));
+        QVERIFY(m_session->waitFor([&] { return qAbs(placeOfBar(bar).y() - top) < 2; }));
+        const QStringList changes{ BridgeCalls::setZoom(1.75), BridgeCalls::setZoom(0.5), BridgeCalls::setLayout(true),
+            BridgeCalls::setZoom(1.0), BridgeCalls::setLayout(false) };
+        for (const QString &change : changes) {
+            redraw(change);
+            const QPointF place = placeOfBar(bar);
+            // The only line there is may be lower on the paper than any on pages was.
+            const bool sideways = scrollRoom(u"Height"_s) == 0;
+            QVERIFY2((sideways || qAbs(place.y() - top) < 10) && place.x() >= 0 && place.x() < 1200,
+                qPrintable(u"%1: %2 %3"_s.arg(change).arg(place.x()).arg(place.y())));
+        }
+        const qsizetype drawn = m_session->count(u"rendered"_s);
+        m_session->host().view()->resize(700, 800);
+        QVERIFY(m_session->waitForCount(u"rendered"_s, drawn + 1));
+        QVERIFY2(qAbs(placeOfBar(bar).y() - top) < 10, qPrintable(QString::number(placeOfBar(bar).y())));
+    }
+
+    void theMarkStaysInViewWhenTheScoreIsDrawnAnew()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 240 })));
+        m_session->call(BridgeCalls::seekToTime(240000));
+        QVERIFY(m_session->waitFor([&] { return cursorInView() && scrolled() > 500; }));
+        const double before = markTop();
+        for (const QString &change : { BridgeCalls::setZoom(2.0), BridgeCalls::setZoom(0.75) }) {
+            redraw(change);
+            QVERIFY2(m_session->waitFor([&] { return cursorInView() && qAbs(markTop() - before) < 3; }),
+                qPrintable(u"%1: %2 %3"_s.arg(change).arg(before).arg(markTop())));
+        }
+    }
+
+    void theBeginningStaysInView()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 120 })));
+        for (const QString &change :
+            { BridgeCalls::setZoom(2.0), BridgeCalls::setZoom(0.5), BridgeCalls::setLayout(true) }) {
+            redraw(change);
+            QCOMPARE(scrolled(), 0);
+        }
+    }
+
     void layoutAndZoomComeBeforeTheScoreToo()
     {
         m_session->call(BridgeCalls::setLayout(true));
@@ -228,7 +277,8 @@ private:
         QVERIFY(m_session->waitForCount(u"rendered"_s, drawn + 1));
     }
 
-    /// Waits for what follows a change of sizes: the engine hears of it with a frame, and waits 10 ms before it draws anew.
+    /// Waits for what follows a change of sizes: the engine hears of it with a frame, and waits 10 ms before it draws
+    /// anew.
     void letThePageSettle()
     {
         m_session->call(u"window.settled = false; const begun = performance.now(); let frames = 0; "
@@ -265,6 +315,33 @@ private:
                 u"(() => { const box = document.querySelector('.at-cursor-bar').getBoundingClientRect(); "
                 "return box.top >= -1 && box.top < innerHeight / 2 && box.left < innerWidth && box.right > 0; })()"_s)
             .toBool();
+    }
+
+    /// Where the number of a bar is drawn; far away if it is not.
+    QPointF placeOfBar(int number)
+    {
+        const QVariantList place = m_session
+                                       ->valueOf(u"(() => { const text = [...document.querySelectorAll('#sheet text')]"
+                                                 ".find((one) => one.textContent.trim() === '%1'); "
+                                                 "const { left, top } = text?.getBoundingClientRect() ?? {}; "
+                                                 "return text ? [left, top] : []; })()"_s.arg(number))
+                                       .toList();
+        return place.size() == 2 ? QPointF(place.at(0).toDouble(), place.at(1).toDouble()) : QPointF(-1e6, -1e6);
+    }
+
+    int firstBarInView()
+    {
+        return m_session
+            ->valueOf(
+                u"Number([...document.querySelectorAll('#sheet text')].filter((text) => "
+                u"/^\\s*\\d+\\s*$/.test(text.textContent) "
+                "&& text.getBoundingClientRect().top > 100).sort((a, b) => a.textContent - b.textContent)[0]?.textContent ?? 0)"_s)
+            .toInt();
+    }
+
+    double markTop()
+    {
+        return m_session->valueOf(u"document.querySelector('.at-cursor-bar').getBoundingClientRect().top"_s).toDouble();
     }
 
     /// Where a note head is drawn; all bars are alike, four quarter notes each.

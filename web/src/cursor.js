@@ -64,6 +64,7 @@ export class Cursor {
   placeBarCursor(mark, beat) {
     const { x, y, w, h } = beat.barBounds.masterBarBounds.visualBounds;
     mark.setBounds(x, y, w, h);
+    this.#engine.drawing.markedBar = beat.barBounds.masterBarBounds.index;
   }
 
   /**

@@ -91,7 +91,7 @@ function draw(request) {
   setTextWidths(request.textWidths);
   renderer.updateSettings(settings);
   renderer.width = request.width;
-  run = new LayoutRun(renderer, held.score, request.tracks, request.view, request.atOnce);
+  run = new LayoutRun(renderer, held.score, request.tracks, request.view, request.place, request.atOnce);
   if (request.atOnce) {
     // Another zoom may have been asked for already.
     clearTimeout(next);

@@ -44,9 +44,9 @@ export class Engine extends alphaTab.AlphaTabApi {
 
   /**
    * @param {HTMLElement} sheet where the notation is drawn
-   * @param {() => import("./layout-run.js").View} viewNow what of the sheet can be seen
+   * @param {import("./desk.js").Desk} desk what the sheet lies on
    */
-  constructor(sheet, viewNow) {
+  constructor(sheet, desk) {
     replaceDrawingWorker();
     super(sheet, pageSettings());
     this.sheet = sheet;
@@ -55,7 +55,7 @@ export class Engine extends alphaTab.AlphaTabApi {
     this.recordingPlayer.heard.on((ms) => this.#media?.updatePosition(ms));
     // A recording may end before the last bar does.
     this.recordingPlayer.ended.on(() => this.stop());
-    this.drawing = new WorkerRenderer(drawingWorker, viewNow);
+    this.drawing = new WorkerRenderer(drawingWorker, desk);
     this.drawing.updateSettings(this.settings);
     const renderer = /** @type {{ instance: import("@coderline/alphatab").rendering.IScoreRenderer }} */ (
       /** @type {unknown} */ (this.renderer)

@@ -50,7 +50,12 @@ export class Follow {
         this.#showPlaceSoon();
       }
     });
-    api.postRenderFinished.on(() => this.#showPlaceSoon());
+    api.postRenderFinished.on(() => {
+      this.#line = null;
+      if (playback.playing || !api.drawing.drewAgain) {
+        this.#showPlaceSoon();
+      }
+    });
   }
 
   [Symbol.dispose]() {
@@ -67,12 +72,12 @@ export class Follow {
   }
 
   /**
-   * Called by the engine at each beat while playing.
+   * Called by the engine at each beat while playing, and when it has put its cursor into a new drawing.
    *
    * @param {BeatBounds} beat
    */
   onBeatCursorUpdating(beat) {
-    if (performance.now() - this.#lastOwnScroll > courtesy) {
+    if (this.#playback.playing && performance.now() - this.#lastOwnScroll > courtesy) {
       this.#reveal(beat, glideTime);
     }
   }

@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
+import { viewAt } from "./reading-place.js";
 
 /**
  * One drawing of a score, laid out a few bars at a time. The engine lays out a whole score or, after an edit, all from
@@ -9,7 +10,8 @@ import { alphaTab } from "./alphatab.js";
  * @typedef {import("@coderline/alphatab").rendering.ScoreRenderer} ScoreRenderer
  * @typedef {import("@coderline/alphatab").rendering.RenderFinishedEventArgs} Part
  * @typedef {import("./alphatab.js").Score} Score
- * @typedef {{ left: number, top: number, right: number, bottom: number }} View relative to the sheet, in CSS pixels
+ * @typedef {import("./reading-place.js").View} View
+ * @typedef {import("./reading-place.js").Place} Place
  *
  * @typedef {object} Piece
  * @property {boolean} first whether what came before is of another drawing
@@ -38,6 +40,8 @@ export class LayoutRun {
   #score;
   #tracks;
   #view;
+  #viewBefore;
+  #place;
   #sideways;
   #stepBars;
   #bars = 0;
@@ -55,14 +59,17 @@ export class LayoutRun {
    * @param {Score} score
    * @param {number[]} tracks
    * @param {View} view
+   * @param {Place | null} [place] where the view will be; null for where it is
    * @param {boolean} [atOnce] whether nothing is to be shown before all is laid out
    */
-  constructor(renderer, score, tracks, view, atOnce = false) {
+  constructor(renderer, score, tracks, view, place = null, atOnce = false) {
     this.#renderer = renderer;
     this.#settings = renderer.settings;
     this.#score = score;
     this.#tracks = tracks;
     this.#view = view;
+    this.#viewBefore = view;
+    this.#place = place;
     this.#sideways = renderer.settings.display.layoutMode === alphaTab.LayoutMode.Horizontal;
     this.#stepBars = atOnce ? score.masterBars.length : Math.max(6, Math.round(firstBars / tracks.length));
   }
@@ -85,6 +92,9 @@ export class LayoutRun {
     this.#stepBars = nextStep(this.#bars - before, took);
     this.#waiting.push(...fresh);
     if (this.#sideways && !this.finished && (took * total) / this.#bars < lineTime) {
+      return null;
+    }
+    if (!this.#deliveredAny && !this.#findPlace(width, height) && !this.finished) {
       return null;
     }
     const end = this.#waiting.at(-1);
@@ -164,6 +174,8 @@ export class LayoutRun {
   #piece(width, height) {
     const parts = this.#waiting;
     for (const part of parts) {
+      // What the page has in its place is of another drawing.
+      part.reuseViewport = false;
       if (this.#inView(part)) {
         this.#renderer.renderResult(part.id);
       }
@@ -172,6 +184,31 @@ export class LayoutRun {
     this.#waiting = [];
     this.#deliveredAny = true;
     return piece;
+  }
+
+  /**
+   * Moves the view to the place where it will be. What is laid out may be too short to scroll there: then more is seen
+   * before it or, at the beginning, behind it.
+   *
+   * @param {number} width of what is laid out
+   * @param {number} height
+   * @returns {boolean} whether the place is known
+   */
+  #findPlace(width, height) {
+    const place = this.#place;
+    const bounds = this.#renderer.boundsLookup;
+    const view = place && bounds ? viewAt(place, bounds, this.#viewBefore, this.#sideways) : null;
+    if (view) {
+      const across = view.right - view.left;
+      const down = view.bottom - view.top;
+      this.#view = {
+        left: this.#sideways ? Math.min(view.left, Math.max(width - across, 0)) : view.left,
+        top: this.finished ? Math.min(view.top, Math.max(height - down, 0)) : view.top,
+        right: Math.max(view.right, across),
+        bottom: Math.max(view.bottom, down),
+      };
+    }
+    return !place || view !== null;
   }
 
   /** @param {Part} part */

@@ -2,6 +2,7 @@
 import { decodeBase64, encodeBase64 } from "./base64.js";
 import { connect, expose } from "./bridge.js";
 import { Cursor } from "./cursor.js";
+import { Desk } from "./desk.js";
 import { Documents } from "./documents.js";
 import { DrumChannels } from "./drum-channels.js";
 import { Engine } from "./engine.js";
@@ -12,7 +13,7 @@ import { Metronome } from "./metronome.js";
 import { Mixer } from "./mixer.js";
 import { Playback } from "./playback.js";
 import { Selection } from "./selection.js";
-import { Sheet, visiblePart } from "./sheet.js";
+import { Sheet } from "./sheet.js";
 import { SoundBank } from "./sound-bank.js";
 import { Tidying } from "./tidying.js";
 
@@ -30,7 +31,7 @@ function element(id) {
 const post = connect();
 const paper = element("paper");
 const desk = element("desk");
-const engine = new Engine(element("sheet"), () => visiblePart(element("sheet"), desk));
+const engine = new Engine(element("sheet"), new Desk(desk, element("sheet")));
 const playback = new Playback(engine, post);
 // Before the metronome, which takes the channels above all others.
 const channels = new DrumChannels(engine);

@@ -73,6 +73,7 @@ export class Sheet {
     const score = this.#api.score;
     const tracks = score ? trackIds.map((id) => score.tracks[id]).filter(Boolean) : [];
     if (tracks.length > 0) {
+      this.#api.drawing.holdPlace();
       this.#heading.show(/** @type {import("./alphatab.js").Score} */ (score), tracks);
       this.#api.renderTracks(tracks);
     }
@@ -81,6 +82,7 @@ export class Sheet {
   /** @param {string} layout */
   setLayout(layout) {
     const horizontal = layout === "horizontal";
+    this.#api.drawing.holdPlace();
     this.#paper.classList.toggle("horizontal", horizontal);
     this.#api.settings.display.layoutMode = horizontal ? alphaTab.LayoutMode.Horizontal : alphaTab.LayoutMode.Page;
     this.#redraw();
@@ -89,6 +91,7 @@ export class Sheet {
   /** @param {number} zoom */
   setZoom(zoom) {
     if (Number.isFinite(zoom) && zoom > 0) {
+      this.#api.drawing.holdPlace();
       this.#sizePaper(zoom);
       this.#api.settings.display.scale = zoom;
       this.#redraw();
@@ -142,20 +145,4 @@ export class Sheet {
     }
     return true;
   }
-}
-
-/**
- * @param {HTMLElement} sheet
- * @param {HTMLElement} desk what scrolls
- * @returns {import("./layout-run.js").View} relative to the sheet
- */
-export function visiblePart(sheet, desk) {
-  const view = desk.getBoundingClientRect();
-  const origin = sheet.getBoundingClientRect();
-  return {
-    left: view.left - origin.left,
-    top: view.top - origin.top,
-    right: view.right - origin.left,
-    bottom: view.bottom - origin.top,
-  };
 }

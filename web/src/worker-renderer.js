@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "./alphatab.js";
 import { Emitter } from "./emitter.js";
+import { placeIn, viewAt } from "./reading-place.js";
 
 /**
  * The page's end of the drawing worker, in the shape in which the engine knows a renderer. The engine's own worker
@@ -10,15 +11,19 @@ import { Emitter } from "./emitter.js";
  * @typedef {import("./alphatab.js").Score} Score
  * @typedef {import("./layout-run.js").Part} Part
  * @typedef {import("./layout-run.js").Piece} Piece
- * @typedef {import("./layout-run.js").View} View
+ * @typedef {import("./reading-place.js").View} View
+ * @typedef {import("./reading-place.js").Place} Place
  * @typedef {import("@coderline/alphatab").rendering.BoundsLookup} BoundsLookup
+ *
+ * @typedef {{ place: Place, left: number, top: number, marked: number | null }} Return how far the desk was scrolled, and
+ *   what was marked
  *
  * Requests are told apart by "cmd", as the engine's own workers, which live in the same script, look for it.
  *
  * @typedef {{ cmd: "settings", settings: Map<string, unknown> | null }
  *   | { cmd: "read", file: number, bytes: Uint8Array }
  *   | { cmd: "draw", drawing: number, file: number, score: Map<string, unknown> | null, tracks: number[], width: number,
- *       view: View, textWidths: Map<string, unknown>, restHeld: boolean, atOnce: boolean }
+ *       view: View, place: Place | null, textWidths: Map<string, unknown>, restHeld: boolean, atOnce: boolean }
  *   | { cmd: "goOn" }
  *   | { cmd: "stop" }
  *   | { cmd: "paint", id: string }
@@ -55,13 +60,18 @@ export class WorkerRenderer {
   boundsLookup = null;
   width = 0;
 
+  /** @type {number | null} the bar that is marked on the paper, by its index */
+  markedBar = null;
+  /** Whether the score drawn last was on the paper before. */
+  drewAgain = false;
+
   /** Whether lines go on for ever, whatever the width. */
   #sideways = false;
   /** Whether the worker has been asked for the score as it is to be drawn now. */
   #asked = false;
 
   #worker;
-  #viewNow;
+  #desk;
   #files = 0;
   /** @type {WeakMap<Score, number>} the number of each score's file with the worker */
   #fileOf = new WeakMap();
@@ -73,14 +83,18 @@ export class WorkerRenderer {
   #tracks = [];
   /** @type {{ score: Score | null, height: number, sideways: boolean }} what is on the paper */
   #shown = { score: null, height: 0, sideways: false };
+  /** @type {Place | null} where readers are to find themselves again */
+  #place = null;
+  /** @type {Return | null} the last time that they did */
+  #returned = null;
 
   /**
    * @param {Worker} worker running drawing-worker.js
-   * @param {() => View} viewNow
+   * @param {Pick<import("./desk.js").Desk, "view" | "position" | "moveTo">} desk
    */
-  constructor(worker, viewNow) {
+  constructor(worker, desk) {
     this.#worker = worker;
-    this.#viewNow = viewNow;
+    this.#desk = desk;
     worker.addEventListener("message", ({ data }) => this.#hear(data));
     worker.addEventListener("error", (event) => this.error.trigger(new Error(event.message)));
   }
@@ -135,10 +149,33 @@ export class WorkerRenderer {
   }
 
   /**
+   * To be called before something changes the paper, for a score that is to be drawn anew: readers will be where they are
+   * now. Those at the very beginning stay there. Those who have not moved since they came to a place by themselves are
+   * still at that place, even if it is no longer the first thing to be seen: smaller and larger again leads back.
+   */
+  holdPlace() {
+    if (this.#place || !this.boundsLookup || this.#shown.score !== this.#score) {
+      return;
+    }
+    const { left, top } = this.#desk.position;
+    const before = this.#returned;
+    if (before && before.left === left && before.top === top && before.marked === this.markedBar) {
+      this.#place = before.place;
+    } else if (left > 0 || top > 0) {
+      this.#place = placeIn(this.boundsLookup, this.#desk.view, this.markedBar);
+    }
+  }
+
+  /**
    * @param {Score | null} score
    * @param {number[] | null} tracks
    */
   renderScore(score, tracks) {
+    if (score !== this.#score) {
+      this.#place = null;
+      this.#returned = null;
+      this.markedBar = null;
+    }
     this.#score = score;
     this.#tracks = tracks ?? [];
     this.render();
@@ -149,6 +186,7 @@ export class WorkerRenderer {
     this.#drawing++;
     this.#asked = score !== null && this.#tracks.length > 0 && this.width > 0;
     if (score && this.#asked) {
+      this.holdPlace();
       const file = this.#fileOf.get(score);
       this.#ask({
         cmd: "draw",
@@ -157,7 +195,8 @@ export class WorkerRenderer {
         score: file === undefined ? handedOver(score) : null,
         tracks: this.#tracks,
         width: this.width,
-        view: this.#viewNow(),
+        view: this.#desk.view,
+        place: this.#place,
         textWidths: textWidths(),
         restHeld: this.#restHeld,
         // Who reads far on in the line would be lost with its beginning alone.
@@ -202,6 +241,7 @@ export class WorkerRenderer {
   /** @param {Answer} answer */
   #hear(answer) {
     if (answer.kind === "failed") {
+      this.#place = null;
       this.error.trigger(new Error(answer.message));
     } else if (answer.kind === "listening" || answer.drawing !== this.#drawing) {
       // Nothing drawn, or of a drawing that another has taken the place of.
@@ -230,9 +270,24 @@ export class WorkerRenderer {
     }
     this.#addBounds(piece.bounds);
     if (piece.first || piece.last) {
+      this.drewAgain = this.#shown.score === this.#score;
       this.renderFinished.trigger(this.#sizeOf(piece));
+      this.#returnToPlace(piece);
       this.postRenderFinished.trigger();
       this.pieceShown.trigger(piece);
+    }
+  }
+
+  /** @param {Piece} piece */
+  #returnToPlace({ first, last }) {
+    const place = first ? this.#place : null;
+    const view = place && this.boundsLookup ? viewAt(place, this.boundsLookup, this.#desk.view, this.#sideways) : null;
+    if (place && view) {
+      this.#desk.moveTo(view);
+      this.#returned = { place, ...this.#desk.position, marked: this.markedBar };
+    }
+    if (last || !this.#sideways) {
+      this.#place = null;
     }
   }
 

@@ -67,6 +67,37 @@ test("the pieces say which is the first and which the last, and their places cov
   assert.ok(all.every((piece, index) => index === 0 || piece.height >= all[index - 1].height));
 });
 
+test("the first piece reaches as far as readers are to find themselves, and is painted there", () => {
+  const there = { bar: 40, x: 0, y: 0, left: 0, top: 40 };
+  const { score, renderer } = drawing();
+  const [first, ...others] = pieces(new LayoutRun(renderer, score, [0], view, there));
+  const line = (parts) => parts.find((part) => part.firstMasterBarIndex <= 40 && part.lastMasterBarIndex >= 40);
+  assert.ok(first.first && line(first.painted) && others.length > 0);
+  const wanted = line(first.parts).y - 40;
+  assert.ok(wanted > view.bottom && first.height >= wanted + view.bottom);
+  assert.ok(first.painted.every((part) => part.y + part.height > wanted - 50 && part.y < wanted + view.bottom + 50));
+});
+
+test("before a place near the end, and after one near the beginning, there is more to be seen", () => {
+  const painted = (bar, top) => {
+    const { score, renderer } = drawing();
+    const all = pieces(new LayoutRun(renderer, score, [0], view, { bar, x: 0, y: 0, left: 0, top }));
+    const end = all.at(-1).height;
+    return { end, parts: all.filter((piece) => piece.first).at(-1).painted };
+  };
+  const atEnd = painted(119, 0);
+  assert.ok(Math.min(...atEnd.parts.map((part) => part.y)) <= atEnd.end - view.bottom);
+  const atBeginning = painted(8, 500);
+  assert.ok(Math.max(...atBeginning.parts.map((part) => part.y + part.height)) >= view.bottom);
+});
+
+test("a place far on in an endless line is shown with all of it", (context) => {
+  const [line, ...others] = lineOf(context, 1000, false, { bar: 100, x: 0, y: 0, left: 0, top: 40 });
+  assert.deepEqual([others.length, line.first, line.last], [0, true, true]);
+  assert.ok(line.painted.some((part) => part.firstMasterBarIndex <= 100 && part.lastMasterBarIndex >= 100));
+  assert.ok(line.painted.every((part) => part.x > 2 * view.right));
+});
+
 test("what was not in view is painted later, without the places of its beats being kept", () => {
   const { score, renderer } = drawing();
   const last = pieces(new LayoutRun(renderer, score, [0], view)).at(-1).parts.at(-1);
@@ -87,12 +118,12 @@ test("a score that fits the view is one piece", () => {
 });
 
 /** The pieces of the endless line, where every look at the clock takes so many milliseconds. */
-function lineOf(context, look, atOnce) {
+function lineOf(context, look, atOnce, place = null) {
   let now = 0;
   context.mock.method(performance, "now", () => (now += look));
   const { settings, score, renderer } = drawing();
   settings.display.layoutMode = alphaTab.LayoutMode.Horizontal;
-  const all = pieces(new LayoutRun(renderer, score, [0], view, atOnce));
+  const all = pieces(new LayoutRun(renderer, score, [0], view, place, atOnce));
   return all.map((piece) => ({
     ...piece,
     systems: alphaTab.rendering.BoundsLookup.fromJson(piece.bounds, score).staffSystems.map(({ bars }) => bars.length),

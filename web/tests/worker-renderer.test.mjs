@@ -37,9 +37,9 @@ class FakeWorker extends EventTarget {
 }
 
 /** A renderer at its worker, with everything that it told the engine. */
-function desk() {
+function desk(scrolled = { view, position: { left: 0, top: 0 }, moveTo: () => assert.fail("moved") }) {
   const worker = new FakeWorker();
-  const renderer = new WorkerRenderer(worker, () => view);
+  const renderer = new WorkerRenderer(worker, scrolled);
   renderer.width = 900;
   const told = [];
   renderer.preRender.on(() => told.push("new sheet"));
@@ -179,6 +179,98 @@ test("a line without an end is drawn anew as a whole, and begins when it is new"
   assert.equal(drawn(() => renderer.render()), true);
   assert.equal(drawn(() => renderer.renderScore(scoreOf("d4"), [0])), false);
   assert.equal(drawn(() => lay("Page")), false);
+});
+
+/** A score on the paper, five lines of two bars at 200 pixels each, at a desk that can be scrolled. */
+function reading() {
+  const scrolled = {
+    top: 0,
+    get position() {
+      return { left: 0, top: this.top };
+    },
+    get view() {
+      return { ...view, top: this.top, bottom: this.top + 600 };
+    },
+    moveTo({ top }) {
+      this.top = Math.max(top, 0);
+    },
+  };
+  const { worker, renderer } = desk(scrolled);
+  const score = scoreOf("c4 | d4 | e4 | f4 | g4 | a4 | b4 | c5 | d5 | e5");
+  const linesOf = (height) => {
+    const bounds = new alphaTab.rendering.BoundsLookup();
+    for (let bar = 0; bar < 10; bar++) {
+      const all = { x: (bar % 2) * 450, y: Math.floor(bar / 2) * height, w: 450, h: height };
+      const box = () => Object.assign(new alphaTab.rendering.Bounds(), all);
+      if (bar % 2 === 0) {
+        const line = new alphaTab.rendering.StaffSystemBounds();
+        bounds.addStaffSystem(Object.assign(line, { visualBounds: box(), realBounds: box() }));
+      }
+      const one = new alphaTab.rendering.MasterBarBounds();
+      bounds.addMasterBar(Object.assign(one, { index: bar, visualBounds: box(), realBounds: box(), lineAlignedBounds: box() }));
+    }
+    return bounds.toJson();
+  };
+  const answer = (height) => {
+    const { drawing, place } = worker.last;
+    const all = { ...piece(["A"], { first: true, last: true, height: 5 * height }), bounds: linesOf(height) };
+    worker.answer({ kind: "drawn", drawing, piece: all });
+    return place;
+  };
+  renderer.renderScore(score, [0]);
+  assert.equal(answer(200), null);
+  return { scrolled, renderer, answer, worker };
+}
+
+test("readers find themselves again when the score is drawn anew, until they move", () => {
+  const { scrolled, renderer, answer } = reading();
+  scrolled.top = 390;
+  renderer.render();
+  assert.equal(answer(400).bar, 4);
+  assert.equal(scrolled.top, 790);
+  assert.equal(renderer.drewAgain, true);
+  // Back to where it was, by the same bar, though another is first in between.
+  renderer.render();
+  assert.equal(answer(100).bar, 4);
+  assert.equal(scrolled.top, 190);
+  scrolled.top = 95;
+  renderer.render();
+  assert.equal(answer(200).bar, 2);
+  assert.equal(scrolled.top, 195);
+});
+
+test("the place held before the paper changed counts, and that of two drawings in one is the first", () => {
+  const { scrolled, renderer, answer } = reading();
+  scrolled.top = 390;
+  renderer.holdPlace();
+  scrolled.top = 530;
+  renderer.render();
+  renderer.render();
+  assert.equal(answer(200).bar, 4);
+  assert.equal(scrolled.top, 390);
+});
+
+test("readers go with the mark while they see it, and the beginning stays at the top", () => {
+  const { scrolled, renderer, answer } = reading();
+  renderer.markedBar = 6;
+  renderer.render();
+  assert.equal(answer(400), null);
+  scrolled.top = 900;
+  renderer.render();
+  assert.equal(answer(200).bar, 6);
+  assert.equal(scrolled.top, 300);
+  renderer.markedBar = 2;
+  renderer.render();
+  assert.equal(answer(200).bar, 2);
+});
+
+test("another score is not read where the one before was", () => {
+  const { scrolled, renderer, answer } = reading();
+  scrolled.top = 390;
+  renderer.holdPlace();
+  renderer.renderScore(scoreOf("c5"), [0]);
+  assert.equal(answer(200), null);
+  assert.deepEqual([scrolled.top, renderer.drewAgain, renderer.markedBar], [390, false, null]);
 });
 
 test("the first piece makes a new sheet and shows it, the next ones add to it, the last tells the length", () => {
