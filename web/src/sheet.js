@@ -73,8 +73,9 @@ export class Sheet {
     const score = this.#api.score;
     const tracks = score ? trackIds.map((id) => score.tracks[id]).filter(Boolean) : [];
     if (tracks.length > 0) {
-      this.#api.drawing.holdPlace();
-      this.#heading.show(/** @type {import("./alphatab.js").Score} */ (score), tracks);
+      this.#api.drawing.changePaper(() =>
+        this.#heading.show(/** @type {import("./alphatab.js").Score} */ (score), tracks),
+      );
       this.#api.renderTracks(tracks);
     }
   }
@@ -82,8 +83,7 @@ export class Sheet {
   /** @param {string} layout */
   setLayout(layout) {
     const horizontal = layout === "horizontal";
-    this.#api.drawing.holdPlace();
-    this.#paper.classList.toggle("horizontal", horizontal);
+    this.#api.drawing.changePaper(() => this.#paper.classList.toggle("horizontal", horizontal));
     this.#api.settings.display.layoutMode = horizontal ? alphaTab.LayoutMode.Horizontal : alphaTab.LayoutMode.Page;
     this.#redraw();
   }
@@ -91,8 +91,7 @@ export class Sheet {
   /** @param {number} zoom */
   setZoom(zoom) {
     if (Number.isFinite(zoom) && zoom > 0) {
-      this.#api.drawing.holdPlace();
-      this.#sizePaper(zoom);
+      this.#api.drawing.changePaper(() => this.#sizePaper(zoom));
       this.#api.settings.display.scale = zoom;
       this.#redraw();
     }

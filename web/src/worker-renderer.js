@@ -149,11 +149,25 @@ export class WorkerRenderer {
   }
 
   /**
-   * To be called before something changes the paper, for a score that is to be drawn anew: readers will be where they are
-   * now. Those at the very beginning stay there. Those who have not moved since they came to a place by themselves are
-   * still at that place, even if it is no longer the first thing to be seen: smaller and larger again leads back.
+   * Changes the paper for a score that is to be drawn anew. Until it is, what is on the paper stays where it is.
+   *
+   * @param {() => void} change
    */
-  holdPlace() {
+  changePaper(change) {
+    this.#holdPlace();
+    const { view } = this.#desk;
+    change();
+    if (this.#place) {
+      this.#desk.moveTo(view);
+    }
+  }
+
+  /**
+   * Readers will be where they are now when the score has been drawn anew. Those at the very beginning stay there. Those
+   * who have not moved since they came to a place by themselves are still at that place, even if it is no longer the first
+   * thing to be seen: smaller and larger again leads back.
+   */
+  #holdPlace() {
     if (this.#place || !this.boundsLookup || this.#shown.score !== this.#score) {
       return;
     }
@@ -186,7 +200,7 @@ export class WorkerRenderer {
     this.#drawing++;
     this.#asked = score !== null && this.#tracks.length > 0 && this.width > 0;
     if (score && this.#asked) {
-      this.holdPlace();
+      this.#holdPlace();
       const file = this.#fileOf.get(score);
       this.#ask({
         cmd: "draw",

@@ -239,10 +239,11 @@ test("readers find themselves again when the score is drawn anew, until they mov
   assert.equal(scrolled.top, 195);
 });
 
-test("the place held before the paper changed counts, and that of two drawings in one is the first", () => {
+test("the place before the paper changed counts, and what is on it stays there until it is drawn anew", () => {
   const { scrolled, renderer, answer } = reading();
   scrolled.top = 390;
-  renderer.holdPlace();
+  renderer.changePaper(() => (scrolled.top = 530));
+  assert.equal(scrolled.top, 390);
   scrolled.top = 530;
   renderer.render();
   renderer.render();
@@ -253,6 +254,7 @@ test("the place held before the paper changed counts, and that of two drawings i
 test("readers go with the mark while they see it, and the beginning stays at the top", () => {
   const { scrolled, renderer, answer } = reading();
   renderer.markedBar = 6;
+  renderer.changePaper(() => {});
   renderer.render();
   assert.equal(answer(400), null);
   scrolled.top = 900;
@@ -267,7 +269,7 @@ test("readers go with the mark while they see it, and the beginning stays at the
 test("another score is not read where the one before was", () => {
   const { scrolled, renderer, answer } = reading();
   scrolled.top = 390;
-  renderer.holdPlace();
+  renderer.changePaper(() => {});
   renderer.renderScore(scoreOf("c5"), [0]);
   assert.equal(answer(200), null);
   assert.deepEqual([scrolled.top, renderer.drewAgain, renderer.markedBar], [390, false, null]);
