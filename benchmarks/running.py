@@ -1,11 +1,12 @@
 #!/usr/bin/python3
-# bench: running [RUNS] FILE...   in the running program: opening a file, zoom, a hidden track, until redrawn
+# bench: running [RUNS] FILE...   in the running program: opening, zoom, a hidden track, layouts, until redrawn
 """Times what a user asks of the running program until the screen shows it, complete and still.
 
 usage: running.py [RUNS] FILE..., with the program's build folder beside QUAVERLY_PROGRAM
 
 Each file is opened several times, each time after another score; then, with the last one open, the zoom is changed and
-a track is hidden. The time counts from the order until the screen shows what it shows in the end.
+a track is hidden, at the beginning, at the end, and in the horizontal layout. The time counts from the order until the
+screen shows what it shows in the end.
 """
 
 import json
@@ -62,11 +63,32 @@ def measure(desk, files, runs):
             times.append(desk.until_still(f"open {file}"))
         show("open " + os.path.basename(file), times)
     tracks = len(next(message for _, message in reversed(desk.window.messages) if message["type"] == "score")["tracks"])
+    redraw(desk, tracks, runs, "")
+    desk.window.tell("js document.getElementById('desk').scrollTop = 1e9")
+    desk.window.rest(SETTLING)
+    redraw(desk, tracks, runs, " at the end")
+    desk.window.tell("js document.getElementById('desk').scrollTop = 0")
+    desk.window.rest(SETTLING)
+    layouts = [("horizontal", "page")[turn % 2] for turn in range(2 * runs)]
+    times = [desk.until_still(f"js window.qv.setLayout('{layout}')") for layout in layouts]
+    show("to the horizontal layout", times[0::2])
+    show("to pages", times[1::2])
+    desk.window.call("setLayout", "horizontal")
+    desk.window.rest(SETTLING)
+    redraw(desk, tracks, runs, ", horizontally")
+
+
+def redraw(desk, tracks, runs, where):
     zooms = [1.15 if turn % 2 == 0 else 1.0 for turn in range(runs)]
-    show(f"zoom, {tracks} tracks", [desk.until_still(f"js window.qv.setZoom({zoom})") for zoom in zooms])
-    some = [list(range(tracks)) if turn % 2 else list(range(1, tracks)) or [0] for turn in range(runs)]
-    show(f"a track hidden or shown, of {tracks}",
+    show(f"zoom{where}, {tracks} tracks", [desk.until_still(f"js window.qv.setZoom({zoom})") for zoom in zooms])
+    desk.window.call("setZoom", 1.0)
+    desk.window.rest(SETTLING)
+    every = list(range(tracks))
+    some = [every if turn % 2 else every[1:] or [0] for turn in range(runs)]
+    show(f"a track hidden{where}",
          [desk.until_still(f"js window.qv.renderTracks({json.dumps(ids)})") for ids in some])
+    desk.window.call("renderTracks", every)
+    desk.window.rest(SETTLING)
 
 
 def main():
