@@ -77,7 +77,7 @@ export class LayoutRun {
   /**
    * Lays out some bars more.
    *
-   * @returns {Piece | null} null while what is laid out does not fill the view
+   * @returns {Piece | null} null while what is laid out does not fill the view, or is better shown with what follows
    */
   step() {
     const total = this.#score.masterBars.length;

@@ -219,7 +219,7 @@ function reading() {
   };
   renderer.renderScore(score, [0]);
   assert.equal(answer(200), null);
-  return { scrolled, renderer, answer, worker };
+  return { scrolled, renderer, answer };
 }
 
 test("readers find themselves again when the score is drawn anew, until they move", () => {
