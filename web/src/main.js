@@ -1,21 +1,23 @@
 // @ts-check
-import { decodeBase64, encodeBase64 } from "./base64.js";
-import { connect, expose } from "./bridge.js";
-import { Cursor } from "./cursor.js";
-import { Desk } from "./desk.js";
-import { Documents } from "./documents.js";
-import { DrumChannels } from "./drum-channels.js";
-import { Engine } from "./engine.js";
-import { FineInstruments } from "./fine-instruments.js";
-import { Follow } from "./follow.js";
-import { Heading } from "./heading.js";
-import { Metronome } from "./metronome.js";
-import { Mixer } from "./mixer.js";
-import { Playback } from "./playback.js";
-import { Selection } from "./selection.js";
-import { Sheet } from "./sheet.js";
-import { SoundBank } from "./sound-bank.js";
-import { Tidying } from "./tidying.js";
+import { decodeBase64, encodeBase64 } from "./bridge/base64.js";
+import { connect, expose } from "./bridge/bridge.js";
+import { Cursor } from "./score-view/cursor.js";
+import { Desk } from "./score-view/desk.js";
+import { Documents } from "./session/documents.js";
+import { DrumChannels } from "./playback/drum-channels.js";
+import { Engine } from "./alphatab/engine.js";
+import { FineInstruments } from "./sounds/fine-instruments.js";
+import { Follow } from "./score-view/follow.js";
+import { Heading } from "./score-view/heading.js";
+import { Metronome } from "./metronome/metronome.js";
+import { Mixer } from "./playback/mixer.js";
+import { playInOrder } from "./alphatab/play-through.js";
+import { Playback } from "./playback/playback.js";
+import { scoreOrder } from "./playback/score-order.js";
+import { Selection } from "./score-view/selection.js";
+import { Sheet } from "./score-view/sheet.js";
+import { SoundBank } from "./sounds/sound-bank.js";
+import { Tidying } from "./session/tidying.js";
 
 /** Wires the page together: every call of the program goes to the one module that answers for it. */
 
@@ -28,6 +30,7 @@ function element(id) {
   return found;
 }
 
+playInOrder((score) => scoreOrder(score).bars);
 const post = connect();
 const paper = element("paper");
 const desk = element("desk");
@@ -43,13 +46,18 @@ const sheet = new Sheet(engine, paper, desk, new Heading(element("heading")), ()
   post({ type: "rendered" });
   instruments.scoreDrawn();
 });
-const selection = new Selection(engine, playback);
+const selection = new Selection(engine, playback, desk);
 new Follow(engine, playback, desk);
 new Cursor(engine);
 const documents = new Documents({ engine, playback, mixer, selection, sheet, post });
 new SoundBank(engine, post);
 new Tidying(engine, playback, document);
 
+// What fails in a task of its own reaches nobody else.
+addEventListener("error", ({ message }) => post({ type: "error", message: `Something in the page failed (${message}).` }));
+addEventListener("unhandledrejection", ({ reason }) =>
+  post({ type: "error", message: `Something in the page failed (${reason instanceof Error ? reason.message : reason}).` }),
+);
 engine.error.on((error) => post({ type: "error", message: error.message }));
 engine.recordingPlayer.failed.on((message) => {
   post({ type: "error", message });

@@ -1,0 +1,277 @@
+// @ts-check
+import { alphaTab } from "../shared/alphatab.js";
+import { drawingWorker } from "../rendering/drawing-worker-start.js";
+import { Emitter } from "../shared/emitter.js";
+import { RecordingPlayer } from "../backing-track/recording-player.js";
+import { SynthPlayer } from "../synth/synth-player.js";
+import { separateChannels, withChannels } from "./track-channels.js";
+import { WorkerRenderer } from "../rendering/worker-renderer.js";
+
+/** How long a score may keep its sound waiting when its first lines do not come, in milliseconds. */
+const patience = 1000;
+
+/** How long after its start the page gets itself a player when nothing is opened, in milliseconds. */
+const idleTime = 400;
+
+/**
+ * The engine with the page's settings, its drawing done by a worker of the page's own. A score is seen first, then heard,
+ * then drawn to its end: the player is started, and the score prepared for playing once, when its first lines can be
+ * seen, and the drawing goes on when the score can be played. All three at once would take each other's processor.
+ */
+export class Engine extends alphaTab.AlphaTabApi {
+  #soundHeldBack = false;
+  #soundTimer = 0;
+  /** @type {import("../shared/alphatab.js").Score | null} */
+  #preparedScore = null;
+  #preparedMode = alphaTab.PlayerMode.Disabled;
+  #wantedMode = alphaTab.PlayerMode.EnabledSynthesizer;
+  #playerStarted = false;
+  /** @type {import("../backing-track/recordings.js").Recording | null} the score's own, where it can be heard */
+  recording = null;
+  /** Plays it while it is chosen in the synthesizer's place. */
+  recordingPlayer = new RecordingPlayer();
+  /** @type {import("@coderline/alphatab").synth.BackingTrackSyncPoint[]} where the score's time lies in its recording */
+  syncPoints = [];
+  /** @type {Map<number, import("./track-channels.js").Channels>} what each track plays on, by its index */
+  trackChannels = new Map();
+  /** @type {SynthPlayer | null} the synthesizer made last */
+  synth = null;
+  /** @type {Emitter<void>} the first player exists */
+  playerStarted = new Emitter();
+  /** @type {Emitter<void>} the score shown last has its length and is on its way to the player */
+  scorePrepared = new Emitter();
+  /** @type {Emitter<unknown>} the score shown last cannot be prepared for playing, and why */
+  preparationFailed = new Emitter();
+
+  /**
+   * @param {HTMLElement} sheet where the notation is drawn
+   * @param {import("../rendering/reading-place.js").ScrolledView} desk what the sheet lies on
+   */
+  constructor(sheet, desk) {
+    replaceDrawingWorker();
+    super(sheet, pageSettings());
+    this.sheet = sheet;
+    this.uiFacade.beginInvoke = nextFrame();
+    this.uiFacade.createWorkerPlayer = () => (this.synth = new SynthPlayer(this.settings)).player;
+    this.recordingPlayer.heard.on((ms) => this.#media?.updatePosition(ms));
+    // A recording may end before the last bar does.
+    this.recordingPlayer.ended.on(() => this.stop());
+    this.drawing = new WorkerRenderer(drawingWorker, desk);
+    this.drawing.updateSettings(this.settings);
+    const renderer = /** @type {{ instance: import("@coderline/alphatab").rendering.IScoreRenderer }} */ (
+      /** @type {unknown} */ (this.renderer)
+    );
+    renderer.instance = this.drawing;
+    this.drawing.pieceShown.on(({ first }) => first && this.#soundHeldBack && afterSight(() => this.#prepareSound()));
+    this.playerReady.on(() => this.drawing.goOn());
+    this.#soundTimer = setTimeout(() => this.#startPlayer(), idleTime);
+  }
+
+  /** Whether the score shown last has its length and is on its way to the player. */
+  get hasPrepared() {
+    return !this.#soundHeldBack;
+  }
+
+  /**
+   * Draws a score with all its tracks, and then prepares it for playing.
+   *
+   * @param {import("../shared/alphatab.js").Score} score
+   */
+  show(score) {
+    this.#soundHeldBack = true;
+    clearTimeout(this.#soundTimer);
+    this.#soundTimer = setTimeout(() => this.#prepareSound(), patience);
+    this.drawing.holdRest();
+    this.renderScore(score, [-1]);
+    if (!this.#playerStarted && this.#wantedMode === alphaTab.PlayerMode.EnabledSynthesizer) {
+      SynthPlayer.prepare();
+    }
+  }
+
+  /**
+   * @param {import("@coderline/alphatab").PlayerMode} mode
+   * @returns {boolean} whether that is another player than the one at work; updateSettings() puts it to work
+   */
+  choosePlayer(mode) {
+    this.#wantedMode = mode;
+    if (this.#playerStarted) {
+      this.settings.player.playerMode = mode;
+    }
+    return mode !== this.actualPlayerMode;
+  }
+
+  #startPlayer() {
+    if (!this.#playerStarted) {
+      this.#playerStarted = true;
+      this.settings.player.playerMode = this.#wantedMode;
+      this.updateSettings();
+      this.playerStarted.trigger();
+    }
+  }
+
+  #prepareSound() {
+    if (this.#soundHeldBack) {
+      this.#soundHeldBack = false;
+      clearTimeout(this.#soundTimer);
+      this.#startPlayer();
+      this.loadMidiForScore();
+      this.scorePrepared.trigger();
+    }
+  }
+
+  /** @override */
+  loadMidiForScore() {
+    const prepared = this.score === this.#preparedScore && this.actualPlayerMode === this.#preparedMode;
+    if (!this.#soundHeldBack && !prepared) {
+      this.#preparedScore = this.score;
+      this.#preparedMode = this.actualPlayerMode;
+      const tracks = this.score?.tracks ?? [];
+      this.trackChannels = separateChannels(tracks);
+      try {
+        withChannels(tracks, this.trackChannels, () => super.loadMidiForScore());
+        this.#loadRecording();
+      } catch (reason) {
+        this.preparationFailed.trigger(reason);
+      }
+    }
+  }
+
+  /** Whether the score's own recording plays. */
+  get playsRecording() {
+    return this.actualPlayerMode === alphaTab.PlayerMode.EnabledExternalMedia;
+  }
+
+  /** Where the engine is told how far the recording is; null while the synthesizer plays. */
+  get #media() {
+    const output = this.playsRecording ? this.player?.output : null;
+    return /** @type {import("@coderline/alphatab").synth.IExternalMediaSynthOutput | null | undefined} */ (output) ?? null;
+  }
+
+  #loadRecording() {
+    const media = this.#media;
+    if (!this.recording) {
+      this.recordingPlayer.load(null);
+    } else if (media && this.player) {
+      const { player, recordingPlayer: recording } = this;
+      const { timePosition } = player;
+      recording.load(this.recording);
+      recording.playbackRate = this.playbackSpeed;
+      recording.masterVolume = this.masterVolume;
+      media.handler = recording;
+      player.updateSyncPoints(this.syncPoints);
+      player.timePosition = timePosition;
+    }
+  }
+}
+
+/** The engine would start a drawing worker of its own, which nobody needs. Its other workers it gets. */
+function replaceDrawingWorker() {
+  const script = new URL("../../vendor/alphaTab.min.js", import.meta.url).href;
+  const nobody = /** @type {Worker} */ (/** @type {unknown} */ ({ postMessage() {}, addEventListener() {}, terminate() {} }));
+  alphaTab.Environment.initializeMain(
+    (_, name) => (name === "alphaTab Renderer" ? nobody : new Worker(script, { name })),
+    (context) => context.audioWorklet.addModule(script),
+  );
+}
+
+/**
+ * The engine puts its cursor off to the next frame, and there once more to the one after. Once is enough.
+ *
+ * @returns {(action: () => void) => void}
+ */
+function nextFrame() {
+  let inFrame = false;
+  return (action) => {
+    if (inFrame) {
+      action();
+      return;
+    }
+    requestAnimationFrame(() => {
+      inFrame = true;
+      try {
+        action();
+      } finally {
+        inFrame = false;
+      }
+    });
+  };
+}
+
+/**
+ * Calls back when what was put on the page by now can be seen: the frame after the one with it in begins when that has been
+ * painted. A hidden page paints nothing.
+ *
+ * @param {() => void} callback
+ */
+function afterSight(callback) {
+  if (document.hidden) {
+    setTimeout(callback);
+  } else {
+    requestAnimationFrame(() => requestAnimationFrame(() => setTimeout(callback)));
+  }
+}
+
+function pageSettings() {
+  const settings = new alphaTab.Settings();
+  // Debug lines of the engine cost seconds with a large score.
+  settings.core.logLevel = alphaTab.LogLevel.Warning;
+  settings.core.smuflFontSources = new Map([
+    [alphaTab.FontFileFormat.Woff2, new URL("../../vendor/font/Bravura.woff2", import.meta.url).href],
+  ]);
+  // The paper has its own margins.
+  settings.display.padding = [12, 8];
+  chooseFonts(settings.display.resources);
+  hideEngineHeading(settings);
+
+  const player = settings.player;
+  player.playerMode = alphaTab.PlayerMode.Disabled;
+  player.scrollElement = "#desk";
+  player.scrollMode = alphaTab.ScrollMode.Continuous;
+  // Clicks and drags on the score are read by the page's own Selection.
+  player.enableUserInteraction = false;
+  return settings;
+}
+
+/** The page has lines of its own with the same contents. */
+function hideEngineHeading(/** @type {import("../shared/alphatab.js").Settings} */ settings) {
+  const element = alphaTab.NotationElement;
+  for (const shown of [
+    element.ScoreTitle,
+    element.ScoreSubTitle,
+    element.ScoreArtist,
+    element.ScoreAlbum,
+    element.ScoreWords,
+    element.ScoreMusic,
+    element.ScoreWordsAndMusic,
+    element.GuitarTuning,
+  ]) {
+    settings.notation.elements.set(shown, false);
+  }
+}
+
+/** @param {import("@coderline/alphatab").RenderingResources} resources */
+function chooseFonts(resources) {
+  const serif = ["Noto Serif", "Noto Serif CJK SC", "Noto Serif CJK JP", "serif"];
+  const sans = ["Noto Sans", "Noto Sans CJK SC", "Noto Sans CJK JP", "sans-serif"];
+  const { Plain, Italic } = alphaTab.model.FontStyle;
+  const { Regular, Bold } = alphaTab.model.FontWeight;
+  /** @type {(families: string[], size: number, style?: number, weight?: number) => import("@coderline/alphatab").model.Font} */
+  const font = (families, size, style = Plain, weight = Regular) =>
+    alphaTab.model.Font.withFamilyList([...families], size, style, weight);
+  // Second voices are told apart by their stems; the engine's own light gray is hard to read.
+  resources.secondaryGlyphColor = new alphaTab.model.Color(74, 74, 82, 255);
+  resources.titleFont = font(serif, 30);
+  resources.subTitleFont = font(serif, 18);
+  resources.wordsFont = font(serif, 14);
+  resources.copyrightFont = font(sans, 11, Plain, Bold);
+  resources.effectFont = font(serif, 12, Italic);
+  resources.markerFont = font(serif, 14, Plain, Bold);
+  resources.directionsFont = font(serif, 14);
+  resources.fretboardNumberFont = font(sans, 11);
+  resources.barNumberFont = font(sans, 11);
+  resources.timerFont = font(serif, 12);
+  resources.tablatureFont = font(sans, 13);
+  resources.graceFont = font(sans, 11);
+  resources.fingeringFont = font(serif, 14);
+  resources.inlineFingeringFont = font(serif, 12);
+}

@@ -1,0 +1,113 @@
+// @ts-check
+import { AttackFinder } from "./attacks.js";
+import { Resampler } from "../../audio/resampler.js";
+import { blockLength } from "../../audio/samples.js";
+
+/**
+ * The worker that prepares a recording for being played, as it is decoded part by part: it is brought to the sample rate
+ * it is played at, samples of 16 bits take half the memory, and attacks are looked for once.
+ *
+ * @typedef {object} Decoded what comes next
+ * @property {number} silent frames of silence that come first: nobody could decode them
+ * @property {Float32Array[]} channels of equal length; none where nothing comes but silence
+ * @property {number} from the first frame in there that is meant
+ * @property {number} length frames that are meant; silent where they are missing
+ * @property {number} sampleRate whole samples a second, the same for all parts
+ * @property {number} wantedRate
+ * @property {boolean} last
+ */
+
+/** What one channel takes on its way from the decoder to the blocks in which it is kept. */
+class Channel {
+  /** @type {Resampler | null} */
+  #resampler;
+  #block = new Int16Array(blockLength);
+  #filled = 0;
+
+  /**
+   * @param {number} from samples a second
+   * @param {number} to
+   */
+  constructor(from, to) {
+    this.#resampler = from === to ? null : new Resampler(from, to);
+  }
+
+  /**
+   * @param {Float32Array} samples
+   * @param {boolean} last
+   */
+  resample(samples, last) {
+    const pieces = this.#resampler ? [this.#resampler.push(samples)] : [samples];
+    if (this.#resampler && last) {
+      pieces.push(this.#resampler.finish());
+    }
+    return narrow(pieces);
+  }
+
+  /**
+   * @param {Int16Array} samples
+   * @param {boolean} last
+   * @returns {Int16Array[]} the blocks that are full; the last one as it is
+   */
+  fill(samples, last) {
+    const blocks = [];
+    for (let at = 0; at < samples.length; ) {
+      const count = Math.min(samples.length - at, blockLength - this.#filled);
+      this.#block.set(samples.subarray(at, at + count), this.#filled);
+      this.#filled += count;
+      at += count;
+      if (this.#filled === blockLength) {
+        blocks.push(this.#block);
+        this.#block = new Int16Array(blockLength);
+        this.#filled = 0;
+      }
+    }
+    return last ? [...blocks, this.#block.slice(0, this.#filled)] : blocks;
+  }
+}
+
+/** @type {Channel[]} */
+let channels = [];
+/** @type {AttackFinder | undefined} */
+let finder;
+
+/** @param {Float32Array[]} pieces */
+function narrow(pieces) {
+  const narrowed = new Int16Array(pieces.reduce((length, piece) => length + piece.length, 0));
+  let to = 0;
+  for (const piece of pieces) {
+    for (let i = 0; i < piece.length; i++) {
+      narrowed[to++] = Math.round(Math.max(-1, Math.min(1, piece[i])) * 32767);
+    }
+  }
+  return narrowed;
+}
+
+/**
+ * @param {Decoded} decoded
+ * @param {number} channel
+ */
+function meant({ silent, channels, from, length }, channel) {
+  const own = channels[Math.min(channel, channels.length - 1)]?.subarray(from, from + length);
+  if (silent === 0 && own?.length === length) {
+    return own;
+  }
+  const all = new Float32Array(silent + length);
+  all.set(own ?? [], silent);
+  return all;
+}
+
+addEventListener("message", (/** @type {MessageEvent<Decoded>} */ { data }) => {
+  const { sampleRate, wantedRate, last } = data;
+  const first = !finder;
+  if (!finder) {
+    finder = new AttackFinder(wantedRate);
+    channels = data.channels.map(() => new Channel(sampleRate, wantedRate));
+  }
+  const narrowed = channels.map((channel, index) => channel.resample(meant(data, index), last));
+  const attacks = Int32Array.from([...finder.push(narrowed), ...(last ? finder.finish() : [])]);
+  const blocks = channels.map((channel, index) => channel.fill(narrowed[index], last));
+  /** @type {import("../stretch/recorded-sound.js").Part} */
+  const part = { first, blocks, attacks, last };
+  postMessage(part, { transfer: [attacks.buffer, ...blocks.flat().map(({ buffer }) => buffer)] });
+});

@@ -1,0 +1,91 @@
+// @ts-check
+import { firstAtLeast } from "./stretch/time-stretch.js";
+
+/**
+ * The metronome's clicks beside a recording, mixed in where the recording has come to them.
+ *
+ * @typedef {object} Pattern
+ * @property {Float64Array} places frames of the recording, in rising order
+ * @property {Uint8Array} levels of each place: 0 for the first beat of a bar, higher for finer parts
+ *
+ * @typedef {object} Ticking
+ * @property {number} levels clicks of a lower level than this are heard
+ * @property {Float32Array} first what the first beat of a bar sounds like
+ * @property {Float32Array} others
+ */
+
+/** A start so little behind a click is meant for it, in seconds: the engine takes a tick more for each thing it is told. */
+const slack = 0.003;
+
+export class RecordingClicks {
+  #slack;
+  /** @type {Pattern} */
+  #pattern = { places: new Float64Array(0), levels: new Uint8Array(0) };
+  /** @type {Ticking} */
+  #ticking = { levels: 0, first: new Float32Array(0), others: new Float32Array(0) };
+  #next = 0;
+  /** @type {{ samples: Float32Array, from: number }[]} from: at which of the next frames it begins; negative when it has */
+  #sounding = [];
+
+  /** @param {number} sampleRate samples a second */
+  constructor(sampleRate) {
+    this.#slack = slack * sampleRate;
+  }
+
+  /** @param {Ticking} ticking from the next click on */
+  set ticking(ticking) {
+    this.#ticking = ticking;
+  }
+
+  /**
+   * @param {Pattern} pattern
+   * @param {number} place where the recording is
+   */
+  setPattern(pattern, place) {
+    this.#pattern = pattern;
+    this.goTo(place);
+  }
+
+  /** @param {number} place where the recording goes on */
+  goTo(place) {
+    this.#next = firstAtLeast(this.#pattern.places, place - this.#slack);
+  }
+
+  /** No click is heard any more. */
+  silence() {
+    this.#sounding.length = 0;
+  }
+
+  /**
+   * @param {Float32Array} left
+   * @param {Float32Array} right
+   * @param {number} at the first frame to mix to
+   * @param {number} count
+   * @param {number} place of the recording at that frame
+   * @param {number} speed frames of the recording for each frame
+   */
+  mix(left, right, at, count, place, speed) {
+    const { places, levels } = this.#pattern;
+    for (; this.#next < places.length && places[this.#next] < place + count * speed; this.#next++) {
+      if (levels[this.#next] < this.#ticking.levels) {
+        const samples = levels[this.#next] === 0 ? this.#ticking.first : this.#ticking.others;
+        this.#sounding.push({ samples, from: Math.max(Math.round((places[this.#next] - place) / speed), 0) });
+      }
+    }
+    let kept = 0;
+    for (const click of this.#sounding) {
+      const start = Math.max(click.from, 0);
+      const end = Math.min(click.from + click.samples.length, count);
+      for (let i = start; i < end; i++) {
+        const sample = click.samples[i - click.from];
+        left[at + i] += sample;
+        right[at + i] += sample;
+      }
+      click.from -= count;
+      if (click.from + click.samples.length > 0) {
+        this.#sounding[kept++] = click;
+      }
+    }
+    this.#sounding.length = kept;
+  }
+}

@@ -1,0 +1,288 @@
+// @ts-check
+import { clickSamples } from "../clicks/click-sounds.js";
+import { Emitter } from "../shared/emitter.js";
+import { turnOfSound, watchHearingDelay } from "../audio/hearing-delay.js";
+import { decodeRecording } from "./decode/recording-decoder.js";
+import { collectGarbage } from "../shared/garbage.js";
+
+/**
+ * The page's side of a recording that plays: has it decoded, and speaks to the audio thread. To the engine it is a medium
+ * that plays beside it. Times are milliseconds of the recording.
+ *
+ * @typedef {import("@coderline/alphatab").synth.IExternalMediaHandler} MediaHandler
+ * @typedef {import("./recordings.js").Recording} Recording
+ * @typedef {import("./recording-processor.js").FromPage} FromPage
+ * @typedef {import("./recording-processor.js").ToPage} ToPage
+ * @typedef {import("./recording-processor.js").Returned} Returned
+ * @typedef {import("./stretch/recorded-sound.js").Part} Part
+ * @typedef {{ from: number, to: number }} Loop
+ * @typedef {{ ms: number, level: number }} TimedClick
+ *
+ * @typedef {object} Ticking
+ * @property {number} levels clicks of a lower level than this are heard
+ * @property {import("../clicks/click-sounds.js").SoundName} sound
+ * @property {boolean} accent whether the first beat of a bar sounds otherwise
+ * @property {number} volume 0 to 1
+ */
+
+/** How long after the last sound the line to the sound system is kept open, in milliseconds. */
+const patience = 15000;
+
+/** How long a change of volume takes to a third, in seconds: none at all would click. */
+const volumeTime = 0.005;
+
+/** A seek to what is heard already is none, in milliseconds. */
+const sameTime = 1;
+
+/**
+ * So long before the end of the loop the engine is kept in it, in milliseconds: the stream starts over by itself. What
+ * is reported early for the sake of drawing would otherwise be behind the end.
+ */
+const endOfLoop = 2;
+
+/** @implements {MediaHandler} */
+export class RecordingPlayer {
+  /** @type {Emitter<number>} what is heard while playing; at each pass of a loop its very end too */
+  heard = new Emitter();
+  /** @type {Emitter<void>} the recording is over */
+  ended = new Emitter();
+  /** @type {Emitter<string>} why there is nothing to hear */
+  failed = new Emitter();
+  /** The engine asks for it only behind the last place where score and recording are known to meet. */
+  backingTrackDuration = Infinity;
+  /** @type {AudioContext | undefined} */
+  #context;
+  /** @type {GainNode | undefined} */
+  #gain;
+  /** @type {AudioWorkletNode | undefined} */
+  #node;
+  /** @type {Part[]} what the audio thread gets once it listens */
+  #parts = [];
+  /** @type {Recording | null} */
+  #recording = null;
+  #playing = false;
+  #speed = 1;
+  #volume = 1;
+  /** @type {Loop | null} */
+  #loop = null;
+  /** @type {TimedClick[]} */
+  #clicks = [];
+  /** @type {Ticking} */
+  #ticking = { levels: 0, sound: "woodblock", accent: true, volume: 0 };
+  /** Counts the seeks: what was reported before the last one is stale. */
+  #turn = 0;
+  #heard = 0;
+  #startingOver = false;
+  #sleep = 0;
+
+  /** @param {Recording | null} recording null for silence */
+  load(recording) {
+    if (recording !== this.#recording) {
+      this.#recording = recording;
+      this.#parts = [];
+      this.#tell({ sound: null });
+      if (recording) {
+        void this.#decode(recording);
+      }
+    }
+  }
+
+  get playbackRate() {
+    return this.#speed;
+  }
+
+  set playbackRate(speed) {
+    this.#speed = speed;
+    this.#tell({ speed });
+  }
+
+  get masterVolume() {
+    return this.#volume;
+  }
+
+  set masterVolume(volume) {
+    this.#volume = volume;
+    if (!this.#context || !this.#gain) {
+      return;
+    }
+    const { gain } = this.#gain;
+    if (this.#playing) {
+      gain.setTargetAtTime(volume, this.#context.currentTime, volumeTime);
+    } else {
+      // What begins now, or when the context wakes, would begin with the change.
+      gain.cancelScheduledValues(0);
+      gain.value = volume;
+    }
+  }
+
+  /** @param {number} ms */
+  seekTo(ms) {
+    if (this.#startingOver || (this.#playing && Math.abs(ms - this.#heard) < sameTime)) {
+      return;
+    }
+    this.#heard = ms;
+    this.#turn++;
+    this.#tell({ seek: this.#seek });
+  }
+
+  play() {
+    clearTimeout(this.#sleep);
+    this.#playing = true;
+    void this.#open().resume();
+    this.#tell({ playing: true });
+  }
+
+  pause() {
+    this.#playing = false;
+    this.#tell({ playing: false });
+    // Back from what was handed over to what was heard.
+    this.seekTo(this.#heard);
+    this.#fallAsleep();
+  }
+
+  /** @param {Loop | null} loop what is played over and over */
+  setLoop(loop) {
+    this.#loop = loop;
+    this.#tell({ loop });
+  }
+
+  /** @param {TimedClick[]} clicks in rising order of time */
+  setClicks(clicks) {
+    this.#clicks = clicks;
+    this.#tell({ clicks: placesOf(clicks) });
+  }
+
+  /** @param {Ticking} ticking */
+  setTicking(ticking) {
+    const before = this.#ticking;
+    this.#ticking = ticking;
+    const { levels, sound, accent, volume } = ticking;
+    const same = levels === before.levels && sound === before.sound && accent === before.accent && volume === before.volume;
+    if (this.#context && !same) {
+      this.#tell({ ticking: this.#clickSounds(this.#context) });
+    }
+  }
+
+  /** Has the audio thread collect its garbage, for which nobody may be listening. */
+  tidy() {
+    this.#tell({ tidy: true });
+  }
+
+  get #seek() {
+    return { place: Math.max(this.#heard, 0), turn: this.#turn };
+  }
+
+  /** @param {AudioContext} context */
+  #clickSounds({ sampleRate }) {
+    const { levels, sound, accent, volume } = this.#ticking;
+    /** @type {(accented: boolean) => Float32Array} */
+    const click = (accented) => clickSamples(sound, accented, sampleRate).map((sample) => sample * volume);
+    return { levels, first: click(accent), others: click(false) };
+  }
+
+  /** @param {Recording} recording */
+  async #decode(recording) {
+    try {
+      for await (const part of decodeRecording(recording.file, this.#open().sampleRate)) {
+        if (recording !== this.#recording) {
+          return;
+        }
+        this.#hand(part);
+      }
+      // What the decoder wrote is many times what is kept of it.
+      collectGarbage();
+    } catch (reason) {
+      if (recording === this.#recording) {
+        this.failed.trigger(`The recording cannot be played: ${reason instanceof Error ? reason.message : reason}`);
+      }
+    }
+  }
+
+  #open() {
+    if (!this.#context) {
+      this.#context = new AudioContext({ latencyHint: turnOfSound });
+      this.#gain = new GainNode(this.#context, { gain: this.#volume });
+      this.#gain.connect(this.#context.destination);
+      void this.#connect(this.#context, this.#gain);
+      this.#fallAsleep();
+    }
+    return this.#context;
+  }
+
+  /**
+   * @param {AudioContext} context
+   * @param {GainNode} gain
+   */
+  async #connect(context, gain) {
+    await context.audioWorklet.addModule(new URL("./recording-processor.js", import.meta.url));
+    const node = new AudioWorkletNode(context, "quaverly-recording", { numberOfInputs: 0, outputChannelCount: [2] });
+    node.port.onmessage = (/** @type {MessageEvent<ToPage | Returned>} */ { data }) => {
+      if ("turn" in data) {
+        this.#listen(data);
+      }
+    };
+    node.connect(gain);
+    this.#node = node;
+    this.#tell({
+      seek: this.#seek,
+      speed: this.#speed,
+      loop: this.#loop,
+      clicks: placesOf(this.#clicks),
+      ticking: this.#clickSounds(context),
+      playing: this.#playing,
+    });
+    for (const part of this.#parts.splice(0)) {
+      this.#hand(part);
+    }
+    watchHearingDelay(context, (delay) => this.#tell({ delay }));
+  }
+
+  /** @param {Part} part of the recording */
+  #hand(part) {
+    if (this.#node) {
+      this.#tell({ part }, [part.attacks.buffer, ...part.blocks.flat().map(({ buffer }) => buffer)]);
+    } else {
+      this.#parts.push(part);
+    }
+  }
+
+  /**
+   * As soon as the audio thread listens it is told how things are.
+   *
+   * @param {FromPage} message
+   * @param {Transferable[]} [transfer]
+   */
+  #tell(message, transfer = []) {
+    this.#node?.port.postMessage(message, transfer);
+  }
+
+  /** @param {ToPage} report */
+  #listen({ turn, place, startsOver, ended }) {
+    if (turn !== this.#turn || !this.#playing) {
+      return;
+    }
+    const loop = this.#loop;
+    if (startsOver && loop) {
+      // The engine goes back to the beginning of the loop when it hears of its end; the sound is there already.
+      this.#startingOver = true;
+      this.heard.trigger(loop.to);
+      this.#startingOver = false;
+    }
+    const inLoop = loop !== null && (startsOver || this.#heard < loop.to);
+    this.#heard = inLoop ? Math.min(place, loop.to - endOfLoop) : place;
+    this.heard.trigger(this.#heard);
+    if (ended) {
+      this.ended.trigger();
+    }
+  }
+
+  #fallAsleep() {
+    clearTimeout(this.#sleep);
+    this.#sleep = setTimeout(() => void this.#context?.suspend(), patience);
+  }
+}
+
+/** @param {TimedClick[]} clicks */
+function placesOf(clicks) {
+  return { times: Float64Array.from(clicks, ({ ms }) => ms), levels: Uint8Array.from(clicks, ({ level }) => level) };
+}

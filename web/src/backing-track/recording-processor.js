@@ -1,0 +1,291 @@
+// @ts-check
+import { HeardTime } from "../timing/heard-time.js";
+import { RecordedSound } from "./stretch/recorded-sound.js";
+import { RecordingClicks } from "./recording-clicks.js";
+import { collectThoroughly } from "../shared/garbage.js";
+import { TimeStretch } from "./stretch/time-stretch.js";
+
+/**
+ * Plays a recording in the audio thread, with the metronome beside it. Everything is counted in samples of one stream:
+ * clicks, loops and changes of speed fall where they belong whatever the page is busy with.
+ *
+ * @typedef {object} FromPage times are milliseconds of the recording
+ * @property {null} [sound] there is none any more
+ * @property {import("./stretch/recorded-sound.js").Part} [part] of a recording; playing waits for the part that it starts in
+ * @property {boolean} [playing]
+ * @property {{ place: number, turn: number }} [seek] turn: what reports are told apart by from then on
+ * @property {number} [speed]
+ * @property {{ from: number, to: number } | null} [loop]
+ * @property {{ times: Float64Array, levels: Uint8Array }} [clicks]
+ * @property {import("./recording-clicks.js").Ticking} [ticking]
+ * @property {boolean} [tidy] whether garbage is to be collected
+ * @property {number} [delay] in seconds: by how much later than here a sample is heard than what is reported of it is
+ *     seen; below zero when it is heard first
+ *
+ * @typedef {object} ToPage
+ * @property {number} turn
+ * @property {number} place what is heard now, in milliseconds of the recording
+ * @property {boolean} startsOver whether the loop did since the last report
+ * @property {boolean} ended whether the recording is over
+ *
+ * @typedef {object} Returned
+ * @property {ArrayBuffer[]} memory of a recording that is not played any more
+ */
+
+/** After how many frames the page is told again what is heard. */
+const reportEvery = 768;
+
+/** How long what is broken off fades out, and what begins somewhere fades in, in frames. */
+const fadeOut = 256;
+const fadeIn = 32;
+
+const { AudioWorkletProcessor, registerProcessor, sampleRate } = /** @type {any} */ (globalThis);
+
+class RecordingProcessor extends AudioWorkletProcessor {
+  /** @type {RecordedSound | null} */
+  #sound = null;
+  /** @type {TimeStretch | null} */
+  #stretch = null;
+  #clicks = new RecordingClicks(sampleRate);
+  #heardTime = new HeardTime(sampleRate);
+  #playing = false;
+  /** Whether what comes next has not been decoded yet. */
+  #waiting = true;
+  #turn = 0;
+  /** Frames of the recording: where it starts when it comes, and afterwards whatever seek was last. */
+  #start = 0;
+  #speed = 1;
+  /** @type {import("./stretch/time-stretch.js").Loop | null} */
+  #loop = null;
+  #delay = 0;
+  /** Frames played since the last seek, and after how many of them the recording was over. */
+  #played = 0;
+  #end = Infinity;
+  #sinceReport = 0;
+  #fadedIn = 0;
+  /** What was broken off, and how much of it has faded out. */
+  #tail = { left: new Float32Array(fadeOut), right: new Float32Array(fadeOut), done: fadeOut };
+
+  constructor() {
+    super();
+    this.port.onmessage = (/** @type {MessageEvent<FromPage>} */ { data }) => this.#listen(data);
+  }
+
+  /** @param {FromPage} message */
+  #listen({ sound, part, playing, seek, speed, loop, clicks, ticking, tidy, delay }) {
+    this.#delay = delay !== undefined ? Math.round(delay * sampleRate) : this.#delay;
+    if (ticking) {
+      this.#clicks.ticking = ticking;
+    }
+    if (clicks) {
+      const places = clicks.times.map(frames);
+      this.#clicks.setPattern({ places, levels: clicks.levels }, this.#stretch?.place ?? this.#start);
+    }
+    if (loop !== undefined) {
+      this.#loop = loop && { from: frames(loop.from), to: frames(loop.to) };
+      if (this.#stretch) {
+        this.#stretch.loop = this.#loop;
+      }
+    }
+    if (speed !== undefined) {
+      this.#changeSpeed(speed);
+    }
+    if (sound !== undefined) {
+      this.#load(sound);
+    }
+    if (part) {
+      if (part.first) {
+        this.#load(new RecordedSound(part.blocks.length, sampleRate));
+      }
+      this.#sound?.add(part);
+      this.#stretch?.grow();
+    }
+    if (seek) {
+      this.#turn = seek.turn;
+      this.#goTo(frames(seek.place));
+    }
+    if (playing !== undefined && playing !== this.#playing) {
+      this.#breakOff();
+      this.#playing = playing;
+    }
+    if (tidy) {
+      collectThoroughly();
+    }
+  }
+
+  /** @param {RecordedSound | null} sound */
+  #load(sound) {
+    this.#breakOff();
+    this.#giveBack();
+    this.#sound = sound;
+    this.#stretch = sound && new TimeStretch(sound);
+    if (this.#stretch) {
+      this.#stretch.speed = this.#speed;
+      this.#stretch.loop = this.#loop;
+      this.#goTo(this.#start);
+    }
+  }
+
+  /** Nobody collects garbage in the audio thread; the page does. */
+  #giveBack() {
+    const memory = /** @type {ArrayBuffer[]} */ (this.#sound?.empty() ?? []);
+    if (memory.length > 0) {
+      /** @type {Returned} */
+      const returned = { memory };
+      this.port.postMessage(returned, memory);
+    }
+  }
+
+  /** @param {number} speed */
+  #changeSpeed(speed) {
+    this.#speed = speed;
+    if (this.#stretch) {
+      this.#stretch.speed = speed;
+      this.#mark(false);
+    }
+  }
+
+  /** @param {number} place */
+  #goTo(place) {
+    this.#breakOff();
+    this.#waiting = true;
+    this.#start = place;
+    this.#stretch?.jump(place);
+    this.#clicks.goTo(place);
+    this.#heardTime.clear();
+    this.#played = 0;
+    this.#end = Infinity;
+    this.#mark(false);
+  }
+
+  /** @param {boolean} startsOver */
+  #mark(startsOver) {
+    const place = milliseconds(this.#stretch?.place ?? this.#start);
+    this.#heardTime.add({ frame: this.#played, place, speed: this.#speed, startsOver });
+  }
+
+  /** A sound that ends at once clicks: a little of what would have come fades out. */
+  #breakOff() {
+    if (this.#playing && this.#stretch && !this.#waiting) {
+      const { left, right } = this.#tail;
+      left.fill(0);
+      right.fill(0);
+      const count = Math.min(fadeOut, this.#stretch.framesLeft);
+      const { place } = this.#stretch;
+      this.#stretch.render(left, right, 0, count);
+      this.#clicks.mix(left, right, 0, fadeOut, place, this.#speed);
+      for (let i = 0; i < fadeOut; i++) {
+        left[i] *= 1 - i / fadeOut;
+        right[i] *= 1 - i / fadeOut;
+      }
+      this.#tail.done = 0;
+    }
+    this.#clicks.silence();
+    this.#fadedIn = 0;
+  }
+
+  /**
+   * @param {Float32Array[][]} _inputs
+   * @param {Float32Array[][]} outputs
+   */
+  process(_inputs, outputs) {
+    const [left, right] = outputs[0];
+    this.#wait();
+    if (this.#playing && this.#stretch && !this.#waiting) {
+      this.#play(this.#stretch, left, right);
+      this.#played += left.length;
+      this.#report(left.length);
+    }
+    this.#mixTail(left, right);
+    return true;
+  }
+
+  /** What has not been decoded yet is waited for. */
+  #wait() {
+    const waiting = !this.#stretch || !this.#sound?.reaches(this.#stretch.place);
+    if (waiting && !this.#waiting) {
+      this.#breakOff();
+    }
+    this.#waiting = waiting;
+  }
+
+  /**
+   * @param {TimeStretch} stretch
+   * @param {Float32Array} left
+   * @param {Float32Array} right
+   */
+  #play(stretch, left, right) {
+    for (let done = 0; done < left.length; ) {
+      let count = Math.min(left.length - done, stretch.framesLeft);
+      if (count === 0 && stretch.hasLoop) {
+        this.#startOver(stretch, done);
+        continue;
+      }
+      const { place } = stretch;
+      stretch.render(left, right, done, count);
+      if (count === 0) {
+        this.#end = Math.min(this.#end, this.#played + done);
+        count = left.length - done;
+      }
+      this.#clicks.mix(left, right, done, count, place, this.#speed);
+      done += count;
+    }
+    for (let i = 0; this.#fadedIn < fadeIn && i < left.length; i++, this.#fadedIn++) {
+      left[i] *= this.#fadedIn / fadeIn;
+      right[i] *= this.#fadedIn / fadeIn;
+    }
+  }
+
+  /**
+   * @param {TimeStretch} stretch
+   * @param {number} done frames of the present block
+   */
+  #startOver(stretch, done) {
+    stretch.startOver();
+    this.#clicks.goTo(stretch.place);
+    const place = milliseconds(stretch.place);
+    this.#heardTime.add({ frame: this.#played + done, place, speed: this.#speed, startsOver: true });
+  }
+
+  /** @param {number} count frames that went by */
+  #report(count) {
+    this.#sinceReport += count;
+    if (this.#sinceReport < reportEvery) {
+      return;
+    }
+    this.#sinceReport = 0;
+    const now = Math.max(this.#played - this.#delay, 0);
+    const heard = this.#heardTime.at(Math.min(now, this.#end));
+    if (heard) {
+      /** @type {ToPage} */
+      const report = { turn: this.#turn, ...heard, ended: now >= this.#end };
+      this.port.postMessage(report);
+    }
+  }
+
+  /**
+   * @param {Float32Array} left
+   * @param {Float32Array} right
+   */
+  #mixTail(left, right) {
+    const tail = this.#tail;
+    const count = Math.min(left.length, fadeOut - tail.done);
+    for (let i = 0; i < count; i++) {
+      left[i] += tail.left[tail.done + i];
+      right[i] += tail.right[tail.done + i];
+    }
+    tail.done += count;
+  }
+}
+
+/** @param {number} ms */
+function frames(ms) {
+  return (ms * sampleRate) / 1000;
+}
+
+/** @param {number} place in frames */
+function milliseconds(place) {
+  return (place * 1000) / sampleRate;
+}
+
+registerProcessor("quaverly-recording", RecordingProcessor);

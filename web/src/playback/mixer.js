@@ -1,0 +1,97 @@
+// @ts-check
+
+/**
+ * Mutes, solos and volumes of the tracks. They belong to one score and start afresh with the next.
+ *
+ * @typedef {{ mute: boolean, solo: boolean, volume: number }} Strip
+ */
+export class Mixer {
+  #api;
+  #channels;
+  #onSoloChanged;
+  /** @type {Map<number, Strip>} */
+  #strips = new Map();
+
+  /**
+   * @param {import("../alphatab/engine.js").Engine} api
+   * @param {import("./drum-channels.js").DrumChannels} channels
+   * @param {(anySolo: boolean) => void} onSoloChanged
+   */
+  constructor(api, channels, onSoloChanged) {
+    this.#api = api;
+    this.#channels = channels;
+    this.#onSoloChanged = onSoloChanged;
+    // The engine sets volumes of its own right after it says that the player is ready, on the channels of the file.
+    api.playerReady.on(() => queueMicrotask(() => this.#applyAll()));
+  }
+
+  leaveScore() {
+    this.#strips.clear();
+    this.#api.player?.resetChannelStates();
+    this.#onSoloChanged(false);
+  }
+
+  get anySolo() {
+    return [...this.#strips.values()].some((strip) => strip.solo);
+  }
+
+  /**
+   * @param {number} trackId
+   * @param {boolean} mute
+   */
+  setMute(trackId, mute) {
+    this.#change(trackId, { mute: Boolean(mute) });
+  }
+
+  /**
+   * @param {number} trackId
+   * @param {boolean} solo
+   */
+  setSolo(trackId, solo) {
+    this.#change(trackId, { solo: Boolean(solo) });
+    this.#onSoloChanged(this.anySolo);
+  }
+
+  /**
+   * @param {number} trackId
+   * @param {number} volume 1 is as loud as the score has it
+   */
+  setVolume(trackId, volume) {
+    if (Number.isFinite(volume)) {
+      this.#change(trackId, { volume: Math.max(volume, 0) });
+    }
+  }
+
+  /**
+   * @param {number} trackId
+   * @param {Partial<Strip>} change
+   */
+  #change(trackId, change) {
+    const track = this.#api.score?.tracks[trackId];
+    if (track) {
+      const strip = { mute: false, solo: false, volume: 1, ...this.#strips.get(trackId), ...change };
+      this.#strips.set(trackId, strip);
+      this.#apply(track, strip);
+    }
+  }
+
+  /** A player that was set up anew knows none of the settings, and the engine gives some tracks its own volume. */
+  #applyAll() {
+    for (const track of this.#api.score?.tracks ?? []) {
+      this.#apply(track, this.#strips.get(track.index) ?? { mute: false, solo: false, volume: 1 });
+    }
+    this.#onSoloChanged(this.anySolo);
+  }
+
+  /**
+   * @param {import("../shared/alphatab.js").Track} track
+   * @param {Strip} strip
+   */
+  #apply(track, strip) {
+    for (const channel of this.#channels.of(track)) {
+      this.#api.player?.setChannelMute(channel, strip.mute);
+      this.#api.player?.setChannelSolo(channel, strip.solo);
+      this.#api.player?.setChannelVolume(channel, strip.volume);
+    }
+  }
+}

@@ -1,0 +1,390 @@
+// @ts-check
+import { alphaTab } from "../shared/alphatab.js";
+import { PositionFeed } from "./position-feed.js";
+import { recordingTime } from "../timing/recording-time.js";
+import { Timeline } from "../timing/timeline.js";
+
+/**
+ * The transport: plays the score on the desk, and reports how far it has come.
+ *
+ * @typedef {{ startTick: number, endTick: number }} TickRange
+ */
+
+/** Two ticks this close are the same place: the engine rounds each way between ticks and milliseconds. */
+const sameTick = 8;
+
+export class Playback {
+  #api;
+  #post;
+  #feed;
+  #timeline = new Timeline([], 0, 960);
+  /** How far the ticks of the timeline are ahead of those of the score. */
+  #tickShift = 0;
+  /** @type {import("@coderline/alphatab").synth.BackingTrackSyncPoint[]} */
+  #syncPoints = [];
+  #speed = 1;
+  #countIn = false;
+  #playing = false;
+  #readyPosted = false;
+  /** The engine still reports on the score before until it has loaded this one. */
+  #stale = false;
+  #startWhenReady = false;
+  /** Why the score cannot be played; empty when it can. */
+  #problem = "";
+  /** @type {number | null} */
+  #resumeTick = null;
+  #tick = 0;
+  /** @type {number | null} */
+  #awaitedTick = null;
+  /** @type {TickRange | null} */
+  #range = null;
+  /** @type {(tick: number) => import("../synth/practice-synth.js").CountIn | null} */
+  #countInAt = () => null;
+
+  /**
+   * @param {import("../alphatab/engine.js").Engine} api
+   * @param {import("../bridge/bridge.js").Post} post
+   */
+  constructor(api, post) {
+    this.#api = api;
+    this.#post = post;
+    this.#feed = new PositionFeed((position) => post({ type: "position", ...position }), () => performance.now());
+    api.midiLoad.on((midi) => this.#measure(midi));
+    api.preparationFailed.on((reason) => this.#giveUp(reason));
+    // Listened to on the element: subscribing on the object asks the player for its last answer, which recurses for ever.
+    api.sheet.addEventListener("alphaTab.midiFileLoaded", () => this.#onLoaded());
+    api.playerReady.on(() => this.#onReady());
+    api.playerStateChanged.on((event) => this.#onState(event));
+    api.playerPositionChanged.on((event) => this.#onPosition(event));
+  }
+
+  /** Milliseconds of score time; 0 without a score. */
+  get endTime() {
+    return this.#timeline.endMs;
+  }
+
+  /** The place in the score as the engine last reported it. */
+  get tick() {
+    return this.#tick;
+  }
+
+  /** Where the ticks of the score lie in time. */
+  get timeline() {
+    return this.#timeline;
+  }
+
+  /** Where the score's time lies in its recording. */
+  get syncPoints() {
+    return this.#syncPoints.map(({ synthTime, syncTime }) => ({ score: synthTime, recording: syncTime }));
+  }
+
+  /** What is played over and over; null while nothing is. @returns {TickRange | null} */
+  get loop() {
+    return this.#api.isLooping ? (this.#range ?? { startTick: 0, endTick: Infinity }) : null;
+  }
+
+  /**
+   * How long it takes to play on to a place, at the speed that is set.
+   *
+   * @param {number} tick
+   * @returns {number} milliseconds
+   */
+  msUntil(tick) {
+    const timeline = this.#timeline;
+    return (timeline.msAt(tick + this.#tickShift) - timeline.msAt(this.#tick + this.#tickShift)) / this.#speed;
+  }
+
+  get atStart() {
+    return this.#tick <= sameTick;
+  }
+
+  get playing() {
+    return this.#playing;
+  }
+
+  get speed() {
+    return this.#speed;
+  }
+
+  /** @param {(tick: number) => import("../synth/practice-synth.js").CountIn | null} countInAt what is counted before a place */
+  countWith(countInAt) {
+    this.#countInAt = countInAt;
+  }
+
+  /** To be called before another score is handed to the engine. */
+  leaveScore() {
+    if (this.#playing) {
+      // The next score reaches the player only when its first lines are on the paper.
+      this.#api.pause();
+    }
+    this.#stale = true;
+    this.#problem = "";
+    this.#startWhenReady = false;
+    this.#resumeTick = null;
+    this.#awaitedTick = null;
+    this.#tick = 0;
+    this.setRange(null);
+    this.#setPlaying(false);
+  }
+
+  /** Tells the length of the score just handed to the engine. */
+  announceLength() {
+    this.#feed.jump({ currentTime: 0, endTime: this.endTime });
+  }
+
+  /** Tells once more what was told last. */
+  repeatPosition() {
+    this.#feed.jump({ currentTime: this.#timeline.msAt(this.#tick + this.#tickShift), endTime: this.endTime });
+  }
+
+  playPause() {
+    if (!this.#api.score) {
+      return;
+    }
+    if (this.#problem) {
+      this.#post({ type: "error", message: this.#problem });
+    } else if (this.#api.isReadyForPlayback && !this.#stale) {
+      if (!this.#playing) {
+        this.#prepareCountIn(this.#tick);
+      }
+      this.#api.playPause();
+    } else {
+      this.#startWhenReady = !this.#startWhenReady;
+    }
+  }
+
+  stop() {
+    this.#startWhenReady = false;
+    if (this.#api.score) {
+      this.#awaitedTick = null;
+      this.#api.stop();
+      if (this.#range && !this.#api.isLooping) {
+        // The engine knows the range only while it loops.
+        this.seekToTick(this.#range.startTick);
+      }
+    }
+  }
+
+  /** @param {number} ms of score time */
+  seekToTime(ms) {
+    if (this.#api.score && Number.isFinite(ms)) {
+      this.#awaitedTick = null;
+      const place = Math.min(Math.max(ms, 0), this.endTime);
+      this.#api.timePosition = place / this.#speed;
+      this.#prepareCountIn(this.#timeline.tickAt(place) - this.#tickShift);
+    }
+  }
+
+  /** @param {number} tick */
+  seekToTick(tick) {
+    this.#awaitedTick = null;
+    this.#api.tickPosition = tick;
+    this.#prepareCountIn(tick);
+  }
+
+  /** @param {number} ratio */
+  setSpeed(ratio) {
+    if (Number.isFinite(ratio) && ratio > 0) {
+      // The engine keeps to these bounds itself; positions are worked out with the speed it really plays at.
+      this.#speed = Math.min(Math.max(ratio, 0.125), 8);
+      this.#api.playbackSpeed = this.#speed;
+    }
+  }
+
+  /** @param {number} volume */
+  setMasterVolume(volume) {
+    if (Number.isFinite(volume)) {
+      this.#api.masterVolume = Math.min(Math.max(volume, 0), 1);
+    }
+  }
+
+  /** @param {boolean} on */
+  setLooping(on) {
+    this.#api.isLooping = Boolean(on);
+    this.#applyRange();
+    this.#loopRecording();
+  }
+
+  /** @param {boolean} on */
+  setCountIn(on) {
+    this.#countIn = on;
+    if (!this.#playing) {
+      this.#prepareCountIn(this.#tick);
+    }
+  }
+
+  /**
+   * Has the synthesizer count before its next start, or count again when it is just counting. A recording has no
+   * synthesizer and is not counted in.
+   *
+   * @param {number} tick where the music will start
+   */
+  #prepareCountIn(tick) {
+    const synthesized = this.#api.actualPlayerMode === alphaTab.PlayerMode.EnabledSynthesizer;
+    if (synthesized) {
+      this.#api.synth?.setCountIn(this.#countIn ? this.#countInAt(tick) : null);
+    }
+  }
+
+  /**
+   * Chooses what looping loops.
+   *
+   * @param {TickRange | null} range null for the whole score
+   */
+  setRange(range) {
+    this.#range = range;
+    this.#applyRange();
+    this.#loopRecording();
+  }
+
+  /** The recording's player starts over by itself, from one sample to the next. */
+  #loopRecording() {
+    const points = this.syncPoints;
+    const { startTick, endTick } = this.#range ?? { startTick: 0, endTick: this.#timeline.tickAt(this.endTime) - this.#tickShift };
+    /** @type {(tick: number) => number} */
+    const place = (tick) => Math.max(recordingTime(points, this.#timeline.msAt(tick + this.#tickShift)), 0);
+    this.#api.recordingPlayer.setLoop(this.#api.isLooping ? { from: place(startTick), to: place(endTick) } : null);
+  }
+
+  /** To be called before another player takes over: it starts at this place, and goes on playing if this one did. */
+  handOver() {
+    this.#resumeTick = this.#tick;
+    this.#startWhenReady ||= this.#playing;
+    this.#stale = true;
+    this.#setPlaying(false);
+  }
+
+  #applyRange() {
+    const player = this.#api.player;
+    // Outside of looping the range binds nothing: the engine would refuse to seek or play past its end.
+    const range = this.#range && this.#api.isLooping ? this.#range : null;
+    if (!player || (!range && !player.playbackRange)) {
+      return;
+    }
+    const tick = this.#tick;
+    const inside = !range || (tick >= range.startTick && tick < range.endTick);
+    player.playbackRange = range ? Object.assign(new alphaTab.synth.PlaybackRange(), range) : null;
+    if (inside && range) {
+      this.seekToTick(tick);
+    }
+  }
+
+  #onLoaded() {
+    this.#stale = false;
+    const tick = this.#resumeTick;
+    if (tick !== null) {
+      this.#resumeTick = null;
+      this.#tick = tick;
+      this.#applyRange();
+      // A player that took over reports the beginning before it is where it was told to be.
+      this.#awaitedTick = tick;
+      this.#api.tickPosition = tick;
+    }
+  }
+
+  /**
+   * The score stays to be seen.
+   *
+   * @param {unknown} reason
+   */
+  #giveUp(reason) {
+    this.#problem = `The score cannot be played (${reason instanceof Error ? reason.message : reason}).`;
+    this.#startWhenReady = false;
+    this.#timeline = new Timeline([], 0, 960);
+    this.#syncPoints = [];
+    this.#post({ type: "error", message: this.#problem });
+  }
+
+  /** @param {import("../shared/alphatab.js").MidiFile} midi */
+  #measure(midi) {
+    /** @type {import("../timing/timeline.js").TempoChange[]} */
+    const changes = [];
+    const events = midi.events;
+    this.#tickShift = midi.tickShift;
+    for (const event of events) {
+      if (event instanceof alphaTab.midi.TempoChangeEvent) {
+        changes.push({ tick: event.tick, bpm: event.beatsPerMinute });
+      }
+    }
+    this.#timeline = new Timeline(changes, events.length > 0 ? events[events.length - 1].tick : 0, midi.division);
+    this.#synchronize();
+  }
+
+  /** Finds the sync points of the score's recording. A score without any runs together with it. */
+  #synchronize() {
+    const { score } = this.#api;
+    const { MidiFileGenerator } = alphaTab.midi;
+    const own = score ? MidiFileGenerator.generateSyncPoints(score) : [];
+    this.#syncPoints = score && own.length === 0 ? MidiFileGenerator.generateSyncPoints(score, true) : own;
+    for (const point of this.#syncPoints) {
+      // The engine counts whole milliseconds from point to point, which adds up.
+      point.synthTime = this.#timeline.msAt(point.synthTick + this.#tickShift);
+      point.syncTime = own.length > 0 ? point.syncTime : point.synthTime;
+    }
+    this.#api.syncPoints = this.#syncPoints;
+    this.#loopRecording();
+  }
+
+  #onReady() {
+    if (!this.#readyPosted) {
+      this.#readyPosted = true;
+      this.#post({ type: "playerReady" });
+    }
+    // The engine sets volumes of its own now, and the mixer then sets the right ones: not while music plays.
+    setTimeout(() => this.#startIfWanted());
+  }
+
+  #startIfWanted() {
+    if (this.#startWhenReady && this.#api.isReadyForPlayback && !this.#stale) {
+      this.#startWhenReady = false;
+      this.#prepareCountIn(this.#tick);
+      this.#api.play();
+    }
+  }
+
+  /** @param {import("@coderline/alphatab").synth.PlayerStateChangedEventArgs} event */
+  #onState(event) {
+    const playing = event.state === alphaTab.synth.PlayerState.Playing;
+    if (!playing && !event.stopped && this.#playing) {
+      // The engine steps back to the first time the current beat is played, also in the middle of a repeat. A pause
+      // stays where it is.
+      this.#awaitedTick = this.#tick;
+      this.#api.tickPosition = this.#tick;
+    }
+    this.#setPlaying(playing);
+  }
+
+  /** @param {boolean} playing */
+  #setPlaying(playing) {
+    if (playing !== this.#playing) {
+      this.#playing = playing;
+      this.#post({ type: "state", playing });
+    }
+  }
+
+  /** @param {import("@coderline/alphatab").synth.PositionChangedEventArgs} event */
+  #onPosition(event) {
+    if (this.#stale || !this.#api.score || event.endTime <= 0) {
+      return;
+    }
+    if (!this.#playing && !event.isSeek) {
+      // The last samples are reported as played when the player has stopped already: it would stop a little further on.
+      return;
+    }
+    if (this.#awaitedTick !== null && event.isSeek) {
+      if (Math.abs(event.currentTick - this.#awaitedTick) > sameTick) {
+        return;
+      }
+      this.#awaitedTick = null;
+    }
+    this.#tick = event.currentTick;
+    // The engine counts in time as played, which stretches with the speed. Its own end tells by how much.
+    const part = Math.min(Math.max(event.currentTime / event.endTime, 0), 1);
+    const position = { currentTime: part * this.endTime, endTime: this.endTime };
+    if (event.isSeek) {
+      this.#feed.jump(position);
+    } else {
+      this.#feed.flow(position);
+    }
+  }
+}

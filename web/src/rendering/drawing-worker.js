@@ -1,0 +1,179 @@
+// @ts-check
+import "../../vendor/alphaTab.min.js";
+import { alphaTab } from "../shared/alphatab.js";
+import { LayoutRun } from "./layout-run.js";
+import { readScore } from "../score-files/score-files.js";
+import { collectThoroughly } from "../shared/garbage.js";
+
+/**
+ * Draws scores beside the page. It reads a score's file itself, at the same time as the page does: handing the read
+ * score over would take longer than reading it again. Both number beats and notes alike, as they read the same bytes.
+ *
+ * Between two steps of a drawing the worker hears what the page asks for next: paintings of what came into view, or
+ * another drawing, which takes the place of the one under way.
+ *
+ * @typedef {import("./worker-renderer.js").Request} Request
+ * @typedef {import("./worker-renderer.js").Answer} Answer
+ * @typedef {import("../shared/alphatab.js").Score} Score
+ */
+
+/** Bars that bring the common code paths into being before the first score arrives. */
+const rehearsal = `\\title "" \\track \\staff {score tabs} :8 3.3 5.3{h} :4 7.2{b (0 4)} (0.1 2.2 2.3) r |
+  :16 3.3 5.3{h} 2.4{sl} 4.4 :2 0.6{v} :8 3.5 3.5 | \\track \\staff {score} \\clef F4 :4 c3 :8 e3 g3 :2 c4 | :1 c3`;
+
+/** How long the rest of a drawing is held back at most, in milliseconds. */
+const patience = 2000;
+
+/** The page's settings; a drawing under way keeps those it began with. */
+let settings = new alphaTab.Settings();
+const renderer = new alphaTab.rendering.ScoreRenderer(settings);
+/** @typedef {{ file: number, score: Score }} ReadFile @type {ReadFile | null} what is drawn */
+let held = null;
+/** @type {ReadFile | null} what may be drawn next */
+let read = null;
+/** @type {LayoutRun | null} */
+let run = null;
+let drawing = 0;
+let restHeld = false;
+let next = 0;
+
+/** @param {Answer} answer */
+function post(answer) {
+  postMessage(answer);
+}
+
+/** @param {Request} request */
+function answer(request) {
+  switch (request.cmd) {
+    case "settings":
+      settings = alphaTab.model.JsonConverter.jsObjectToSettings(request.settings);
+      break;
+    case "read": {
+      const reading = readScore(request.bytes, settings);
+      read = "score" in reading ? { file: request.file, score: reading.score } : null;
+      break;
+    }
+    case "draw":
+      draw(request);
+      break;
+    case "goOn":
+      restHeld = false;
+      proceed();
+      break;
+    case "stop":
+      run = null;
+      break;
+    case "paint":
+      paint(request.id);
+      break;
+    case "tidy":
+      collectThoroughly();
+      break;
+  }
+}
+
+/** @param {Extract<Request, { cmd: "draw" }>} request */
+function draw(request) {
+  if (request.score) {
+    read = { file: request.file, score: alphaTab.model.JsonConverter.jsObjectToScore(request.score, settings) };
+  }
+  if (read?.file === request.file) {
+    held = read;
+    read = null;
+  }
+  run = null;
+  drawing = request.drawing;
+  restHeld = request.restHeld;
+  if (held?.file !== request.file) {
+    post({ kind: "missing", drawing });
+    return;
+  }
+  setTextWidths(request.textWidths);
+  renderer.updateSettings(settings);
+  renderer.width = request.width;
+  run = new LayoutRun(renderer, held.score, request.tracks, request.view, request.place, request.atOnce);
+  if (request.atOnce) {
+    // Another zoom may have been asked for already.
+    clearTimeout(next);
+    next = setTimeout(proceed);
+  } else {
+    proceed();
+  }
+}
+
+/** Takes one step of the drawing, and the next one when the page has been heard, or has time for the rest. */
+function proceed() {
+  clearTimeout(next);
+  const current = run;
+  if (!current) {
+    return;
+  }
+  let wait = 0;
+  try {
+    const piece = current.step();
+    if (piece) {
+      post({ kind: "drawn", drawing, piece });
+      current.delivered(piece);
+      wait = piece.first && restHeld ? patience : 0;
+    }
+    run = current.finished ? null : current;
+  } catch (reason) {
+    run = null;
+    fail(reason);
+  }
+  next = setTimeout(proceed, wait);
+}
+
+/** @param {string} id of a part that was laid out */
+function paint(id) {
+  const unsubscribe = renderer.partialRenderFinished.on((part) => {
+    post({ kind: "painted", drawing, part });
+    part.renderResult = undefined;
+  });
+  renderer.renderResult(id);
+  unsubscribe();
+}
+
+/** @param {Map<string, unknown>} widths */
+function setTextWidths(widths) {
+  const platform = /** @type {{ FontSizes: { fontSizeLookupTables: Map<string, unknown> } }} */ (
+    /** @type {unknown} */ (alphaTab.platform)
+  );
+  for (const [family, table] of widths) {
+    platform.FontSizes.fontSizeLookupTables.set(family, table);
+  }
+}
+
+/** @param {unknown} reason */
+function fail(reason) {
+  post({ kind: "failed", message: reason instanceof Error ? reason.message : String(reason) });
+}
+
+/** Goes through a drawing once, so that the code of the first one is ready to run. */
+function rehearse() {
+  const settings = new alphaTab.Settings();
+  settings.core.engine = "svg";
+  settings.core.logLevel = alphaTab.LogLevel.None;
+  const stand = new alphaTab.rendering.ScoreRenderer(settings);
+  stand.width = 800;
+  const score = alphaTab.importer.ScoreLoader.loadAlphaTex(rehearsal, settings);
+  const rehearsed = new LayoutRun(stand, score, [0, 1], { left: 0, top: 0, right: 800, bottom: 800 });
+  while (!rehearsed.finished) {
+    rehearsed.step();
+  }
+  stand.destroy();
+}
+
+renderer.error.on(fail);
+addEventListener("message", (event) => {
+  try {
+    answer(event.data);
+  } catch (reason) {
+    fail(reason);
+  }
+});
+// In a task of its own: what is posted while the script runs overtakes the news that it has run.
+setTimeout(() => {
+  post({ kind: "listening" });
+  rehearse();
+});

@@ -1,0 +1,132 @@
+// @ts-check
+import { alphaTab } from "../../shared/alphatab.js";
+import { rewriteMusicXml } from "./rewrite.js";
+
+/**
+ * Reads MusicXML: rewritten for alphaTab's reader, which takes care of what stands at the notes, and with what belongs to
+ * whole bars put into the score directly.
+ *
+ * @typedef {import("../../shared/alphatab.js").Score} Score
+ * @typedef {import("../../shared/alphatab.js").Settings} Settings
+ * @typedef {import("./rewrite.js").Bar} Bar
+ * @typedef {import("./rewrite.js").Leftovers} Leftovers
+ * @typedef {import("./road-signs.js").Sign} Sign
+ */
+
+/**
+ * @param {string} text of a MusicXML document
+ * @param {Settings} settings
+ * @returns {Score}
+ * @throws {Error} when it cannot be read; the message is the rest of a sentence
+ */
+export function readMusicXml(text, settings) {
+  const { xml, bars, leftovers } = rewriteMusicXml(text);
+  const score = alphaTab.importer.ScoreLoader.loadScoreFromBytes(new TextEncoder().encode(xml), settings);
+  const signs = new Set(bars.flatMap((bar) => [...bar.signs.signs]));
+  bars.forEach((bar, index) => applyBar(bar, signs, score.masterBars[index]));
+  let start = 0;
+  for (const bar of score.masterBars) {
+    bar.start = start;
+    start += bar.calculateDuration();
+  }
+  score.rebuildRepeatGroups();
+  applyLeftovers(leftovers, score);
+  return score;
+}
+
+/**
+ * @param {Bar} bar
+ * @param {Set<Sign>} allSigns of the score
+ * @param {import("@coderline/alphatab").model.MasterBar} masterBar
+ */
+function applyBar({ partial, length, signs, tempos }, allSigns, masterBar) {
+  masterBar.isAnacrusis = partial;
+  masterBar.isRepeatStart = signs.repeatStart;
+  masterBar.repeatCount = signs.repeatCount;
+  masterBar.alternateEndings = signs.endings;
+  masterBar.directions = null;
+  for (const direction of directionsOf(signs.signs, allSigns)) {
+    masterBar.addDirection(direction);
+  }
+  if (masterBar.index > 0 || tempos[0]?.time === 0) {
+    masterBar.tempoAutomations = [];
+  }
+  for (const { time, quartersPerMinute } of tempos) {
+    const automation = new alphaTab.model.Automation();
+    automation.type = alphaTab.model.AutomationType.Tempo;
+    automation.value = quartersPerMinute;
+    automation.ratioPosition = time / length;
+    masterBar.tempoAutomations.push(automation);
+  }
+}
+
+/**
+ * @param {Set<Sign>} signs of a bar
+ * @param {Set<Sign>} all signs of the score, which tell how far one plays after a jump
+ */
+function directionsOf(signs, all) {
+  const { Direction } = alphaTab.model;
+  const kind = all.has("toCoda") && all.has("coda") ? "coda" : all.has("fine") ? "fine" : "end";
+  const table = {
+    segno: Direction.TargetSegno,
+    coda: Direction.TargetCoda,
+    fine: Direction.TargetFine,
+    toCoda: Direction.JumpDaCoda,
+    daCapo: { coda: Direction.JumpDaCapoAlCoda, fine: Direction.JumpDaCapoAlFine, end: Direction.JumpDaCapo }[kind],
+    dalSegno: { coda: Direction.JumpDalSegnoAlCoda, fine: Direction.JumpDalSegnoAlFine, end: Direction.JumpDalSegno }[kind],
+  };
+  return [...signs].map((sign) => table[sign]);
+}
+
+/**
+ * @param {Leftovers} leftovers
+ * @param {Score} score
+ */
+function applyLeftovers({ hiddenRests, longGraces, crossTies }, score) {
+  for (const place of hiddenRests) {
+    const rest = voiceAt(score, place).beats[place.beat];
+    if (rest?.isRest) {
+      rest.isEmpty = true;
+    }
+  }
+  for (const { first, ticks } of longGraces) {
+    applyGraces(voiceAt(score, first).beats.slice(first.beat, first.beat + ticks.length + 1), ticks);
+  }
+  for (const { from, to } of crossTies) {
+    const origin = voiceAt(score, from).beats[from.beat]?.notes[from.note];
+    const destination = voiceAt(score, to).beats[to.beat]?.notes[to.note];
+    if (origin && destination && !origin.isTieOrigin) {
+      destination.isTieDestination = true;
+      destination.tieOrigin = origin;
+      origin.tieDestination = destination;
+    }
+  }
+}
+
+/**
+ * @param {import("@coderline/alphatab").model.Beat[]} beats grace notes, and the note after them
+ * @param {number[]} ticks of the grace notes
+ */
+function applyGraces(beats, ticks) {
+  const main = beats[ticks.length];
+  let start = beats[0]?.playbackStart;
+  const end = main?.playbackStart + main?.playbackDuration;
+  if (Number.isNaN(end) || main.graceType !== alphaTab.model.GraceType.None) {
+    return;
+  }
+  ticks.forEach((duration, i) => {
+    beats[i].playbackStart = start;
+    beats[i].playbackDuration = duration;
+    start += duration;
+  });
+  main.playbackStart = start;
+  main.playbackDuration = end - start;
+}
+
+/**
+ * @param {Score} score
+ * @param {import("./rewrite.js").BeatPlace} place
+ */
+function voiceAt(score, { part, staff, bar, voice }) {
+  return score.tracks[part].staves[staff].bars[bar].voices[voice];
+}

@@ -1,0 +1,333 @@
+// @ts-check
+import { barAfterSystem, lookAheadStep } from "./look-ahead.js";
+
+/**
+ * Keeps what is being played in view while it plays, and lets readers scroll for themselves: from their own scrolling
+ * on the page waits a moment before it takes the score along again. The next staff system comes into view before it is
+ * played.
+ *
+ * @typedef {import("@coderline/alphatab").rendering.BeatBounds} BeatBounds
+ */
+
+/** How long the reader's own scrolling is left alone, in milliseconds. */
+const courtesy = 2500;
+
+/** How long a glide to the next line takes, in milliseconds. */
+const glideTime = 350;
+
+/** How long before its first note the next staff system comes into view, in milliseconds. */
+const lookAheadMs = 1000;
+
+/** Room kept between the edge of the view and what is followed, in CSS pixels. */
+const margin = 24;
+
+/** In one endless line: where the beat is put, and how far it may wander, as parts of the view's width. */
+const sidewaysHome = 0.25;
+const sidewaysLimit = 0.7;
+
+const scrollKeys = new Set(["ArrowUp", "ArrowDown", "ArrowLeft", "ArrowRight", "PageUp", "PageDown", "Home", "End"]);
+
+/** @implements {Disposable} */
+export class Follow {
+  #api;
+  #playback;
+  #desk;
+  #lastOwnScroll = -Infinity;
+  /** Whether the reader is choosing something on the score, which then stays where it is. */
+  #choosing = false;
+  #glide = 0;
+  /** @type {{ left: number, top: number } | null} where the glide under way leads */
+  #glideTarget = null;
+  /** Whether the position was changed otherwise than by playing on while the score is being drawn anew. */
+  #jumped = false;
+  #soon = 0;
+  #lookAheadTimer = 0;
+  /** @type {{ system: number, top: number } | null} the staff system that has made room for the next, and where it was */
+  #madeRoom = null;
+  /** @type {{ y: number, h: number } | null} the line of the score that was followed last */
+  #line = null;
+
+  /**
+   * @param {import("../alphatab/engine.js").Engine} api
+   * @param {import("../playback/playback.js").Playback} playback
+   * @param {HTMLElement} desk what scrolls
+   */
+  constructor(api, playback, desk) {
+    this.#api = api;
+    this.#playback = playback;
+    this.#desk = desk;
+    api.customScrollHandler = this;
+    for (const gesture of ["wheel", "touchmove", "keydown", "mousedown"]) {
+      desk.ownerDocument.addEventListener(gesture, (event) => this.#noticeReader(event), { capture: true, passive: true });
+    }
+    for (const gesture of ["pointerdown", "pointermove", "pointerup", "pointercancel"]) {
+      desk.ownerDocument.addEventListener(gesture, (event) => this.#noticeChoosing(event), { capture: true, passive: true });
+    }
+    api.playerPositionChanged.on(({ isSeek }) => {
+      if (isSeek) {
+        this.#jumped = api.drawing.awaited;
+        this.#showPlaceSoon();
+      }
+    });
+    api.postRenderFinished.on(() => {
+      this.#line = null;
+      if (playback.playing || this.#jumped || !api.drawing.drewAgain) {
+        this.#showPlaceSoon();
+      }
+      this.#jumped = false;
+    });
+  }
+
+  [Symbol.dispose]() {
+    this.#stopGlide();
+    clearTimeout(this.#lookAheadTimer);
+  }
+
+  /** Whether the score may be scrolled along with the music now. */
+  get #mayScroll() {
+    return this.#playback.playing && !this.#choosing && performance.now() - this.#lastOwnScroll > courtesy;
+  }
+
+  /**
+   * Called when the place was changed otherwise than by playing on.
+   *
+   * @param {BeatBounds} beat
+   */
+  forceScrollTo(beat) {
+    this.#madeRoom = null;
+    this.#reveal(beat, beat.onNotesX, 0);
+  }
+
+  /**
+   * Called by alphaTab at each beat while playing, and when it has put its cursor into a new drawing.
+   *
+   * @param {BeatBounds} beat
+   * @param {BeatBounds | undefined} _next
+   * @param {number} _mode
+   * @param {number} _from
+   * @param {number} endX where the cursor will be when the beat ends
+   */
+  onBeatCursorUpdating(beat, _next, _mode, _from, endX) {
+    clearTimeout(this.#lookAheadTimer);
+    if (this.#mayScroll) {
+      if (this.#madeRoom?.system !== systemOf(beat)) {
+        this.#reveal(beat, endX, glideTime);
+      }
+      this.#lookAhead(beat);
+    }
+  }
+
+  /** The engine puts its cursor to a new place within the next frames. */
+  #showPlaceSoon() {
+    clearTimeout(this.#soon);
+    clearTimeout(this.#lookAheadTimer);
+    this.#soon = setTimeout(() => {
+      if (this.#playback.atStart && !this.#playback.playing) {
+        // The title belongs to the beginning.
+        this.#line = null;
+        this.#glideTo(0, 0, 0);
+      } else {
+        this.#api.scrollToCursor();
+      }
+    }, 80);
+  }
+
+  /** @param {Event} event */
+  #noticeReader(event) {
+    // A press on the score itself chooses a place; one on the desk's edge is the scroll bar being taken.
+    const scrolls =
+      event instanceof KeyboardEvent ? scrollKeys.has(event.key) : event.type !== "mousedown" || event.target === this.#desk;
+    if (scrolls) {
+      this.#lastOwnScroll = performance.now();
+      this.#madeRoom = null;
+      this.#stopGlide();
+    }
+  }
+
+  /** @param {Event} event */
+  #noticeChoosing(event) {
+    // From the buttons as they are, so that a release that goes elsewhere is noticed with the next movement.
+    const { buttons, target } = /** @type {PointerEvent} */ (event);
+    this.#choosing = (buttons & 1) === 1 && target instanceof Node && this.#api.sheet.contains(target);
+  }
+
+  /**
+   * @param {BeatBounds} beat
+   * @param {number} endX where the cursor will be when the beat ends
+   * @param {number} duration of the glide in milliseconds
+   */
+  #reveal(beat, endX, duration) {
+    const desk = this.#desk;
+    const system = beat.barBounds.masterBarBounds.visualBounds;
+    const target = this.#target;
+    // A system that is higher than the view keeps to the place that the one before had before it made room.
+    const top = isTooHigh(system.h, desk.clientHeight) ? (this.#madeRoom?.top ?? target.top) : target.top;
+    this.#madeRoom = null;
+    const { x, y } = this.#sheetIn({ left: target.left, top });
+    const before = this.#line && { top: y + this.#line.y, height: this.#line.h };
+    this.#line = system;
+    const sideways = sidewaysStep(x + beat.onNotesX, desk.clientWidth, x + endX);
+    const down = lineStep({ top: y + system.y, height: system.h }, before, desk.clientHeight);
+    const seen = this.#sheetIn({ left: desk.scrollLeft, top: desk.scrollTop });
+    const unseen =
+      seen.y + system.y + system.h <= 0 ||
+      seen.y + system.y >= desk.clientHeight ||
+      seen.x + beat.onNotesX <= 0 ||
+      seen.x + beat.onNotesX >= desk.clientWidth;
+    this.#glideTo(target.left + sideways, top + down, unseen ? 0 : duration);
+  }
+
+  /** How far the desk is scrolled when the glide under way has ended. */
+  get #target() {
+    return this.#glideTarget ?? { left: this.#desk.scrollLeft, top: this.#desk.scrollTop };
+  }
+
+  /**
+   * Where the sheet begins, relative to the view, when the desk is scrolled.
+   *
+   * @param {{ left: number, top: number }} scrolled how far
+   */
+  #sheetIn({ left, top }) {
+    const desk = this.#desk;
+    const origin = this.#api.sheet.getBoundingClientRect();
+    const view = desk.getBoundingClientRect();
+    return { x: origin.left - view.left + desk.scrollLeft - left, y: origin.top - view.top + desk.scrollTop - top };
+  }
+
+  /**
+   * Brings the staff system that comes next into view before it is played.
+   *
+   * @param {BeatBounds} beat that is played now
+   */
+  #lookAhead(beat) {
+    const bounds = this.#api.boundsLookup;
+    const bars = this.#api.tickCache?.masterBars ?? [];
+    const now = systemOf(beat);
+    const next = barAfterSystem(bars, this.#playback.tick, this.#playback.loop, (bar) => {
+      const system = bounds?.findMasterBarByIndex(bar)?.staffSystemBounds?.index;
+      return system !== undefined && system !== now;
+    });
+    const box = next && bounds?.findMasterBarByIndex(next.bar)?.visualBounds;
+    if (next && box && now !== undefined) {
+      const delay = Math.max(this.#playback.msUntil(next.tick) - lookAheadMs, 0);
+      this.#lookAheadTimer = setTimeout(() => this.#makeRoom(now, beat.barBounds.masterBarBounds.visualBounds, box), delay);
+    }
+  }
+
+  /**
+   * @param {number} system that is played now
+   * @param {{ y: number, h: number }} now
+   * @param {{ y: number, h: number }} next
+   */
+  #makeRoom(system, now, next) {
+    if (!this.#mayScroll || this.#madeRoom?.system === system) {
+      return;
+    }
+    const target = this.#target;
+    const { y } = this.#sheetIn(target);
+    const step = lookAheadStep(
+      { top: y + now.y, height: now.h },
+      { top: y + next.y, height: next.h },
+      this.#desk.clientHeight,
+      margin,
+    );
+    if (step !== 0) {
+      this.#madeRoom = { system, top: target.top };
+      this.#glideTo(target.left, target.top + step, glideTime);
+    }
+  }
+
+  /**
+   * @param {number} left
+   * @param {number} top
+   * @param {number} duration
+   */
+  #glideTo(left, top, duration) {
+    const desk = this.#desk;
+    const target = {
+      left: Math.min(Math.max(left, 0), desk.scrollWidth - desk.clientWidth),
+      top: Math.min(Math.max(top, 0), desk.scrollHeight - desk.clientHeight),
+    };
+    const goal = this.#target;
+    if (Math.abs(target.left - goal.left) < 1 && Math.abs(target.top - goal.top) < 1 && (duration > 0 || !this.#glideTarget)) {
+      return;
+    }
+    const start = { left: desk.scrollLeft, top: desk.scrollTop };
+    this.#stopGlide();
+    const began = performance.now();
+    const step = () => {
+      const progress = duration > 0 ? Math.min((performance.now() - began) / duration, 1) : 1;
+      const eased = progress < 0.5 ? 2 * progress * progress : 1 - 2 * (1 - progress) * (1 - progress);
+      desk.scrollTo(start.left + (target.left - start.left) * eased, start.top + (target.top - start.top) * eased);
+      this.#glideTarget = progress < 1 ? target : null;
+      if (progress < 1) {
+        this.#glide = requestAnimationFrame(step);
+      }
+    };
+    step();
+  }
+
+  #stopGlide() {
+    cancelAnimationFrame(this.#glide);
+    this.#glideTarget = null;
+  }
+}
+
+/** @param {BeatBounds} beat */
+function systemOf(beat) {
+  return beat.barBounds.masterBarBounds.staffSystemBounds?.index;
+}
+
+/**
+ * @param {number} height of a staff system
+ * @param {number} viewHeight
+ */
+function isTooHigh(height, viewHeight) {
+  return height + 2 * margin > viewHeight;
+}
+
+/**
+ * How far to scroll down so that a line of the score is in view; nothing while it is. A line that is higher than the
+ * view is moved on by whole lines: who watches its last track goes on watching it.
+ *
+ * @typedef {{ top: number, height: number }} Line relative to the view
+ *
+ * @param {Line} line
+ * @param {Line | null} before the line followed before
+ * @param {number} viewHeight
+ * @returns {number} CSS pixels, negative for up
+ */
+export function lineStep(line, before, viewHeight) {
+  if (!isTooHigh(line.height, viewHeight)) {
+    return line.top >= 0 && line.top + line.height <= viewHeight ? 0 : line.top - margin;
+  }
+  if (fillsMiddle(line, viewHeight)) {
+    return 0;
+  }
+  return before && fillsMiddle(before, viewHeight) ? line.top - before.top : line.top - margin;
+}
+
+/**
+ * @param {Line} line
+ * @param {number} viewHeight
+ */
+function fillsMiddle(line, viewHeight) {
+  return line.top <= viewHeight / 2 && line.top + line.height >= viewHeight / 2;
+}
+
+/**
+ * How far to scroll sideways so that a beat and the one after it have room; nothing while they have.
+ *
+ * @param {number} beatX relative to the view
+ * @param {number} viewWidth
+ * @param {number} nextX where the cursor goes from there; left of the beat where the music jumps back
+ * @returns {number} CSS pixels, negative for left
+ */
+export function sidewaysStep(beatX, viewWidth, nextX = beatX) {
+  if (beatX >= margin && beatX <= viewWidth * sidewaysLimit && nextX <= viewWidth - margin) {
+    return 0;
+  }
+  const home = beatX - viewWidth * sidewaysHome;
+  // A beat wider than the rest of the view goes further to the left, yet not out of it.
+  return Math.max(home, Math.min(nextX - viewWidth + margin, beatX - margin));
+}

@@ -1,0 +1,97 @@
+// @ts-check
+import { alphaTab } from "../shared/alphatab.js";
+
+/**
+ * What stands over the notation: title, people, and how the instruments are tuned. The page sets these lines itself,
+ * because the engine neither breaks a long title nor keeps lines of text apart.
+ *
+ * @typedef {import("../shared/alphatab.js").Score} Score
+ * @typedef {import("../shared/alphatab.js").Track} Track
+ */
+
+export class Heading {
+  #element;
+
+  /** @param {HTMLElement} element an empty element over the notation */
+  constructor(element) {
+    this.#element = element;
+  }
+
+  /**
+   * @param {Score} score
+   * @param {readonly Track[]} tracks the ones that are drawn
+   */
+  show(score, tracks) {
+    const lines = [
+      line("h1", "title", score.title),
+      line("p", "subtitle", score.subTitle),
+      line("p", "artist", [score.artist, score.album].filter(Boolean).join(" · ")),
+      line("p", "people", people(score)),
+      ...tunings(tracks).map((text) => line("p", "tuning", text)),
+    ];
+    this.#element.replaceChildren(...lines.filter((element) => element !== null));
+  }
+}
+
+/**
+ * @param {string} tag
+ * @param {string} kind
+ * @param {string} text
+ */
+function line(tag, kind, text) {
+  if (!text) {
+    return null;
+  }
+  const element = document.createElement(tag);
+  element.className = kind;
+  element.textContent = text;
+  return element;
+}
+
+/** @param {Score} score */
+function people(score) {
+  const { words, music } = score;
+  if (words && words === music) {
+    return `Words and music by ${words}`;
+  }
+  return [words && `Words by ${words}`, music && `Music by ${music}`].filter(Boolean).join(", ");
+}
+
+/**
+ * One line for each way in which instruments differ from what everybody expects, with the tracks it holds for.
+ *
+ * @param {readonly Track[]} tracks
+ */
+function tunings(tracks) {
+  /** @type {Map<string, string[]>} */
+  const tracksByTuning = new Map();
+  for (const track of tracks) {
+    const text = tuning(track);
+    if (text) {
+      tracksByTuning.set(text, [...(tracksByTuning.get(text) ?? []), track.name]);
+    }
+  }
+  return Array.from(tracksByTuning, ([text, names]) => `${names.filter(Boolean).join(", ")}: ${text}`);
+}
+
+/**
+ * The strings from low to high where they are not in standard tuning, and the capo.
+ *
+ * @param {Track} track
+ */
+function tuning(track) {
+  const staff = track.staves.find((candidate) => candidate.stringTuning.tunings.length > 0 && !candidate.isPercussion);
+  if (!staff) {
+    return "";
+  }
+  const strings = staff.stringTuning;
+  const facts = [];
+  if (!strings.isStandard) {
+    const notes = strings.tunings.map((note) => alphaTab.model.Tuning.getTextForTuning(note, false));
+    facts.push(notes.reverse().join(" "));
+  }
+  if (staff.capo > 0) {
+    facts.push(`Capo ${staff.capo}`);
+  }
+  return facts.join(", ");
+}

@@ -1,0 +1,165 @@
+// @ts-check
+import { alphaTab } from "../shared/alphatab.js";
+import { drawingWorkerListens } from "../rendering/drawing-worker-start.js";
+import { Recordings } from "../backing-track/recordings.js";
+import { scoreOrder } from "../playback/score-order.js";
+import { CallOrder } from "./call-order.js";
+import { fetchBytes } from "../shared/resources.js";
+import { exportGuitarPro } from "../score-files/guitar-pro/export.js";
+import { readScore } from "../score-files/score-files.js";
+
+/**
+ * The score on the desk: opening another, choosing how it sounds, and writing it out again.
+ *
+ * @typedef {object} Surroundings
+ * @property {import("../alphatab/engine.js").Engine} engine
+ * @property {import("../playback/playback.js").Playback} playback
+ * @property {import("../playback/mixer.js").Mixer} mixer
+ * @property {import("../score-view/selection.js").Selection} selection
+ * @property {import("../score-view/sheet.js").Sheet} sheet
+ * @property {import("../bridge/bridge.js").Post} post
+ */
+export class Documents {
+  #engine;
+  #playback;
+  #mixer;
+  #selection;
+  #sheet;
+  #post;
+  #recordings = new Recordings();
+  #preferSynthesizer = false;
+  #calls = new CallOrder();
+
+  /** @param {Surroundings} surroundings */
+  constructor({ engine, playback, mixer, selection, sheet, post }) {
+    this.#engine = engine;
+    this.#playback = playback;
+    this.#mixer = mixer;
+    this.#selection = selection;
+    this.#sheet = sheet;
+    this.#post = post;
+    engine.scorePrepared.on(() => playback.announceLength());
+  }
+
+  /** @param {Uint8Array | null} bytes null when they could not be decoded */
+  open(bytes) {
+    return this.#open(bytes, this.#calls.begin());
+  }
+
+  async openDemo() {
+    const call = this.#calls.begin();
+    const bytes = await fetchBytes("demo/demo.gp").catch(() => null);
+    if (bytes) {
+      await this.#open(bytes, call);
+    } else {
+      this.#post({ type: "error", message: "The demo score cannot be loaded." });
+    }
+  }
+
+  /**
+   * @param {Uint8Array | null} bytes
+   * @param {number} call
+   */
+  async #open(bytes, call) {
+    await drawingWorkerListens;
+    if (!this.#calls.counts(call)) {
+      return;
+    }
+    const drawing = this.#engine.drawing;
+    const file = bytes && drawing.read(bytes);
+    const reading = readScore(bytes, this.#engine.settings);
+    if ("problem" in reading) {
+      this.#post({ type: "error", message: reading.problem });
+      return;
+    }
+    if (file !== null) {
+      drawing.recognize(reading.score, file);
+    }
+    this.#calls.succeed(call);
+    if (this.#recordings.isWaiting(reading.score)) {
+      await this.#recordings.prepare(reading.score);
+    }
+    if (this.#calls.counts(call)) {
+      try {
+        this.#show(reading.score);
+      } catch (reason) {
+        const message = reason instanceof Error ? reason.message : String(reason);
+        this.#post({ type: "error", message: `The score cannot be shown as a whole (${message}).` });
+      }
+    }
+  }
+
+  /** @param {boolean} synthesized */
+  preferSynthesizer(synthesized) {
+    this.#preferSynthesizer = Boolean(synthesized);
+    const score = this.#engine.score;
+    if (score && this.#choosePlayer(score)) {
+      this.#playback.handOver();
+      this.#engine.updateSettings();
+    }
+  }
+
+  /** The recording of the score on the desk cannot be heard after all: the synthesizer takes its place. */
+  giveUpRecording() {
+    const score = this.#engine.score;
+    if (!score || !this.#recordings.of(score)) {
+      return;
+    }
+    this.#recordings.giveUp(score);
+    // The tracks stay what they are, with what the mixer did to them.
+    this.#post({ type: "score", title: score.title, artist: score.artist, hasBackingTrack: false });
+    this.#playback.repeatPosition();
+    if (this.#choosePlayer(score)) {
+      this.#playback.handOver();
+      this.#engine.updateSettings();
+    }
+  }
+
+  /** @param {(bytes: Uint8Array) => string} encode */
+  exportGuitarPro(encode) {
+    const score = this.#engine.score;
+    if (!score) {
+      this.#post({ type: "error", message: "There is no score to export." });
+      return;
+    }
+    try {
+      const bytes = exportGuitarPro(score, this.#engine.settings);
+      this.#post({ type: "gpData", data: encode(bytes), title: score.title });
+    } catch (reason) {
+      this.#post({ type: "error", message: `The score cannot be exported: ${reason}` });
+    }
+  }
+
+  /** @param {import("../shared/alphatab.js").Score} score */
+  #show(score) {
+    this.#sheet.leaveScore();
+    this.#selection.leaveScore();
+    this.#playback.leaveScore();
+    this.#mixer.leaveScore();
+    this.#choosePlayer(score);
+    this.#sheet.lay();
+    this.#sheet.scrollToTop();
+    this.#post({
+      type: "score",
+      title: score.title,
+      artist: score.artist,
+      tracks: score.tracks.map((track) => ({ index: track.index, name: track.name })),
+      hasBackingTrack: this.#recordings.of(score) !== null,
+    });
+    if (scoreOrder(score).tooLong) {
+      this.#post({ type: "error", message: "The score's repeats have no end in sight: it plays straight through." });
+    }
+    this.#sheet.show(score);
+  }
+
+  /**
+   * @param {import("../shared/alphatab.js").Score} score
+   * @returns {boolean} whether another player is needed than the one at work
+   */
+  #choosePlayer(score) {
+    const { EnabledExternalMedia, EnabledSynthesizer } = alphaTab.PlayerMode;
+    this.#engine.recording = this.#recordings.of(score);
+    const mode = this.#engine.recording && !this.#preferSynthesizer ? EnabledExternalMedia : EnabledSynthesizer;
+    return this.#engine.choosePlayer(mode);
+  }
+}

@@ -1,0 +1,123 @@
+// @ts-check
+import { collectGarbage, collectThoroughly } from "../shared/garbage.js";
+
+/**
+ * Collects the garbage that opening and drawing a score leaves, 70 MB with nine tracks, once nothing has happened for a
+ * while. Nothing else would: left to itself V8 does it three times over, about when the music has begun to play.
+ */
+
+/**
+ * How long nothing may have happened, in milliseconds. V8 gives up its room for new objects only when it has seen next to
+ * none for five seconds.
+ */
+const rest = 6000;
+
+/** From one collection to the next, in milliseconds: two threads together would take each other's processor. */
+const apart = 500;
+
+/** From the second collection of the page to its third, in milliseconds. */
+const quiet = 5500;
+
+/** For how long a collection waits at most until the page has nothing else to do, in milliseconds. */
+const idle = 1000;
+
+/** A page that is just being read or scrolled would stumble. */
+const gestures = ["wheel", "pointermove", "pointerdown", "keydown", "touchmove"];
+
+/**
+ * @typedef {object} Step
+ * @property {"drawing" | "synth" | "sound" | "page"} thread that collects
+ * @property {boolean} [inSilence] whether the music would stumble, and has to have stopped
+ * @property {number} wait for so many milliseconds since the step before
+ */
+
+/** @type {Step[]} */
+const steps = [
+  { thread: "drawing", wait: apart },
+  { thread: "synth", inSilence: true, wait: apart },
+  { thread: "sound", inSilence: true, wait: apart },
+  // By halves, so that it never stands still for long while music plays: the first time leaves what the second finds, and
+  // the room for new objects is given up when the time since the last collection was a quiet one.
+  { thread: "page", wait: apart },
+  { thread: "page", wait: apart },
+  { thread: "page", wait: quiet },
+  { thread: "page", inSilence: true, wait: apart },
+];
+
+export class Tidying {
+  #playback;
+  #timer = 0;
+  /** @type {Step[]} */
+  #left = [];
+  #api;
+
+  /**
+   * @param {Pick<import("../alphatab/engine.js").Engine, "drawing" | "playerReady" | "playerStateChanged" | "recordingPlayer" | "synth">} api
+   * @param {{ readonly playing: boolean }} playback
+   * @param {EventTarget} view where the reader's hands are felt
+   */
+  constructor(api, playback, view) {
+    this.#playback = playback;
+    this.#api = api;
+    const disturbed = () => {
+      this.#left = [...steps];
+      this.#wait(rest);
+    };
+    api.drawing.pieceShown.on(disturbed);
+    api.playerReady.on(disturbed);
+    const later = () => this.#wait(rest);
+    api.playerStateChanged.on(later);
+    for (const gesture of gestures) {
+      view.addEventListener(gesture, later, { capture: true, passive: true });
+    }
+  }
+
+  /** @returns {Step | undefined} */
+  get #next() {
+    return this.#left.find(({ inSilence }) => !inSilence || !this.#playback.playing);
+  }
+
+  /** @param {number} milliseconds */
+  #wait(milliseconds) {
+    clearTimeout(this.#timer);
+    if (this.#next) {
+      this.#timer = setTimeout(() => this.#tidy(), milliseconds);
+    }
+  }
+
+  #tidy() {
+    const step = this.#next;
+    if (step) {
+      this.#left = this.#left.filter((other) => other !== step);
+      this.#collect(step);
+      this.#wait(this.#next?.wait ?? 0);
+    }
+  }
+
+  /** @param {Step} step */
+  #collect(step) {
+    const { thread } = step;
+    if (thread === "drawing") {
+      this.#api.drawing.tidy();
+    } else if (thread === "synth") {
+      this.#api.synth?.tidy();
+    } else if (thread === "sound") {
+      this.#api.recordingPlayer.tidy();
+    } else {
+      // While music plays the mark on the score moves between two notes, and is still while one sounds.
+      requestIdleCallback(() => this.#collectHere(step), { timeout: idle });
+    }
+  }
+
+  /** @param {Step} step */
+  #collectHere(step) {
+    if (!step.inSilence) {
+      collectGarbage();
+    } else if (this.#playback.playing) {
+      // Music began meanwhile.
+      this.#left.push(step);
+    } else {
+      collectThoroughly();
+    }
+  }
+}

@@ -1,0 +1,219 @@
+// @ts-check
+import { SampleRing } from "../audio/sample-ring.js";
+
+/**
+ * The last station before the loudspeaker, in the audio thread. It asks the synthesizer's worker for samples over a
+ * port of their own, so that nothing the page is busy with holds up the sound. While it plays it allocates next to
+ * nothing and hears nothing: garbage to collect made it miss its turn once in ten minutes.
+ *
+ * @typedef {{ port?: MessagePort | null, ring?: SharedArrayBuffer | null, latency?: number, brace?: number }} FromPage
+ *     port: to the synthesizer that is heard from now on, null for none; ring: where the samples come, if memory can be
+ *     shared; latency in frames: by how much later than here a sample is heard than what is reported of it is seen, below
+ *     zero when it is heard first; brace: for how many frames the page will keep the processor busy
+ * @typedef {{ stream: number, samples?: Float32Array, playing?: boolean }} FromSynth samples: where memory cannot be
+ *     shared
+ * @typedef {{ stream: number, want: number, heard?: number, at: number }} ToSynth want, heard: up to which frame of the
+ *     stream samples are wanted, and which one is heard (not begun yet below zero) at the time `at` of Date
+ */
+
+/** How many frames are kept ahead. The more, the longer a mute takes to be heard; the fewer, the sooner it stutters. */
+const least = 1536;
+const most = 8192;
+
+/** What is added after the ring ran dry. */
+const increase = 512;
+
+/**
+ * How many frames at the least are asked for at a time: as many as the sound system takes in one turn, as the
+ * synthesizer's thread wakes up for each question.
+ */
+const portion = 1024;
+
+/** After how many frames the synthesizer is told again what is heard. */
+const reportEvery = 1536;
+
+/**
+ * The calls of one turn of the sound system come at once, one behind the other. After so many milliseconds another turn
+ * has begun.
+ */
+const pause = 2;
+
+/** How many calls are remembered: more than the latency of the slowest loudspeaker, half a second. */
+const memory = 256;
+
+/** How long a sound that is broken off takes to fade, in frames. */
+const fadeLength = 256;
+
+const { AudioWorkletProcessor, registerProcessor } = /** @type {any} */ (globalThis);
+
+class SoundProcessor extends AudioWorkletProcessor {
+  #ring = new SampleRing(null);
+  #ahead = least;
+  #playing = false;
+  /** Counts the streams: a seek begins a new one, and what comes of the one before is dropped. */
+  #stream = 0;
+  /** Frames of the stream that were asked for, and that came. */
+  #asked = 0;
+  #taken = 0;
+  #latency = 0;
+  /** For how many frames to come as much as possible is kept ahead. */
+  #braced = 0;
+  /** Calls since the stream's first frame, and how many frames had been taken before each of the last ones. */
+  #calls = 0;
+  #before = new Int32Array(memory);
+  /** With which of them the turn began, and when this and the last call came, in milliseconds. */
+  #turn = 0;
+  #turnTime = 0;
+  #lastTime = 0;
+  #sinceReport = 0;
+  #fadeLeft = new Float32Array(fadeLength);
+  #fadeRight = new Float32Array(fadeLength);
+  #faded = fadeLength;
+  /** @type {MessagePort | null} */
+  #synth = null;
+
+  constructor() {
+    super();
+    this.port.onmessage = (/** @type {MessageEvent<FromPage>} */ event) => {
+      const { port, ring, latency, brace } = event.data;
+      if (port !== undefined) {
+        this.#hear(port);
+      }
+      this.#ring = ring ? new SampleRing(ring) : this.#ring;
+      this.#latency = latency ?? this.#latency;
+      this.#braced = brace ?? this.#braced;
+    };
+  }
+
+  /** @param {MessagePort | null} synth */
+  #hear(synth) {
+    this.#breakOff();
+    this.#synth?.close();
+    this.#synth = synth;
+    this.#stream = 0;
+    this.#playing = false;
+    this.#ahead = least;
+    if (synth) {
+      synth.onmessage = (message) => this.#listen(message.data);
+    }
+  }
+
+  /** @param {FromSynth} message */
+  #listen({ stream, samples, playing }) {
+    if (stream > this.#stream) {
+      this.#breakOff();
+      this.#stream = stream;
+    }
+    if (playing !== undefined) {
+      if (!playing) {
+        this.#breakOff();
+      } else if (this.#asked === 0) {
+        // A synthesizer that was heard before this one may have answered its last question late.
+        this.#ring.clear();
+      }
+      this.#playing = playing;
+    }
+    if (samples && stream === this.#stream) {
+      this.#ring.write(samples);
+    }
+  }
+
+  /** Drops what is waiting; a little of it fades out, as a sound that ends at once clicks. */
+  #breakOff() {
+    if (this.#playing) {
+      for (const channel of [this.#fadeLeft, this.#fadeRight]) {
+        channel.fill(0);
+      }
+      this.#ring.take(this.#fadeLeft, this.#fadeRight);
+      for (const channel of [this.#fadeLeft, this.#fadeRight]) {
+        channel.forEach((sample, frame) => (channel[frame] = sample * (1 - frame / fadeLength)));
+      }
+      this.#faded = 0;
+    }
+    this.#ring.clear();
+    this.#asked = 0;
+    this.#taken = 0;
+    this.#calls = 0;
+    this.#sinceReport = 0;
+  }
+
+  /**
+   * @param {Float32Array[][]} _inputs
+   * @param {Float32Array[][]} outputs
+   */
+  process(_inputs, outputs) {
+    const left = outputs[0][0];
+    const right = outputs[0][1];
+    if (this.#playing) {
+      this.#noticeTurn();
+      const taken = this.#ring.take(left, right);
+      if (taken < left.length && taken > 0) {
+        this.#ahead = Math.min(this.#ahead + increase, most);
+      }
+      if (taken > 0 || this.#calls > 0) {
+        this.#before[this.#calls++ % memory] = this.#taken;
+      }
+      this.#taken += taken;
+      this.#braced = Math.max(this.#braced - left.length, 0);
+      this.#sinceReport += left.length;
+      this.#tell(left.length);
+    }
+    this.#mixFade(left, right);
+    return true;
+  }
+
+  #noticeTurn() {
+    const now = Date.now();
+    if (now - this.#lastTime >= pause || this.#calls === 0) {
+      this.#turn = this.#calls;
+      this.#turnTime = now;
+    }
+    this.#lastTime = now;
+  }
+
+  /** @param {number} length frames of a call */
+  #tell(length) {
+    const missing = (this.#braced > 0 ? most : this.#ahead) - (this.#asked - this.#taken);
+    if (missing <= 0 && this.#sinceReport < reportEvery) {
+      return;
+    }
+    if (missing > 0) {
+      // The first time exactly what is to be kept ahead: from then on the questions come when a turn begins.
+      this.#asked += this.#asked === 0 ? missing : Math.ceil(missing / portion) * portion;
+    }
+    this.#sinceReport = 0;
+    const heard = this.#calls > 0 ? this.#heardFrame(length) : undefined;
+    this.#synth?.postMessage({ stream: this.#stream, want: this.#asked, heard, at: this.#turnTime });
+  }
+
+  /**
+   * Which frame of the stream was heard when the turn began.
+   *
+   * @param {number} length frames of a call
+   */
+  #heardFrame(length) {
+    const back = Math.min(Math.round(this.#latency / length), memory - 1);
+    const call = this.#turn - back;
+    if (call <= 0) {
+      return call * length;
+    }
+    // What has not been taken yet is heard one call behind the other from now on.
+    const known = Math.min(call, this.#turn);
+    return this.#before[known % memory] + (call - known) * length;
+  }
+
+  /**
+   * @param {Float32Array} left
+   * @param {Float32Array} right
+   */
+  #mixFade(left, right) {
+    const count = Math.min(left.length, fadeLength - this.#faded);
+    for (let i = 0; i < count; i++) {
+      left[i] += this.#fadeLeft[this.#faded + i];
+      right[i] += this.#fadeRight[this.#faded + i];
+    }
+    this.#faded += count;
+  }
+}
+
+registerProcessor("quaverly-sound", SoundProcessor);
