@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { AttackFinder, findAttacks } from "../src/attacks.js";
+import { AttackFinder, findAttacks } from "../src/backing-track/decode/attacks.js";
 import { sampleRate, sound, strokes } from "./support/sounds.mjs";
 
 const beats = Array.from({ length: 60 }, (_, beat) => 0.2 + 0.31 * beat + 0.05 * Math.sin(beat));

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { decodeBase64, encodeBase64 } from "../src/base64.js";
+import { decodeBase64, encodeBase64 } from "../src/bridge/base64.js";
 
 test("every byte value survives the way there and back", () => {
   const all = Uint8Array.from({ length: 256 * 300 }, (_, i) => (i * 7) & 0xff);

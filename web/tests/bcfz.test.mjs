@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { unpack } from "../src/bcfz.js";
+import { unpack } from "../src/score-files/bcfz.js";
 import { BitWriter, pack } from "./support/gpx-maker.mjs";
 
 const limit = 1 << 20;

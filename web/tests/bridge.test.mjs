@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { callNames, connect, expose, messageTypes } from "../src/bridge.js";
+import { callNames, connect, expose, messageTypes } from "../src/bridge/bridge.js";
 
 /** A channel whose opening the test decides. */
 function heldChannel() {

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { audibleLevels, clicksOf } from "../src/click-pattern.js";
+import { audibleLevels, clicksOf } from "../src/clicks/click-pattern.js";
 
 const quarter = 960;
 

@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { buildClickBank, clickKey } from "../src/click-bank.js";
-import { clickSamples, sampleRate, soundNamed, soundNames } from "../src/click-sounds.js";
+import { buildClickBank, clickKey } from "../src/clicks/click-bank.js";
+import { clickSamples, sampleRate, soundNamed, soundNames } from "../src/clicks/click-sounds.js";
 
 const loudness = (samples) => Math.sqrt(samples.reduce((sum, value) => sum + value * value, 0) / samples.length);
 

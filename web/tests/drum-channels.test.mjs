@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { chooseChannels } from "../src/drum-channels.js";
+import { chooseChannels } from "../src/playback/drum-channels.js";
 
 test("a single percussion track stays where it is", () => {
   assert.equal(chooseChannels([{ track: 0, channel: 0 }, { track: 1, channel: 9 }, { track: 1, channel: 9 }]).size, 0);

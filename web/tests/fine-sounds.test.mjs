@@ -2,8 +2,8 @@ import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { dirname, join } from "node:path";
 import { test } from "node:test";
-import { buildClickBank } from "../src/click-bank.js";
-import { zonesFor } from "../src/sound-file.js";
+import { buildClickBank } from "../src/clicks/click-bank.js";
+import { zonesFor } from "../src/soundfont/sound-file.js";
 import { Rehearsal, sampleRate, scoreOf } from "./support/rehearsal.mjs";
 
 // Sounds that take the place of the light bank's while a score plays, as numbers that can be told apart.

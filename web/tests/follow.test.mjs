@@ -2,7 +2,7 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 
 // The module's class is made for a page; its geometry is not.
-const { lineStep, sidewaysStep } = await import("../src/follow.js");
+const { lineStep, sidewaysStep } = await import("../src/score-view/follow.js");
 
 const height = 900;
 
@@ -33,4 +33,12 @@ test("sideways the beat keeps room before it", () => {
   assert.equal(sidewaysStep(500, 1000), 0);
   assert.equal(sidewaysStep(800, 1000), 550);
   assert.equal(sidewaysStep(-300, 1000), -550);
+});
+
+test("sideways the next beat is in view before the music is there", () => {
+  assert.equal(sidewaysStep(600, 1000, 990), 350);
+  // The beat that is played stays in view for a next one that is further away than the view is wide.
+  assert.equal(sidewaysStep(600, 1000, 3000), 576);
+  // Where the music jumps back nothing comes after it on the right.
+  assert.equal(sidewaysStep(600, 1000, 100), 0);
 });

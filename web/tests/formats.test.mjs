@@ -1,6 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { decodeText, detectFormat } from "../src/formats.js";
+import { decodeText } from "../src/score-files/containers/text-encoding.js";
+import { detectFormat } from "../src/score-files/formats.js";
 
 const bytes = (text) => new TextEncoder().encode(text);
 const partwise = '<score-partwise version="4.0"><part-list/></score-partwise>';

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { HeardClock } from "../src/heard-clock.js";
+import { HeardClock } from "../src/synth/heard-clock.js";
 import { pass } from "./support/clock.mjs";
 
 /** A synthesizer with notes at some frames, at a thousand frames a second. */

@@ -4,7 +4,7 @@ import { test } from "node:test";
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ENGINE);
 const { alphaTab } = globalThis;
-const { LayoutRun, nextStep } = await import("../src/layout-run.js");
+const { LayoutRun, nextStep } = await import("../src/rendering/layout-run.js");
 
 const width = 900;
 const view = { left: 0, top: 0, right: width, bottom: 600 };

@@ -3,7 +3,7 @@ import { test } from "node:test";
 import { contexts, settled, told } from "./support/audio-context.mjs";
 import { pass } from "./support/clock.mjs";
 
-const { Loudspeaker } = await import("../src/loudspeaker.js");
+const { Loudspeaker } = await import("../src/synth/loudspeaker.js");
 
 const loudspeaker = new Loudspeaker();
 

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { PositionFeed } from "../src/position-feed.js";
+import { PositionFeed } from "../src/playback/position-feed.js";
 
 function feedOnClock() {
   const delivered = [];

@@ -2,8 +2,8 @@ import assert from "node:assert/strict";
 import { readFile } from "node:fs/promises";
 import { dirname, join } from "node:path";
 import { test } from "node:test";
-import { buildClickBank } from "../src/click-bank.js";
-import { HeardTime } from "../src/heard-time.js";
+import { buildClickBank } from "../src/clicks/click-bank.js";
+import { HeardTime } from "../src/timing/heard-time.js";
 import { Rehearsal, onsets, sampleRate, scoreOf } from "./support/rehearsal.mjs";
 
 // The tracks are silent here: no instruments are loaded. What sounds are the metronome's clicks.

@@ -1,11 +1,11 @@
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { test } from "node:test";
-import { callNames, messageTypes } from "../src/bridge.js";
+import { callNames, messageTypes } from "../src/bridge/bridge.js";
 
 /** The names that the program's own half of the bridge is written with, in the order of the source. */
 function names(file, pattern) {
-  const source = readFileSync(new URL(`../../engine_host/${file}`, import.meta.url), "utf8");
+  const source = readFileSync(new URL(`../../engine_host/bridge/${file}`, import.meta.url), "utf8");
   return Array.from(source.matchAll(pattern), (match) => match[1]);
 }
 

@@ -4,7 +4,7 @@ import { test } from "node:test";
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ENGINE);
 const { alphaTab } = globalThis;
-const { placeIn, viewAt } = await import("../src/reading-place.js");
+const { placeIn, viewAt } = await import("../src/rendering/reading-place.js");
 
 /** A drawing: lines of bars, each bar as wide as given and each line as high. */
 function drawn(lines, width, height) {

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { RecordingClicks } from "../src/recording-clicks.js";
+import { RecordingClicks } from "../src/backing-track/recording-clicks.js";
 
 const first = Float32Array.of(1, 0.5);
 const others = Float32Array.of(0.25);

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { cutRecording } from "../src/recording-cuts.js";
+import { cutRecording } from "../src/backing-track/decode/recording-cuts.js";
 import { frame, infoFrame, joined, little, noise, page, text, vorbisHead, wave } from "./support/audio-files.mjs";
 
 const seconds = 50;

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { decodeRecording } from "../src/recording-decoder.js";
+import { decodeRecording } from "../src/backing-track/decode/recording-decoder.js";
 import { joined, noise, text, wave } from "./support/audio-files.mjs";
 import { onsets, strokes } from "./support/sounds.mjs";
 
@@ -37,7 +37,7 @@ globalThis.Worker = class {
     this.#listening = new Promise((resolve) => {
       globalThis.addEventListener = (_, listener) => resolve(listener);
     });
-    void import(`../${script}?${Worker.made++}`);
+    void import(`${script}?${Worker.made++}`);
   }
 
   async postMessage(data) {

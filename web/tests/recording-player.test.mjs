@@ -3,7 +3,7 @@ import { test } from "node:test";
 import { contexts, settled, told, volumes } from "./support/audio-context.mjs";
 import "./support/clock.mjs";
 
-const { RecordingPlayer } = await import("../src/recording-player.js");
+const { RecordingPlayer } = await import("../src/backing-track/recording-player.js");
 
 const ticking = { levels: 2, sound: "woodblock", accent: true, volume: 0.5 };
 

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { findAttacks } from "../src/attacks.js";
+import { findAttacks } from "../src/backing-track/decode/attacks.js";
 import { AudioThread } from "./support/audio-thread.mjs";
 import { watchCollections } from "./support/collections.mjs";
 import { levels, onsets, sampleRate, sharpest, sound, strokes } from "./support/sounds.mjs";

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { recordingTime } from "../src/recording-time.js";
+import { recordingTime } from "../src/timing/recording-time.js";
 
 test("between sync points score and recording run evenly", () => {
   const points = [{ score: 0, recording: 350 }, { score: 2000, recording: 2350 }, { score: 4000, recording: 3350 }];

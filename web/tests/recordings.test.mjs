@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { Recordings } from "../src/recordings.js";
+import { Recordings } from "../src/backing-track/recordings.js";
 
 /** Lengths of what was decoded. */
 const decoded = [];
@@ -33,13 +33,13 @@ async function judged(bytes, isReadable) {
 
 test("of a large recording only the beginning is decoded to see that it can be heard", async () => {
   const bytes = new Uint8Array(large);
-  assert.equal((await judged(bytes, () => true)).recording.take(), bytes);
+  assert.equal((await judged(bytes, () => true)).recording.file, bytes);
   assert.ok(Math.max(...decoded) < large / 4);
 });
 
 test("a recording that needs its end to be read is heard", async () => {
   const bytes = new Uint8Array(large);
-  assert.equal((await judged(bytes, (part) => part.length === large)).recording.take(), bytes);
+  assert.equal((await judged(bytes, (part) => part.length === large)).recording.file, bytes);
 });
 
 test("a recording that nobody can read is none", async () => {
@@ -48,10 +48,10 @@ test("a recording that nobody can read is none", async () => {
   assert.deepEqual(decoded, [100]);
 });
 
-test("the file of a recording is given away and not kept", async () => {
+test("the file of a recording stays with its score", async () => {
   const { score, recording, recordings } = await judged(new Uint8Array(100), () => true);
-  assert.equal(recording.take().length, 100);
-  assert.equal(score.backingTrack.rawAudioFile, undefined);
+  assert.equal(recording.file.length, 100);
+  assert.equal(score.backingTrack.rawAudioFile, recording.file);
   assert.equal(recordings.of(score), recording);
   recordings.giveUp(score);
   assert.equal(recordings.of(score), null);

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { Resampler } from "../src/resampler.js";
+import { Resampler } from "../src/audio/resampler.js";
 
 const rates = [[44100, 48000], [48000, 44100], [22050, 44100], [44100, 22050], [8000, 48000], [96000, 44100]];
 const sine = (hertz, rate, seconds = 1) => Float32Array.from({ length: rate * seconds }, (_, frame) => Math.sin((2 * Math.PI * hertz * frame) / rate));

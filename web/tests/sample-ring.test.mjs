@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { SampleRing } from "../src/sample-ring.js";
+import { SampleRing } from "../src/audio/sample-ring.js";
 
 /** @returns {Float32Array} of so many frames that count from `first`, the right channel negative */
 function counting(first, frames) {

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { readSoundFile, wordsOf } from "../src/sound-file.js";
+import { readSoundFile, wordsOf } from "../src/soundfont/sound-file.js";
 
 test("a file is its description and its streams", () => {
   const description = { name: "Ö", zones: [], samples: [{ at: 0, length: 2 }, { at: 2, length: 3 }] };

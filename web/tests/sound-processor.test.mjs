@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { SampleRing } from "../src/sample-ring.js";
+import { SampleRing } from "../src/audio/sample-ring.js";
 import { pass } from "./support/clock.mjs";
 
 const block = 128;
@@ -14,7 +14,7 @@ globalThis.AudioWorkletProcessor = class {
   port = {};
 };
 globalThis.registerProcessor = (_, processor) => (Processor = processor);
-await import("../src/sound-processor.js");
+await import("../src/synth/sound-processor.js");
 
 /** The audio thread and a synthesizer that answers between two turns, with samples that count from 1. */
 class Stage {

@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { alphaTab } from "./support/rehearsal.mjs";
-import { soundsInUse } from "../src/sounds-in-use.js";
+import { soundsInUse } from "../src/soundfont/sounds-in-use.js";
 
 const { ControlChangeEvent, NoteOnEvent, ProgramChangeEvent } = alphaTab.midi;
 const { BankSelectCoarse, BankSelectFine } = alphaTab.midi.ControllerType;

@@ -5,7 +5,7 @@ import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { after, test } from "node:test";
 import { fileURLToPath } from "node:url";
-import { readSoundFile } from "../src/sound-file.js";
+import { readSoundFile } from "../src/soundfont/sound-file.js";
 import { makeBank } from "./support/bank-maker.mjs";
 
 const generator = {

@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { Emitter } from "../src/emitter.js";
-import { Tidying } from "../src/tidying.js";
+import { Emitter } from "../src/shared/emitter.js";
+import { Tidying } from "../src/session/tidying.js";
 import { pass } from "./support/clock.mjs";
 import { watchCollections } from "./support/collections.mjs";
 

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { findAttacks } from "../src/attacks.js";
+import { findAttacks } from "../src/backing-track/decode/attacks.js";
 import { Player, levels, onsets, pitch, sampleRate, sharpest, sound, strokes } from "./support/sounds.mjs";
 
 const speeds = [0.25, 0.5, 0.7, 0.95, 1, 1.3, 2];

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { Timeline } from "../src/timeline.js";
+import { Timeline } from "../src/timing/timeline.js";
 
 test("without a tempo mark a quarter note lasts half a second", () => {
   const line = new Timeline([], 3840, 960);

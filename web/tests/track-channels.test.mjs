@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { separateChannels, withChannels } from "../src/track-channels.js";
+import { separateChannels, withChannels } from "../src/alphatab/track-channels.js";
 
 const track = (index, primaryChannel, secondaryChannel) => ({ index, playbackInfo: { primaryChannel, secondaryChannel } });
 

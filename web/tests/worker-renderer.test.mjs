@@ -4,8 +4,8 @@ import { test } from "node:test";
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ENGINE);
 const { alphaTab } = globalThis;
-const { LayoutRun } = await import("../src/layout-run.js");
-const { WorkerRenderer } = await import("../src/worker-renderer.js");
+const { LayoutRun } = await import("../src/rendering/layout-run.js");
+const { WorkerRenderer } = await import("../src/rendering/worker-renderer.js");
 
 const view = { left: 0, top: 0, right: 900, bottom: 600 };
 

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { withoutGaps } from "../src/xml-gaps.js";
+import { withoutGaps } from "../src/score-files/xml-gaps.js";
 
 const without = (text) => new TextDecoder().decode(withoutGaps(new TextEncoder().encode(text)));
 

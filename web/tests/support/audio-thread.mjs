@@ -1,5 +1,5 @@
 // The audio thread, without a loudspeaker: what it would play is returned.
-import { findAttacks } from "../../src/attacks.js";
+import { findAttacks } from "../../src/backing-track/decode/attacks.js";
 import { blocksOf, sampleRate } from "./sounds.mjs";
 
 let Processor;
@@ -9,7 +9,7 @@ globalThis.AudioWorkletProcessor = class {
   port = { postMessage: (report) => this.reports.push(report) };
 };
 globalThis.registerProcessor = (_, processor) => (Processor = processor);
-await import("../../src/recording-processor.js");
+await import("../../src/backing-track/recording-processor.js");
 
 export class AudioThread {
   #processor = new Processor();

@@ -6,10 +6,14 @@ export const { alphaTab } = globalThis;
 
 export const sampleRate = 48000;
 
-export const { PracticeSynth } = await import("../../src/practice-synth.js");
-const { buildClickBank } = await import("../../src/click-bank.js");
-const { Metronome } = await import("../../src/metronome.js");
-const { Playback } = await import("../../src/playback.js");
+export const { PracticeSynth } = await import("../../src/synth/practice-synth.js");
+const { buildClickBank } = await import("../../src/clicks/click-bank.js");
+const { Metronome } = await import("../../src/metronome/metronome.js");
+const { Playback } = await import("../../src/playback/playback.js");
+const { playInOrder } = await import("../../src/alphatab/play-through.js");
+const { scoreOrder } = await import("../../src/playback/score-order.js");
+
+playInOrder((score) => scoreOrder(score).bars);
 
 /** An event of the engine's. */
 class Signal {
@@ -35,6 +39,7 @@ export class Rehearsal {
   messages = [];
   api = {
     midiLoad: new Signal(),
+    preparationFailed: new Signal(),
     playerReady: new Signal(),
     playerStateChanged: new Signal(),
     playerPositionChanged: new Signal(),
@@ -46,7 +51,7 @@ export class Rehearsal {
     recordingPlayer: { setClicks: () => {}, setLoop: () => {} },
   };
 
-  /** @param {import("../../src/alphatab.js").Score} score */
+  /** @param {import("../../src/shared/alphatab.js").Score} score */
   constructor(score) {
     const line = { start: () => {}, stop: () => {}, clear: () => this.streams++ };
     this.synth = new PracticeSynth(sampleRate, line);

@@ -1,8 +1,8 @@
 // Sounds made up for the tests, as 16-bit samples, and what is heard when they are stretched.
-import { findAttacks } from "../../src/attacks.js";
-import { RecordedSound } from "../../src/recorded-sound.js";
-import { blockLength } from "../../src/samples.js";
-import { TimeStretch } from "../../src/time-stretch.js";
+import { findAttacks } from "../../src/backing-track/decode/attacks.js";
+import { RecordedSound } from "../../src/backing-track/stretch/recorded-sound.js";
+import { blockLength } from "../../src/audio/samples.js";
+import { TimeStretch } from "../../src/backing-track/stretch/time-stretch.js";
 
 export const sampleRate = 44100;
 
