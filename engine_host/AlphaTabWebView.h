@@ -11,7 +11,7 @@ class AlphaTabWebView final : public QWidget {
     Q_DISABLE_COPY_MOVE(AlphaTabWebView)
 
 public:
-    /// @param webView the view to show; may be null where the program runs without an engine
+    /// @param webView the view to show; may be null where the program runs without Chromium
     explicit AlphaTabWebView(QWidget *webView, QWidget *parent = nullptr);
     ~AlphaTabWebView() override;
 

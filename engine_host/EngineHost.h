@@ -11,7 +11,7 @@ class QWidget;
 
 /// The embedded web view as its owner sees it: evaluate, load, snapshot.
 ///
-/// The real one is WebEngineHost; tests put a recording one in its place and need no web engine.
+/// The real one is WebEngineHost; tests put a recording one in its place and need no Chromium.
 class EngineHost {
 public:
     /// Called once per evaluation: with nothing on success, with the error's text otherwise.
@@ -23,6 +23,9 @@ public:
     virtual void evaluate(const QString &script, Completion completion) = 0;
     /// Starts loading `url` and returns at once.
     virtual void load(const QUrl &url) = 0;
+    /// Ends the process of the page, whatever it is doing; nothing happens where it has none. That it has ended is made
+    /// known like any other end of it.
+    virtual void endPage() = 0;
     /// Takes a picture of the page's visible content; a null image when there is none.
     virtual void snapshot(std::function<void(const QImage &)> arrived) = 0;
     /// The one web view, owned by this host; null where there is none (tests).

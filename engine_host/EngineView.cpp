@@ -24,7 +24,7 @@ void EngineView::changeEvent(QEvent *event)
 void EngineView::childEvent(QChildEvent *event)
 {
     QWebEngineView::childEvent(event);
-    // The web engine's own surface lies over this view and would take the drops.
+    // Chromium's own surface lies over this view and would take the drops.
     if (event->type() == QEvent::ChildPolished) {
         if (auto *surface = qobject_cast<QWidget *>(event->child()))
             surface->setAcceptDrops(false);
@@ -42,7 +42,7 @@ void EngineView::contextMenuEvent(QContextMenuEvent *event)
 void EngineView::inspect()
 {
     if (!m_inspector) {
-        // A window and a profile of its own: the engine page's interceptor would block the inspector's resources.
+        // A window and a profile of its own: the page's interceptor would block the inspector's resources.
         m_inspector = new QWebEngineView;
         auto *profile = new QWebEngineProfile(m_inspector);
         m_inspector->setPage(new QWebEnginePage(profile, m_inspector));

@@ -12,6 +12,9 @@ public:
     explicit EngineView(QWidget *parent = nullptr);
     ~EngineView() override;
 
+    /// Whether the inspector is open on the page.
+    bool isInspected() const { return m_inspector && m_inspector->isVisible(); }
+
 protected:
     void changeEvent(QEvent *event) override;
     void childEvent(QChildEvent *event) override;

@@ -1,17 +1,18 @@
 #include "engine_host/WebEngineHost.h"
 
-#include "engine_host/DrawingBackend.h"
 #include "engine_host/EnginePage.h"
-#include "engine_host/EngineSwitches.h"
 #include "engine_host/EngineView.h"
-#include "engine_host/HeapLimits.h"
-#include "engine_host/RequestInterceptor.h"
-#include "engine_host/RootSandbox.h"
-#include "engine_host/ScriptEvaluation.h"
-#include "engine_host/ScriptHandler.h"
-#include "engine_host/SoundPrecedence.h"
-#include "engine_host/SystemLog.h"
-#include "engine_host/WebSchemeHandler.h"
+#include "engine_host/bridge/ScriptEvaluation.h"
+#include "engine_host/bridge/ScriptHandler.h"
+#include "engine_host/process/AudioThreadPriority.h"
+#include "engine_host/process/ChromiumSwitches.h"
+#include "engine_host/process/DrawingBackend.h"
+#include "engine_host/process/HeapLimits.h"
+#include "engine_host/process/PageWatch.h"
+#include "engine_host/process/RootSandbox.h"
+#include "engine_host/process/SystemLog.h"
+#include "engine_host/serving/RequestInterceptor.h"
+#include "engine_host/serving/WebSchemeHandler.h"
 
 #include <QCoreApplication>
 #include <QImage>
@@ -23,13 +24,15 @@
 #include <QWebEngineProfile>
 #include <QWebEngineSettings>
 
+#include <csignal>
+
 using namespace Qt::StringLiterals;
 
 void WebEngineHost::prepare()
 {
     RootSandbox::adapt();
     DrawingBackend::adapt();
-    EngineSwitches::adapt();
+    ChromiumSwitches::adapt();
     HeapLimits::adapt();
     WebSchemeHandler::registerScheme();
 }
@@ -38,7 +41,8 @@ WebEngineHost::WebEngineHost(ScriptHandler &scriptHandler, const std::optional<Q
     : m_interceptor(std::make_unique<RequestInterceptor>())
     , m_profile(std::make_unique<QWebEngineProfile>()) // without a name: off the record
     , m_channel(std::make_unique<QWebChannel>())
-    , m_soundPrecedence(std::make_unique<SoundPrecedence>(QCoreApplication::applicationPid()))
+    , m_audioThreadPriority(std::make_unique<AudioThreadPriority>(QCoreApplication::applicationPid()))
+    , m_watch(std::make_unique<PageWatch>())
     , m_scriptHandler(scriptHandler)
 {
     m_profile->setUrlRequestInterceptor(m_interceptor.get());
@@ -53,6 +57,7 @@ WebEngineHost::WebEngineHost(ScriptHandler &scriptHandler, const std::optional<Q
     m_view = std::make_unique<EngineView>();
     m_page = std::make_unique<EnginePage>(m_profile.get(), nullptr);
     configurePage();
+    watchPage();
     m_view->setPage(m_page.get());
     connect(qApp, &QCoreApplication::aboutToQuit, this, &WebEngineHost::shutDown);
 }
@@ -61,12 +66,13 @@ WebEngineHost::~WebEngineHost() = default;
 
 void WebEngineHost::shutDown()
 {
-    // This host may never be destroyed; the web engine wants its views and pages gone before it ends with the
+    // This host may never be destroyed; Chromium wants its views and pages gone before it ends with the
     // application.
+    m_watch.reset();
     m_view.reset();
     m_page.reset();
     m_profile.reset();
-    m_soundPrecedence.reset();
+    m_audioThreadPriority.reset();
 }
 
 void WebEngineHost::configurePage()
@@ -91,7 +97,7 @@ void WebEngineHost::configurePage()
             m_scriptHandler.navigationFailed(info.errorString());
     });
     connect(m_page.get(), &QWebEnginePage::recentlyAudibleChanged, this,
-        [this](bool audible) { m_soundPrecedence->setAudible(audible); });
+        [this](bool audible) { m_audioThreadPriority->setAudible(audible); });
     connect(m_page.get(), &EnginePage::consoleError, this,
         [](const QString &text) { SystemLog::write(u"[Quaverly] page: "_s + text); });
 }
@@ -102,12 +108,58 @@ void WebEngineHost::evaluate(const QString &script, Completion completion)
         completion(u"the application is about to quit"_s);
         return;
     }
-    m_page->runJavaScript(ScriptEvaluation::wrapped(script),
-        [completion = std::move(completion)](const QVariant &value) { completion(ScriptEvaluation::errorOf(value)); });
+    m_watch->asked();
+    m_page->runJavaScript(
+        ScriptEvaluation::wrapped(script), [this, completion = std::move(completion)](const QVariant &value) {
+            if (m_watch)
+                m_watch->answered();
+            completion(ScriptEvaluation::errorOf(value, m_page ? m_page->takeSyntaxError() : std::nullopt));
+        });
 }
 
-void WebEngineHost::load(const QUrl &url) { m_page->load(url); }
+void WebEngineHost::watchPage()
+{
+    connect(m_page.get(), &QWebEnginePage::loadFinished, this, [this](bool loaded) {
+        if (!loaded || !m_watch)
+            return;
+        m_watch->start();
+        // A new process of the page begins with white, and is not told of a colour that is set already.
+        const QColor color = m_view->palette().color(QPalette::Window);
+        m_page->setBackgroundColor(Qt::transparent);
+        m_page->setBackgroundColor(color);
+    });
+    connect(m_page.get(), &QWebEnginePage::renderProcessTerminated, this,
+        [this](QWebEnginePage::RenderProcessTerminationStatus, int exitCode) {
+            if (!m_watch)
+                return;
+            m_watch->stop();
+            m_scriptHandler.pageHealthChanged(PageHealth::Ended, u"exit code %1"_s.arg(exitCode));
+        });
+    connect(m_watch.get(), &PageWatch::notAnswering, this, [this] {
+        // A page that stands still at a breakpoint is meant to.
+        if (!m_view->isInspected())
+            m_scriptHandler.pageHealthChanged(PageHealth::NotAnswering);
+    });
+    connect(
+        m_watch.get(), &PageWatch::answersAgain, this, [this] { m_scriptHandler.pageHealthChanged(PageHealth::Well); });
+    connect(m_watch.get(), &PageWatch::questionDue, this, [this] { evaluate(u"0"_s, [](const auto &) { }); });
+}
 
-void WebEngineHost::snapshot(std::function<void(const QImage &)> arrived) { arrived(m_view->grab().toImage()); }
+void WebEngineHost::endPage()
+{
+    if (const qint64 process = m_page ? m_page->renderProcessPid() : 0; process > 0)
+        ::kill(static_cast<pid_t>(process), SIGKILL);
+}
+
+void WebEngineHost::load(const QUrl &url)
+{
+    if (m_page)
+        m_page->load(url);
+}
+
+void WebEngineHost::snapshot(std::function<void(const QImage &)> arrived)
+{
+    arrived(m_view ? m_view->grab().toImage() : QImage());
+}
 
 QWidget *WebEngineHost::view() const { return m_view.get(); }

@@ -8,20 +8,21 @@
 
 class EnginePage;
 class EngineView;
+class PageWatch;
 class QWebChannel;
 class QWebEngineProfile;
 class RequestInterceptor;
 class ScriptHandler;
-class SoundPrecedence;
+class AudioThreadPriority;
 class WebSchemeHandler;
 
-/// The real engine host: Qt WebEngine with the message channel, the resource scheme and all its doors shut.
+/// The real web view: Qt WebEngine with the message channel, the resource scheme and all its doors shut.
 class WebEngineHost final : public QObject, public EngineHost {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(WebEngineHost)
 
 public:
-    /// Prepares the process for the web engine. To be called once, before the application object exists.
+    /// Prepares the process for Chromium. To be called once, before the application object exists.
     static void prepare();
 
     /// @param scriptHandler receives the page's messages; has to outlive this host
@@ -31,6 +32,7 @@ public:
 
     void evaluate(const QString &script, Completion completion) override;
     void load(const QUrl &url) override;
+    void endPage() override;
     void snapshot(std::function<void(const QImage &)> arrived) override;
     QWidget *view() const override;
 
@@ -41,6 +43,7 @@ public:
 
 private:
     void configurePage();
+    void watchPage();
     void shutDown();
 
     // The order of members is the order of dismantling, backwards: view and page go before the profile they use.
@@ -49,7 +52,8 @@ private:
     std::unique_ptr<QWebEngineProfile> m_profile;
     std::unique_ptr<QWebChannel> m_channel;
     std::unique_ptr<EngineView> m_view;
-    std::unique_ptr<SoundPrecedence> m_soundPrecedence;
+    std::unique_ptr<AudioThreadPriority> m_audioThreadPriority;
+    std::unique_ptr<PageWatch> m_watch;
     std::unique_ptr<EnginePage> m_page;
     ScriptHandler &m_scriptHandler;
 };
