@@ -1,6 +1,7 @@
 #pragma once
 
-#include "pdf/conversion/Outcome.h"
+#include "pdf/conversion/Result.h"
+#include "pdf/process/FileDescriptor.h"
 
 #include <optional>
 
@@ -16,12 +17,15 @@ class WorkingFolder final {
 
 public:
     /// @param kept a folder to use and to leave as it is afterwards; without one, a new folder in the user's temporary
-    /// folder that ends with this object
+    /// folder that this user alone may enter and that ends with this object
     explicit WorkingFolder(const std::optional<QString> &kept);
     ~WorkingFolder();
 
     /// Why there is no folder, if there is none.
     const std::optional<Failure> &failure() const { return m_failure; }
+
+    /// Removes the folders of conversions whose program was killed.
+    static void sweep();
 
     QString path(const QString &name) const { return m_path + u'/' + name; }
 
@@ -29,6 +33,8 @@ private:
     const bool m_kept;
     const QString m_path;
     const std::optional<Failure> m_failure;
+    /// Tells others that the folder is in use; the system lets go of it when the program ends in any way.
+    const FileDescriptor m_hold;
 };
 
 } // namespace PDFConverter

@@ -26,7 +26,7 @@ void appendMeasures(const pugi::xml_node &part, pugi::xml_node &target, int &num
 
 namespace PDFConverter {
 
-Outcome<MusicXmlDocument> merge(std::vector<MusicXmlDocument> docs)
+Result<MusicXmlDocument> merge(std::vector<MusicXmlDocument> docs)
 {
     pugi::xml_node target = firstPart(docs.front());
     if (!target) {
@@ -40,6 +40,8 @@ Outcome<MusicXmlDocument> merge(std::vector<MusicXmlDocument> docs)
     }
     return std::move(docs.front());
 }
+
+bool hasPitchedNote(const MusicXmlDocument &document) { return bool(document.tree().select_node("//note/pitch")); }
 
 void stripOctaveShifts(MusicXmlDocument &document)
 {

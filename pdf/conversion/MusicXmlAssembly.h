@@ -1,7 +1,7 @@
 #pragma once
 
 #include "pdf/conversion/MusicXmlDocument.h"
-#include "pdf/conversion/Outcome.h"
+#include "pdf/conversion/Result.h"
 
 #include <vector>
 
@@ -13,9 +13,12 @@ namespace PDFConverter {
 ///
 /// Fails with "Unexpected MusicXML layout from Audiveris." when the first document has no part.
 /// @param docs at least one, in the order of the pages
-Outcome<MusicXmlDocument> merge(std::vector<MusicXmlDocument> docs);
+Result<MusicXmlDocument> merge(std::vector<MusicXmlDocument> docs);
 
-/// Removes every `direction` that holds an octave shift: the engine has read the pitches as they sound already.
+/// Whether the score has a note with a pitch. Of tablature alone Audiveris makes bars without any.
+bool hasPitchedNote(const MusicXmlDocument &document);
+
+/// Removes every `direction` that holds an octave shift: Audiveris has read the pitches as they sound already.
 void stripOctaveShifts(MusicXmlDocument &document);
 
 } // namespace PDFConverter

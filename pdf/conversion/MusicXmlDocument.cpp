@@ -99,7 +99,7 @@ QByteArray toLatin1(const QByteArray &utf8)
 
 namespace PDFConverter {
 
-Outcome<MusicXmlDocument> MusicXmlDocument::parse(const QByteArray &bytes)
+Result<MusicXmlDocument> MusicXmlDocument::parse(const QByteArray &bytes)
 {
     const auto fail = [](const QString &flaw) {
         return Failure{ translated("The score that Audiveris wrote could not be read: %1.").arg(flaw) };

@@ -3,11 +3,13 @@
 #include "pdf/conversion/Folders.h"
 #include "pdf/conversion/GrayBitmap.h"
 #include "pdf/conversion/MusicXmlAssembly.h"
+#include "pdf/conversion/PageMender.h"
 #include "pdf/conversion/PagePng.h"
-#include "pdf/conversion/PageRaster.h"
+#include "pdf/conversion/PageRasters.h"
+#include "pdf/conversion/RecognitionOutput.h"
 #include "pdf/conversion/RecognitionRun.h"
 #include "pdf/conversion/ResultFiles.h"
-#include "pdf/conversion/SheetPages.h"
+#include "pdf/conversion/Staves.h"
 #include "pdf/conversion/TabStaffEraser.h"
 
 #include <QCoreApplication>
@@ -27,19 +29,53 @@ struct PageImages {
     bool erased = false;
 };
 
+/// Audiveris draws a PDF at half of our resolution, which is a quarter of our pixels.
+constexpr qint64 pixelsOfDrawnPdf = 4;
+
+Failure tooLargeFailure(int index, qint64 pixels)
+{
+    return { translated("Audiveris failed.") + u"\n\n"_s + tooLargePage(index + 1, pixels) };
+}
+
+Failure nothingToRead()
+{
+    return { translated("Audiveris found no readable music in this PDF. (TAB-only sheets can't be converted — "
+                        "only standard notation is read.)") };
+}
+
+/// Whether there was any.
+bool takeTablatureOff(GrayBitmap &page)
+{
+    // A second raster lives only for pages that need it, and not while the next is drawn.
+    const GrayBitmap whole = hasTablature(page) ? page : GrayBitmap();
+    const bool erased = eraseTabStaves(page);
+    if (erased)
+        mendPage(whole, page);
+    return erased;
+}
+
 /// One page after the other, so that one raster is alive at a time.
-Outcome<PageImages> writePages(SheetPages &pages, const WorkingFolder &folder, const std::stop_token &stop)
+Result<PageImages> writePages(PageRasters &pages, const WorkingFolder &folder, const ProgressReport &report)
 {
     PageImages images;
     std::vector<quint8> storage;
+    // Images are for pages with tablature; without any, Audiveris gets the PDF, and draws it smaller.
+    std::optional<Failure> tooLarge;
     for (int index = 0; index < pages.count(); ++index) {
-        const std::optional<SheetPage> page = pages.page(index);
+        if (report)
+            report({ .page = index + 1, .pages = pages.count() });
+        Result<std::optional<GrayBitmap>> page = pages.render(index, std::move(storage));
         if (!page)
-            continue;
-        Outcome<GrayBitmap> bitmap = render(*page, stop, std::move(storage));
+            return page.failure();
+        std::optional<GrayBitmap> bitmap = *std::move(page);
         if (!bitmap)
-            return bitmap.failure();
-        images.erased |= eraseTabStaves(*bitmap);
+            continue;
+        images.erased |= takeTablatureOff(*bitmap);
+        const qint64 pixels = qint64(bitmap->width) * bitmap->height;
+        if (!tooLarge && pixels > mostPixels)
+            tooLarge = tooLargeFailure(index, pixels);
+        if (tooLarge && (images.erased || pixels > mostPixels * pixelsOfDrawnPdf))
+            return *tooLarge;
         const QString file = folder.path(u"page-%1.png"_s.arg(index + 1, 3, 10, QLatin1Char('0')));
         if (std::optional<Failure> failure = writePNG(*bitmap, file))
             return *failure;
@@ -49,14 +85,14 @@ Outcome<PageImages> writePages(SheetPages &pages, const WorkingFolder &folder, c
     return images;
 }
 
-Outcome<std::vector<MusicXmlDocument>> readResults(const QStringList &files)
+Result<std::vector<MusicXmlDocument>> readResults(const QStringList &files)
 {
     std::vector<MusicXmlDocument> documents;
     for (const QString &file : files) {
-        const Outcome<QByteArray> bytes = extractScoreXml(file);
+        const Result<QByteArray> bytes = extractScoreXml(file);
         if (!bytes)
             return bytes.failure();
-        Outcome<MusicXmlDocument> document = MusicXmlDocument::parse(*bytes);
+        Result<MusicXmlDocument> document = MusicXmlDocument::parse(*bytes);
         if (!document)
             return document.failure();
         documents.push_back(std::move(*document));
@@ -68,40 +104,41 @@ Outcome<std::vector<MusicXmlDocument>> readResults(const QStringList &files)
 
 namespace PDFConverter {
 
-Outcome<QByteArray> convert(
-    const QString &pdf, const QString &audiveris, const std::optional<QString> &debugDir, const std::stop_token &stop)
+Result<QByteArray> convert(const QString &pdf, const QString &audiveris, const std::optional<QString> &debugDir,
+    const std::stop_token &stop, const ProgressReport &report)
 {
-    std::unique_ptr<SheetPages> pages = SheetPages::open(pdf);
-    if (!pages || pages->count() < 1)
+    std::unique_ptr<PageRasters> pages = PageRasters::open(pdf, stop);
+    if (!pages)
         return Failure{ translated("Could not read the PDF.") };
 
     const WorkingFolder folder(debugDir);
     if (folder.failure())
         return *folder.failure();
 
-    const Outcome<PageImages> images = writePages(*pages, folder, stop);
+    const Result<PageImages> images = writePages(*pages, folder, report);
     if (!images)
         return images.failure();
     pages.reset();
 
-    // Without tablature the engine does better with the PDF itself.
+    // Without tablature Audiveris does better with the PDF itself.
     const QStringList inputs = images->erased ? images->files : QStringList{ pdf };
     const QString results = folder.path(u"out"_s);
-    if (const std::optional<Failure> failure = runAudiveris(audiveris, inputs, results, stop))
+    if (report)
+        report({});
+    if (const std::optional<Failure> failure = runAudiveris(audiveris, inputs, results, stop, report))
         return *failure;
 
     const QStringList files = collectMxls(results, inputs);
-    if (files.isEmpty()) {
-        return Failure{ translated(
-            "Audiveris found no readable music in this PDF. (TAB-only sheets can't be converted — "
-            "only standard notation is read.)") };
-    }
-    Outcome<std::vector<MusicXmlDocument>> documents = readResults(files);
+    if (files.isEmpty())
+        return nothingToRead();
+    Result<std::vector<MusicXmlDocument>> documents = readResults(files);
     if (!documents)
         return documents.failure();
-    Outcome<MusicXmlDocument> score = merge(std::move(*documents));
+    Result<MusicXmlDocument> score = merge(std::move(*documents));
     if (!score)
         return score.failure();
+    if (!hasPitchedNote(*score))
+        return nothingToRead();
     stripOctaveShifts(*score);
     return score->serialise();
 }

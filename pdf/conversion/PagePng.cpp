@@ -99,7 +99,7 @@ class Deflater final {
 public:
     Deflater()
         : m_ready(
-            deflateInit2(&m_stream, compressionLevel, Z_DEFLATED, -MAX_WBITS, MAX_MEM_LEVEL - 1, strategy) == Z_OK)
+              deflateInit2(&m_stream, compressionLevel, Z_DEFLATED, -MAX_WBITS, MAX_MEM_LEVEL - 1, strategy) == Z_OK)
     {
     }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pdf/conversion/Outcome.h"
+#include "pdf/conversion/Result.h"
 
 #include <optional>
 

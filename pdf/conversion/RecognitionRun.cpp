@@ -1,62 +1,58 @@
 #include "pdf/conversion/RecognitionRun.h"
 
 #include "pdf/conversion/Folders.h"
+#include "pdf/conversion/OutputTail.h"
+#include "pdf/conversion/RecognitionOutput.h"
+#include "pdf/process/HelperPrograms.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QProcess>
-#include <QUtf8StringView>
-
-#include <csignal>
-#include <sys/prctl.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qsizetype reportedLines = 6;
-
-/// How long the engine may take to end by itself when it is asked to, in milliseconds.
-constexpr int grace = 300;
+/// How long the guard may take to end the engine and all its processes, in milliseconds.
+constexpr int endingTimeoutMs = 1500;
 
 QStringList arguments(const QStringList &inputs, const QString &outDir)
 {
     QStringList list{ u"-batch"_s, u"-export"_s, u"-output"_s, outDir, u"-constant"_s,
-        // Letter and A4 pages at 600 dots per inch are larger than what the engine accepts by default.
+        // Letter and A4 pages at 600 dots per inch are larger than what Audiveris accepts by default.
         u"org.audiveris.omr.step.LoadStep.maxPixelCount=40000000"_s,
         // What follows are files, whatever they begin with.
         u"--"_s };
     return list << inputs;
 }
 
-/// The last lines that are not empty; nothing of an output that is not valid UTF-8.
-QString tailOf(const QByteArray &output)
-{
-    if (!QUtf8StringView(output).isValidUtf8())
-        return {};
-    const QStringList lines = QString::fromUtf8(output).split(u'\n', Qt::SkipEmptyParts);
-    return lines.sliced(std::max<qsizetype>(0, lines.size() - reportedLines)).join(u'\n');
-}
+/// The first advice that an output gives, whatever pieces it comes in.
+class Advice final {
+public:
+    void add(const QByteArray &bytes)
+    {
+        if (!m_text.isEmpty())
+            return;
+        m_text = PDFConverter::adviceFor(m_before + bytes);
+        // What tells of it may be cut in two.
+        constexpr qsizetype longestClue = 64;
+        m_before = bytes.last(std::min(bytes.size(), longestClue));
+    }
+    const QString &text() const { return m_text; }
 
-/// Has the child lead a process group of its own, so that it can be ended with everything it starts, and lets it end
-/// when this program is killed.
-void leadAGroup()
-{
-    ::setpgid(0, 0);
-    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-}
+private:
+    QByteArray m_before;
+    QString m_text;
+};
 
-void endGroup(QProcess &process)
+/// The end of its input tells the guard to end everything.
+void endAll(QProcess &guard)
 {
-    const auto group = pid_t(process.processId());
-    if (group <= 0)
+    guard.closeWriteChannel();
+    if (guard.waitForFinished(endingTimeoutMs))
         return;
-    ::kill(-group, SIGTERM);
-    process.waitForFinished(grace);
-    // Also when the leader has ended: the number belongs to the group for as long as one of its processes lives.
-    ::kill(-group, SIGKILL);
-    process.waitForFinished(-1);
+    guard.kill();
+    guard.waitForFinished(-1);
 }
 
 /// Waits without polling; false when the stop came first.
@@ -74,32 +70,44 @@ bool waitForEnd(const QProcess &process, QEventLoop &loop, const std::stop_token
 
 namespace PDFConverter {
 
-std::optional<Failure> runAudiveris(
-    const QString &bin, const QStringList &inputs, const QString &outDir, const std::stop_token &stop)
+std::optional<Failure> runAudiveris(const QString &bin, const QStringList &inputs, const QString &outDir,
+    const std::stop_token &stop, const ProgressReport &report)
 {
     if (std::optional<Failure> failure = makeFolder(outDir))
         return failure;
 
+    const auto couldNotLaunch = [](const QString &reason) {
+        return Failure{ QCoreApplication::translate("PDFConverter", "Could not launch Audiveris: %1").arg(reason) };
+    };
     // Comes first: a process that is started in a thread without event loops is not watched.
     QEventLoop loop;
-    QProcess process;
-    process.setProcessChannelMode(QProcess::MergedChannels);
-    process.setStandardInputFile(QProcess::nullDevice());
-    process.setChildProcessModifier(&leadAGroup);
-    process.start(bin, arguments(inputs, outDir), QIODevice::ReadOnly);
-    if (!process.waitForStarted(-1)) {
-        return Failure{
-            QCoreApplication::translate("PDFConverter", "Could not launch Audiveris: %1").arg(process.errorString())
-        };
-    }
-    if (!waitForEnd(process, loop, stop)) {
-        endGroup(process);
+    QProcess guard;
+    OutputTail tail;
+    Advice advice;
+    const auto take = [&guard, &tail, &advice, &report] {
+        const QByteArray news = guard.readAllStandardOutput();
+        tail.add(news);
+        advice.add(news);
+        if (const QString step = stepIn(news); report && !step.isEmpty())
+            report({ .step = step });
+    };
+    QObject::connect(&guard, &QProcess::readyReadStandardOutput, &loop, take);
+    guard.start(HelperPrograms::find(u"quaverly-guard"_s), QStringList{ bin } + arguments(inputs, outDir));
+    if (!guard.waitForStarted(-1))
+        return couldNotLaunch(guard.errorString());
+    if (!waitForEnd(guard, loop, stop)) {
+        endAll(guard);
         return Failure{ QCoreApplication::translate("PDFConverter", "The conversion was stopped.") };
     }
-    if (process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0)
+    take();
+    if (const int reason = guard.readAllStandardError().toInt(); reason != 0)
+        return couldNotLaunch(qt_error_string(reason));
+    if (guard.exitStatus() == QProcess::NormalExit && guard.exitCode() == 0)
         return std::nullopt;
-    return Failure{ QCoreApplication::translate("PDFConverter", "Audiveris failed.") + u"\n\n"_s
-        + tailOf(process.readAll()) };
+    QString message = QCoreApplication::translate("PDFConverter", "Audiveris failed.") + u"\n\n"_s + tail.text();
+    if (!advice.text().isEmpty())
+        message += u"\n\n"_s + advice.text();
+    return Failure{ message };
 }
 
 } // namespace PDFConverter

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "pdf/conversion/Outcome.h"
+#include "pdf/conversion/ConversionProgress.h"
+#include "pdf/conversion/Result.h"
 
 #include <QStringList>
 
@@ -9,14 +10,17 @@
 
 namespace PDFConverter {
 
-/// Runs Audiveris, the recognition engine, over `inputs` in their order and blocks until it ends. Any thread.
+/// Runs Audiveris over `inputs` in their order and blocks until it, and every process of its
+/// own that still writes, has ended. Any thread.
 ///
 /// Nothing is given back when it ends with status 0; its results, if any, lie under `outDir` then. Otherwise the
-/// failure holds the last six lines of what it wrote. A requested stop ends it together with the processes it has
-/// started; so does, for itself, the end of this thread.
+/// failure holds the last six lines of what it wrote, or what a long line begins with, and what the user can do about
+/// it where that is known. A requested stop ends it together with the processes it has started; so does the end of this
+/// program, in whatever way.
 /// @param bin the path of the executable
 /// @param outDir made with any missing folders above it
-std::optional<Failure> runAudiveris(
-    const QString &bin, const QStringList &inputs, const QString &outDir, const std::stop_token &stop = {});
+/// @param report called at each step that Audiveris begins
+std::optional<Failure> runAudiveris(const QString &bin, const QStringList &inputs, const QString &outDir,
+    const std::stop_token &stop = {}, const ProgressReport &report = {});
 
 } // namespace PDFConverter

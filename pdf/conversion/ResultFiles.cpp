@@ -102,7 +102,7 @@ QStringList collectMxls(const QString &folder, const QStringList &order)
     return ordered.isEmpty() ? found : ordered;
 }
 
-Outcome<QByteArray> extractScoreXml(const QString &file, qint64 most)
+Result<QByteArray> extractScoreXml(const QString &file, qint64 most)
 {
     QByteArray bytes = unpack(file, most);
     if (bytes.isEmpty()) {

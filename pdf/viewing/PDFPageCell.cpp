@@ -3,6 +3,7 @@
 #include "pdf/conversion/PDFDocument.h"
 #include "pdf/viewing/PageShadow.h"
 
+#include <QCoreApplication>
 #include <QPainter>
 
 #include <algorithm>
@@ -18,6 +19,27 @@ constexpr double tooSmall = 20;
 constexpr double greatestArea = 64.0 * 1024 * 1024;
 /// What the painter can stretch.
 constexpr double greatestSide = 30000;
+
+/// Paper is white, whatever the window's colours are.
+const QColor onPaper(128, 128, 128);
+constexpr int leastWidthOfText = 120;
+
+/// A cross on small pages, words on larger ones.
+void paintUndrawable(QPainter &painter, const QRectF &place)
+{
+    painter.save();
+    painter.setPen(onPaper);
+    if (place.width() >= leastWidthOfText) {
+        painter.drawText(place.adjusted(8, 8, -8, -8), Qt::AlignCenter | Qt::TextWordWrap,
+            QCoreApplication::translate("PDFPageCell", "This page cannot be drawn."));
+    } else {
+        const QRectF cross = QRectF(QPointF(), place.size() / 3)
+                                 .translated(place.center() - QPointF(place.width(), place.height()) / 6);
+        painter.drawLine(cross.topLeft(), cross.bottomRight());
+        painter.drawLine(cross.topRight(), cross.bottomLeft());
+    }
+    painter.restore();
+}
 
 } // namespace
 
@@ -58,6 +80,7 @@ bool PDFPageCell::needsImage() const { return m_width > tooSmall && m_pictureKey
 void PDFPageCell::setPicture(const QString &renderKey, const PagePicture &picture)
 {
     m_pictureKey = renderKey;
+    m_undrawable = picture.isNull();
     if (!picture.isNull())
         m_picture = picture;
 }
@@ -67,6 +90,8 @@ void PDFPageCell::paint(QPainter &painter, const QRectF &place) const
     PageShadow::paint(painter, place);
     if (m_picture.isNull()) {
         painter.fillRect(place, Qt::white);
+        if (m_undrawable)
+            paintUndrawable(painter, place);
         return;
     }
     painter.save();

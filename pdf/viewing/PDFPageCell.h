@@ -21,7 +21,7 @@ public:
     double width() const { return m_width; }
     void setWidth(double width) { m_width = width; }
 
-    /// Width over height of the page as displayed; that of upright paper where the file does not say.
+    /// Width over height of the page as displayed; that of an upright A4 page where the file does not say.
     double aspect() const { return aspect(*m_document, m_index); }
     static double aspect(const PDFDocument &document, int index);
 
@@ -34,11 +34,14 @@ public:
     /// The last picture that arrived; stays, stretched, until the next one does.
     const PagePicture &picture() const { return m_picture; }
     const QImage &image() const { return m_picture.image(); }
+    /// Whether there is none because the page cannot be drawn.
+    bool isUndrawable() const { return m_undrawable && m_picture.isNull(); }
     /// Whether a picture of the present name is still to come.
     bool needsImage() const;
     void setPicture(const QString &renderKey, const PagePicture &picture);
 
-    /// Paints picture or white paper into `place`, with a shadow around it. Sharp where `place` lies on whole pixels.
+    /// Paints the picture, white paper or, on that, that the page cannot be drawn into `place`, with a shadow around
+    /// it. Sharp where `place` lies on whole pixels.
     void paint(QPainter &painter, const QRectF &place) const;
 
 private:
@@ -48,4 +51,5 @@ private:
     PagePicture m_picture;
     /// What the last picture, or the failed attempt at one, was made for.
     QString m_pictureKey;
+    bool m_undrawable = false;
 };

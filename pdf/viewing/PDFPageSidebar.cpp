@@ -1,8 +1,8 @@
 #include "pdf/viewing/PDFPageSidebar.h"
 
 #include "controller/AlphaTabController.h"
+#include "design/ElidedLabel.h"
 #include "pdf/viewing/PageList.h"
-#include "views/design/ElidedLabel.h"
 
 #include <QVBoxLayout>
 

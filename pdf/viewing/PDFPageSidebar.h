@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/design/Surface.h"
+#include "design/Surface.h"
 
 #include <memory>
 
@@ -8,7 +8,7 @@ class AlphaTabController;
 class PageRenderQueue;
 class PDFDocument;
 
-/// The list of a PDF's pages, with a small picture each; a click on one scrolls the sheet there.
+/// The list of a PDF's pages, with a small picture each; a click on one scrolls the page grid there.
 class PDFPageSidebar final : public Surface {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PDFPageSidebar)

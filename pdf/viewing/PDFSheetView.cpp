@@ -1,10 +1,10 @@
 #include "pdf/viewing/PDFSheetView.h"
 
 #include "controller/AlphaTabController.h"
+#include "design/Theme.h"
 #include "pdf/conversion/PDFDocument.h"
 #include "pdf/viewing/PageCells.h"
 #include "pdf/viewing/PageShadow.h"
-#include "views/design/Theme.h"
 
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -185,7 +185,7 @@ QRectF PDFSheetView::placeOf(int page) const
 void PDFSheetView::paintEvent(QPaintEvent *event)
 {
     QPainter painter(viewport());
-    painter.fillRect(event->rect(), Theme::colors(palette()).desk);
+    painter.fillRect(event->rect(), Theme::colors(palette()).viewport);
     const QRect dirty
         = event->rect().adjusted(-PageShadow::reach, -PageShadow::reach, PageShadow::reach, PageShadow::reach);
     const int top = verticalScrollBar()->value();
@@ -210,7 +210,7 @@ void PDFSheetView::changeEvent(QEvent *event)
 void PDFSheetView::colorScrollBar()
 {
     QPalette colors;
-    colors.setColor(QPalette::Window, Theme::colors(palette()).desk);
+    colors.setColor(QPalette::Window, Theme::colors(palette()).viewport);
     verticalScrollBar()->setPalette(colors);
 }
 

@@ -68,7 +68,7 @@ private:
     PageCells *const m_cells;
     QVariantAnimation *const m_scrolling;
     Anchor m_anchor;
-    /// While the view itself moves the scroll bar, which is no wish of the user's.
+    /// While the view itself moves the scroll bar, not the user.
     bool m_moving = false;
     bool m_showsFocus = false;
 };

@@ -66,7 +66,7 @@ void PageCells::take(const PageRenderQueue::Request &request, const PagePicture 
     if (found == m_cells.end())
         return;
     PDFPageCell &cell = found->second;
-    // A picture for a width that is over is better than white paper, but than nothing else.
+    // A picture for a width that is over is better than a white page, but than nothing else.
     if (request.key != cell.renderKey() && !cell.image().isNull())
         return;
     cell.setPicture(request.key, picture);

@@ -1,9 +1,9 @@
 #include "pdf/viewing/PageList.h"
 
+#include "design/Theme.h"
 #include "pdf/conversion/PDFDocument.h"
 #include "pdf/viewing/PageCells.h"
 #include "pdf/viewing/PageListAccessible.h"
-#include "views/design/Theme.h"
 
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -159,7 +159,7 @@ void PageList::moveTo(int page)
         bar->setValue(bar->value() + row.bottom() + 1 - viewport()->height());
     viewport()->update();
     if (hasFocus())
-        PageListAccessible::tellFocus(*this, m_current);
+        PageListAccessible::announceFocus(*this, m_current);
 }
 
 void PageList::focusInEvent(QFocusEvent *)

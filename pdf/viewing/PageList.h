@@ -14,8 +14,8 @@ class PDFDocument;
 /// A scrolling list of pages, each a button over the whole width: a small picture and "Page 1".
 ///
 /// It is one stop for Tab; within it the arrow keys, Page Up, Page Down, Home and End move from row to row, and Enter
-/// or the space bar presses the row. Painted like the sheet itself, so that a thousand pages are no thousand widgets;
-/// PageListAccessible tells assistive tools of the rows.
+/// or the space bar presses the row. Painted like the page grid, so that a thousand pages are no thousand widgets;
+/// PageListAccessible describes the rows to assistive tools.
 class PageList final : public QAbstractScrollArea {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PageList)

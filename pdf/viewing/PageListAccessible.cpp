@@ -144,7 +144,7 @@ void PageListAccessible::install()
     [[maybe_unused]] static const bool installed = (QAccessible::installFactory(make), true);
 }
 
-void PageListAccessible::tellFocus(PageList &list, int page)
+void PageListAccessible::announceFocus(PageList &list, int page)
 {
     if (!QAccessible::isActive())
         return;

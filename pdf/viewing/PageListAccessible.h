@@ -2,13 +2,13 @@
 
 class PageList;
 
-/// Tells assistive tools of a page list's rows: buttons called "Page 1", "Page 2", ...
+/// Describes the rows of a page list to assistive tools: buttons called "Page 1", "Page 2", ...
 namespace PageListAccessible {
 
 /// Makes the toolkit ask here for every page list; later calls do nothing.
 void install();
 
 /// The keyboard has come to the row of `page`.
-void tellFocus(PageList &list, int page);
+void announceFocus(PageList &list, int page);
 
 } // namespace PageListAccessible

@@ -5,11 +5,13 @@
 #include <QSize>
 #include <QString>
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <stop_token>
 #include <thread>
 #include <vector>
 
@@ -18,9 +20,9 @@ class PDFDocument;
 
 /// Draws pages in the background, one after the other, the most urgent first.
 ///
-/// One queue for all views: the library draws one page at a time in the whole program, so two queues would only get in
-/// each other's way. A view says what it wants now; whatever it wanted before and has not been begun is dropped. Every
-/// public function is for the main thread, which never waits for a page except in the destructor.
+/// One queue for all views: a document's process draws one page at a time, so two queues would only get in each other's
+/// way. A view says what it wants now; whatever it wanted before and has not been begun is dropped. Every
+/// public function is for the main thread, which never waits for a page.
 class PageRenderQueue final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PageRenderQueue)
@@ -50,11 +52,12 @@ public:
     using Receiver = std::function<void(const Request &, const PagePicture &)>;
 
     PageRenderQueue();
-    /// Waits for the page that is being drawn; the others are forgotten.
+    /// Gives up the page that is being drawn, and forgets the others.
     ~PageRenderQueue() override;
 
     /// Replaces what `client` wants of its document, the sooner the earlier in the list. What is being drawn for it
-    /// already arrives without being begun again. `arrived` is called as long as the client lives.
+    /// already arrives without being begun again, and is given up where it takes long and is no longer wanted.
+    /// `arrived` is called as long as the client lives.
     void want(QObject &client, std::shared_ptr<const PDFDocument> document, Requests requests, Receiver arrived);
 
     /// How many pages have been drawn since the start.
@@ -73,11 +76,14 @@ private:
         const QObject *client;
         std::shared_ptr<const PDFDocument> document;
         Request request;
+        std::stop_source stop;
+        std::chrono::steady_clock::time_point begun = std::chrono::steady_clock::now();
     };
 
     void forget(const QObject *client);
     void work();
     std::optional<Job> next();
+    void giveUpUnseen();
     void deliver(const PagePicture &picture);
 
     std::mutex m_mutex;

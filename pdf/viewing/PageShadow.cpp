@@ -24,7 +24,7 @@ constexpr int fade = 2 * int(blur);
 /// standard deviation is half the blur radius.
 double blurredEdge(double inwards) { return 0.5 * (1 + std::erf(inwards / (blur / 2) / std::numbers::sqrt2)); }
 
-/// The shadow of a small sheet that shows each corner and edge once; the middle is one pixel wide.
+/// The shadow of a small page that shows each corner and edge once; the middle is one pixel wide.
 QPixmap stencil(qreal scale)
 {
     const int side = 2 * int(std::ceil(2 * fade * scale)) + 1;
@@ -53,13 +53,13 @@ QPixmap stencilFor(qreal scale)
 
 } // namespace
 
-void PageShadow::paint(QPainter &painter, const QRectF &sheet)
+void PageShadow::paint(QPainter &painter, const QRectF &page)
 {
     const qreal scale = painter.device()->devicePixelRatioF();
     const QPixmap pixmap = stencilFor(scale);
     const int corner = pixmap.width() / 2; // of the stencil, in its own pixels
-    const QRectF outer = sheet.translated(0, drop).adjusted(-fade, -fade, fade, fade);
-    // A small sheet has no room for whole corners.
+    const QRectF outer = page.translated(0, drop).adjusted(-fade, -fade, fade, fade);
+    // A small page has no room for whole corners.
     const double shown = std::min({ double(corner) / scale, outer.width() / 2, outer.height() / 2 });
     const double xs[]{ outer.left(), outer.left() + shown, outer.right() - shown, outer.right() };
     const double ys[]{ outer.top(), outer.top() + shown, outer.bottom() - shown, outer.bottom() };

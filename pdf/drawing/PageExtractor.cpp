@@ -1,6 +1,5 @@
-#include "pdf/conversion/SheetPages.h"
+#include "pdf/drawing/PageExtractor.h"
 
-#include <QFile>
 #include <qpdf/Buffer.hh>
 #include <qpdf/QPDF.hh>
 #include <qpdf/QPDFPageObjectHelper.hh>
@@ -8,13 +7,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 namespace {
 
 /// Three PDF units are 25 pixels at 600 dpi.
 constexpr int unitsOfWholePixels = 3;
 
-/// Far beyond every sheet; keeps the arithmetic on whole units from running over.
+/// Far beyond every page; keeps the arithmetic on whole units from running over.
 constexpr double farthest = 1e8;
 
 struct Span {
@@ -30,7 +30,7 @@ Span wholeUnits(double from, double to)
     return { int(first), unitsOfWholePixels * std::max(1, int(threes)) };
 }
 
-QRect paperAround(const QRectF &media)
+QRect drawnBoxAround(const QRectF &media)
 {
     const Span across = wholeUnits(media.left(), media.right());
     const Span upwards = wholeUnits(media.top(), media.bottom());
@@ -44,7 +44,7 @@ QPDFObjectHandle boxArray(const QRect &box)
 }
 
 /// The page's dictionary with what its drawing takes, and no more.
-QPDFObjectHandle drawingOf(QPDFPageObjectHelper &page, const QRect &paper)
+QPDFObjectHandle drawingOf(QPDFPageObjectHelper &page, const QRect &drawnBox)
 {
     // Producers that list all pictures of the document on every page would have all of them copied with each.
     QPDFObjectHandle resources = page.getAttribute("/Resources", false);
@@ -59,8 +59,34 @@ QPDFObjectHandle drawingOf(QPDFPageObjectHelper &page, const QRect &paper)
         if (!value.isNull())
             drawing.replaceKey(key, value);
     }
-    drawing.replaceKey("/MediaBox", boxArray(paper));
+    drawing.replaceKey("/MediaBox", boxArray(drawnBox));
     return drawing;
+}
+
+/// Whether the page, or a form on it, has a picture among its resources.
+bool showsPictures(QPDFPageObjectHelper &page)
+{
+    std::vector<QPDFObjectHandle> waiting{ page.getAttribute("/Resources", false) };
+    std::set<QPDFObjGen> visited;
+    while (!waiting.empty()) {
+        QPDFObjectHandle resources = waiting.back();
+        waiting.pop_back();
+        if (!resources.isDictionary())
+            continue;
+        QPDFObjectHandle drawn = resources.getKey("/XObject");
+        if (!drawn.isDictionary())
+            continue;
+        for (const std::string &name : drawn.getKeys()) {
+            QPDFObjectHandle object = drawn.getKey(name);
+            if (!object.isStream() || !visited.insert(object.getObjGen()).second)
+                continue;
+            QPDFObjectHandle kind = object.getDict().getKey("/Subtype");
+            if (kind.isNameAndEquals("/Image"))
+                return true;
+            waiting.push_back(object.getDict().getKey("/Resources"));
+        }
+    }
+    return false;
 }
 
 /// Layers that are switched off stay so.
@@ -88,36 +114,36 @@ QByteArray fileOf(QPDF &document)
 
 } // namespace
 
-SheetPages::SheetPages(std::unique_ptr<QPDF> document, std::vector<PageBox> boxes)
+PageExtractor::PageExtractor(std::unique_ptr<QPDF> document, std::vector<PageBox> boxes)
     : m_document(std::move(document))
     , m_boxes(std::move(boxes))
 {
 }
 
-SheetPages::~SheetPages() = default;
+PageExtractor::~PageExtractor() = default;
 
-std::unique_ptr<SheetPages> SheetPages::open(const QString &path)
+std::unique_ptr<PageExtractor> PageExtractor::open(const QByteArray &file)
 {
     try {
         auto document = std::make_unique<QPDF>();
         document->setSuppressWarnings(true);
-        document->processFile(QFile::encodeName(path).constData());
+        document->processMemoryFile("the PDF", file.constData(), std::size_t(file.size()));
         std::optional<std::vector<PageBox>> boxes = PageBoxes::read(*document);
         if (!boxes)
             return nullptr;
-        return std::unique_ptr<SheetPages>(new SheetPages(std::move(document), std::move(*boxes)));
+        return std::unique_ptr<PageExtractor>(new PageExtractor(std::move(document), std::move(*boxes)));
     } catch (const std::exception &) {
         return nullptr;
     }
 }
 
-std::optional<SheetPage> SheetPages::page(int index)
+std::optional<ExtractedPage> PageExtractor::page(int index)
 {
     try {
         const PageBox &box = m_boxes.at(std::size_t(index));
-        SheetPage taken{ {}, box.media, paperAround(box.media), box.rotation };
         QPDFPageObjectHelper original(m_document->getAllPages().at(std::size_t(index)));
-        const QPDFObjectHandle drawing = m_document->makeIndirectObject(drawingOf(original, taken.paper));
+        ExtractedPage taken{ {}, box.media, drawnBoxAround(box.media), box.rotation, showsPictures(original) };
+        const QPDFObjectHandle drawing = m_document->makeIndirectObject(drawingOf(original, taken.drawnBox));
 
         QPDF alone;
         alone.setSuppressWarnings(true);

@@ -1,6 +1,5 @@
-#include "pdf/conversion/PageBoxes.h"
+#include "pdf/drawing/PageBoxes.h"
 
-#include <QFile>
 #include <qpdf/QPDF.hh>
 
 #include <set>
@@ -57,7 +56,7 @@ PageBox boxOf(const Inherited &values)
 }
 
 /// Walks the page tree, without recursion.
-std::vector<PageBox> walk(QPDFObjectHandle pages)
+std::vector<PageBox> walk(QPDFObjectHandle pages, bool *circular)
 {
     struct Node {
         QPDFObjectHandle object;
@@ -79,8 +78,11 @@ std::vector<PageBox> walk(QPDFObjectHandle pages)
             boxes.push_back(boxOf(node.values));
             continue;
         }
-        if (node.object.isIndirect() && !visited.insert(node.object.getObjGen()).second)
-            continue; // an ancestor of itself
+        if (node.object.isIndirect() && !visited.insert(node.object.getObjGen()).second) {
+            if (circular)
+                *circular = true;
+            continue;
+        }
         QPDFObjectHandle kids = node.object.getKey("/Kids");
         for (int i = kids.isArray() ? kids.getArrayNItems() : 0; i-- > 0;)
             waiting.push_back({ kids.getArrayItem(i), node.values, node.depth + 1 });
@@ -92,22 +94,22 @@ std::vector<PageBox> walk(QPDFObjectHandle pages)
 
 namespace PageBoxes {
 
-std::optional<std::vector<PageBox>> read(const QString &path)
+std::optional<std::vector<PageBox>> read(const QByteArray &file, bool *circular)
 {
     try {
         QPDF document;
         document.setSuppressWarnings(true);
-        document.processFile(QFile::encodeName(path).constData());
-        return read(document);
+        document.processMemoryFile("the PDF", file.constData(), std::size_t(file.size()));
+        return read(document, circular);
     } catch (const std::exception &) {
         return std::nullopt;
     }
 }
 
-std::optional<std::vector<PageBox>> read(QPDF &document)
+std::optional<std::vector<PageBox>> read(QPDF &document, bool *circular)
 {
     try {
-        return walk(document.getRoot().getKey("/Pages"));
+        return walk(document.getRoot().getKey("/Pages"), circular);
     } catch (const std::exception &) {
         return std::nullopt;
     }

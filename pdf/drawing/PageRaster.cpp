@@ -1,46 +1,40 @@
-#include "pdf/conversion/PageRaster.h"
+#include "pdf/drawing/PageRaster.h"
 
-#include "pdf/conversion/SheetPages.h"
+#include "pdf/drawing/PageExtractor.h"
 
 #include <QBuffer>
-#include <QCoreApplication>
 #include <QImage>
 #include <QPdfDocument>
 #include <QPdfDocumentRenderOptions>
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 
 namespace {
 
 constexpr double pixelsPerUnit = 600.0 / 72.0;
-constexpr qint64 mostBytes = qint64(1) << 30;
-
 /// The drawing library draws in colour, four bytes a pixel, and reads the page anew for each band. Bands of this size
 /// keep the whole below two rasters of the page; smaller ones cost time, larger ones gain none.
 constexpr qint64 bandBytes = 14 << 20;
+/// Where the page shows pictures, which the library decodes anew for each band: all of an A4 page and what is a little
+/// larger in one go.
+constexpr qint64 bandBytesWithPictures = 160 << 20;
 /// The same for small pages.
 constexpr int leastBands = 6;
-
-PDFConverter::Failure cannotRasterize()
-{
-    return { QCoreApplication::translate("PDFConverter", "Could not rasterize a PDF page.") };
-}
 
 /// A size in PDF units as displayed.
 QSizeF turned(const QSizeF &size, int rotation) { return rotation % 180 == 0 ? size : size.transposed(); }
 
-/// How far the media box lies from the left and the upper edge of its paper as displayed, in PDF units.
-QPointF cornerOnPaper(const SheetPage &page)
+/// How far the media box lies from the left and the upper edge of the drawn box as displayed, in PDF units.
+QPointF cornerInDrawnBox(const ExtractedPage &page)
 {
     const QRectF media = page.media;
-    const QRectF paper(page.paper);
+    const QRectF drawn(page.drawnBox);
     // These rectangles have y upwards: their top() is the lower edge.
-    const double left = media.left() - paper.left();
-    const double right = paper.right() - media.right();
-    const double lower = media.top() - paper.top();
-    const double upper = paper.bottom() - media.bottom();
+    const double left = media.left() - drawn.left();
+    const double right = drawn.right() - media.right();
+    const double lower = media.top() - drawn.top();
+    const double upper = drawn.bottom() - media.bottom();
     switch (page.rotation) {
     case 90:
         return { lower, left };
@@ -89,32 +83,36 @@ void layOnWhite(const QRgb *colours, quint8 *grays, int count)
     }
 }
 
-/// Draws rows `y`...`y + rows - 1` of the picture whose upper left corner lies at `corner` of the paper. False when the
-/// drawing library gives no picture.
-bool drawBand(QPdfDocument &document, const QSize &paper, const QPoint &corner, int y, int rows, GrayBitmap &bitmap)
+/// Draws rows `y`...`y + rows - 1` of the picture whose upper left corner lies at `corner` of the drawn box. False when
+/// the drawing library gives no picture.
+bool drawBand(
+    QPdfDocument &document, const QSize &drawnSize, const QPoint &corner, int y, int rows, const PageRaster &raster)
 {
     QPdfDocumentRenderOptions options;
-    options.setScaledSize(paper);
+    options.setScaledSize(drawnSize);
     // The library takes the distance from the first to the last pixel for the width: one more on either side makes its
     // scale exact.
-    options.setScaledClipRect(QRect(corner.x(), corner.y() + y, bitmap.width + 1, rows + 1));
-    const QImage band = document.render(0, QSize(bitmap.width, rows), options);
+    options.setScaledClipRect(QRect(corner.x(), corner.y() + y, raster.width + 1, rows + 1));
+    const QImage band = document.render(0, QSize(raster.width, rows), options);
     if (band.format() != QImage::Format_ARGB32)
         return false;
     for (int row = 0; row < rows; ++row) {
         layOnWhite(reinterpret_cast<const QRgb *>(band.constScanLine(row)),
-            bitmap.pixels.data() + std::size_t(y + row) * std::size_t(bitmap.width), bitmap.width);
+            raster.pixels + std::size_t(y + row) * std::size_t(raster.width), raster.width);
     }
     return true;
 }
 
-int bandHeight(const GrayBitmap &bitmap)
+int bandHeight(const PageRaster &raster, bool hasPictures)
 {
-    const qint64 fitting = bandBytes / (qint64(sizeof(QRgb)) * bitmap.width);
-    return int(std::clamp<qint64>(std::min<qint64>(fitting, bitmap.height / leastBands), 1, bitmap.height));
+    const qint64 fitting = (hasPictures ? bandBytesWithPictures : bandBytes) / (qint64(sizeof(QRgb)) * raster.width);
+    const qint64 most = hasPictures ? raster.height : raster.height / leastBands;
+    return int(std::clamp<qint64>(std::min<qint64>(fitting, most), 1, raster.height));
 }
 
-bool draw(const SheetPage &page, GrayBitmap &bitmap, const std::stop_token &stop)
+} // namespace
+
+bool render(const ExtractedPage &page, const PageRaster &raster)
 {
     QBuffer file;
     file.setData(page.file);
@@ -124,38 +122,12 @@ bool draw(const SheetPage &page, GrayBitmap &bitmap, const std::stop_token &stop
     if (document.pageCount() < 1)
         return false;
 
-    const QSize paper = (turned(QSizeF(page.paper.size()), page.rotation) * pixelsPerUnit).toSize();
-    const QPoint corner = (cornerOnPaper(page) * pixelsPerUnit).toPoint();
-    const int step = bandHeight(bitmap);
-    for (int y = 0; y < bitmap.height; y += step) {
-        if (stop.stop_requested() || !drawBand(document, paper, corner, y, std::min(step, bitmap.height - y), bitmap))
+    const QSize drawnSize = (turned(QSizeF(page.drawnBox.size()), page.rotation) * pixelsPerUnit).toSize();
+    const QPoint corner = (cornerInDrawnBox(page) * pixelsPerUnit).toPoint();
+    const int step = bandHeight(raster, page.hasPictures);
+    for (int y = 0; y < raster.height; y += step) {
+        if (!drawBand(document, drawnSize, corner, y, std::min(step, raster.height - y), raster))
             return false;
     }
     return true;
 }
-
-} // namespace
-
-namespace PDFConverter {
-
-Outcome<GrayBitmap> render(const SheetPage &page, const std::stop_token &stop, std::vector<quint8> storage)
-{
-    const QSizeF size = turned(page.media.size(), page.rotation) * pixelsPerUnit;
-    const double width = std::round(size.width());
-    const double height = std::round(size.height());
-    if (width < 1 || height < 1)
-        return Failure{ QCoreApplication::translate("PDFConverter", "Empty PDF page.") };
-    if (width * height > double(mostBytes))
-        return cannotRasterize();
-    try {
-        GrayBitmap bitmap{ std::move(storage), int(width), int(height) };
-        bitmap.pixels.assign(std::size_t(width) * std::size_t(height), 255);
-        if (!draw(page, bitmap, stop))
-            return cannotRasterize();
-        return bitmap;
-    } catch (const std::bad_alloc &) {
-        return cannotRasterize();
-    }
-}
-
-} // namespace PDFConverter

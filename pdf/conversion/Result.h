@@ -14,13 +14,13 @@ struct Failure {
 };
 
 /// The value that an operation gives, or why it gives none.
-template <typename Value> class [[nodiscard]] Outcome final {
+template <typename Value> class [[nodiscard]] Result final {
 public:
-    Outcome(Value value)
+    Result(Value value)
         : m_content(std::in_place_index<0>, std::move(value))
     {
     }
-    Outcome(Failure failure)
+    Result(Failure failure)
         : m_content(std::in_place_index<1>, std::move(failure))
     {
     }
