@@ -1,9 +1,10 @@
 #include "app/AppDelegate.h"
 
 #include "controller/AlphaTabController.h"
-#include "engine_host/BridgeCalls.h"
+#include "engine_host/bridge/BridgeCalls.h"
 
 #include <QApplication>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QImage>
 #include <QKeyEvent>
@@ -22,7 +23,18 @@ bool isSpaceBar(const QKeyEvent &event)
     return event.key() == Qt::Key_Space || event.nativeScanCode() == 65;
 }
 
-/// Toggles playback on the space bar before any view sees the key, wherever the focus is.
+/// Whether keys go to a panel for choosing files, or to a window over one. Such a panel is the platform's, even where
+/// Qt draws it.
+bool aFilePanelTakesKeys()
+{
+    for (const QWidget *widget = QApplication::activeWindow(); widget; widget = widget->parentWidget()) {
+        if (qobject_cast<const QFileDialog *>(widget))
+            return true;
+    }
+    return false;
+}
+
+/// Toggles playback on the space bar before any view sees the key, wherever the focus is in the application's windows.
 class SpaceMonitor final : public QObject {
 public:
     explicit SpaceMonitor(AlphaTabController &controller)
@@ -36,7 +48,7 @@ public:
             return false;
         const auto &key = *static_cast<QKeyEvent *>(event);
         constexpr Qt::KeyboardModifiers refused = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
-        if (!isSpaceBar(key) || (key.modifiers() & refused) || !m_controller.playerReady)
+        if (!isSpaceBar(key) || (key.modifiers() & refused) || !m_controller.playerReady || aFilePanelTakesKeys())
             return false;
         m_controller.js(BridgeCalls::playPause());
         return true;

@@ -2,7 +2,7 @@
 
 #include "app/StartupLog.h"
 #include "controller/AlphaTabController.h"
-#include "engine_host/BridgeCalls.h"
+#include "engine_host/bridge/BridgeCalls.h"
 #include "views/ContentView.h"
 
 #include <QAction>

@@ -1,5 +1,7 @@
 #include "app/TerminationSignals.h"
 
+#include "app/LastResort.h"
+
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
@@ -17,6 +19,7 @@ std::array<int, 2> ends{ -1, -1 };
 
 void tell(int)
 {
+    LastResort::arm();
     const char byte = 0;
     // A pipe that is full has told already.
     [[maybe_unused]] const ssize_t written = ::write(ends[1], &byte, 1);

@@ -1,15 +1,19 @@
 #include "app/AppDelegate.h"
 #include "app/CommandLine.h"
+#include "app/LastResort.h"
 #include "app/QuaverlyApp.h"
 #include "app/TerminationSignals.h"
 #include "controller/AlphaTabController.h"
+#include "design/DesktopColorScheme.h"
 #include "engine_host/WebEngineHost.h"
 
 #include <QApplication>
+#include <QDBusConnection>
 #include <QIcon>
 #include <QLoggingCategory>
 
 #include <cstdio>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -24,7 +28,7 @@ int main(int argc, char *argv[])
         return 0;
     }
 
-    // The web engine reports its graphics set-up at every start; QT_LOGGING_RULES brings the report back.
+    // Chromium reports its graphics set-up at every start; QT_LOGGING_RULES brings the report back.
     QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false"_s);
     WebEngineHost::prepare();
     const QApplication application(argc, argv);
@@ -36,6 +40,12 @@ int main(int argc, char *argv[])
         return 2;
     }
 
+    std::optional<DesktopColorScheme> colorScheme;
+    if (DesktopColorScheme::isNeeded())
+        colorScheme.emplace(QDBusConnection::sessionBus());
+
+    LastResort::prepare();
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &LastResort::arm);
     const TerminationSignals terminationSignals;
     QuaverlyApp quaverly(AlphaTabController::shared());
     quaverly.appDelegate().applicationDidFinishLaunching();

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "controller/Published.h"
+#include "controller/ScoreSource.h"
 #include "controller/Surroundings.h"
 #include "controller/TrackInfo.h"
-#include "engine_host/BridgeMessages.h"
-#include "engine_host/MessageReceiver.h"
-#include "pdf/conversion/Outcome.h"
+#include "engine_host/bridge/BridgeMessages.h"
+#include "engine_host/bridge/MessageReceiver.h"
+#include "pdf/conversion/ConversionProgress.h"
+#include "pdf/conversion/Result.h"
 
 #include <QList>
 #include <QObject>
@@ -17,6 +19,7 @@
 
 class ConversionWorker;
 class PDFDocument;
+class PDFOpening;
 class ScriptHandler;
 
 /// Holds everything that the window shows and does everything that the window can be asked for.
@@ -40,7 +43,7 @@ public:
     /// What the open panel offers.
     static const QStringList &gpContentTypes();
 
-    // What the engine reports
+    // What the page reports
     Published<bool> bridgeReady{ false };
     Published<bool> playerReady{ false };
     Published<bool> isPlaying{ false };
@@ -51,6 +54,8 @@ public:
     Published<QString> artist;
     Published<QList<TrackInfo>> tracks;
     Published<bool> hasBackingTrack{ false };
+    /// Whether the page is there and answers.
+    Published<PageHealth> pageHealth{ PageHealth::Well };
 
     // Documents
     /// Most recent first, at most eight.
@@ -62,10 +67,12 @@ public:
     /// 1...6
     Published<int> pdfPagesAcross;
     Published<bool> converting{ false };
+    /// Of the conversion that is going on.
+    Published<PDFConverter::Progress> conversionProgress;
     /// A whole sentence for the user; nothing when all is well.
     Published<std::optional<QString>> conversionError;
 
-    // Settings; each assignment tells the engine at once
+    // Settings; each assignment is sent to the page at once
     Published<bool> preferSynth;
     /// The sliders offer 25...200.
     Published<double> tempoPercent;
@@ -85,7 +92,7 @@ public:
     /// The buttons offer 0.5...2.
     Published<double> zoom;
 
-    /// The one web view, null where there is no engine to show.
+    /// The one web view, null where there is none to show (tests).
     QWidget *webView() const;
     /// Evaluates `script` in the page; a failure leaves one log line and nothing else.
     void js(const QString &script);
@@ -93,14 +100,22 @@ public:
     void snapshot(std::function<void(const QImage &)> arrived);
     void handle(const QVariantMap &message) override;
 
+    // The end of the page
+    void pageHealthChanged(PageHealth health) override;
+    /// Ends a page that does not answer, with whatever it is reading.
+    void stopReading();
+    /// Loads a page that has ended anew, with the score that it showed, at the same place, mixed and set as before.
+    void startPageAgain();
+
     // Loading
     /// Opens a local file of any kind: a PDF is shown, everything else goes to the engine. Before the engine is ready
-    /// the file waits; the last one asked for wins. A file that cannot be read leaves one log line.
+    /// the file waits; the last one asked for wins, also over a PDF that is still being opened. A file that cannot be
+    /// read leaves one log line.
     void load(const QUrl &url);
     void presentOpenPanel();
 
     // Conversion of the open PDF into a score
-    /// The executable of the recognition engine Audiveris: what QV_AUDIVERIS names, else where its Debian package is
+    /// The executable of Audiveris: what QV_AUDIVERIS names, else where its Debian package is
     /// installed, else ~/.local/opt/audiveris/bin/Audiveris.
     std::optional<QString> audiverisBinary() const;
     /// Reads the notation of the open PDF off the main thread and opens the result as a score; `converting` tells while
@@ -138,15 +153,31 @@ private:
     void pushMetronomeConfig();
     void soundSourceChanged();
 
-    void loadScore(const QUrl &url);
+    /// @return whether the file could be read
+    bool loadScore(const QUrl &url);
+    void loadConverted(const QByteArray &musicXml);
     void loadPDF(const QUrl &url);
+    void pdfOpened(const QUrl &url, const std::shared_ptr<PDFDocument> &document);
     void forgetRecent(const QString &path);
     void setWindowTitle(const QString &title);
     /// The file's name without its last extension: a.b.gp gives a.b.
     static QString nameWithoutExtension(const QString &path);
 
-    void conversionEnded(const QString &path, const PDFConverter::Outcome<QByteArray> &outcome);
+    void conversionEnded(const QString &path, const PDFConverter::Result<QByteArray> &result);
     void convertIfSmoke();
+
+    /// What a page that was loaded anew comes back to.
+    struct Return {
+        ScoreSource source;
+        double position = 0;
+        QList<TrackInfo> tracks;
+    };
+    static QUrl pageAddress();
+    void startPageWith(const Return &target);
+    void resendSettings();
+    void openSourceAgain(const ScoreSource &source);
+    void returnToMixer();
+    void returnToPosition();
 
     void loadRecents();
     void recordRecent(const QUrl &url);
@@ -165,6 +196,12 @@ private:
     const bool m_smokeTest;
     const QString m_smokeLogPath;
     bool m_didSnapshot = false;
+    /// The score that the page was last asked for, and the one that it shows.
+    ScoreSource m_requestedSource;
+    ScoreSource m_shownSource;
+    /// Set from the loading of a page anew until its score has its position again.
+    std::optional<Return> m_return;
     const std::unique_ptr<EngineHost> m_engine;
+    std::unique_ptr<PDFOpening> m_opening;
     std::unique_ptr<ConversionWorker> m_conversion;
 };

@@ -1,5 +1,6 @@
 #include "controller/AlphaTabController.h"
-#include "engine_host/BridgeCalls.h"
+#include "controller/WindowTitle.h"
+#include "engine_host/bridge/BridgeCalls.h"
 #include "pdf/conversion/ConversionWorker.h"
 #include "pdf/conversion/PDFDocument.h"
 
@@ -42,23 +43,26 @@ void AlphaTabController::convertOpenPDF()
                               .arg(audiverisReleases);
         return;
     }
+    conversionProgress = PDFConverter::Progress();
     converting = true;
     const QString path = pdfURL.value()->toLocalFile();
-    m_conversion = std::make_unique<ConversionWorker>(path, *audiveris,
-        [this, path](const PDFConverter::Outcome<QByteArray> &outcome) { conversionEnded(path, outcome); });
+    m_conversion = std::make_unique<ConversionWorker>(
+        path, *audiveris,
+        [this, path](const PDFConverter::Result<QByteArray> &result) { conversionEnded(path, result); },
+        [this](const PDFConverter::Progress &progress) { conversionProgress = progress; });
 }
 
-void AlphaTabController::conversionEnded(const QString &path, const PDFConverter::Outcome<QByteArray> &outcome)
+void AlphaTabController::conversionEnded(const QString &path, const PDFConverter::Result<QByteArray> &result)
 {
     converting = false;
-    if (!outcome) {
-        conversionError = outcome.failure().message;
+    if (!result) {
+        conversionError = result.failure().message;
         return;
     }
-    js(BridgeCalls::loadBase64(*outcome));
+    loadConverted(*result);
     pdfDocument = nullptr;
     pdfURL = std::nullopt;
-    setWindowTitle(tr("%1 (converted)").arg(nameWithoutExtension(path)));
+    setWindowTitle(tr("%1 (converted)").arg(WindowTitle::closed(nameWithoutExtension(path))));
 }
 
 void AlphaTabController::convertIfSmoke()

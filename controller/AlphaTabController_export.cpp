@@ -1,6 +1,8 @@
 #include "controller/AlphaTabController.h"
+#include "controller/WholeFile.h"
+#include "controller/WindowTitle.h"
 
-#include <QSaveFile>
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -27,14 +29,15 @@ void AlphaTabController::saveGp(const QString &base64, const QString &scoreTitle
     const std::optional<QByteArray> bytes = decodeStrictly(base64);
     if (!bytes)
         return;
-    const QString proposal = (scoreTitle.isEmpty() ? u"Untitled"_s : scoreTitle) + u".gp"_s;
+    const QString proposal = (scoreTitle.isEmpty() ? u"Untitled"_s : WindowTitle::closed(scoreTitle)) + u".gp"_s;
     const std::optional<QUrl> url = m_surroundings.dialogs->chooseFileToSave(proposal, u"gp"_s);
     if (!url)
         return;
 
-    QSaveFile file(url->toLocalFile());
-    if (!file.open(QIODevice::WriteOnly) || file.write(*bytes) != bytes->size() || !file.commit()) {
-        conversionError = tr("Could not save: %1").arg(file.errorString());
+    const QString path = url->toLocalFile();
+    WholeFile::sweep(QFileInfo(path).path());
+    if (const std::optional<QString> reason = WholeFile::write(path, *bytes, WholeFile::Durability::OnDisk)) {
+        conversionError = tr("Could not save: %1").arg(*reason);
         return;
     }
     recordRecent(*url);

@@ -1,6 +1,7 @@
 #include "controller/AlphaTabController.h"
-#include "engine_host/BridgeCalls.h"
+#include "engine_host/bridge/BridgeCalls.h"
 #include "pdf/conversion/PDFDocument.h"
+#include "pdf/conversion/PDFOpening.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -56,37 +57,57 @@ const QStringList &AlphaTabController::gpContentTypes()
 
 void AlphaTabController::load(const QUrl &url)
 {
+    // The latest wins.
+    m_opening.reset();
     if (QFileInfo(url.toLocalFile()).suffix().toLower() == "pdf"_L1) {
         loadPDF(url);
         return;
     }
     if (!bridgeReady) {
         m_pendingURL = url;
+        startPageWith({ .source = url });
         return;
     }
     loadScore(url);
 }
 
-void AlphaTabController::loadScore(const QUrl &url)
+bool AlphaTabController::loadScore(const QUrl &url)
 {
     const QString path = url.toLocalFile();
     const ReadResult file = readWhole(path);
     if (!file.bytes) {
         m_surroundings.log(u"[Quaverly] failed to read "_s + path + u": "_s + file.error);
         forgetRecent(path);
-        return;
+        return false;
     }
+    m_requestedSource = url;
     js(BridgeCalls::loadBase64(*file.bytes));
     pdfDocument = nullptr;
     pdfURL = std::nullopt;
     setWindowTitle(nameWithoutExtension(path));
     recordRecent(url);
+    return true;
+}
+
+void AlphaTabController::loadConverted(const QByteArray &musicXml)
+{
+    if (pageHealth == PageHealth::Ended) {
+        startPageWith({ .source = musicXml });
+        return;
+    }
+    m_requestedSource = musicXml;
+    js(BridgeCalls::loadBase64(musicXml));
 }
 
 void AlphaTabController::loadPDF(const QUrl &url)
 {
+    m_opening = std::make_unique<PDFOpening>(
+        url.toLocalFile(), [this, url](const std::shared_ptr<PDFDocument> &document) { pdfOpened(url, document); });
+}
+
+void AlphaTabController::pdfOpened(const QUrl &url, const std::shared_ptr<PDFDocument> &document)
+{
     const QString path = url.toLocalFile();
-    const std::shared_ptr<PDFDocument> document = PDFDocument::open(path);
     if (!document) {
         m_surroundings.log(u"[Quaverly] failed to open PDF "_s + path);
         forgetRecent(path);
@@ -107,8 +128,7 @@ void AlphaTabController::presentOpenPanel()
 
 void AlphaTabController::setWindowTitle(const QString &text)
 {
-    QMetaObject::invokeMethod(
-        this, [this, text] { m_surroundings.setKeyWindowTitle(text); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, [this, text] { m_surroundings.setKeyWindowTitle(text); }, Qt::QueuedConnection);
 }
 
 QString AlphaTabController::nameWithoutExtension(const QString &path)

@@ -1,9 +1,10 @@
 #include "controller/AlphaTabController.h"
-#include "engine_host/BridgeCalls.h"
+#include "engine_host/bridge/BridgeCalls.h"
 
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 void AlphaTabController::handle(const QVariantMap &message)
 {
@@ -22,8 +23,13 @@ void AlphaTabController::apply(const BridgeMessages::Ready &)
 {
     bridgeReady = true;
     pushMetronomeConfig();
-    if (const std::optional<QUrl> pending = std::exchange(m_pendingURL, std::nullopt))
+    if (m_return)
+        resendSettings();
+    if (const std::optional<QUrl> pending = std::exchange(m_pendingURL, std::nullopt)) {
+        m_return.reset();
         load(*pending);
+    } else if (m_return)
+        openSourceAgain(m_return->source);
     else if (m_smokeTest)
         js(BridgeCalls::loadSample());
 }
@@ -31,6 +37,7 @@ void AlphaTabController::apply(const BridgeMessages::Ready &)
 void AlphaTabController::apply(const BridgeMessages::PlayerReady &)
 {
     playerReady = true;
+    returnToPosition();
     if (m_smokeTest)
         js(BridgeCalls::playPause());
 }
@@ -53,6 +60,8 @@ void AlphaTabController::apply(const BridgeMessages::Score &score)
     currentTime = 0;
     if (!title.value().isEmpty())
         setWindowTitle(title);
+    m_shownSource = m_requestedSource;
+    returnToMixer();
 }
 
 void AlphaTabController::apply(const BridgeMessages::State &state) { isPlaying = state.playing; }
@@ -61,14 +70,21 @@ void AlphaTabController::apply(const BridgeMessages::Position &position)
 {
     currentTime = position.currentTime;
     endTime = position.endTime;
+    returnToPosition();
 }
 
 void AlphaTabController::apply(const BridgeMessages::Error &error)
 {
     m_surroundings.log(u"[Quaverly] alphaTab error: "_s + error.message);
+    m_requestedSource = m_shownSource;
 }
 
-void AlphaTabController::apply(const BridgeMessages::GpData &answer) { saveGp(answer.data, answer.title); }
+void AlphaTabController::apply(const BridgeMessages::GpData &answer)
+{
+    // Not in here: until a message has been delivered the web channel delivers none, nor does the view paint, and the
+    // panel would hold it for as long as it is open.
+    m_surroundings.after(0ms, this, [this, answer] { saveGp(answer.data, answer.title); });
+}
 
 void AlphaTabController::apply(const BridgeMessages::Rendered &) { snapshotIfSmoke(); }
 

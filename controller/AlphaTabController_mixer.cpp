@@ -1,5 +1,5 @@
 #include "controller/AlphaTabController.h"
-#include "engine_host/BridgeCalls.h"
+#include "engine_host/bridge/BridgeCalls.h"
 
 #include <algorithm>
 

@@ -22,7 +22,7 @@ void AlphaTabController::loadRecents()
     QList<QUrl> urls;
     const QStringList paths = m_surroundings.defaults->textList(recentsKey()).value_or(QStringList());
     for (const QString &path : paths) {
-        if (QFileInfo::exists(path))
+        if (urls.size() < maximumRecents && QFileInfo::exists(path))
             urls << QUrl::fromLocalFile(path);
     }
     recentFiles = urls;

@@ -1,11 +1,14 @@
 #include "controller/AlphaTabController.h"
-#include "engine_host/BridgeCalls.h"
-#include "engine_host/ScriptHandler.h"
+#include "engine_host/bridge/BridgeCalls.h"
+#include "engine_host/bridge/ScriptHandler.h"
 #include "pdf/conversion/ConversionWorker.h"
+#include "pdf/conversion/Folders.h"
 #include "pdf/conversion/PDFDocument.h"
+#include "pdf/conversion/PDFOpening.h"
 
 #include <QFileInfo>
 #include <QImage>
+#include <QThreadPool>
 
 #include <algorithm>
 
@@ -28,7 +31,7 @@ bool isSmokeTest(const Surroundings &surroundings)
 
 AlphaTabController::AlphaTabController(Surroundings surroundings)
     : pdfPagesAcross(storedPagesAcross(*surroundings.defaults),
-        [this] { m_surroundings.defaults->setInteger(u"pdfPagesAcross"_s, pdfPagesAcross.value()); })
+          [this] { m_surroundings.defaults->setInteger(u"pdfPagesAcross"_s, pdfPagesAcross.value()); })
     , preferSynth(false, [this] { soundSourceChanged(); })
     , tempoPercent(100.0, [this] { js(BridgeCalls::setSpeed(tempoPercent / 100)); })
     , masterVolume(1.0, [this] { js(BridgeCalls::setMasterVolume(masterVolume)); })
@@ -67,7 +70,8 @@ AlphaTabController::AlphaTabController(Surroundings surroundings)
     m_scriptHandler->setController(this);
     startSmokeLog();
     loadRecents();
-    m_engine->load(QUrl(u"qv-app://app/index.html"_s));
+    QThreadPool::globalInstance()->start(&PDFConverter::WorkingFolder::sweep);
+    m_engine->load(pageAddress());
 }
 
 AlphaTabController::~AlphaTabController() { m_scriptHandler->setController(nullptr); }
@@ -78,10 +82,21 @@ AlphaTabController &AlphaTabController::shared()
     return *instance;
 }
 
+QUrl AlphaTabController::pageAddress() { return QUrl(u"qv-app://app/index.html"_s); }
+
 QWidget *AlphaTabController::webView() const { return m_engine->view(); }
 
 void AlphaTabController::js(const QString &script)
 {
+    const bool demo = script == BridgeCalls::loadSample();
+    if (pageHealth == PageHealth::Ended) {
+        // Settings are sent when the page is there again.
+        if (demo)
+            startPageWith({ .source = DemoScore() });
+        return;
+    }
+    if (demo)
+        m_requestedSource = DemoScore();
     m_engine->evaluate(script, [log = m_surroundings.log](const std::optional<QString> &error) {
         if (error)
             log(u"[Quaverly] JS error: "_s + *error);

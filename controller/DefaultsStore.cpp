@@ -1,21 +1,86 @@
 #include "controller/DefaultsStore.h"
 
+#include "controller/WholeFile.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QSaveFile>
 #include <QStandardPaths>
 
+#include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <thread>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// Keeps other programs from writing a folder's settings at the same time.
+///
+/// The system gives the lock back when a program ends in any way. One that stands still with the lock in its hands
+/// shall not hold up the window: after a moment the writer goes on without.
+class FolderLock final {
+    Q_DISABLE_COPY_MOVE(FolderLock)
+
+public:
+    explicit FolderLock(const QString &folder)
+        : m_folder(::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+    {
+        constexpr auto lockTimeout = 200ms;
+        const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
+        while (
+            m_folder >= 0 && ::flock(m_folder, LOCK_EX | LOCK_NB) != 0 && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::sleep_for(1ms);
+    }
+    ~FolderLock()
+    {
+        if (m_folder >= 0)
+            ::close(m_folder);
+    }
+
+private:
+    const int m_folder;
+};
+
+/// The value to store where another program may have stored one since: ours, but lists keep what others put in and go
+/// without what others took out.
+/// @param base what both began with
+QJsonValue merged(const QJsonValue &base, const QJsonValue &ours, const QJsonValue &theirs)
+{
+    // A list that was emptied is empty.
+    if (!ours.isArray() || !theirs.isArray() || ours.toArray().isEmpty())
+        return ours;
+    const QJsonArray began = base.toArray();
+    const QJsonArray other = theirs.toArray();
+    QJsonArray result;
+    for (const QJsonValue &item : ours.toArray()) {
+        if (other.contains(item) || !began.contains(item))
+            result.append(item);
+    }
+    // What they put in comes after our first, which is the latest of all.
+    qsizetype place = std::min<qsizetype>(1, result.size());
+    for (const QJsonValue &item : other) {
+        if (!began.contains(item) && !result.contains(item))
+            result.insert(place++, item);
+    }
+    return result;
+}
+
+} // namespace
 
 DefaultsStore::DefaultsStore(QString filePath, Log log)
     : m_filePath(std::move(filePath))
     , m_log(std::move(log))
+    , m_settling(m_filePath)
 {
+    WholeFile::sweep(QFileInfo(m_filePath).absolutePath());
     read();
 }
 
@@ -47,8 +112,8 @@ void DefaultsStore::setAside(const QString &reason)
     QString target = m_filePath + u".damaged"_s;
     for (int i = 2; QFileInfo::exists(target); ++i)
         target = m_filePath + u".damaged-"_s + QString::number(i);
-    const QString outcome = QFile::rename(m_filePath, target) ? u"kept as "_s + target : u"left in its place"_s;
-    m_log(u"[Quaverly] damaged settings file "_s + m_filePath + u" ("_s + reason + u"), "_s + outcome);
+    const QString result = QFile::rename(m_filePath, target) ? u"kept as "_s + target : u"left in its place"_s;
+    m_log(u"[Quaverly] damaged settings file "_s + m_filePath + u" ("_s + reason + u"), "_s + result);
 }
 
 std::optional<qint64> DefaultsStore::integer(const QString &key) const
@@ -107,11 +172,27 @@ void DefaultsStore::setTextList(const QString &key, const QStringList &value)
     write(key, QJsonArray::fromStringList(value));
 }
 
+std::optional<QJsonObject> DefaultsStore::stored() const
+{
+    QFile file(m_filePath);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
+    return document.isObject() ? std::optional(document.object()) : std::nullopt;
+}
+
 void DefaultsStore::write(const QString &key, const QJsonValue &value)
 {
+    const QString folder = QFileInfo(m_filePath).absolutePath();
+    QDir().mkpath(folder);
+    const FolderLock lock(folder);
+    QJsonObject file = stored().value_or(m_values);
+    file.insert(key, merged(m_values.value(key), value, file.value(key)));
     m_values.insert(key, value);
-    QDir().mkpath(QFileInfo(m_filePath).absolutePath());
-    QSaveFile file(m_filePath);
-    if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(m_values).toJson()) < 0 || !file.commit())
-        m_log(u"[Quaverly] failed to write the settings "_s + m_filePath + u": "_s + file.errorString());
+    const std::optional<QString> reason
+        = WholeFile::write(m_filePath, QJsonDocument(file).toJson(), WholeFile::Durability::WithSystem);
+    if (reason)
+        m_log(u"[Quaverly] failed to write the settings "_s + m_filePath + u": "_s + *reason);
+    else
+        m_settling.changed();
 }

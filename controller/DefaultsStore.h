@@ -1,5 +1,7 @@
 #pragma once
 
+#include "controller/SettlingFile.h"
+
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
@@ -8,6 +10,12 @@
 #include <optional>
 
 /// The user's settings: typed values in one JSON file, written as a whole at each assignment.
+///
+/// Several programs may share the file. An assignment changes its own key only, in the file as it is then; of two lists
+/// of texts both programs' additions and removals stay. What others write is seen when the store is made.
+///
+/// The file is with the system when an assignment returns and on the disk about a second after the last one, or when
+/// the store ends: a slider that is dragged does not wait for the disk.
 ///
 /// A getter gives nothing when the key is absent or holds a value of another type. A file that cannot be understood
 /// is renamed at the first look, so that nothing of it is lost, and the store begins empty.
@@ -37,11 +45,15 @@ public:
     void setTextList(const QString &key, const QStringList &value);
 
 private:
+    /// What the file holds now; nothing when it is not there or cannot be understood.
+    std::optional<QJsonObject> stored() const;
     void read();
     void setAside(const QString &reason);
     void write(const QString &key, const QJsonValue &value);
 
     const QString m_filePath;
     const Log m_log;
+    /// As read and assigned here; what was merged into the file beside that is not in it.
     QJsonObject m_values;
+    SettlingFile m_settling;
 };

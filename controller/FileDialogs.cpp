@@ -4,7 +4,10 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QStandardPaths>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -18,6 +21,33 @@ QString nameFilter(const QString &label, const QStringList &extensions)
         patterns << u"*."_s + extension << u"*."_s + extension.toUpper();
     return label + u" ("_s + patterns.join(u' ') + u')';
 }
+
+/// The field for the name in Qt's own panel; null where the panel is the desktop's.
+QLineEdit *nameField(const QFileDialog &dialog) { return dialog.findChild<QLineEdit *>(u"fileNameEdit"_s); }
+
+/// Qt's own panel takes straight quotes for a list of names, and saves under the first of them.
+QString withCurlyQuotes(QString name)
+{
+    bool opens = true;
+    for (QChar &c : name) {
+        if (c == u'"')
+            c = std::exchange(opens, !opens) ? u'“' : u'”';
+    }
+    return name;
+}
+
+/// Without a meta-object of its own, which would have Qt show its own panel everywhere.
+class SavePanel final : public QFileDialog {
+public:
+    using QFileDialog::QFileDialog;
+
+    void accept() override
+    {
+        if (QLineEdit *field = nameField(*this))
+            field->setText(withCurlyQuotes(field->text()));
+        QFileDialog::accept();
+    }
+};
 
 QString documentsFolder()
 {
@@ -39,12 +69,13 @@ std::optional<QUrl> FileDialogs::chooseFileToOpen(const QStringList &extensions)
 
 std::optional<QUrl> FileDialogs::chooseFileToSave(const QString &proposedName, const QString &extension)
 {
-    QFileDialog dialog(QApplication::activeWindow(), tr("Export as Guitar Pro"));
+    SavePanel dialog(QApplication::activeWindow(), tr("Export as Guitar Pro"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setNameFilter(nameFilter(tr("Guitar Pro files"), { extension }));
     dialog.setDefaultSuffix(extension);
     dialog.setDirectory(documentsFolder());
-    dialog.selectFile(fileNameFor(proposedName));
+    const QString name = fileNameFor(proposedName);
+    dialog.selectFile(nameField(dialog) ? withCurlyQuotes(name) : name);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedUrls().isEmpty())
         return std::nullopt;
     return dialog.selectedUrls().constFirst();
@@ -54,16 +85,17 @@ QString FileDialogs::fileNameFor(const QString &name)
 {
     QString result = name;
     for (QChar &c : result) {
-        if (c == u'/' || c == u'\\')
+        if (c == u'/')
             c = u'-';
         else if (c.category() == QChar::Other_Control)
             c = u' ';
     }
-    while (result.startsWith(u'.') && result.size() > 1)
-        result.remove(0, 1);
     // 255 bytes is what Linux file systems take; the ending has to survive the cut.
-    const QString suffix = u'.' + QFileInfo(result).suffix();
-    while (result.toUtf8().size() > 255)
-        result.remove(result.size() - suffix.size() - 1, 1);
+    const qsizetype ending = QFileInfo(result).suffix().size() + 1;
+    while (result.toUtf8().size() > 255) {
+        const qsizetype last = result.size() - ending - 1;
+        const bool isPair = last > 0 && result[last].isLowSurrogate() && result[last - 1].isHighSurrogate();
+        result.remove(isPair ? last - 1 : last, isPair ? 2 : 1);
+    }
     return result;
 }

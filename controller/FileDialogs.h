@@ -12,7 +12,7 @@ public:
     std::optional<QUrl> chooseFileToOpen(const QStringList &extensions) override;
     std::optional<QUrl> chooseFileToSave(const QString &proposedName, const QString &extension) override;
 
-    /// `name` as a file can be called: no separators, no control characters, not hidden, of a length that every file
-    /// system takes. The extension at its end stays.
+    /// `name` as a file can be called: no separators, no control characters, of a length that every file system takes.
+    /// All else stays as it is, and so does the extension at its end.
     static QString fileNameFor(const QString &name);
 };

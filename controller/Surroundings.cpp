@@ -1,9 +1,10 @@
 #include "controller/Surroundings.h"
 
 #include "controller/FileDialogs.h"
-#include "engine_host/SystemLog.h"
+#include "controller/WindowTitle.h"
 #include "engine_host/WebEngineHost.h"
-#include "engine_host/WebFolder.h"
+#include "engine_host/process/SystemLog.h"
+#include "engine_host/serving/WebFolder.h"
 
 #include <QApplication>
 #include <QMainWindow>
@@ -20,7 +21,7 @@ void setMainWindowTitle(const QString &title)
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget *window : windows) {
         if (window->isVisible() && qobject_cast<QMainWindow *>(window)) {
-            window->setWindowTitle(title);
+            window->setWindowTitle(WindowTitle::forWidget(WindowTitle::closed(title)));
             return;
         }
     }

@@ -25,7 +25,7 @@ struct Surroundings {
     QProcessEnvironment environment;
     /// Where the marker files are looked for and the diagnostic files go by default.
     QString temporaryFolder;
-    /// The folder that holds the engine page, if there is one.
+    /// The folder that holds the page, if there is one.
     std::optional<QString> webFolder;
     MakeEngine makeEngine;
     /// Writes one line to the system log.

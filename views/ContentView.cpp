@@ -1,24 +1,27 @@
 #include "views/ContentView.h"
 
 #include "controller/AlphaTabController.h"
+#include "design/Icons.h"
+#include "design/Separator.h"
+#include "design/Surface.h"
+#include "design/TabOrder.h"
 #include "engine_host/AlphaTabWebView.h"
 #include "pdf/viewing/PDFPageSidebar.h"
 #include "pdf/viewing/PDFSheetView.h"
 #include "pdf/viewing/PageRenderQueue.h"
 #include "views/EmptyState.h"
+#include "views/PageFailure.h"
 #include "views/Toolbar.h"
 #include "views/TrackSidebar.h"
 #include "views/TransportBar.h"
-#include "views/design/Icons.h"
-#include "views/design/Separator.h"
-#include "views/design/Surface.h"
-#include "views/design/TabOrder.h"
 
 #include <QDropEvent>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -54,11 +57,37 @@ protected:
     }
 };
 
+/// What an alert says at once, and what it says when asked for details.
+struct AlertText {
+    QString sentence;
+    QString details;
+};
+
+/// All of a short text. Of a longer one, the first paragraph and the last, which advises, where they are short; what
+/// lies between them, or all where no paragraph is, are details.
+AlertText alertText(const QString &error)
+{
+    constexpr qsizetype longest = 600;
+    const QString gap = u"\n\n"_s;
+    if (error.size() <= longest)
+        return { error, {} };
+    const qsizetype end = error.indexOf(gap);
+    if (end < 0 || end > longest)
+        return { error.left(longest) + u'…', error };
+    const qsizetype last = error.lastIndexOf(gap);
+    const bool advises = last > end && error.size() - last <= longest;
+    const qsizetype between = advises ? last : error.size();
+    return { error.left(end) + (advises ? error.sliced(last) : QString()),
+        error.sliced(end + gap.size(), std::max<qsizetype>(between - end - gap.size(), 0)) };
+}
+
 std::optional<QUrl> firstOpenable(const QMimeData &data)
 {
     const QList<QUrl> urls = data.urls();
+    // A link to a score on the web cannot be read.
     const auto openable = [](const QUrl &url) {
-        return AlphaTabController::openableExtensions().contains(QFileInfo(url.path()).suffix().toLower());
+        return url.isLocalFile()
+            && AlphaTabController::openableExtensions().contains(QFileInfo(url.path()).suffix().toLower());
     };
     const auto found = std::find_if(urls.begin(), urls.end(), openable);
     return found == urls.end() ? std::nullopt : std::optional(*found);
@@ -136,10 +165,13 @@ QWidget *ContentView::makeDetail()
 
     auto *layers = new Layers;
     auto *score = m_score = new AlphaTabWebView(m_controller.webView());
-    colorDesk();
+    score->setFocusProxy(m_controller.webView());
+    colorViewport();
     layers->add(score);
     auto *empty = new EmptyState(m_controller);
     layers->add(empty);
+    auto *failure = new PageFailure(m_controller);
+    layers->add(failure);
     layout->addWidget(layers, 1);
 
     auto *line = new Separator(Qt::Horizontal);
@@ -147,42 +179,76 @@ QWidget *ContentView::makeDetail()
     auto *transport = new TransportBar(m_controller);
     layout->addWidget(transport);
 
-    const auto refresh = [this, score, empty, line, transport] {
+    const auto refresh = [this, score, empty, failure, line, transport] {
         const bool pdf = bool(m_controller.pdfDocument.value());
+        const bool well = m_controller.pageHealth == PageHealth::Well;
         empty->setVisible(!m_controller.hasScore);
         line->setVisible(!pdf);
         transport->setVisible(!pdf);
         // The page runs on, but what is covered must not take keys.
-        score->setEnabled(m_controller.hasScore && !pdf);
-        empty->setEnabled(!pdf);
+        score->setEnabled(m_controller.hasScore && !pdf && well);
+        empty->setEnabled(!pdf && well);
+        failure->setEnabled(!pdf);
+        if (!pdf)
+            leadKeysTo(m_controller.hasScore && well ? score : nullptr);
     };
     m_controller.hasScore.observe(detail, [refresh](bool) { refresh(); });
+    m_controller.pageHealth.onChange(detail, [refresh](PageHealth) { refresh(); });
     m_controller.pdfDocument.observe(detail, [this, refresh, layers](const auto &document) {
         delete layers->template findChild<PDFSheetView *>();
         refresh();
         if (!document)
             return;
-        auto *sheet = new PDFSheetView(m_controller, document, pageSpacing, pageMargin, m_pages);
-        layers->add(sheet);
-        sheet->show();
+        auto *pages = new PDFSheetView(m_controller, document, pageSpacing, pageMargin, m_pages);
+        layers->add(pages);
+        pages->show();
+        leadKeysTo(pages);
         // So that the keys scroll at once.
-        sheet->setFocus();
+        pages->setFocus();
     });
     return detail;
+}
+
+/// Keys that no control has taken scroll what is read: it has the focus whenever this view would have it.
+void ContentView::leadKeysTo(QWidget *reader)
+{
+    const QWidget *holder = window()->focusWidget();
+    const bool nobodyElse = !holder || holder == this || !holder->isEnabled() || !holder->isVisible();
+    setFocusProxy(reader);
+    if (nobodyElse && isVisible())
+        setFocus();
+}
+
+/// A key that the control with the focus has left.
+void ContentView::keyPressEvent(QKeyEvent *event)
+{
+    QWidget *reader = this;
+    while (reader->focusProxy())
+        reader = reader->focusProxy();
+    // What the reader does not want comes back here.
+    if (m_passingKeyOn || reader == this || reader->hasFocus()) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    const QScopedValueRollback passingOn(m_passingKeyOn, true);
+    QKeyEvent copy(event->type(), event->key(), event->modifiers(), event->nativeScanCode(), event->nativeVirtualKey(),
+        event->nativeModifiers(), event->text(), event->isAutoRepeat(), ushort(event->count()));
+    QCoreApplication::sendEvent(reader, &copy);
+    event->setAccepted(copy.isAccepted());
 }
 
 void ContentView::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
-        colorDesk();
+        colorViewport();
 }
 
-/// The page shows its window's palette behind the paper: it has no other way to learn what is light or dark here.
-void ContentView::colorDesk()
+/// The page shows its window's palette behind the score page: it has no other way to learn what is light or dark here.
+void ContentView::colorViewport()
 {
     QPalette colors = palette();
-    colors.setColor(QPalette::Window, Theme::colors(palette()).desk);
+    colors.setColor(QPalette::Window, Theme::colors(palette()).viewport);
     if (m_score)
         m_score->setPalette(colors);
 }
@@ -240,6 +306,8 @@ void ContentView::showError(const std::optional<QString> &error)
                 m_controller.conversionError = std::nullopt;
         });
     }
-    m_alert->setText(*error);
+    const AlertText text = alertText(*error);
+    m_alert->setText(text.sentence);
+    m_alert->setDetailedText(text.details);
     m_alert->open();
 }

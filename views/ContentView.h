@@ -25,16 +25,19 @@ protected:
     void showEvent(QShowEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     QWidget *makeSidebar();
     QWidget *makeDetail();
     QMessageBox *makeAlert();
-    void colorDesk();
+    void colorViewport();
+    void leadKeysTo(QWidget *reader);
     void showError(const std::optional<QString> &error);
 
     AlphaTabController &m_controller;
     const std::shared_ptr<PageRenderQueue> m_pages;
     QWidget *m_score = nullptr;
     QPointer<QMessageBox> m_alert;
+    bool m_passingKeyOn = false;
 };

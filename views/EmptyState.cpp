@@ -1,12 +1,12 @@
 #include "views/EmptyState.h"
 
 #include "controller/AlphaTabController.h"
-#include "engine_host/BridgeCalls.h"
+#include "design/Button.h"
+#include "design/IconLabel.h"
+#include "design/Surface.h"
+#include "design/WrappedText.h"
+#include "engine_host/bridge/BridgeCalls.h"
 #include "views/RecentFilesList.h"
-#include "views/design/Button.h"
-#include "views/design/IconLabel.h"
-#include "views/design/Surface.h"
-#include "views/design/WrappedText.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>

@@ -1,12 +1,12 @@
 #include "views/MetronomeMenu.h"
 
 #include "controller/AlphaTabController.h"
-#include "engine_host/BridgeCalls.h"
-#include "views/design/IconLabel.h"
-#include "views/design/Picker.h"
-#include "views/design/Separator.h"
-#include "views/design/Slider.h"
-#include "views/design/Toggle.h"
+#include "design/IconLabel.h"
+#include "design/Picker.h"
+#include "design/Separator.h"
+#include "design/Slider.h"
+#include "design/Toggle.h"
+#include "engine_host/bridge/BridgeCalls.h"
 
 #include <QGraphicsOpacityEffect>
 #include <QSignalBlocker>
@@ -62,7 +62,7 @@ MetronomeMenu::MetronomeMenu(
     layout->addWidget(new Separator(Qt::Horizontal));
     layout->addWidget(makeCountIn());
 
-    // Afterwards: views hear of a new sound before the engine does, and it would play the old one.
+    // Afterwards: views are notified of a new sound before the page receives it, and it would play the old one.
     controller.metronomeSound.onChange(this, [this](const QString &) {
         QMetaObject::invokeMethod(this, &MetronomeMenu::previewIfChanged, Qt::QueuedConnection);
     });

@@ -1,8 +1,8 @@
 #include "views/RecentFileRow.h"
 
 #include "controller/AlphaTabController.h"
-#include "views/design/ElidedLabel.h"
-#include "views/design/IconLabel.h"
+#include "design/ElidedLabel.h"
+#include "design/IconLabel.h"
 
 #include <QFileInfo>
 #include <QHBoxLayout>

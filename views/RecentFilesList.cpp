@@ -1,9 +1,9 @@
 #include "views/RecentFilesList.h"
 
 #include "controller/AlphaTabController.h"
+#include "design/Button.h"
+#include "design/ElidedLabel.h"
 #include "views/RecentFileRow.h"
-#include "views/design/Button.h"
-#include "views/design/ElidedLabel.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>

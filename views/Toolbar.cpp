@@ -1,9 +1,9 @@
 #include "views/Toolbar.h"
 
 #include "controller/AlphaTabController.h"
-#include "engine_host/BridgeCalls.h"
+#include "design/Button.h"
+#include "engine_host/bridge/BridgeCalls.h"
 #include "pdf/viewing/PDFToolbarControls.h"
-#include "views/design/Button.h"
 
 #include <QHBoxLayout>
 #include <QSignalBlocker>

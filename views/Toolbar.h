@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/design/Surface.h"
+#include "design/Surface.h"
 
 class AlphaTabController;
 

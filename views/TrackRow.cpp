@@ -1,9 +1,9 @@
 #include "views/TrackRow.h"
 
 #include "controller/AlphaTabController.h"
-#include "views/design/Button.h"
-#include "views/design/ElidedLabel.h"
-#include "views/design/Slider.h"
+#include "design/Button.h"
+#include "design/ElidedLabel.h"
+#include "design/Slider.h"
 
 #include <QHBoxLayout>
 #include <QSignalBlocker>

@@ -1,8 +1,8 @@
 #include "views/TrackSidebar.h"
 
 #include "controller/AlphaTabController.h"
+#include "design/ElidedLabel.h"
 #include "views/TrackRow.h"
-#include "views/design/ElidedLabel.h"
 
 #include <QScrollArea>
 #include <QVBoxLayout>

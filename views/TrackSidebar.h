@@ -1,7 +1,7 @@
 #pragma once
 
 #include "controller/TrackInfo.h"
-#include "views/design/Surface.h"
+#include "design/Surface.h"
 
 #include <QList>
 

@@ -1,16 +1,16 @@
 #include "views/TransportBar.h"
 
 #include "controller/AlphaTabController.h"
-#include "engine_host/BridgeCalls.h"
+#include "design/Button.h"
+#include "design/DigitLabel.h"
+#include "design/Gap.h"
+#include "design/IconLabel.h"
+#include "design/Popover.h"
+#include "design/SegmentedControl.h"
+#include "design/Separator.h"
+#include "design/Slider.h"
+#include "engine_host/bridge/BridgeCalls.h"
 #include "views/MetronomeMenu.h"
-#include "views/design/Button.h"
-#include "views/design/DigitLabel.h"
-#include "views/design/Gap.h"
-#include "views/design/IconLabel.h"
-#include "views/design/Popover.h"
-#include "views/design/SegmentedControl.h"
-#include "views/design/Separator.h"
-#include "views/design/Slider.h"
 
 #include <QHBoxLayout>
 #include <QSignalBlocker>
@@ -81,7 +81,7 @@ QHBoxLayout *TransportBar::makePositionRow()
     m_controller.hasScore.observe(m_position, [this](bool hasScore) { m_position->setEnabled(hasScore); });
     connect(m_position, &Slider::settled, this, [this](double fraction) {
         m_controller.seek(fraction);
-        // The slider stays where it was let go until the engine tells the new position, unless there is none to come.
+        // The slider stays where it was let go until the page reports the new position, unless there is none to come.
         if (!(m_controller.endTime > 0))
             refreshPosition();
     });

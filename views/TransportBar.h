@@ -1,6 +1,6 @@
 #pragma once
 
-#include "views/design/Surface.h"
+#include "design/Surface.h"
 
 #include <QPointer>
 
@@ -20,7 +20,7 @@ public:
     explicit TransportBar(AlphaTabController &controller, QWidget *parent = nullptr);
 
     /// Minutes, a colon and two digits of seconds; there are no hours. Negative times keep the sign in each part, and
-    /// a time that is no number or that no 64-bit count of seconds can hold ends the program: the engine has none.
+    /// a time that is no number or that no 64-bit count of seconds can hold ends the program: the page reports none.
     static QString format(double milliseconds);
 
 private:

@@ -1,0 +1,103 @@
+#include "controller/AlphaTabController.h"
+#include "engine_host/EngineHost.h"
+#include "engine_host/bridge/BridgeCalls.h"
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+void AlphaTabController::pageHealthChanged(PageHealth health)
+{
+    if (health == PageHealth::Ended) {
+        bridgeReady = false;
+        playerReady = false;
+        isPlaying = false;
+    }
+    pageHealth = health;
+}
+
+void AlphaTabController::stopReading()
+{
+    if (pageHealth == PageHealth::NotAnswering)
+        m_engine->endPage();
+}
+
+void AlphaTabController::startPageAgain()
+{
+    startPageWith({ .source = m_shownSource, .position = currentTime, .tracks = tracks });
+}
+
+void AlphaTabController::startPageWith(const Return &target)
+{
+    if (pageHealth != PageHealth::Ended)
+        return;
+    m_return = target;
+    m_requestedSource = {};
+    m_shownSource = {};
+    if (std::holds_alternative<std::monostate>(target.source))
+        hasScore = false;
+    pageHealth = PageHealth::Well;
+    m_engine->load(pageAddress());
+}
+
+/// What the views have set since the program began, a page that was loaded anew does not know.
+void AlphaTabController::resendSettings()
+{
+    const auto resend = [](auto &property) { property = property.value(); };
+    resend(preferSynth);
+    resend(tempoPercent);
+    resend(masterVolume);
+    resend(looping);
+    resend(metronome);
+    resend(countIn);
+    resend(horizontalLayout);
+    resend(zoom);
+}
+
+void AlphaTabController::openSourceAgain(const ScoreSource &source)
+{
+    if (const auto *url = std::get_if<QUrl>(&source)) {
+        if (!loadScore(*url))
+            hasScore = false;
+    } else if (const auto *bytes = std::get_if<QByteArray>(&source)) {
+        loadConverted(*bytes);
+    } else if (std::holds_alternative<DemoScore>(source)) {
+        js(BridgeCalls::loadSample());
+    }
+}
+
+/// The score is open again: the mixer gets its settings back where the tracks are the same.
+void AlphaTabController::returnToMixer()
+{
+    if (!m_return)
+        return;
+    const QList<TrackInfo> before = std::exchange(m_return->tracks, {});
+    const QList<TrackInfo> now = tracks;
+    const auto same = [](const TrackInfo &a, const TrackInfo &b) { return a.id == b.id && a.name == b.name; };
+    if (!std::equal(before.begin(), before.end(), now.begin(), now.end(), same))
+        return;
+    for (const TrackInfo &track : before) {
+        if (track.mute)
+            toggleMute(track.id);
+        if (track.solo)
+            toggleSolo(track.id);
+        if (track.volume != 1.0)
+            setTrackVolume(track.id, track.volume);
+    }
+    const bool allVisible = std::all_of(before.begin(), before.end(), [](const auto &track) { return track.visible; });
+    if (!allVisible) {
+        tracks = before;
+        setVisibleTracks();
+    }
+}
+
+/// The position can be given back when the score's length is known and the player can play it: a seek before that is
+/// lost.
+void AlphaTabController::returnToPosition()
+{
+    if (!m_return || !playerReady || !(endTime > 0))
+        return;
+    if (const double position = std::exchange(m_return, std::nullopt)->position; position > 0)
+        js(BridgeCalls::seekToTime(std::min(position, endTime.value())));
+}
