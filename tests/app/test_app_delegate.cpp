@@ -3,6 +3,7 @@
 #include "tests/support/TestSurroundings.h"
 
 #include <QFile>
+#include <QFileDialog>
 #include <QImage>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -94,6 +95,30 @@ private Q_SLOTS:
         QTest::keyClick(m_window->windowHandle(), Qt::Key_Space);
         QCOMPARE(sent(), toggled);
         QCOMPARE(m_field->text(), QString());
+    }
+
+    void inAFilePanelItIsABlank()
+    {
+        m_controller->playerReady = true;
+        launch();
+        QFileDialog panel(m_window.get());
+        panel.setOption(QFileDialog::DontUseNativeDialog);
+        panel.setAcceptMode(QFileDialog::AcceptSave);
+        panel.open();
+        QVERIFY(QTest::qWaitForWindowActive(&panel));
+        auto *name = panel.findChild<QLineEdit *>();
+        QVERIFY(name);
+        name->clear();
+        name->setFocus();
+        for (const char key : "Ave Maria"_ba)
+            QTest::keyClick(panel.windowHandle(), key);
+        QCOMPARE(name->text(), u"Ave Maria"_s);
+        QCOMPARE(sent(), QStringList());
+        panel.close();
+        m_window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+        QTest::keyClick(m_window->windowHandle(), Qt::Key_Space);
+        QCOMPARE(sent(), toggled);
     }
 
     void otherKeysPass()

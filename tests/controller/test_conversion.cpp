@@ -2,6 +2,7 @@
 #include "pdf/conversion/PDFDocument.h"
 #include "tests/pdf/conversion/Processes.h"
 #include "tests/pdf/conversion/StandIn.h"
+#include "tests/support/OpenedPDF.h"
 #include "tests/support/TestPDFs.h"
 #include "tests/support/TestSurroundings.h"
 
@@ -15,7 +16,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// A world with an engine in it and a sheet to convert.
+/// A world with a stand-in for Audiveris and a PDF to convert.
 struct Studio {
     explicit Studio(const char *words = "", const char *measures = "")
         : standIn(world.path(u"."_s), words, measures)
@@ -27,7 +28,7 @@ struct Studio {
     }
     ~Studio() { qunsetenv("TMPDIR"); }
 
-    QUrl sheet(const QString &name = u"song.pdf"_s) const
+    QUrl pdf(const QString &name = u"song.pdf"_s) const
     {
         return world.file(name, TestPDFs::file({ { .media = "0 0 200 200", .drawing = "9 9 9 9 re f" } }));
     }
@@ -100,8 +101,8 @@ private Q_SLOTS:
             return; // here is one
         studio.world.environment.remove(u"QV_AUDIVERIS"_s);
         AlphaTabController c(studio.world.make());
-        const QUrl url = studio.sheet();
-        c.load(url);
+        const QUrl url = studio.pdf();
+        QVERIFY(openPDF(c, url));
         c.convertOpenPDF();
         QCOMPARE(c.conversionError.value(),
             u"Audiveris (the music-recognition engine) was not found. Download it from "
@@ -125,8 +126,8 @@ private Q_SLOTS:
     {
         Studio studio;
         AlphaTabController c(studio.world.make());
-        const QUrl url = studio.sheet(u"a.song.pdf"_s);
-        c.load(url);
+        const QUrl url = studio.pdf(u"a.song.pdf"_s);
+        QVERIFY(openPDF(c, url));
         QTRY_COMPARE(studio.world.windowTitles->size(), 1);
         const QList<QUrl> recents = c.recentFiles.value();
         studio.world.engine->take();
@@ -163,8 +164,8 @@ private Q_SLOTS:
     {
         Studio studio("fail");
         AlphaTabController c(studio.world.make());
-        const QUrl url = studio.sheet();
-        c.load(url);
+        const QUrl url = studio.pdf();
+        QVERIFY(openPDF(c, url));
         QTRY_COMPARE(studio.world.windowTitles->size(), 1);
         studio.world.engine->take();
         c.convertOpenPDF();
@@ -179,12 +180,12 @@ private Q_SLOTS:
         QVERIFY(studio.world.log->isEmpty());
     }
 
-    void aSheetThatIsGone()
+    void aPDFThatIsGone()
     {
         Studio studio;
         AlphaTabController c(studio.world.make());
-        const QUrl url = studio.sheet();
-        c.load(url);
+        const QUrl url = studio.pdf();
+        QVERIFY(openPDF(c, url));
         QFile::remove(url.toLocalFile());
         c.convertOpenPDF();
         QTRY_VERIFY(!c.converting);
@@ -195,7 +196,7 @@ private Q_SLOTS:
     {
         Studio studio;
         AlphaTabController c(studio.world.make());
-        c.load(studio.sheet());
+        QVERIFY(openPDF(c, studio.pdf()));
         studio.world.engine->take();
         c.convertOpenPDF();
         c.convertOpenPDF();
@@ -203,7 +204,7 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QCOMPARE(studio.standIn.report().size(), 1);
         QCOMPARE(studio.world.engine->scripts.size(), 1);
-        c.convertOpenPDF(); // no sheet is open any more
+        c.convertOpenPDF(); // no PDF is open any more
         QVERIFY(!c.converting);
     }
 
@@ -211,7 +212,7 @@ private Q_SLOTS:
     {
         Studio studio("fail");
         AlphaTabController c(studio.world.make());
-        c.load(studio.sheet());
+        QVERIFY(openPDF(c, studio.pdf()));
         int failures = 0;
         c.conversionError.onChange(this, [&](const std::optional<QString> &) {
             if (++failures < 3)
@@ -229,7 +230,7 @@ private Q_SLOTS:
         AlphaTabController c(studio.world.make());
         // A whole page of letter size, so that there is something to draw.
         const TestPDFs::Page page{ .media = "0 0 612 792", .drawing = "9 9 90 90 re f" };
-        c.load(studio.world.file(u"l.pdf"_s, TestPDFs::file({ page })));
+        QVERIFY(openPDF(c, studio.world.file(u"l.pdf"_s, TestPDFs::file({ page }))));
         QElapsedTimer clock;
         qint64 longest = 0;
         QTimer beat;
@@ -246,7 +247,7 @@ private Q_SLOTS:
     {
         Studio studio("hang");
         auto c = std::make_unique<AlphaTabController>(studio.world.make());
-        c->load(studio.sheet());
+        QVERIFY(openPDF(*c, studio.pdf()));
         studio.world.engine->take();
         c->convertOpenPDF();
         QTRY_COMPARE(studio.standIn.report().size(), 2);
@@ -264,7 +265,7 @@ private Q_SLOTS:
     {
         Studio studio("hang");
         AlphaTabController c(studio.world.make());
-        c.load(studio.sheet());
+        QVERIFY(openPDF(c, studio.pdf()));
         c.convertOpenPDF();
         QTRY_COMPARE(studio.standIn.report().size(), 2);
         const QString processes = studio.standIn.report().at(1);
@@ -281,17 +282,17 @@ private Q_SLOTS:
         studio.world.environment.insert(u"QV_SMOKE"_s, u"1"_s);
         studio.world.environment.insert(u"QV_LOGFILE"_s, studio.world.path(u"smoke.log"_s));
         auto c = std::make_unique<AlphaTabController>(studio.world.make());
-        c->load(studio.sheet());
+        QVERIFY(openPDF(*c, studio.pdf()));
         QVERIFY(studio.world.delayed->isEmpty()); // no marker
         studio.world.file(u"qv_convert"_s);
-        c->load(studio.sheet());
+        QVERIFY(openPDF(*c, studio.pdf(u"second.pdf"_s)));
         QCOMPARE(studio.world.delayed->size(), 1);
         QCOMPARE(studio.world.delayed->at(0).delay, 500ms);
         QVERIFY(!c->converting);
         studio.world.delayed->at(0).work();
         QVERIFY(c->converting);
         QTRY_VERIFY(!c->converting);
-        c->load(studio.sheet());
+        QVERIFY(openPDF(*c, studio.pdf(u"third.pdf"_s)));
         c.reset();
         studio.world.delayed->at(1).work(); // nobody is there
     }
@@ -301,7 +302,7 @@ private Q_SLOTS:
         Studio studio;
         studio.world.file(u"qv_convert"_s);
         AlphaTabController c(studio.world.make());
-        c.load(studio.sheet());
+        QVERIFY(openPDF(c, studio.pdf()));
         QVERIFY(studio.world.delayed->isEmpty());
     }
 };

@@ -1,9 +1,13 @@
 #include "controller/DefaultsStore.h"
+#include "tests/support/FullDisk.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -24,6 +28,12 @@ private:
         QFile file(path());
         QVERIFY(file.open(QIODevice::WriteOnly));
         file.write(bytes);
+    }
+
+    QByteArray contents() const
+    {
+        QFile file(path());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be read)");
     }
 
 private Q_SLOTS:
@@ -131,6 +141,71 @@ private Q_SLOTS:
         QCOMPARE(s.integer(u"i"_s), 1); // the run goes on with the value
         QCOMPARE(m_log.size(), 1);
         QVERIFY(m_log.constFirst().startsWith("[Quaverly] failed to write the settings "_L1));
+    }
+
+    void aFullDiskLeavesTheOldFile()
+    {
+        const auto s = store();
+        s->setText(u"t"_s, QString(500, u'a'));
+        const QByteArray before = contents();
+        {
+            const FullDisk disk(100);
+            s->setText(u"t"_s, QString(600, u'b'));
+        }
+        QCOMPARE(contents(), before);
+        QCOMPARE(m_log.size(), 1);
+        QVERIFY(m_log[0].startsWith(u"[Quaverly] failed to write the settings "_s + path() + u": "_s));
+        s->setText(u"t"_s, u"c"_s);
+        QCOMPARE(store()->text(u"t"_s), u"c"_s);
+    }
+
+    void twoLaunchesKeepEachOthersSettings()
+    {
+        store()->setReal(u"volume"_s, 0.5);
+        const auto one = store();
+        const auto other = store();
+        one->setReal(u"volume"_s, 0.75);
+        other->setText(u"sound"_s, u"beep"_s);
+        one->setInteger(u"pages"_s, 3);
+        const auto next = store();
+        QCOMPARE(next->real(u"volume"_s), 0.75);
+        QCOMPARE(next->text(u"sound"_s), u"beep"_s);
+        QCOMPARE(next->integer(u"pages"_s), 3);
+    }
+
+    void twoLaunchesKeepEachOthersListEntries()
+    {
+        const QString key = u"list"_s;
+        const auto one = store();
+        const auto other = store();
+        one->setTextList(key, { u"a"_s });
+        other->setTextList(key, { u"b"_s });
+        QCOMPARE(store()->textList(key), (QStringList{ u"b"_s, u"a"_s }));
+        one->setTextList(key, { u"c"_s, u"a"_s });
+        QCOMPARE(store()->textList(key), (QStringList{ u"c"_s, u"b"_s, u"a"_s }));
+        // Removed by one of them: gone, also when the other one, who still has it, writes.
+        other->setTextList(key, {});
+        QCOMPARE(store()->textList(key), QStringList());
+        one->setTextList(key, { u"d"_s, u"c"_s, u"a"_s });
+        QCOMPARE(store()->textList(key), (QStringList{ u"d"_s }));
+    }
+
+    void whatAKilledProgramLeftIsSweptAway()
+    {
+        const pid_t dead = ::fork();
+        if (dead == 0)
+            ::_exit(0);
+        ::waitpid(dead, nullptr, 0);
+        const auto left = [this](pid_t program) {
+            const QString name = m_folder.filePath(u".quaverly-save-"_s + QString::number(program) + u"-1"_s);
+            QFile file(name);
+            return file.open(QIODevice::WriteOnly) ? name : QString();
+        };
+        const QString orphan = left(dead);
+        const QString busy = left(::getpid());
+        store();
+        QVERIFY(!QFile::exists(orphan));
+        QVERIFY(QFile::remove(busy));
     }
 };
 

@@ -1,13 +1,11 @@
 #include "controller/AlphaTabController.h"
 #include "controller/FileDialogs.h"
+#include "tests/support/FullDisk.h"
 #include "tests/support/TestSurroundings.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTest>
-
-#include <csignal>
-#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
@@ -37,11 +35,22 @@ private Q_SLOTS:
         const QUrl target = QUrl::fromLocalFile(world.path(u"out.gp"_s));
         world.dialogs->fileToSave = target;
         c.handle(answer(u"AP8q"_s));
+        world.letTimePass();
         QCOMPARE(world.dialogs->proposedName, u"Blues in A.gp"_s);
         QCOMPARE(world.dialogs->savedExtension, u"gp"_s);
         QCOMPARE(contents(target.toLocalFile()), QByteArray("\0\xff*", 3));
         QCOMPARE(c.recentFiles.value(), QList<QUrl>{ target });
         QVERIFY(!c.conversionError.value());
+    }
+
+    void thePanelOpensWhenTheMessageHasBeenDelivered()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        c.handle(answer(u"AAAA"_s));
+        QCOMPARE(world.dialogs->saved, 0);
+        world.letTimePass();
+        QCOMPARE(world.dialogs->saved, 1);
     }
 
     void proposals_data()
@@ -50,6 +59,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("proposal");
         QTest::newRow("none") << QVariant() << u"Untitled.gp"_s;
         QTest::newRow("empty") << QVariant(QString()) << u"Untitled.gp"_s;
+        QTest::newRow("turned around") << QVariant(u"a\u202eb"_s) << u"a\u202eb\u202c.gp"_s;
         QTest::newRow("as it stands") << QVariant(u" a/b "_s) << u" a/b .gp"_s;
     }
 
@@ -59,6 +69,7 @@ private Q_SLOTS:
         TestSurroundings world;
         AlphaTabController c(world.make());
         c.handle(answer(QString(), title));
+        world.letTimePass();
         QTEST(world.dialogs->proposedName, "proposal");
     }
 
@@ -76,6 +87,7 @@ private Q_SLOTS:
         TestSurroundings world;
         AlphaTabController c(world.make());
         c.handle(answer(data));
+        world.letTimePass();
         QCOMPARE(world.dialogs->saved, 0);
         QVERIFY(world.log->isEmpty());
         QVERIFY(!c.conversionError.value());
@@ -87,6 +99,7 @@ private Q_SLOTS:
         AlphaTabController c(world.make());
         world.dialogs->fileToSave = QUrl::fromLocalFile(world.path(u"empty.gp"_s));
         c.handle({ { u"type"_s, u"gpData"_s } });
+        world.letTimePass();
         QCOMPARE(world.dialogs->saved, 1);
         QVERIFY(QFile::exists(world.path(u"empty.gp"_s)));
         QCOMPARE(contents(world.path(u"empty.gp"_s)), QByteArray());
@@ -97,6 +110,7 @@ private Q_SLOTS:
         TestSurroundings world;
         AlphaTabController c(world.make());
         c.handle(answer(u"AAAA"_s));
+        world.letTimePass();
         QCOMPARE(world.dialogs->saved, 1);
         QVERIFY(c.recentFiles.value().isEmpty());
         QVERIFY(!c.conversionError.value());
@@ -111,6 +125,7 @@ private Q_SLOTS:
         c.recentFiles = QList<QUrl>{ other, old };
         world.dialogs->fileToSave = old;
         c.handle(answer(u"AP8q"_s));
+        world.letTimePass();
         QCOMPARE(contents(old.toLocalFile()), QByteArray("\0\xff*", 3));
         QCOMPARE(c.recentFiles.value(), (QList<QUrl>{ old, other }));
     }
@@ -127,6 +142,7 @@ private Q_SLOTS:
             c.conversionError = std::nullopt;
             world.dialogs->fileToSave = QUrl::fromLocalFile(world.path(name));
             c.handle(answer(u"AAAA"_s));
+            world.letTimePass();
             QVERIFY(c.conversionError.value());
             QVERIFY(c.conversionError.value()->startsWith("Could not save: "_L1));
             QVERIFY(c.conversionError.value()->size() > 16);
@@ -140,18 +156,35 @@ private Q_SLOTS:
         AlphaTabController c(world.make());
         const QUrl old = world.file(u"old.gp"_s, "the old file");
         world.dialogs->fileToSave = old;
-        // The limit fails a write in the middle, as a full disk does.
-        rlimit before{};
-        QCOMPARE(::getrlimit(RLIMIT_FSIZE, &before), 0);
-        const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit small{ 1000, before.rlim_max };
-        QCOMPARE(::setrlimit(RLIMIT_FSIZE, &small), 0);
-        c.handle(answer(QString::fromLatin1(QByteArray(100000, 'x').toBase64())));
-        ::setrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, handler);
+        {
+            const FullDisk disk(1000);
+            c.handle(answer(QString::fromLatin1(QByteArray(100000, 'x').toBase64())));
+            world.letTimePass();
+        }
         QVERIFY(c.conversionError.value());
         QVERIFY(c.conversionError.value()->startsWith("Could not save: "_L1));
         QCOMPARE(contents(old.toLocalFile()), QByteArray("the old file"));
+        QVERIFY(c.recentFiles.value().isEmpty());
+    }
+
+    void aShortFileOnAFullDiskLeavesTheOldFile()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        // Fits into a buffer, so that nothing goes wrong before the file is closed.
+        const QByteArray old(3000, 'o');
+        const QUrl target = world.file(u"old.gp"_s, old);
+        world.dialogs->fileToSave = target;
+        {
+            const FullDisk disk(1000);
+            c.handle(answer(QString::fromLatin1(QByteArray(2000, 'x').toBase64())));
+            world.letTimePass();
+        }
+        QVERIFY(c.conversionError.value());
+        QVERIFY(c.conversionError.value()->startsWith("Could not save: "_L1));
+        QCOMPARE(contents(target.toLocalFile()), old);
+        QCOMPARE(QDir(world.path(u"."_s)).entryList({ u".*save*"_s, u"old.gp?*"_s }, QDir::Files | QDir::Hidden),
+            QStringList());
         QVERIFY(c.recentFiles.value().isEmpty());
     }
 
@@ -161,8 +194,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("name");
         QTest::newRow("plain") << u"Blues in A.gp"_s << u"Blues in A.gp"_s;
         QTest::newRow("slash") << u"AC/DC - Live.gp"_s << u"AC-DC - Live.gp"_s;
-        QTest::newRow("backslash") << u"a\\b.gp"_s << u"a-b.gp"_s;
-        QTest::newRow("leading points") << u"...And so on.gp"_s << u"And so on.gp"_s;
+        QTest::newRow("backslash") << u"a\\b.gp"_s << u"a\\b.gp"_s;
+        QTest::newRow("leading points") << u"...And so on.gp"_s << u"...And so on.gp"_s;
         QTest::newRow("line break") << u"a\nb.gp"_s << u"a b.gp"_s;
         QTest::newRow("other scripts") << u"Шторм 嵐.gp"_s << u"Шторм 嵐.gp"_s;
     }
@@ -171,6 +204,17 @@ private Q_SLOTS:
     {
         QFETCH(QString, proposed);
         QTEST(FileDialogs::fileNameFor(proposed), "name");
+    }
+
+    void aPairOfSurrogatesIsNotCutInTwo()
+    {
+        for (int before = 0; before < 4; ++before) {
+            const QString name
+                = FileDialogs::fileNameFor(QString(before, u'a') + QString(u"𝄞"_s).repeated(100) + u".gp"_s);
+            QVERIFY(name.isValidUtf16());
+            QVERIFY(name.toUtf8().size() <= 255 && name.toUtf8().size() > 248);
+            QVERIFY(name.endsWith(u"𝄞.gp"_s));
+        }
     }
 
     void aVeryLongNameIsCutBeforeItsExtension()

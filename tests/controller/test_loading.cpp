@@ -1,5 +1,6 @@
 #include "controller/AlphaTabController.h"
 #include "pdf/conversion/PDFDocument.h"
+#include "tests/support/OpenedPDF.h"
 #include "tests/support/TestPDFs.h"
 #include "tests/support/TestSurroundings.h"
 
@@ -129,12 +130,12 @@ private Q_SLOTS:
         QVERIFY(world.engine->scripts.isEmpty());
     }
 
-    void aPdfIsShownAtOnceWhateverTheCase()
+    void aPdfIsShownWhateverTheCase()
     {
         TestSurroundings world;
         AlphaTabController c(world.make());
         const QUrl url = writePdf(world, u"SCORE.PDF"_s);
-        c.load(url); // before "ready": a PDF needs no engine
+        QVERIFY(openPDF(c, url)); // before "ready": a PDF needs no engine
         QVERIFY(c.pdfDocument.value());
         QCOMPARE(c.pdfDocument.value()->pageCount(), 1);
         QCOMPARE(c.pdfURL.value(), url);
@@ -148,7 +149,7 @@ private Q_SLOTS:
         TestSurroundings world;
         AlphaTabController c(world.make());
         makeReady(c, world);
-        c.load(writePdf(world, u"sheet.pdf"_s));
+        QVERIFY(openPDF(c, writePdf(world, u"pages.pdf"_s)));
         QVERIFY(c.pdfDocument.value());
         c.load(world.file(u"a.gp"_s));
         QVERIFY(!c.pdfDocument.value());
@@ -174,13 +175,14 @@ private Q_SLOTS:
         QCOMPARE(::mkfifo(qPrintable(world.path(u"pipe.pdf"_s)), 0600), 0);
         AlphaTabController c(world.make());
         const QUrl good = writePdf(world, u"good.pdf"_s);
-        c.load(good);
+        QVERIFY(openPDF(c, good));
         const auto before = c.pdfDocument.value();
         QTRY_COMPARE(world.windowTitles->size(), 1);
         const QUrl bad = QUrl::fromLocalFile(world.path(name));
         c.recentFiles = QList<QUrl>{ bad, good };
 
         c.load(bad);
+        QTRY_VERIFY(!world.log->isEmpty());
         QCOMPARE(*world.log, QStringList{ u"[Quaverly] failed to open PDF "_s + bad.toLocalFile() });
         QCOMPARE(c.recentFiles.value(), QList<QUrl>{ good });
         QCOMPARE(world.defaults()->textList(u"recentFiles"_s), QStringList{ good.toLocalFile() });
@@ -197,14 +199,35 @@ private Q_SLOTS:
         AlphaTabController c(world.make());
         const QUrl encrypted = world.file(u"encrypted.pdf"_s, TestPDFs::colored(2));
         QVERIFY(TestPDFs::encrypt(encrypted.toLocalFile(), ""));
-        c.load(encrypted);
-        QCOMPARE(c.pdfURL.value(), encrypted);
+        QVERIFY(openPDF(c, encrypted));
         QCOMPARE(c.pdfDocument.value()->pageCount(), 2);
         const QUrl damaged = world.file(u"damaged.pdf"_s, TestPDFs::withBrokenTable(TestPDFs::colored(3)));
-        c.load(damaged);
-        QCOMPARE(c.pdfURL.value(), damaged);
+        QVERIFY(openPDF(c, damaged));
         QCOMPARE(c.pdfDocument.value()->pageCount(), 3);
         QVERIFY(world.log->isEmpty());
+    }
+
+    void theLatestWinsOverAPdfThatIsStillBeingOpened()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        makeReady(c, world);
+        const QUrl pdf = writePdf(world, u"pages.pdf"_s);
+        c.load(pdf);
+        c.load(world.file(u"a.gp"_s));
+        QVERIFY(openPDF(c, writePdf(world, u"other.pdf"_s)));
+        QVERIFY(!c.recentFiles.value().contains(pdf));
+        QVERIFY(world.log->isEmpty());
+    }
+
+    void aPdfWhosePagesGoInCirclesKeepsNobodyWaiting()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        c.load(world.file(u"loop.pdf"_s, TestPDFs::endlessPageTree()));
+        // Neither the next file nor the end waits for it.
+        QVERIFY(openPDF(c, writePdf(world, u"good.pdf"_s)));
+        c.load(QUrl::fromLocalFile(world.path(u"loop.pdf"_s)));
     }
 
     void theOpenPanel()

@@ -10,6 +10,12 @@ namespace {
 
 QDir samples() { return QDir(qEnvironmentVariable("QUAVERLY_SAMPLES")); }
 
+QByteArray contents(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 const QString melodyNote
     = u"<note><pitch><step>%1</step><octave>4</octave></pitch><duration>1</duration><type>quarter</type></note>"_s;
 const QString drumNote
@@ -61,11 +67,12 @@ QByteArray musicXml(const Tune &tune)
                .toUtf8();
 }
 
-QByteArray sample(const QString &name)
+QByteArray ferry(const QString &kind)
 {
-    QFile file(samples().filePath(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return contents(qEnvironmentVariable("QUAVERLY_SCORES") + u"/ferry."_s + kind);
 }
+
+QByteArray sample(const QString &name) { return contents(samples().filePath(name)); }
 
 bool haveSamples() { return samples().exists(u"canon.gp5"_s); }
 

@@ -1,7 +1,7 @@
 #include "tests/engine/EngineSession.h"
 
-#include "engine_host/BridgeCalls.h"
 #include "engine_host/EnginePage.h"
+#include "engine_host/bridge/BridgeCalls.h"
 
 #include <QEventLoop>
 #include <QTimer>
@@ -52,7 +52,7 @@ QVariant EngineSession::valueOf(const QString &expression)
 
 bool EngineSession::waitFor(const std::function<bool()> &happened, int milliseconds)
 {
-    // An event loop of its own: QTest::qWaitFor sleeps between single rounds, which the web engine's many small tasks
+    // An event loop of its own: QTest::qWaitFor sleeps between single rounds, which Chromium's many small tasks
     // turn into seconds.
     if (happened())
         return true;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "engine_host/MessageReceiver.h"
-#include "engine_host/ScriptHandler.h"
 #include "engine_host/WebEngineHost.h"
+#include "engine_host/bridge/MessageReceiver.h"
+#include "engine_host/bridge/ScriptHandler.h"
 #include "tests/support/EngineTestMain.h"
 
 #include <QElapsedTimer>
@@ -12,7 +12,7 @@
 #include <functional>
 #include <memory>
 
-/// One run of the real engine page, with everything it said.
+/// One run of the real page, with everything it said.
 class EngineSession final : public MessageReceiver {
 public:
     struct Heard {
@@ -24,6 +24,9 @@ public:
     explicit EngineSession(const QString &webFolder = qEnvironmentVariable("QUAVERLY_WEB_FOLDER"));
     ~EngineSession() override;
     Q_DISABLE_COPY_MOVE(EngineSession)
+
+    /// What was told of how the page is.
+    QList<PageHealth> healths;
 
     /// Loads the page in a view of the given size and waits until it can take a score.
     bool start(QSize size = { 1200, 800 }, bool shown = true);
@@ -57,10 +60,11 @@ public:
     /// Peak of the last three quarters of a second, 0 to 1.
     double loudness();
 
-    /// From now on the web engine can decode the next WAVE file that it is handed, and none after that.
+    /// From now on Chromium can decode the next WAVE file that it is handed, and none after that.
     void failToDecodeWaveFiles();
 
     void handle(const QVariantMap &message) override;
+    void pageHealthChanged(PageHealth health) override { healths << health; }
 
 private:
     bool waitForScore(qsizetype drawn);

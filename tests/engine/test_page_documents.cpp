@@ -1,6 +1,7 @@
-#include "engine_host/BridgeCalls.h"
+#include "engine_host/bridge/BridgeCalls.h"
 #include "tests/engine/EngineScores.h"
 #include "tests/engine/PageTest.h"
+#include "tests/engine/RecordedScores.h"
 
 using namespace Qt::StringLiterals;
 
@@ -87,11 +88,17 @@ private Q_SLOTS:
         row("half a MusicXML file", EngineScores::musicXml({}).left(700));
         row("MusicXML without music", EngineScores::musicXml({ .parts = {} }));
         row("a web page", "<html><body>no</body></html>");
+        row("a truncated Guitar Pro 3 file", EngineScores::ferry(u"gp3"_s).left(6000));
+        row("a truncated Guitar Pro 4 file", EngineScores::ferry(u"gp4"_s).left(6000));
+        row("a truncated Guitar Pro 5 file", EngineScores::ferry(u"gp5"_s).left(9000));
+        row("a truncated Guitar Pro 6 file", EngineScores::ferry(u"gpx"_s).left(20000));
+        row("a truncated Guitar Pro 7 file", EngineScores::ferry(u"gp"_s).left(12000));
+        row("a truncated compressed MusicXML file", EngineScores::ferry(u"mxl"_s).left(80000));
         if (EngineScores::haveSamples()) {
-            row("a truncated Guitar Pro 5 file", EngineScores::sample(u"canon.gp5"_s).left(30000));
-            row("a truncated Guitar Pro 7 file", EngineScores::sample(u"serenade.gp"_s).left(20000));
-            row("a truncated Guitar Pro 6 file", EngineScores::sample(u"serenade.gpx"_s).left(20000));
-            row("a truncated compressed MusicXML file", EngineScores::sample(u"Telemann.mxl"_s).left(4000));
+            row("a real Guitar Pro 5 file, truncated", EngineScores::sample(u"canon.gp5"_s).left(30000));
+            row("a real Guitar Pro 7 file, truncated", EngineScores::sample(u"serenade.gp"_s).left(20000));
+            row("a real Guitar Pro 6 file, truncated", EngineScores::sample(u"serenade.gpx"_s).left(20000));
+            row("real compressed MusicXML, truncated", EngineScores::sample(u"Telemann.mxl"_s).left(4000));
         }
     }
 
@@ -118,10 +125,10 @@ private Q_SLOTS:
                                      { .title = u"One"_s, .parts = { u"A"_s, u"B"_s, u"C"_s }, .bars = 90 }),
             EngineScores::musicXml({ .title = u"Two"_s, .parts = { u"A"_s, u"B"_s }, .bars = 60 }),
             EngineScores::musicXml({ .title = u"Three"_s, .bars = 2 }) };
-        if (EngineScores::haveSamples()) {
-            files.prepend(EngineScores::sample(u"canon-audio-track.gp"_s));
-            files.prepend(EngineScores::sample(u"canon.gp5"_s));
-        }
+        const bool real = EngineScores::haveSamples();
+        files.prepend(real ? EngineScores::sample(u"canon-audio-track.gp"_s)
+                           : RecordedScores::score(RecordedScores::tone(20), 10));
+        files.prepend(real ? EngineScores::sample(u"canon.gp5"_s) : EngineScores::ferry(u"gp5"_s));
         for (const QByteArray &file : files)
             m_session->call(BridgeCalls::loadBase64(file));
         const auto lastIsHere = [&] { return m_session->last(u"score"_s).value(u"title"_s) == u"Three"_s; };
@@ -144,28 +151,72 @@ private Q_SLOTS:
         QCOMPARE(m_session->last(u"gpData"_s).value(u"title"_s).toString(), u"Überfahrt"_s);
     }
 
-    void everySampleOpensPlaysAndExports_data()
+    void aScoreThatCannotBePlayedIsShown()
     {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<QString>("title");
-        QTest::addColumn<int>("tracks");
-        QTest::newRow("gp5") << u"canon.gp5"_s << u"Canon Rock"_s << 9;
-        QTest::newRow("gp8") << u"canon-audio-track.gp"_s << u"Canon Rock"_s << 9;
-        QTest::newRow("gp7") << u"serenade.gp"_s << u"Serenade to a Dream"_s << 4;
-        QTest::newRow("gp6") << u"serenade.gpx"_s << u"Serenade to a Dream"_s << 4;
-        QTest::newRow("gp3") << u"effects.gp3"_s << u"Effects"_s << 1;
-        QTest::newRow("gp4") << u"effects.gp4"_s << u"Effects"_s << 1;
-        QTest::newRow("xml") << u"SchbAvMaSample.xml"_s << u"Ave Maria"_s << 2;
-        QTest::newRow("mxl") << u"Telemann.mxl"_s << u"Excerpt from \"Liebe! Liebe! Was ist schöner als die Liebe?\""_s
-                             << 2;
+        m_session->valueOf(u"const { prototype } = alphaTab.midi.MidiFileGenerator; "
+                           "globalThis.generate = prototype.generate; "
+                           "prototype.generate = () => { throw new Error('no such metre'); }; 1"_s);
+        m_session->call(BridgeCalls::loadBase64(EngineScores::musicXml({ .title = u"Mute"_s })));
+        QVERIFY(m_session->waitForCount(u"rendered"_s, 1));
+        QVERIFY(m_session->waitForCount(u"error"_s, 1));
+        const QString sentence = u"The score cannot be played (no such metre)."_s;
+        QCOMPARE(m_session->last(u"error"_s).value(u"message"_s).toString(), sentence);
+        m_session->call(BridgeCalls::playPause());
+        QVERIFY(m_session->waitForCount(u"error"_s, 2));
+        QCOMPARE(m_session->last(u"error"_s).value(u"message"_s).toString(), sentence);
+        QVERIFY(!m_session->isPlaying());
+        m_session->valueOf(u"alphaTab.midi.MidiFileGenerator.prototype.generate = globalThis.generate; 1"_s);
+        QVERIFY(m_session->open(EngineScores::musicXml({ .title = u"Heard"_s })));
+        m_session->call(BridgeCalls::playPause());
+        QVERIFY(m_session->waitFor([&] { return m_session->isPlaying() && m_session->position() > 400; }));
+        QCOMPARE(m_session->count(u"error"_s), 2);
     }
 
-    void everySampleOpensPlaysAndExports()
+    void theExportKeepsTheRecording()
     {
-        QFETCH(QString, file);
+        QVERIFY(m_session->open(RecordedScores::score(RecordedScores::tone(4), 2)));
+        m_session->call(BridgeCalls::playPause());
+        QVERIFY(m_session->waitFor([&] { return m_session->isPlaying() && m_session->position() > 400; }));
+        m_session->call(BridgeCalls::stop());
+        m_session->call(BridgeCalls::exportGp());
+        QVERIFY(m_session->waitForCount(u"gpData"_s, 1));
+        const QString kept = u"globalThis.keptRecording"_s;
+        m_session->valueOf(u"import('qv-app://app/src/score-files/score-files.js').then(({ readScore }) => { "
+                           "const { score } = readScore(Uint8Array.from(atob('%1'), (c) => c.charCodeAt(0)), "
+                           "new alphaTab.Settings()); "
+                           "globalThis.keptRecording = btoa(Array.from(score.backingTrack.rawAudioFile, "
+                           "(byte) => String.fromCharCode(byte)).join('')); }); 1"_s.arg(
+                               m_session->last(u"gpData"_s).value(u"data"_s).toString()));
+        QVERIFY(m_session->waitFor([&] { return m_session->valueOf(kept).isValid(); }));
+        QVERIFY(QByteArray::fromBase64(m_session->valueOf(kept).toByteArray()) == RecordedScores::tone(4));
+    }
+
+    void everyFormatOpensPlaysAndExports_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<int>("tracks");
+        for (const char *kind : { "gp3", "gp4", "gp5", "gpx", "gp", "musicxml", "mxl" })
+            QTest::newRow(kind) << EngineScores::ferry(QString::fromLatin1(kind)) << u"Ferry at Dusk"_s << 4;
+        QTest::newRow("gp with a recording")
+            << RecordedScores::score(RecordedScores::encoded(u"slow.ogg"_s), 8) << u"Recorded"_s << 2;
         if (!EngineScores::haveSamples())
-            QSKIP("the samples are not here");
-        QVERIFY(m_session->open(EngineScores::sample(file)));
+            return;
+        QTest::newRow("a real gp5") << EngineScores::sample(u"canon.gp5"_s) << u"Canon Rock"_s << 9;
+        QTest::newRow("a real gp8") << EngineScores::sample(u"canon-audio-track.gp"_s) << u"Canon Rock"_s << 9;
+        QTest::newRow("a real gp7") << EngineScores::sample(u"serenade.gp"_s) << u"Serenade to a Dream"_s << 4;
+        QTest::newRow("a real gp6") << EngineScores::sample(u"serenade.gpx"_s) << u"Serenade to a Dream"_s << 4;
+        QTest::newRow("a real gp3") << EngineScores::sample(u"effects.gp3"_s) << u"Effects"_s << 1;
+        QTest::newRow("a real gp4") << EngineScores::sample(u"effects.gp4"_s) << u"Effects"_s << 1;
+        QTest::newRow("a real xml") << EngineScores::sample(u"SchbAvMaSample.xml"_s) << u"Ave Maria"_s << 2;
+        QTest::newRow("a real mxl") << EngineScores::sample(u"Telemann.mxl"_s)
+                                    << u"Excerpt from \"Liebe! Liebe! Was ist schöner als die Liebe?\""_s << 2;
+    }
+
+    void everyFormatOpensPlaysAndExports()
+    {
+        QFETCH(QByteArray, file);
+        QVERIFY(m_session->open(file));
         const QVariantMap score = m_session->last(u"score"_s);
         QTEST(score.value(u"title"_s).toString(), "title");
         QTEST(int(score.value(u"tracks"_s).toList().size()), "tracks");
@@ -184,8 +235,9 @@ private Q_SLOTS:
     void whatNobodyNeedsCanBeCollected()
     {
         m_session->valueOf(u"globalThis.lost = new WeakRef(new Array(100000).fill(0)); 1"_s);
-        m_session->valueOf(u"import('qv-app://app/src/tidying.js').then((tidying) => { tidying.collectThoroughly(); "
-                           "globalThis.collected = globalThis.lost.deref() === undefined; }); 1"_s);
+        m_session->valueOf(
+            u"import('qv-app://app/src/shared/garbage.js').then((garbage) => { garbage.collectThoroughly(); "
+            "globalThis.collected = globalThis.lost.deref() === undefined; }); 1"_s);
         const QString collected = u"globalThis.collected"_s;
         QVERIFY(m_session->waitFor([&] { return m_session->valueOf(collected).isValid(); }));
         QCOMPARE(m_session->valueOf(collected), QVariant(true));
@@ -198,8 +250,9 @@ private:
         const QString data = m_session->last(u"gpData"_s).value(u"data"_s).toString();
         const QString countBars = u"globalThis.barCount"_s;
         m_session->valueOf(
-            u"import('qv-app://app/src/score-files.js').then((files) => { const read = (text) => files.readScore("
-            "Uint8Array.from(atob(text), (c) => c.charCodeAt(0)), new alphaTab.Settings()); "
+            u"import('qv-app://app/src/score-files/score-files.js').then((files) => { "
+            "const read = (text) => files.readScore(Uint8Array.from(atob(text), (c) => c.charCodeAt(0)), "
+            "new alphaTab.Settings()); "
             "globalThis.barCount = read('%1').score.masterBars.length; }); 1"_s.arg(data));
         QVERIFY(m_session->waitFor([&] { return m_session->valueOf(countBars).toInt() > 0; }));
         QVERIFY(m_session->open(QByteArray::fromBase64(data.toLatin1())));

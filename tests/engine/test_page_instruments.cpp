@@ -1,4 +1,4 @@
-#include "engine_host/BridgeCalls.h"
+#include "engine_host/bridge/BridgeCalls.h"
 #include "tests/engine/EngineScores.h"
 #include "tests/engine/EngineSession.h"
 
@@ -22,7 +22,7 @@ constexpr int loopEnd = 500 * period;
 
 constexpr double audible = 0.01;
 
-/// A tone that fills the sample, as a file that the web engine decodes to the very same samples.
+/// A tone that fills the sample, as a file that Chromium decodes to the very same samples.
 QByteArray toneAsWave()
 {
     constexpr int frames = loopEnd + period;
@@ -163,15 +163,14 @@ private Q_SLOTS:
     void theBanksStreamsAreDecodedWhole()
     {
         const QString built = qEnvironmentVariable("QUAVERLY_WEB_FOLDER");
-        if (!QFile::exists(built + u"/sounds/0-25"_s))
-            QSKIP("the page was built without the fine bank");
+        QVERIFY2(QFile::exists(built + u"/sounds/0-25"_s), "built without the fine bank: fluidr3mono-gm-soundfont");
         m_session = std::make_unique<EngineSession>();
         QVERIFY(m_session->start());
         m_session->valueOf(uR"((() => {
             globalThis.decoded = "";
             const decodeAll = async () => {
-                const { fetchBytes } = await import(document.baseURI + "/../src/resources.js");
-                const { readSoundFile } = await import(document.baseURI + "/../src/sound-file.js");
+                const { fetchBytes } = await import(document.baseURI + "/../src/shared/resources.js");
+                const { readSoundFile } = await import(document.baseURI + "/../src/soundfont/sound-file.js");
                 const { description, streamOf } = readSoundFile(await fetchBytes("sounds/0-25"));
                 const wrong = [];
                 for (const [index, { rate, frames }] of description.samples.entries()) {

@@ -1,4 +1,4 @@
-#include "engine_host/BridgeCalls.h"
+#include "engine_host/bridge/BridgeCalls.h"
 #include "tests/engine/EngineScores.h"
 #include "tests/engine/PageTest.h"
 
@@ -6,7 +6,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Positions are exact to the engine's own rounding between ticks and milliseconds.
+/// Positions are exact to alphaTab's own rounding between ticks and milliseconds.
 bool near(double one, double other) { return qAbs(one - other) < 20; }
 
 } // namespace

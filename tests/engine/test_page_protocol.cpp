@@ -1,7 +1,7 @@
-#include "engine_host/BridgeCalls.h"
-#include "engine_host/BridgeMessages.h"
 #include "engine_host/EnginePage.h"
-#include "engine_host/RequestInterceptor.h"
+#include "engine_host/bridge/BridgeCalls.h"
+#include "engine_host/bridge/BridgeMessages.h"
+#include "engine_host/serving/RequestInterceptor.h"
 #include "tests/engine/EngineScores.h"
 #include "tests/engine/PageTest.h"
 
@@ -41,6 +41,12 @@ class TestPageProtocol final : public PageTest {
     Q_OBJECT
 
 private Q_SLOTS:
+    void thePageHasNoPeerConnections()
+    {
+        const QString names = u"Object.getOwnPropertyNames(globalThis).filter(n => /RTC/.test(n)).join(' ')"_s;
+        QCOMPARE(m_session->valueOf(names).toString(), QString());
+    }
+
     void thePageOffersExactlyTheCallsThatTheProgramMakes()
     {
         QStringList made;
@@ -55,8 +61,8 @@ private Q_SLOTS:
 
     void thePageKnowsExactlyTheMessagesThatTheProgramReads()
     {
-        m_session->valueOf(
-            u"import('qv-app://app/src/bridge.js').then((bridge) => { globalThis.types = bridge.messageTypes; }); 1"_s);
+        m_session->valueOf(u"import('qv-app://app/src/bridge/bridge.js').then((bridge) => { "
+                           "globalThis.types = bridge.messageTypes; }); 1"_s);
         QStringList types;
         QVERIFY(m_session->waitFor([&] {
             types = m_session->valueOf(u"globalThis.types"_s).toStringList();

@@ -4,7 +4,7 @@
 
 using namespace Qt::StringLiterals;
 
-/// What the web engine makes of recordings.
+/// What Chromium makes of recordings.
 class TestPageRecordings final : public QObject {
     Q_OBJECT
 

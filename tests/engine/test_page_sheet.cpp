@@ -1,13 +1,13 @@
-#include "engine_host/BridgeCalls.h"
+#include "engine_host/bridge/BridgeCalls.h"
 #include "tests/engine/EngineScores.h"
-#include "tests/engine/PageTest.h"
+#include "tests/engine/SheetTest.h"
 
 #include <QWidget>
 
 using namespace Qt::StringLiterals;
 
 /// The paper: layouts, sizes, tracks, the mouse.
-class TestPageSheet final : public PageTest {
+class TestPageSheet final : public SheetTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -210,6 +210,16 @@ private Q_SLOTS:
         QVERIFY(m_session->valueOf(u"document.querySelectorAll('.at-highlight').length"_s).toInt() > 0);
     }
 
+    void keysScrollBeforeAnyClick()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 80 })));
+        target()->setFocus();
+        QTest::keyClick(target(), Qt::Key_PageDown);
+        QVERIFY(m_session->waitFor([&] { return scrolled() > 300; }));
+        QTest::keyClick(target(), Qt::Key_Home);
+        QVERIFY(m_session->waitFor([&] { return scrolled() == 0; }));
+    }
+
     void aClickOnABeatGoesThere()
     {
         QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 8 })));
@@ -243,6 +253,67 @@ private Q_SLOTS:
         QVERIFY(m_session->waitFor([&] { return ranges() == 0 && m_session->position() > 7900; }));
     }
 
+    void oneBeatCanBeChosenAndAShakyClickChoosesNone()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 8 })));
+        const QPoint beat = beatAt(1, 2);
+        drag(beat, beat + QPoint(6, 0));
+        QVERIFY(m_session->waitFor([&] { return qAbs(m_session->position() - 3000) < 20; }));
+        QCOMPARE(ranges(), 0);
+        drag(beat, beat + QPoint(20, 0));
+        QVERIFY(m_session->waitFor([&] { return ranges() == 1; }));
+        const double width = rangeWidth();
+        QVERIFY2(width > 10 && width < beatAt(2, 2).x() - beat.x(), qPrintable(QString::number(width)));
+        m_session->call(BridgeCalls::setLooping(true));
+        m_session->call(BridgeCalls::playPause());
+        QVERIFY(m_session->waitFor([&] { return m_session->position() > 3300; }));
+        QVERIFY(m_session->waitFor([&] { return m_session->position() < 3200; }));
+    }
+
+    void shiftAndAClickExtendTheRange()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 8 })));
+        click(beatAt(1, 0));
+        QVERIFY(m_session->waitFor([&] { return qAbs(m_session->position() - 2000) < 20; }));
+        click(beatAt(1, 3), Qt::ShiftModifier);
+        QVERIFY(m_session->waitFor([&] { return ranges() == 1; }));
+        const double before = rangeWidth();
+        click(beatAt(2, 3), Qt::ShiftModifier);
+        QVERIFY(m_session->waitFor([&] { return rangeWidth() > 1.5 * before; }));
+        // To the other side of where it was begun.
+        click(beatAt(0, 0), Qt::ShiftModifier);
+        QVERIFY(m_session->waitFor([&] { return qAbs(m_session->position()) < 20; }));
+        click(beatAt(2, 0));
+        QVERIFY(m_session->waitFor([&] { return ranges() == 0; }));
+    }
+
+    void theWheelExtendsTheRangeDuringADrag()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 80 })));
+        const QPoint from = beatAt(1, 0);
+        const QPoint to = from + QPoint(120, 0);
+        QTest::mousePress(target(), Qt::LeftButton, {}, from);
+        QTest::mouseMove(target(), to, 20);
+        QVERIFY(m_session->waitFor([&] { return ranges() == 1; }));
+        m_session->call(u"document.getElementById('desk').scrollBy(0, 400)"_s);
+        QVERIFY(m_session->waitFor([&] { return ranges() > 1; }));
+        QTest::mouseRelease(target(), Qt::LeftButton, {}, to);
+        QVERIFY(m_session->waitFor([&] { return qAbs(m_session->position() - 2000) < 20; }));
+        QVERIFY(ranges() > 1);
+    }
+
+    void aDragAtTheEdgeScrolls()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 80 })));
+        const QPoint from = beatAt(1, 0);
+        const QPoint edge(from.x(), m_session->host().view()->height() - 4);
+        QTest::mousePress(target(), Qt::LeftButton, {}, from);
+        QTest::mouseMove(target(), edge, 20);
+        QVERIFY(m_session->waitFor([&] { return scrolled() > 300 && ranges() > 2; }));
+        QTest::mouseRelease(target(), Qt::LeftButton, {}, edge);
+        QVERIFY(m_session->waitFor([&] { return qAbs(m_session->position() - 2000) < 20; }));
+    }
+
     void aRangeBindsOnlyTheLooping()
     {
         QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 8 })));
@@ -270,13 +341,6 @@ private:
         return EngineScores::musicXml({ .parts = { u"Flute"_s, u"Viola"_s, u"Bass"_s }, .bars = 12 });
     }
 
-    void redraw(const QString &script)
-    {
-        const qsizetype drawn = m_session->count(u"rendered"_s);
-        m_session->call(script);
-        QVERIFY(m_session->waitForCount(u"rendered"_s, drawn + 1));
-    }
-
     /// Waits for what follows a change of sizes: the engine hears of it with a frame, and waits 10 ms before it draws
     /// anew.
     void letThePageSettle()
@@ -289,9 +353,10 @@ private:
 
     QString drawnText() { return m_session->valueOf(u"document.getElementById('sheet').textContent"_s).toString(); }
 
-    int ranges() { return m_session->valueOf(u"document.querySelectorAll('.range').length"_s).toInt(); }
-
-    int scrolled() { return m_session->valueOf(u"document.getElementById('desk').scrollTop"_s).toInt(); }
+    double rangeWidth()
+    {
+        return m_session->valueOf(u"document.querySelector('.range')?.getBoundingClientRect().width ?? 0"_s).toDouble();
+    }
 
     int scrollRoom(const QString &direction)
     {
@@ -306,15 +371,6 @@ private:
     {
         return m_session->valueOf(u"document.querySelector('.at-cursor-bar').getBoundingClientRect().height"_s)
             .toDouble();
-    }
-
-    bool cursorInView()
-    {
-        return m_session
-            ->valueOf(
-                u"(() => { const box = document.querySelector('.at-cursor-bar').getBoundingClientRect(); "
-                "return box.top >= -1 && box.top < innerHeight / 2 && box.left < innerWidth && box.right > 0; })()"_s)
-            .toBool();
     }
 
     /// Where the number of a bar is drawn; far away if it is not.
@@ -342,33 +398,6 @@ private:
     double markTop()
     {
         return m_session->valueOf(u"document.querySelector('.at-cursor-bar').getBoundingClientRect().top"_s).toDouble();
-    }
-
-    /// Where a note head is drawn; all bars are alike, four quarter notes each.
-    QPoint beatAt(int bar, int beat)
-    {
-        const QVariantList place
-            = m_session
-                  ->valueOf(u"(() => { const heads = [...document.querySelectorAll('#sheet .at-surface g[class^=b]')]"
-                            ".map((group) => group.getBoundingClientRect()).filter((box) => box.width > 0); "
-                            "const tops = Math.min(...heads.map((box) => box.top)); "
-                            "const line = heads.filter((box) => box.top < tops + 60).sort((a, b) => a.left - b.left); "
-                            "const box = line[%1]; return [box.left + 4, box.top + box.height / 2]; })()"_s.arg(
-                                bar * 4 + beat))
-                  .toList();
-        return place.size() == 2 ? QPoint(int(place.at(0).toDouble()), int(place.at(1).toDouble())) : QPoint();
-    }
-
-    QWidget *target() { return m_session->host().view()->focusProxy(); }
-
-    void click(QPoint at) { QTest::mouseClick(target(), Qt::LeftButton, {}, at); }
-
-    void drag(QPoint from, QPoint to)
-    {
-        QTest::mousePress(target(), Qt::LeftButton, {}, from);
-        for (int step = 1; step <= 4; ++step)
-            QTest::mouseMove(target(), from + (to - from) * step / 4, 20);
-        QTest::mouseRelease(target(), Qt::LeftButton, {}, to);
     }
 };
 

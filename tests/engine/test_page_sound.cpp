@@ -1,4 +1,4 @@
-#include "engine_host/BridgeCalls.h"
+#include "engine_host/bridge/BridgeCalls.h"
 #include "tests/engine/EngineScores.h"
 #include "tests/engine/PageTest.h"
 #include "tests/engine/RecordedScores.h"

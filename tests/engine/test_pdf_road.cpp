@@ -23,7 +23,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Not QTest::qWaitFor, whose way of turning the event loop slows the web engine down to a crawl.
+/// Not QTest::qWaitFor, whose way of turning the event loop slows Chromium down to a crawl.
 bool waitFor(const std::function<bool()> &happened)
 {
     const QDeadlineTimer deadline(30s);
@@ -37,7 +37,7 @@ bool waitFor(const std::function<bool()> &happened)
     return true;
 }
 
-/// The program's window with the real page in it, a stand-in for the recognition engine, and folders of its own.
+/// The program's window with the real page in it, a stand-in for Audiveris, and folders of its own.
 class Program final {
     Q_DISABLE_COPY_MOVE(Program)
 
@@ -120,8 +120,8 @@ private Q_SLOTS:
         QVERIFY(waitFor([&] { return c.bridgeReady.value(); }));
         const QUrl sheet = program.world.file(u"song.pdf"_s, TestPDFs::colored(3));
         QVERIFY(program.drop(sheet));
+        QVERIFY(waitFor([&] { return program.shown<PDFSheetView>() != nullptr; }));
         auto *grid = program.shown<PDFSheetView>();
-        QVERIFY(grid);
         QVERIFY(waitFor([&] { return !grid->cells().cell(0).image().isNull(); }));
 
         auto *convert = program.shown<QAbstractButton>(u"Convert to Guitar Pro"_s);
@@ -146,8 +146,8 @@ private Q_SLOTS:
         Program program("nothing");
         AlphaTabController &c = program.controller;
         QVERIFY(program.drop(program.world.file(u"song.pdf"_s, TestPDFs::colored(2))));
+        QVERIFY(waitFor([&] { return program.shown<QAbstractButton>(u"Convert to Guitar Pro"_s) != nullptr; }));
         auto *convert = program.shown<QAbstractButton>(u"Convert to Guitar Pro"_s);
-        QVERIFY(convert);
         convert->click();
         QVERIFY(waitFor([&] { return program.shown<QMessageBox>() != nullptr; }));
         QCOMPARE(program.shown<QMessageBox>()->text(),

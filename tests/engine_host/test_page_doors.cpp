@@ -1,10 +1,10 @@
-#include "engine_host/DrawingBackend.h"
-#include "engine_host/EngineSwitches.h"
-#include "engine_host/HeapLimits.h"
-#include "engine_host/RequestInterceptor.h"
-#include "engine_host/RootSandbox.h"
-#include "engine_host/ScriptEvaluation.h"
-#include "engine_host/WebFolder.h"
+#include "engine_host/bridge/ScriptEvaluation.h"
+#include "engine_host/process/ChromiumSwitches.h"
+#include "engine_host/process/DrawingBackend.h"
+#include "engine_host/process/HeapLimits.h"
+#include "engine_host/process/RootSandbox.h"
+#include "engine_host/serving/RequestInterceptor.h"
+#include "engine_host/serving/WebFolder.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -52,14 +52,21 @@ private Q_SLOTS:
     {
         const QByteArray features = "--enable-features=SharedArrayBuffer";
         const QByteArray script = "--js-flags=--expose-gc,--no-memory-reducer";
-        QCOMPARE(EngineSwitches::flagsFor({}), features + ' ' + script);
-        QCOMPARE(EngineSwitches::flagsFor("--mute-audio"), "--mute-audio " + features + ' ' + script);
-        QCOMPARE(EngineSwitches::flagsFor(features + ' ' + script), features + ' ' + script);
-        QCOMPARE(EngineSwitches::flagsFor("--enable-features=A,B --js-flags=--trace-gc --mute-audio"),
+        const QByteArray walls
+            = " --force-webrtc-ip-handling-policy=disable_non_proxied_udp --proxy-server=127.0.0.1:9 "
+              "--proxy-bypass-list=<-loopback>";
+        QCOMPARE(ChromiumSwitches::flagsFor({}), features + ' ' + script + walls);
+        QCOMPARE(ChromiumSwitches::flagsFor("--mute-audio"), "--mute-audio " + features + ' ' + script + walls);
+        QCOMPARE(ChromiumSwitches::flagsFor(features + ' ' + script), features + ' ' + script + walls);
+        QCOMPARE(
+            ChromiumSwitches::flagsFor("--proxy-server=proxy:8080 " + features + ' ' + script).count("--proxy-server"),
+            1);
+        QCOMPARE(ChromiumSwitches::flagsFor("--enable-features=A,B --js-flags=--trace-gc --mute-audio"),
             QByteArray("--enable-features=A,B,SharedArrayBuffer --js-flags=--trace-gc,--expose-gc,--no-memory-reducer "
-                       "--mute-audio"));
-        QCOMPARE(EngineSwitches::flagsFor("--enable-features=A --enable-features=B " + script),
-            "--enable-features=A --enable-features=B,SharedArrayBuffer " + script);
+                       "--mute-audio")
+                + walls);
+        QCOMPARE(ChromiumSwitches::flagsFor("--enable-features=A --enable-features=B " + script),
+            "--enable-features=A --enable-features=B,SharedArrayBuffer " + script + walls);
     }
 
     void theEnginesProcessesGiveBackWhatTheyFree()
@@ -103,6 +110,14 @@ private Q_SLOTS:
         QCOMPARE(ScriptEvaluation::errorOf(true), std::nullopt);
         QCOMPARE(ScriptEvaluation::errorOf(QVariantMap{ { u"error"_s, u"TypeError: x"_s } }), u"TypeError: x"_s);
         QVERIFY(ScriptEvaluation::errorOf(QVariant()));
+        QCOMPARE(ScriptEvaluation::errorOf(QVariant(), u"SyntaxError: x"_s), u"SyntaxError: x"_s);
+        const auto syntaxError = [](const QString &line, const QString &source) {
+            return ScriptEvaluation::syntaxErrorOf(line, source).value_or(u"none"_s);
+        };
+        QCOMPARE(
+            syntaxError(u"Uncaught SyntaxError: Unexpected token"_s, u"qv-call"_s), u"SyntaxError: Unexpected token"_s);
+        QCOMPARE(syntaxError(u"Uncaught SyntaxError: Unexpected token"_s, u"qv-app://app/src/main.js"_s), u"none"_s);
+        QCOMPARE(syntaxError(u"Uncaught TypeError: x"_s, u"qv-call"_s), u"none"_s);
     }
 
     void theWebFolderIsFoundBesideABuildAndWhenInstalled()

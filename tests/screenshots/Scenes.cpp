@@ -1,6 +1,7 @@
 #include "tests/screenshots/Scenes.h"
 
 #include "controller/AlphaTabController.h"
+#include "tests/support/OpenedPDF.h"
 
 #include <QAbstractButton>
 
@@ -74,11 +75,12 @@ void press(QWidget &window, const QString &accessibleName)
     }
 }
 
-/// Opens one of the sheets that are engraved for the tests.
-void sheet(AlphaTabController &controller, const QString &name, int pagesAcross)
+/// Opens one of the PDFs that are engraved for the tests.
+void engraved(AlphaTabController &controller, const QString &name, int pagesAcross)
 {
     controller.pdfPagesAcross = pagesAcross;
-    controller.load(QUrl::fromLocalFile(QStringLiteral(SHEETS "/") + name + u".pdf"_s));
+    if (!openPDF(controller, QUrl::fromLocalFile(QStringLiteral(SHEETS "/") + name + u".pdf"_s)))
+        qFatal("the PDF does not open");
 }
 
 void openPopover(QWidget &window) { press(window, u"Metronome & count-in"_s); }
@@ -88,7 +90,7 @@ void openPopover(QWidget &window) { press(window, u"Metronome & count-in"_s); }
 QList<Scene> scenes()
 {
     using enum Scene::Page;
-    const auto none = [](AlphaTabController &) {};
+    const auto none = [](AlphaTabController &) { };
     const auto some = [](AlphaTabController &controller) { recents(controller, 3); };
     const auto all = [](AlphaTabController &controller) { recents(controller, 8); };
     const auto nine = [](AlphaTabController &controller) { tracks(controller, u"Nonet"_s, numbered(9)); };
@@ -97,12 +99,12 @@ QList<Scene> scenes()
     const auto failed = [](AlphaTabController &controller) {
         controller.conversionError = u"Audiveris was not found. Install it and try again."_s;
     };
-    const auto one = [](AlphaTabController &controller) { sheet(controller, u"one-page"_s, 1); };
-    const auto single = [](AlphaTabController &controller) { sheet(controller, u"pages-200"_s, 1); };
-    const auto pair = [](AlphaTabController &controller) { sheet(controller, u"pages-200"_s, 2); };
-    const auto six = [](AlphaTabController &controller) { sheet(controller, u"pages-200"_s, 6); };
-    const auto mixed = [](AlphaTabController &controller) { sheet(controller, u"mixed"_s, 3); };
-    const auto turned = [](AlphaTabController &controller) { sheet(controller, u"rotated"_s, 2); };
+    const auto one = [](AlphaTabController &controller) { engraved(controller, u"one-page"_s, 1); };
+    const auto single = [](AlphaTabController &controller) { engraved(controller, u"pages-200"_s, 1); };
+    const auto pair = [](AlphaTabController &controller) { engraved(controller, u"pages-200"_s, 2); };
+    const auto six = [](AlphaTabController &controller) { engraved(controller, u"pages-200"_s, 6); };
+    const auto mixed = [](AlphaTabController &controller) { engraved(controller, u"mixed"_s, 3); };
+    const auto turned = [](AlphaTabController &controller) { engraved(controller, u"rotated"_s, 2); };
     const auto converting = [pair](AlphaTabController &controller) {
         pair(controller);
         controller.converting = true;

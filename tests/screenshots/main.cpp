@@ -1,8 +1,8 @@
 #include "app/QuaverlyApp.h"
 #include "controller/AlphaTabController.h"
-#include "engine_host/BridgeCalls.h"
 #include "engine_host/WebEngineHost.h"
-#include "engine_host/WebFolder.h"
+#include "engine_host/bridge/BridgeCalls.h"
+#include "engine_host/serving/WebFolder.h"
 #include "pdf/viewing/PDFSheetView.h"
 #include "tests/screenshots/Scenes.h"
 #include "tests/support/TestSurroundings.h"
@@ -54,7 +54,7 @@ void rest(std::chrono::milliseconds time)
 }
 
 /// Waits for what the page has to do, half a minute at most; false when it does not come. Not with QTest::qWaitFor,
-/// whose way of turning the event loop slows the web engine down to a crawl.
+/// whose way of turning the event loop slows Chromium down to a crawl.
 bool waitFor(const std::function<bool()> &condition)
 {
     const QDeadlineTimer deadline(30s);

@@ -1,9 +1,9 @@
-// Makes the sheets that engraving alone does not give out of those that it does.
+// Makes the PDFs that engraving alone does not give out of those that it does.
 //
 // usage: assemble KIND INPUT OUTPUT
 //   rotated   every page lies on its side in the file and carries a rotation that displays it upright
 //   cropped   every page has a crop box that leaves a third of it
-//   mixed     the pages, then the same on US letter, then on A5 paper
+//   mixed     the pages, then the same on US letter, then on A5
 //   first     the first page alone
 //   locked    encrypted, with an empty user password
 //   secret    encrypted, with a user password that is not empty
@@ -53,7 +53,7 @@ void crop(QPDFPageObjectHelper &page)
     setBox(page, "/CropBox", Rectangle(box.urx / 4, box.ury / 3, box.urx * 3 / 4, box.ury * 2 / 3));
 }
 
-/// Fits the drawing onto other paper, from the lower left corner, which is not the paper's origin.
+/// Fits the drawing onto a page of another size, from its lower left corner, which is not its origin.
 void fitOnto(QPDF &document, QPDFPageObjectHelper &page, double width, double height)
 {
     const Rectangle box = mediaBox(page);

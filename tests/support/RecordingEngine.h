@@ -11,12 +11,14 @@
 #include <memory>
 #include <utility>
 
-/// What a recording engine has been asked for, in order; outlives the engine so that a test can look at any time.
+/// What a recording host has been asked for, in order; outlives the host so that a test can look at any time.
 struct EngineRecord {
     /// Every script, in the order of evaluation.
     QStringList scripts;
     QList<QUrl> loads;
     int snapshots = 0;
+    /// How often the page's process was to be ended.
+    int ends = 0;
     /// What a snapshot gives.
     QImage picture;
     /// What every evaluation fails with, if anything.
@@ -26,7 +28,7 @@ struct EngineRecord {
     QStringList take() { return std::exchange(scripts, {}); }
 };
 
-/// An engine host without an engine: writes down what it is asked for and succeeds.
+/// An engine host without Chromium: writes down what it is asked for and succeeds.
 class RecordingEngine final : public EngineHost {
 public:
     explicit RecordingEngine(std::shared_ptr<EngineRecord> record)
@@ -43,6 +45,8 @@ public:
     }
 
     void load(const QUrl &url) override { m_record->loads << url; }
+
+    void endPage() override { ++m_record->ends; }
 
     void snapshot(std::function<void(const QImage &)> arrived) override
     {

@@ -52,6 +52,8 @@ QByteArray TestPDFs::file(const QList<Page> &pages, const QByteArray &inherited,
     return assembled(objects);
 }
 
+QByteArray TestPDFs::numbered(const QList<QByteArray> &objects) { return assembled(objects); }
+
 QRgb TestPDFs::colorOf(int index) { return QColor::fromHsv(index * 47 % 360, 200, 230).rgb(); }
 
 QByteArray TestPDFs::colored(int count)
@@ -74,6 +76,37 @@ TestPDFs::Page TestPDFs::slowPage()
         curves += QByteArray::number(i % 595) + " 0 m 0 " + QByteArray::number(i % 842) + " 595 "
             + QByteArray::number((i * 7) % 842) + " 300 842 c S\n";
     return { .drawing = curves };
+}
+
+TestPDFs::Page TestPDFs::endlessPage() { return { .drawing = "[0.00001 0.00001] 0 d 0 0 m 595 842 l S" }; }
+
+QByteArray TestPDFs::boundlessForm()
+{
+    const QByteArray drawing = "/Itself Do /Itself Do";
+    return assembled({ "<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
+        "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 595 842] /Contents 4 0 R "
+        "/Resources << /XObject << /Itself 5 0 R >> >> >>",
+        "<< /Length 10 >>\nstream\n/Itself Do\nendstream",
+        "<< /Type /XObject /Subtype /Form /BBox [0 0 595 842] /Resources << /XObject << /Itself 5 0 R >> >> /Length "
+            + QByteArray::number(drawing.size()) + " >>\nstream\n" + drawing + "\nendstream" });
+}
+
+QByteArray TestPDFs::fatalTable()
+{
+    QByteArray file = "%PDF-1.7\n1 0 obj <<\n  /Type /Catalog\n>>\n";
+    for (const QByteArray &previous : { QByteArray(), QByteArray("  /Prev -200\n") }) {
+        const QByteArray start = QByteArray::number(file.size());
+        file += "xref\n0 2\n0000000000 65535 f \n0000000009 00000 n \ntrailer <<\n  /Root 1 0 R\n" + previous
+            + "  /Size 2\n>>\nstartxref\n" + start + "\n%%EOF\n";
+    }
+    return file;
+}
+
+QByteArray TestPDFs::endlessPageTree()
+{
+    return assembled({ "<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 5 >>",
+        "<< /Type /Pages /Kids [2 0 R 4 0 R] /Count 5 /Parent 2 0 R >>",
+        "<< /Type /Page /Parent 3 0 R /MediaBox [0 0 595 842] >>" });
 }
 
 QByteArray TestPDFs::withBrokenTable(QByteArray file)

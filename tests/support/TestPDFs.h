@@ -25,6 +25,9 @@ struct Page {
 /// @param catalog further entries of the catalogue
 QByteArray file(const QList<Page> &pages, const QByteArray &inherited = {}, const QByteArray &catalog = {});
 
+/// A file of these objects, numbered from 1, the first of which is the catalogue.
+QByteArray numbered(const QList<QByteArray> &objects);
+
 /// `count` upright pages; each is filled with a colour of its own.
 QByteArray colored(int count);
 /// The colour of page `index`.
@@ -32,6 +35,15 @@ QRgb colorOf(int index);
 
 /// A page that takes the drawing library some hundredths of a second.
 Page slowPage();
+
+/// A page whose line is of so many dashes that drawing it takes for ever.
+Page endlessPage();
+/// A page whose form draws itself twice, which takes all the memory that it is given.
+QByteArray boundlessForm();
+/// A table of what is where that points before the file's beginning, over which the drawing library dies.
+QByteArray fatalTable();
+/// A node of the page tree that is its own grandparent: the drawing library goes round in circles.
+QByteArray endlessPageTree();
 
 /// The same file with a cross-reference table that points anywhere.
 QByteArray withBrokenTable(QByteArray file);

@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QPointer>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 TestSurroundings::TestSurroundings() = default;
@@ -28,6 +30,13 @@ Surroundings TestSurroundings::make()
     };
     made.setKeyWindowTitle = [titles = windowTitles](const QString &title) { titles->append(title); };
     return made;
+}
+
+void TestSurroundings::letTimePass()
+{
+    const QList<DelayedWork> due = std::exchange(*delayed, {});
+    for (const DelayedWork &one : due)
+        one.work();
 }
 
 QUrl TestSurroundings::file(const QString &name, const QByteArray &bytes) const

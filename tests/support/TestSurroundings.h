@@ -16,14 +16,17 @@ struct DelayedWork {
     std::function<void()> work;
 };
 
-/// A test's own world around a controller: a folder that goes away, a recording engine, scripted panels, a log that
-/// can be read, and a clock that stands still.
+/// A test's own world around a controller: a folder that goes away, a recording engine host, scripted panels, a log
+/// that can be read, and a clock that stands still.
 class TestSurroundings final {
 public:
     TestSurroundings();
 
     /// A fresh set of surroundings over the same folder and records, so that a second controller is a second launch.
     Surroundings make();
+
+    /// Does what was put off, as if its time had come.
+    void letTimePass();
 
     QString path(const QString &name) const { return m_folder.filePath(name); }
     /// Makes a file in the folder and gives its address.

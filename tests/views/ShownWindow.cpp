@@ -1,5 +1,6 @@
 #include "tests/views/ShownWindow.h"
 
+#include "tests/support/OpenedPDF.h"
 #include "tests/support/TestPDFs.h"
 #include "views/ContentView.h"
 
@@ -45,7 +46,8 @@ void ShownWindow::playerReady() { controller.handle({ { u"type"_s, u"playerReady
 
 void ShownWindow::openPDF(const QByteArray &file)
 {
-    controller.load(world.file(u"sheet.pdf"_s, file.isEmpty() ? TestPDFs::colored(1) : file));
+    if (!::openPDF(controller, world.file(u"pages.pdf"_s, file.isEmpty() ? TestPDFs::colored(1) : file)))
+        qFatal("the document does not open");
     QCoreApplication::processEvents();
 }
 

@@ -9,7 +9,7 @@
 
 class ContentView;
 
-/// The whole window on a screen of its own, over a recording engine.
+/// The whole window on a screen of its own, over a recording engine host.
 class ShownWindow final {
 public:
     /// @param prepare what there is before the window comes up

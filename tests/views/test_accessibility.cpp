@@ -1,9 +1,11 @@
+#include "design/Slider.h"
 #include "tests/views/ShownWindow.h"
 #include "views/ContentView.h"
-#include "views/design/Slider.h"
 
 #include <QAccessible>
 #include <QTest>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -21,6 +23,14 @@ QStringList tabStops(ShownWindow &w, Qt::Key key, int modifiers = 0)
         names << name;
     }
     return names;
+}
+
+/// The same round of stops, told from `first` on. It begins where the score is read, which has the focus.
+QStringList roundFrom(const QString &first, QStringList stops)
+{
+    if (const qsizetype index = stops.indexOf(first); index > 0)
+        std::rotate(stops.begin(), stops.begin() + index, stops.end());
+    return stops;
 }
 
 const QStringList toolBar{ u"Open"_s, u"Demo"_s, u"Horizontal"_s, u"Zoom out"_s, u"Zoom in"_s };
@@ -64,10 +74,10 @@ private Q_SLOTS:
             + QStringList{ u"Show Lead"_s, u"Mute Lead"_s, u"Solo Lead"_s, u"Volume of Lead"_s, u"Show Bass"_s,
                   u"Mute Bass"_s, u"Solo Bass"_s, u"Volume of Bass"_s, u"Position"_s, u"Play"_s, u"Stop"_s, u"Speed"_s,
                   u"Volume"_s, u"Original"_s, u"Loop selected range"_s, u"Metronome & count-in"_s };
-        QCOMPARE(tabStops(w, Qt::Key_Tab), expected);
+        QCOMPARE(roundFrom(u"Open"_s, tabStops(w, Qt::Key_Tab)), expected);
         QStringList backwards = tabStops(w, Qt::Key_Backtab);
         std::reverse(backwards.begin(), backwards.end());
-        QCOMPARE(backwards, expected);
+        QCOMPARE(roundFrom(u"Open"_s, backwards), expected);
         // The other half of a choice is reached by the arrows, as everywhere.
         w.control(u"Original"_s)->setFocus(Qt::TabFocusReason);
         w.sent();

@@ -1,17 +1,23 @@
+#include "design/Button.h"
 #include "engine_host/AlphaTabWebView.h"
+#include "pdf/viewing/PDFSheetView.h"
+#include "pdf/viewing/PageList.h"
+#include "tests/support/TestPDFs.h"
 #include "tests/views/ShownWindow.h"
 #include "views/ContentView.h"
 #include "views/EmptyState.h"
+#include "views/PageFailure.h"
 #include "views/TrackSidebar.h"
 #include "views/TransportBar.h"
-#include "views/design/Button.h"
 
 #include <QDropEvent>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QTest>
+#include <QWindow>
 
 using namespace Qt::StringLiterals;
 
@@ -34,6 +40,19 @@ QString loading(const QByteArray &bytes)
 {
     return u"window.qv.loadBase64('%1')"_s.arg(QString::fromLatin1(bytes.toBase64()));
 }
+
+/// The keys that a widget is given.
+class KeyRecorder final : public QObject {
+public:
+    explicit KeyRecorder(QWidget &watched) { watched.installEventFilter(this); }
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::KeyPress)
+            keys << static_cast<QKeyEvent *>(event)->key();
+        return false;
+    }
+    QList<int> keys;
+};
 
 template <typename T> T *shown(const ShownWindow &w)
 {
@@ -70,6 +89,50 @@ private Q_SLOTS:
             urls << w.world.file(name, name.toUtf8());
         QCOMPARE(drop(*w.content, urls), !opened.isEmpty());
         QCOMPARE(w.sent(), opened.isEmpty() ? QStringList() : QStringList{ loading(opened.toUtf8()) });
+    }
+
+    void thePagesEndIsToldAndOneButtonLeadsOn()
+    {
+        ShownWindow w;
+        w.controller.handle({ { u"type"_s, u"ready"_s } });
+        w.score(u"Song"_s, { u"Guitar"_s });
+        QVERIFY(!shown<PageFailure>(w));
+        w.controller.pageHealthChanged(PageHealth::NotAnswering);
+        QVERIFY(shown<PageFailure>(w));
+        QVERIFY(w.label(u"The score view does not answer"_s));
+        w.click(u"Stop reading"_s);
+        QCOMPARE(w.world.engine->ends, 1);
+
+        w.controller.pageHealthChanged(PageHealth::Ended);
+        QVERIFY(w.label(u"The score view has ended"_s));
+        QVERIFY(!w.control(u"Stop reading"_s));
+        const qsizetype loads = w.world.engine->loads.size();
+        w.click(u"Start again"_s);
+        QCOMPARE(w.world.engine->loads.size(), loads + 1);
+        QVERIFY(!shown<PageFailure>(w));
+    }
+
+    void theStartScreenIsCoveredTooWhenThePageHasEnded()
+    {
+        ShownWindow w;
+        w.controller.pageHealthChanged(PageHealth::Ended);
+        QVERIFY(shown<PageFailure>(w));
+        QVERIFY(!w.control(u"Try the demo"_s)->isEnabled());
+        // A PDF needs no page.
+        w.openPDF();
+        QVERIFY(!w.control(u"Start again"_s)->isEnabled());
+    }
+
+    void aLinkToTheWebIsRefused()
+    {
+        ShownWindow w;
+        w.controller.handle({ { u"type"_s, u"ready"_s } });
+        w.sent();
+        const QUrl link(u"https://example.org/song.gp"_s);
+        QVERIFY(!drop(*w.content, { link }));
+        QCOMPARE(w.sent(), QStringList());
+        QVERIFY(w.world.log->isEmpty());
+        QVERIFY(drop(*w.content, { link, w.world.file(u"own.gp"_s) }));
     }
 
     void aPDFReplacesTheScoreSide()
@@ -113,6 +176,38 @@ private Q_SLOTS:
         w.score(u"Song"_s, { u"Guitar"_s });
         QVERIFY(!shown<EmptyState>(w));
         QVERIFY(web->isVisible() && web->isEnabled());
+    }
+
+    void keysThatNoControlWantsGoToTheScore()
+    {
+        ShownWindow w;
+        w.score(u"Song"_s, { u"Guitar"_s });
+        KeyRecorder score(*w.controller.webView());
+        QCOMPARE(w.window.focusWidget(), w.controller.webView());
+        // A click on a button leaves them there.
+        w.click(u"Zoom in"_s);
+        QCOMPARE(w.window.focusWidget(), w.controller.webView());
+        // A control that has the focus keeps what it wants.
+        auto *stop = w.control(u"Stop"_s);
+        QVERIFY(stop);
+        stop->setFocus(Qt::TabFocusReason);
+        for (const Qt::Key key : { Qt::Key_PageDown, Qt::Key_End, Qt::Key_Return })
+            QTest::keyClick(stop, key);
+        QCOMPARE(score.keys, (QList<int>{ Qt::Key_PageDown, Qt::Key_End }));
+        QCOMPARE(w.window.focusWidget(), stop);
+    }
+
+    void keysScrollThePagesAfterAClickInTheirSidebar()
+    {
+        ShownWindow w;
+        w.openPDF(TestPDFs::colored(12));
+        auto *pages = shown<PDFSheetView>(w);
+        QVERIFY(pages && pages->verticalScrollBar()->maximum() > 0);
+        auto *list = w.window.findChild<PageList *>();
+        QVERIFY(list);
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, QPoint(60, 30));
+        QTest::keyClick(w.window.windowHandle(), Qt::Key_End);
+        QTRY_COMPARE(pages->verticalScrollBar()->value(), pages->verticalScrollBar()->maximum());
     }
 
     void zoomStepsStayInRange_data()
@@ -185,6 +280,25 @@ private Q_SLOTS:
         w.controller.conversionError = u"Another one."_s;
         alert = w.window.findChild<QMessageBox *>();
         QVERIFY(alert);
+        QTest::keyClick(alert, Qt::Key_Escape);
+        QVERIFY(!w.controller.conversionError.value());
+    }
+
+    void whatFollowsTheSentenceIsBehindDetails()
+    {
+        ShownWindow w;
+        w.controller.conversionError = u"Audiveris failed.\n\nline 1\n"_s + QString(2'000'000, u'x');
+        auto *alert = w.window.findChild<QMessageBox *>();
+        QVERIFY(alert);
+        QCOMPARE(alert->text(), u"Audiveris failed."_s);
+        QVERIFY(alert->detailedText().startsWith("line 1\nxxx"_L1));
+        QVERIFY(alert->height() < w.window.height());
+        w.controller.conversionError = QString(2'000'000, u'y');
+        QVERIFY(alert->text().size() < 1000);
+        QCOMPARE(alert->detailedText().size(), 2'000'000);
+        QVERIFY(alert->height() < w.window.height());
+        w.controller.conversionError = u"Short."_s;
+        QVERIFY(alert->detailedText().isEmpty());
         QTest::keyClick(alert, Qt::Key_Escape);
         QVERIFY(!w.controller.conversionError.value());
     }

@@ -1,7 +1,7 @@
+#include "design/ElidedLabel.h"
 #include "tests/views/ShownWindow.h"
 #include "views/RecentFileRow.h"
 #include "views/RecentFilesList.h"
-#include "views/design/ElidedLabel.h"
 
 #include <QTest>
 

@@ -1,9 +1,9 @@
+#include "design/Picker.h"
+#include "design/Popover.h"
+#include "design/Slider.h"
+#include "design/Toggle.h"
 #include "tests/views/ShownWindow.h"
 #include "views/MetronomeMenu.h"
-#include "views/design/Picker.h"
-#include "views/design/Popover.h"
-#include "views/design/Slider.h"
-#include "views/design/Toggle.h"
 
 #include <QGraphicsOpacityEffect>
 #include <QTest>

@@ -1,7 +1,7 @@
+#include "design/DigitLabel.h"
+#include "design/Slider.h"
 #include "tests/views/ShownWindow.h"
 #include "views/TransportBar.h"
-#include "views/design/DigitLabel.h"
-#include "views/design/Slider.h"
 
 #include <QPaintEvent>
 #include <QTest>

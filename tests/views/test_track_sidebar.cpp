@@ -1,9 +1,9 @@
+#include "design/Button.h"
+#include "design/ElidedLabel.h"
+#include "design/Slider.h"
 #include "tests/views/ShownWindow.h"
 #include "views/TrackRow.h"
 #include "views/TrackSidebar.h"
-#include "views/design/Button.h"
-#include "views/design/ElidedLabel.h"
-#include "views/design/Slider.h"
 
 #include <QPointer>
 #include <QTest>

@@ -1,9 +1,9 @@
-#include "engine_host/BridgeCalls.h"
+#include "design/Button.h"
+#include "design/SegmentedControl.h"
+#include "design/Slider.h"
+#include "engine_host/bridge/BridgeCalls.h"
 #include "tests/views/ShownWindow.h"
 #include "views/TransportBar.h"
-#include "views/design/Button.h"
-#include "views/design/SegmentedControl.h"
-#include "views/design/Slider.h"
 
 #include <QTest>
 
@@ -80,7 +80,7 @@ private Q_SLOTS:
         QTest::mousePress(slider, Qt::LeftButton, {}, at(*slider, 0));
         for (const double share : { 0.1, 0.3, 0.9, 0.5 }) {
             QTest::mouseMove(slider, at(*slider, share));
-            // The engine goes on playing and does not pull the knob out of the hand.
+            // The page goes on playing and does not pull the knob out of the hand.
             w.position(1000, 200000);
             QVERIFY(std::abs(slider->shown() - share) < 0.002);
             QVERIFY(w.sent().isEmpty());

@@ -4,7 +4,7 @@
 #include <QFile>
 #include <QStringList>
 
-/// The program that stands in for the recognition engine, told what to do; see its source for the words.
+/// The program that stands in for Audiveris, told what to do; see its source for the words.
 class StandIn final {
     Q_DISABLE_COPY_MOVE(StandIn)
 

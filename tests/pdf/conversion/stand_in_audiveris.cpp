@@ -1,13 +1,20 @@
-// Stands in for the recognition engine in tests: checks its arguments to the letter, then does what it is told.
+// Stands in for Audiveris in tests: checks its arguments to the letter, then does what it is told.
 //
 // QV_STAND_IN holds words, separated by blanks; without one, each input gets a result beside the others:
-//   folders    a folder for each result, as the engine does before its version 5.4
+//   folders    a folder for each result, as Audiveris does before its version 5.4
 //   movements  two results for each input, NAME.mvt1.mxl and NAME.mvt2.mxl
 //   odd-names  results that bear no input's name
 //   last-only  a result for the last input alone
-//   nothing    status 0 without a result, as the engine does before its version 5.10 when it fails
+//   nothing    status 0 without a result, as Audiveris does before its version 5.10 when it fails
 //   empty      results of no bytes
 //   shifts     octave shifts in the results
+//   no-notes   measures without a note, as the engine makes of tablature alone
+//   guitar     a guitar's study as the engine writes it: a part called a voice with a choir's program, no key for no
+//              accidentals, no octave under the clef, its subtitle as the movement's title, two voices with a gap
+//   steps      the lines in which the engine tells its steps, before anything else
+//   large      its refusal of a large image, then status 1
+//   memory     its running out of memory, then status 1
+//   slow       its giving up on a step that takes too long, then status 1
 //   odd-xml    results that are no MusicXML
 //   broken-xml results that are no XML
 //   loud       four megabytes on each stream
@@ -82,12 +89,50 @@ void report(const std::string &line)
         std::ofstream(path, std::ios::app) << line << '\n';
 }
 
+std::string scoreNote(const std::string &step, int octave, int duration)
+{
+    return "<note><pitch><step>" + step + "</step><octave>" + std::to_string(octave) + "</octave></pitch><duration>"
+        + std::to_string(duration) + "</duration>";
+}
+
+/// What the engine's version 5.11 was seen to write of a part of one staff.
+std::string guitarScore(int measures)
+{
+    std::ostringstream xml;
+    xml << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+           "<!DOCTYPE score-partwise PUBLIC \"-//Recordare//DTD MusicXML 4.0.3 Partwise//EN\" "
+           "\"http://www.musicxml.org/dtds/partwise.dtd\">\n"
+           "<score-partwise version=\"4.0.3\"><movement-title>Study</movement-title><identification><encoding>"
+           "<software>Audiveris 5.11.0</software><software>ProxyMusic 4.0.3</software></encoding></identification>"
+           "<part-list><score-part id=\"P1\"><part-name>Voice</part-name><part-abbreviation>Voice</part-abbreviation>"
+           "<score-instrument id=\"P1-I1\"><instrument-name>Voice Oohs</instrument-name></score-instrument>"
+           "<midi-instrument id=\"P1-I1\"><midi-channel>1</midi-channel><midi-program>54</midi-program>"
+           "<volume>78</volume></midi-instrument></score-part></part-list><part id=\"P1\">";
+    for (int number = 1; number <= measures; ++number) {
+        xml << "<measure number=\"" << number << "\">";
+        if (number == 1) {
+            xml << "<attributes><divisions>2</divisions><time><beats>4</beats><beat-type>4</beat-type></time><clef>"
+                   "<sign>G</sign><line>2</line></clef><staff-details print-object=\"yes\"></staff-details>"
+                   "</attributes>";
+        }
+        for (const char *step : { "A", "C", "E", "A" })
+            xml << scoreNote(step, *step == 'A' ? 4 : 5, 2) << "<voice>1</voice><type>quarter</type></note>";
+        // The second voice begins with its second half; what is before is no rest.
+        xml << "<backup><duration>8</duration></backup><forward><duration>4</duration><voice>2</voice></forward>"
+            << scoreNote("A", 3, 4) << "<voice>2</voice><type>half</type></note></measure>";
+    }
+    xml << "</part></score-partwise>";
+    return xml.str();
+}
+
 std::string score(int measures)
 {
     if (told("odd-xml"))
         return "<opus/>";
     if (told("broken-xml"))
         return "<score-partwise>";
+    if (told("guitar"))
+        return guitarScore(measures);
     std::ostringstream xml;
     xml << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
            "<!DOCTYPE score-partwise PUBLIC \"-//Recordare//DTD MusicXML 4.0 Partwise//EN\" "
@@ -102,10 +147,13 @@ std::string score(int measures)
         }
         if (told("shifts"))
             xml << "<direction><direction-type><octave-shift type=\"down\" size=\"8\"/></direction-type></direction>";
-        for (const char *step : { "G", "A", "B", "D" })
+        for (const char *step : { "G", "A", "B", "D" }) {
+            if (told("no-notes"))
+                break;
             xml << "<note><pitch><step>" << step
                 << "</step><octave>4</octave></pitch><duration>1</duration><type>quarter"
                    "</type></note>";
+        }
         xml << "</measure>";
     }
     xml << "</part></score-partwise>";
@@ -167,6 +215,22 @@ void beLoud()
     std::fflush(stdout);
 }
 
+void tellSteps(const std::vector<std::string> &inputs)
+{
+    const std::string book = fs::path(inputs.front()).stem().string();
+    for (const char *step : { "LOAD", "BINARY", "SCALE", "GRID", "HEADERS", "STEM_SEEDS", "BEAMS", "LEDGERS", "HEADS" })
+        std::printf("INFO  [%s#1]      SheetStub 1234 | %s\n", book.c_str(), step);
+    std::fflush(stdout);
+}
+
+int giveUp(const char *reason)
+{
+    std::printf("WARN  [song#1] Error in processing\n%s\n", reason);
+    for (int frame = 1; frame <= 8; ++frame)
+        std::printf("\tat org.audiveris.omr.step.Frame.number%d(Frame.java:%d)\n", frame, 100 + frame);
+    return 1;
+}
+
 [[noreturn]] void hang()
 {
     const pid_t child = fork();
@@ -188,6 +252,8 @@ int main(int argc, char *argv[])
     const std::vector<std::string> inputs = checkedInputs(arguments);
     for (const std::string &input : inputs)
         report(input);
+    if (told("steps"))
+        tellSteps(inputs);
     if (told("loud"))
         beLoud();
     if (told("hang"))
@@ -197,6 +263,12 @@ int main(int argc, char *argv[])
         std::fflush(stdout);
         std::raise(SIGKILL);
     }
+    if (told("large"))
+        return giveUp("StepException: Too large image: 42,840,000 pixels (vs 40,000,000 max)");
+    if (told("memory"))
+        return giveUp("java.lang.OutOfMemoryError: Java heap space");
+    if (told("slow"))
+        return giveUp("java.util.concurrent.TimeoutException: null");
     if (told("mute"))
         return 3;
     if (told("latin1")) {

@@ -11,7 +11,7 @@ namespace {
 
 MusicXmlDocument parsed(const QByteArray &bytes)
 {
-    Outcome<MusicXmlDocument> document = MusicXmlDocument::parse(bytes);
+    Result<MusicXmlDocument> document = MusicXmlDocument::parse(bytes);
     if (!document)
         qFatal("%s", qPrintable(document.failure().message));
     return std::move(*document);
@@ -33,7 +33,7 @@ QByteArray part(int count, const QByteArray &content = {})
     return "<part id=\"P1\">" + measures(count, content) + "</part>";
 }
 
-Outcome<MusicXmlDocument> merged(const QList<QByteArray> &documents)
+Result<MusicXmlDocument> merged(const QList<QByteArray> &documents)
 {
     std::vector<MusicXmlDocument> docs;
     for (const QByteArray &bytes : documents)
@@ -145,7 +145,7 @@ private Q_SLOTS:
     void whatIsNotWellFormed()
     {
         QFETCH(QByteArray, bytes);
-        const Outcome<MusicXmlDocument> document = MusicXmlDocument::parse(bytes);
+        const Result<MusicXmlDocument> document = MusicXmlDocument::parse(bytes);
         QVERIFY(!document);
         QVERIFY2(document.failure().message.startsWith(u"The score that Audiveris wrote could not be read: "_s),
             qPrintable(document.failure().message));
@@ -164,7 +164,7 @@ private Q_SLOTS:
 
     void threePagesAreNumberedOn()
     {
-        Outcome<MusicXmlDocument> document = merged({ score(part(4)), score(part(3)), score(part(5)) });
+        Result<MusicXmlDocument> document = merged({ score(part(4)), score(part(3)), score(part(5)) });
         QVERIFY(document);
         QCOMPARE(numbersOf(*document), upTo(12));
         QCOMPARE(document->serialise(), score(part(12)));
@@ -183,14 +183,14 @@ private Q_SLOTS:
         expected.replace("</measure>\n </part>",
             "</measure>\n <measure width=\"7\" number=\"2\" x=\"&amp;\">\n"
             "<attributes><divisions>8</divisions></attributes><!-- c --></measure><measure implicit=\"yes\"/></part>");
-        Outcome<MusicXmlDocument> document = merged({ first, second });
+        Result<MusicXmlDocument> document = merged({ first, second });
         QVERIFY(document);
         QCOMPARE(document->serialise(), expected);
     }
 
     void aMeasureWithoutANumberIsCounted()
     {
-        Outcome<MusicXmlDocument> document = merged(
+        Result<MusicXmlDocument> document = merged(
             { score("<part><measure/><measure/></part>"), score("<part><measure/><measure number=\"\"/></part>") });
         QVERIFY(document);
         QCOMPARE(numbersOf(*document), QStringList({ QString(), QString(), QString(), u"4"_s }));
@@ -198,21 +198,21 @@ private Q_SLOTS:
 
     void onlyTheFirstPartOfAFurtherDocument()
     {
-        Outcome<MusicXmlDocument> document = merged({ score(part(2)), score(part(1) + part(7)) });
+        Result<MusicXmlDocument> document = merged({ score(part(2)), score(part(1) + part(7)) });
         QVERIFY(document);
         QCOMPARE(numbersOf(*document), upTo(3));
     }
 
     void onlyTheFirstPartOfTheFirstGrows()
     {
-        Outcome<MusicXmlDocument> document = merged({ score(part(2) + part(2)), score(part(1)) });
+        Result<MusicXmlDocument> document = merged({ score(part(2) + part(2)), score(part(1)) });
         QVERIFY(document);
         QCOMPARE(document->serialise(), score(part(3) + part(2)));
     }
 
     void furtherDocumentsWithoutMusicArePassedOver()
     {
-        Outcome<MusicXmlDocument> document
+        Result<MusicXmlDocument> document
             = merged({ score(part(1)), "<opus/>", score(""), score("<part/>"), score(part(1)) });
         QVERIFY(document);
         QCOMPARE(document->serialise(), score(part(2)));
@@ -225,7 +225,7 @@ private Q_SLOTS:
     void aFirstDocumentWithoutAPart()
     {
         for (const QByteArray &first : { QByteArray("<opus/>"), score("<x><part/></x>") }) {
-            const Outcome<MusicXmlDocument> document = merged({ first, score(part(1)) });
+            const Result<MusicXmlDocument> document = merged({ first, score(part(1)) });
             QVERIFY(!document);
             QCOMPARE(document.failure().message, u"Unexpected MusicXML layout from Audiveris."_s);
         }
@@ -235,14 +235,14 @@ private Q_SLOTS:
 
     void aFirstDocumentWithAnEmptyPart()
     {
-        Outcome<MusicXmlDocument> document = merged({ score("<part id=\"P1\"/>"), score(part(2)) });
+        Result<MusicXmlDocument> document = merged({ score("<part id=\"P1\"/>"), score(part(2)) });
         QVERIFY(document);
         QCOMPARE(document->serialise(), score(part(2)));
     }
 
     void aCharacterThatTheEncodingLacks()
     {
-        Outcome<MusicXmlDocument> document
+        Result<MusicXmlDocument> document
             = merged({ "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><s><part>\xe9</part></s>",
                 score("<part><measure>♭é</measure></part>") });
         QVERIFY(document);

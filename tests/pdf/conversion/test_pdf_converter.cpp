@@ -47,12 +47,12 @@ private:
         return writeFile(m_folder->path(), name, TestPDFs::file(pages));
     }
 
-    Outcome<QByteArray> converted(const QString &path) const { return convert(path, StandIn::program()); }
+    Result<QByteArray> converted(const QString &path) const { return convert(path, StandIn::program()); }
 
     QString failure(const QString &path) const
     {
-        const Outcome<QByteArray> outcome = converted(path);
-        return outcome ? QString() : outcome.failure().message;
+        const Result<QByteArray> result = converted(path);
+        return result ? QString() : result.failure().message;
     }
 
     QStringList leftBehind() const
@@ -74,21 +74,21 @@ private Q_SLOTS:
 
     void notationAloneGoesAsThePdf()
     {
-        const StandIn engine(m_folder->path(), "", "7");
+        const StandIn audiveris(m_folder->path(), "", "7");
         const QString path = pdf({ notation, notation });
-        const Outcome<QByteArray> xml = converted(path);
+        const Result<QByteArray> xml = converted(path);
         QVERIFY2(xml, xml ? "" : qPrintable(xml.failure().message));
-        QCOMPARE(engine.report(), QStringList{ path });
+        QCOMPARE(audiveris.report(), QStringList{ path });
         QCOMPARE(count(*xml, "<measure "), 7);
         QVERIFY(leftBehind().isEmpty());
     }
 
     void tablatureOnOnePageSendsAllOfThemAsImages()
     {
-        const StandIn engine(m_folder->path(), "", "4,3,5");
-        const Outcome<QByteArray> xml = converted(pdf({ notation, notation, withTab, notation, notation }));
+        const StandIn audiveris(m_folder->path(), "", "4,3,5");
+        const Result<QByteArray> xml = converted(pdf({ notation, notation, withTab, notation, notation }));
         QVERIFY2(xml, xml ? "" : qPrintable(xml.failure().message));
-        const QStringList inputs = engine.report();
+        const QStringList inputs = audiveris.report();
         QCOMPARE(inputs.size(), 5);
         static const QRegularExpression place(
             u"^(.*)/qv-omr-[0-9A-F]{8}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{4}-[0-9A-F]{12}/page-00([1-5]).png$"_s);
@@ -107,8 +107,8 @@ private Q_SLOTS:
     {
         const QString kept = m_folder->filePath(u"debug/folder"_s);
         for (const char *words : { "", "fail" }) {
-            const StandIn engine(m_folder->path(), words);
-            const Outcome<QByteArray> xml = convert(pdf({ notation, withTab }), StandIn::program(), kept);
+            const StandIn audiveris(m_folder->path(), words);
+            const Result<QByteArray> xml = convert(pdf({ notation, withTab }), StandIn::program(), kept);
             QCOMPARE(bool(xml), *words == '\0');
             QVERIFY(QFile::exists(kept + u"/page-001.png"_s));
             QVERIFY(QFile::exists(kept + u"/page-002.png"_s));
@@ -147,8 +147,8 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, words);
         QFETCH(int, measures);
-        const StandIn engine(m_folder->path(), words.constData());
-        const Outcome<QByteArray> xml = converted(pdf({ withTab, notation, withTab }));
+        const StandIn audiveris(m_folder->path(), words.constData());
+        const Result<QByteArray> xml = converted(pdf({ withTab, notation, withTab }));
         QVERIFY2(xml, xml ? "" : qPrintable(xml.failure().message));
         QCOMPARE(count(*xml, "<measure "), measures);
         QCOMPARE(count(*xml, "octave-shift"), 0);
@@ -158,8 +158,8 @@ private Q_SLOTS:
 
     void oneResultComesThroughUnchanged()
     {
-        const StandIn engine(m_folder->path());
-        const Outcome<QByteArray> xml = converted(pdf({ notation }));
+        const StandIn audiveris(m_folder->path());
+        const Result<QByteArray> xml = converted(pdf({ notation }));
         QVERIFY(xml);
         QVERIFY(xml->startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE score-partwise PUBLIC "));
         QVERIFY(xml->endsWith("</measure></part></score-partwise>"));
@@ -172,6 +172,7 @@ private Q_SLOTS:
         const QString nothing = u"Audiveris found no readable music in this PDF. (TAB-only sheets can't be converted — "
                                 u"only standard notation is read.)"_s;
         QTest::newRow("no result") << QByteArray("nothing") << nothing;
+        QTest::newRow("tablature alone, of which it makes empty bars") << QByteArray("no-notes") << nothing;
         QTest::newRow("an empty result") << QByteArray("empty") << u"Could not unpack song.mxl."_s;
         QTest::newRow("no score") << QByteArray("odd-xml") << u"Unexpected MusicXML layout from Audiveris."_s;
         QTest::newRow("no XML") << QByteArray("broken-xml")
@@ -182,54 +183,78 @@ private Q_SLOTS:
     void failures()
     {
         QFETCH(QByteArray, words);
-        const StandIn engine(m_folder->path(), words.constData());
+        const StandIn audiveris(m_folder->path(), words.constData());
         QTEST(failure(pdf({ notation })), "message");
         QVERIFY(leftBehind().isEmpty());
     }
 
+    void aPageThatIsTooLargeWithTablature()
+    {
+        // Legal paper: 5100 by 8400 pixels.
+        const StandIn engine(m_folder->path());
+        const TestPDFs::Page large{ .media = "0 0 612 1008", .drawing = staff(900, 4) };
+        const QString message = failure(pdf({ notation, large, withTab, notation }));
+        QVERIFY2(message.startsWith(u"Audiveris failed.\n\nPage 2 is too large for it: 42.8 million pixels"_s),
+            qPrintable(message));
+        QVERIFY2(engine.report().isEmpty(), "it was run all the same");
+        QVERIFY(leftBehind().isEmpty());
+        // The PDF itself is drawn smaller.
+        QVERIFY(converted(pdf({ notation, large })));
+    }
+
+    void progress()
+    {
+        const StandIn engine(m_folder->path(), "steps");
+        QStringList told;
+        const auto report = [&told](const Progress &p) { told << u"%1/%2 %3"_s.arg(p.page).arg(p.pages).arg(p.step); };
+        QVERIFY(convert(pdf({ notation, notation }), StandIn::program(), {}, {}, report));
+        QCOMPARE(told.first(3), QStringList({ u"1/2 "_s, u"2/2 "_s, u"0/0 "_s }));
+        QCOMPARE(told.last(), u"0/0 HEADS"_s);
+    }
+
     void noPdf()
     {
-        const StandIn engine(m_folder->path());
+        const StandIn audiveris(m_folder->path());
         const QString message = u"Could not read the PDF."_s;
         // Were a folder made, this would be the failure.
         qputenv("TMPDIR", "/proc");
         QCOMPARE(failure(m_folder->filePath(u"missing.pdf"_s)), message);
         QCOMPARE(failure(writeFile(m_folder->path(), u"text.pdf"_s, "no PDF")), message);
         QCOMPARE(failure(pdf({})), message);
-        QVERIFY(engine.report().isEmpty());
+        QVERIFY(audiveris.report().isEmpty());
     }
 
     void noPlaceForTheFolder()
     {
-        const StandIn engine(m_folder->path());
+        const StandIn audiveris(m_folder->path());
         qputenv("TMPDIR", "/proc");
         const QString message = failure(pdf({ notation }));
         QVERIFY2(message.startsWith(u"The folder /proc/qv-omr-"_s), qPrintable(message));
-        QVERIFY(engine.report().isEmpty());
+        QVERIFY(audiveris.report().isEmpty());
     }
 
     void anEmptyPageEndsIt()
     {
-        const StandIn engine(m_folder->path());
+        const StandIn audiveris(m_folder->path());
         QCOMPARE(failure(pdf({ notation, { .media = "0 0 0.05 72" } })), u"Empty PDF page."_s);
         QVERIFY(leftBehind().isEmpty());
-        QVERIFY(engine.report().isEmpty());
+        QVERIFY(audiveris.report().isEmpty());
     }
 
     void aStopLeavesNothing()
     {
-        const StandIn engine(m_folder->path(), "hang");
+        const StandIn audiveris(m_folder->path(), "hang");
         const QString path = pdf({ notation });
-        std::optional<Outcome<QByteArray>> outcome;
+        std::optional<Result<QByteArray>> result;
         std::jthread worker(
-            [&](const std::stop_token &stop) { outcome = convert(path, StandIn::program(), std::nullopt, stop); });
-        QTRY_COMPARE(engine.report().size(), 2);
+            [&](const std::stop_token &stop) { result = convert(path, StandIn::program(), std::nullopt, stop); });
+        QTRY_COMPARE(audiveris.report().size(), 2);
         QCOMPARE(leftBehind().size(), 1);
         worker.request_stop();
         worker.join();
-        QVERIFY(!*outcome);
+        QVERIFY(!*result);
         QVERIFY(leftBehind().isEmpty());
-        QTRY_VERIFY(!anyRuns(engine.report().at(1)));
+        QTRY_VERIFY(!anyRuns(audiveris.report().at(1)));
     }
 };
 

@@ -3,9 +3,12 @@
 #include "tests/support/TestSurroundings.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QTest>
 
+#include <csignal>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
 
@@ -130,6 +133,84 @@ private Q_SLOTS:
         const auto document = PDFDocument::open(path);
         QVERIFY(QFile::remove(path));
         QCOMPARE(document->picture(1, QSize(50, 70)).pixel(25, 35), TestPDFs::colorOf(1));
+    }
+
+    void aPageThatTakesTooLongLeavesTheOthers()
+    {
+        const TestSurroundings world;
+        PDFProcess::Bounds bounds = PDFProcess::forViewing;
+        bounds.page = std::chrono::milliseconds(3000);
+        const QByteArray green = "0 1 0 rg 0 0 595 842 re f";
+        const auto document = PDFDocument::open(
+            world
+                .file(
+                    u"x.pdf"_s, TestPDFs::file({ { .drawing = green }, TestPDFs::endlessPage(), { .drawing = green } }))
+                .toLocalFile(),
+            {}, bounds);
+        QVERIFY(document);
+        const QSize size(50, 70);
+        QVERIFY(!document->picture(0, size).isNull());
+        const int first = document->processId();
+        QVERIFY(document->picture(1, size).isNull());
+        QCOMPARE(document->picture(2, size).pixel(25, 35), qRgb(0, 255, 0));
+        QVERIFY(document->processId() != first);
+        // It is not tried again: the process that draws stays.
+        const int second = document->processId();
+        QVERIFY(document->picture(1, size).isNull());
+        QCOMPARE(document->processId(), second);
+    }
+
+    void theDeathOfTheProcessCostsOnePage()
+    {
+        const TestSurroundings world;
+        const auto document = PDFDocument::open(world.file(u"x.pdf"_s, TestPDFs::colored(3)).toLocalFile());
+        QVERIFY(document);
+        QCOMPARE(::kill(document->processId(), SIGKILL), 0);
+        QVERIFY(document->picture(0, QSize(50, 70)).isNull());
+        QCOMPARE(document->picture(1, QSize(50, 70)).pixel(25, 35), TestPDFs::colorOf(1));
+    }
+
+    void aPageThatTakesAllMemory()
+    {
+        const TestSurroundings world;
+        const auto document = PDFDocument::open(world.file(u"x.pdf"_s, TestPDFs::boundlessForm()).toLocalFile());
+        QVERIFY(document);
+        QVERIFY(document->picture(0, QSize(50, 70)).isNull());
+        rusage used{};
+        QCOMPARE(::getrusage(RUSAGE_CHILDREN, &used), 0);
+        QVERIFY2(used.ru_maxrss < 800 << 10, qPrintable(QString::number(qint64(used.ru_maxrss))));
+    }
+
+    void whatKillsTheProcessDoesNotOpen()
+    {
+        const TestSurroundings world;
+        QVERIFY(!PDFDocument::open(world.file(u"x.pdf"_s, TestPDFs::fatalTable()).toLocalFile()));
+    }
+
+    void openingEndsWithItsTime()
+    {
+        const TestSurroundings world;
+        PDFProcess::Bounds bounds = PDFProcess::forViewing;
+        bounds.opening = std::chrono::milliseconds(1);
+        QVERIFY(!PDFDocument::open(world.file(u"x.pdf"_s, TestPDFs::colored(5000)).toLocalFile(), {}, bounds));
+    }
+
+    void drawingEndsWhenItIsStopped()
+    {
+        const TestSurroundings world;
+        const auto document
+            = PDFDocument::open(world.file(u"x.pdf"_s, TestPDFs::file({ TestPDFs::endlessPage(), {} })).toLocalFile());
+        QVERIFY(document);
+        std::stop_source stop;
+        QElapsedTimer timer;
+        timer.start();
+        const std::jthread stopper([&stop] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            stop.request_stop();
+        });
+        QVERIFY(document->picture(0, QSize(50, 70), stop.get_token()).isNull());
+        QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
+        QVERIFY(!document->picture(1, QSize(50, 70)).isNull());
     }
 
     void aPageTreeWithoutBottomDoesNotTakeTheProgramAlong()

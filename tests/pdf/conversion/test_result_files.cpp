@@ -36,8 +36,8 @@ private:
 
     QString unpackingFails(const QString &name, qint64 most = mostScoreBytes) const
     {
-        const Outcome<QByteArray> outcome = extractScoreXml(path(name), most);
-        return outcome ? QString() : outcome.failure().message;
+        const Result<QByteArray> result = extractScoreXml(path(name), most);
+        return result ? QString() : result.failure().message;
     }
 
     QByteArray bytesOf(const QString &name) const
@@ -112,7 +112,7 @@ private Q_SLOTS:
             { { u"META-INF/container.xml"_s, "no" }, { u"second.xml"_s, "<b/>" }, { u"folder/"_s, {} },
                 { u"folder/META-INF/x"_s, "<c/>" }, { u"a.xml"_s, "<d/>" }, { u"META-INF/deep/x"_s, "no" },
                 { u"META-INFO"_s, "<e/>" } });
-        const Outcome<QByteArray> bytes = extractScoreXml(path(u"a.mxl"_s));
+        const Result<QByteArray> bytes = extractScoreXml(path(u"a.mxl"_s));
         QVERIFY(bytes);
         QCOMPARE(*bytes, QByteArray("<b/><c/><d/><e/>"));
     }

@@ -78,14 +78,14 @@ private Q_SLOTS:
         PageRenderQueue queue;
         const auto document = open(TestPDFs::colored(5));
         QStringList order;
-        Reader sheet(queue, document);
+        Reader grid(queue, document);
         Reader list(queue, document);
-        sheet.order = list.order = &order;
+        grid.order = list.order = &order;
         // The first one goes to the worker at once; the choice is between the others.
-        sheet.want({ page(0, u"first"_s) });
+        grid.want({ page(0, u"first"_s) });
         QTRY_COMPARE(order.size(), 1);
         list.want({ page(0, u"thumbnail"_s, Urgency::Thumbnail), page(1, u"further thumbnail"_s, Urgency::Nearby) });
-        sheet.want({ page(1, u"page"_s), page(2, u"next page"_s, Urgency::Nearby) });
+        grid.want({ page(1, u"page"_s), page(2, u"next page"_s, Urgency::Nearby) });
         QTRY_COMPARE(order.size(), 5);
         // Which of the two asks first decides over the very next page only.
         order.removeAll(u"thumbnail"_s);
@@ -171,6 +171,49 @@ private Q_SLOTS:
         reader.want({ page(5, u"none"_s) });
         QTRY_COMPARE(reader.arrived, QStringList{ u"none"_s });
         QVERIFY(reader.last.isNull());
+    }
+
+    void aSecondDocumentDoesNotWaitForAnEndlessPage()
+    {
+        PageRenderQueue queue;
+        auto endless = std::make_unique<Reader>(queue, open(TestPDFs::file({ TestPDFs::endlessPage() })));
+        endless->want({ page(0, u"endless"_s) });
+        QTest::qWait(100); // lets the worker begin
+        QElapsedTimer timer;
+        timer.start();
+        endless.reset();
+        Reader reader(queue, open(TestPDFs::colored(1)));
+        reader.want({ page(0, u"next"_s) });
+        QTRY_COMPARE(reader.arrived, QStringList{ u"next"_s });
+        QCOMPARE(reader.last.pixel(20, 30), TestPDFs::colorOf(0));
+        QVERIFY2(
+            timer.elapsed() < PDFProcess::forViewing.page.count() / 2, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    void anEndlessPageThatIsNoLongerWantedIsGivenUp()
+    {
+        PageRenderQueue queue;
+        Reader reader(queue, open(TestPDFs::file({ TestPDFs::endlessPage(), {} })));
+        reader.want({ page(0, u"endless"_s) });
+        QElapsedTimer timer;
+        timer.start();
+        // As a reader who scrolls on asks again and again.
+        QTRY_VERIFY((reader.want({ page(1, u"next"_s) }), !reader.arrived.isEmpty()));
+        QCOMPARE(reader.arrived, QStringList{ u"next"_s });
+        QVERIFY2(
+            timer.elapsed() < PDFProcess::forViewing.page.count() / 2, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    void theEndDoesNotWaitForAnEndlessPage()
+    {
+        auto queue = std::make_unique<PageRenderQueue>();
+        Reader reader(*queue, open(TestPDFs::file({ TestPDFs::endlessPage() })));
+        reader.want({ page(0, u"endless"_s) });
+        QTest::qWait(100); // lets the worker begin
+        QElapsedTimer timer;
+        timer.start();
+        queue.reset();
+        QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(timer.elapsed())));
     }
 
     void theEndDoesNotWaitForTheOthers()

@@ -41,19 +41,20 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("rotation");
         QTest::addColumn<double>("aspect");
         const QByteArray none;
-        const QByteArray sheet = "0 0 600 800";
-        QTest::newRow("media box") << sheet << none << none << 600 / 800.0;
-        QTest::newRow("crop box") << sheet << QByteArray("100 100 500 200") << none << 4.0;
-        QTest::newRow("a quarter turn") << sheet << none << QByteArray("90") << 800 / 600.0;
-        QTest::newRow("half a turn") << sheet << none << QByteArray("180") << 600 / 800.0;
-        QTest::newRow("three quarters") << sheet << none << QByteArray("270") << 800 / 600.0;
-        QTest::newRow("backwards") << sheet << none << QByteArray("-90") << 800 / 600.0;
-        QTest::newRow("more than once around") << sheet << none << QByteArray("450") << 800 / 600.0;
-        QTest::newRow("cropped and turned") << sheet << QByteArray("0 0 100 400") << QByteArray("90") << 4.0;
-        QTest::newRow("crop beyond the paper") << sheet << QByteArray("-50 -50 9000 400") << none << 600 / 400.0;
+        const QByteArray media = "0 0 600 800";
+        QTest::newRow("media box") << media << none << none << 600 / 800.0;
+        QTest::newRow("crop box") << media << QByteArray("100 100 500 200") << none << 4.0;
+        QTest::newRow("a quarter turn") << media << none << QByteArray("90") << 800 / 600.0;
+        QTest::newRow("half a turn") << media << none << QByteArray("180") << 600 / 800.0;
+        QTest::newRow("three quarters") << media << none << QByteArray("270") << 800 / 600.0;
+        QTest::newRow("backwards") << media << none << QByteArray("-90") << 800 / 600.0;
+        QTest::newRow("more than once around") << media << none << QByteArray("450") << 800 / 600.0;
+        QTest::newRow("cropped and turned") << media << QByteArray("0 0 100 400") << QByteArray("90") << 4.0;
+        QTest::newRow("crop beyond the media box") << media << QByteArray("-50 -50 9000 400") << none << 600 / 400.0;
         QTest::newRow("corners the other way") << QByteArray("600 800 0 0") << none << none << 600 / 800.0;
-        QTest::newRow("crop beside the paper") << sheet << QByteArray("700 0 900 800") << none << 0.7072135785007072;
-        QTest::newRow("empty crop") << sheet << QByteArray("0 0 0 0") << none << 600 / 800.0;
+        QTest::newRow("crop beside the media box")
+            << media << QByteArray("700 0 900 800") << none << 0.7072135785007072;
+        QTest::newRow("empty crop") << media << QByteArray("0 0 0 0") << none << 600 / 800.0;
     }
 
     void aspects()
@@ -137,7 +138,7 @@ private Q_SLOTS:
         QCOMPARE(before.pixel(50, 40), qRgb(255, 255, 255));
         QCOMPARE(before.pixel(149, 159), qRgb(255, 255, 255));
         QCOMPARE(before.pixel(10, 10), qRgb(200, 200, 200));
-        // Darker right below the sheet than right above it: the shadow falls downwards.
+        // Darker right below the page than right above it: the shadow falls downwards.
         const auto gray = [&before](int x, int y) { return qGray(before.pixel(x, y)); };
         QVERIFY(gray(100, 160) < 185);
         QVERIFY(gray(100, 160) < gray(100, 39));
@@ -208,6 +209,26 @@ private Q_SLOTS:
                 }
             }
         }
+    }
+
+    void aPageThatCannotBeDrawnSaysSo()
+    {
+        const auto document = open(TestPDFs::colored(1));
+        const QRectF place(10, 10, 150, 180);
+        PDFPageCell cell(document, 0, place.width());
+        const QImage before = painted(cell, place);
+        QVERIFY(!cell.isUndrawable());
+        cell.setPicture(cell.renderKey(), {});
+        QVERIFY(cell.isUndrawable() && !cell.needsImage());
+        const QImage words = painted(cell, place);
+        QVERIFY(words != before);
+        // Too small for words.
+        const QRectF small(10, 10, 54, 70);
+        QVERIFY(painted(cell, small) != painted(PDFPageCell(document, 0, 54), small));
+        // A picture that there was before is better than words.
+        cell.setPicture(u"older"_s, PagePicture(QImage(10, 10, QImage::Format_RGB32), 10));
+        cell.setPicture(cell.renderKey(), {});
+        QVERIFY(!cell.isUndrawable());
     }
 };
 

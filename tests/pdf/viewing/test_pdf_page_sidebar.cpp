@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 PageList *list(const ShownWindow &w) { return w.window.findChild<PageList *>(); }
-PDFSheetView *sheet(const ShownWindow &w) { return w.window.findChild<PDFSheetView *>(); }
+PDFSheetView *pageGrid(const ShownWindow &w) { return w.window.findChild<PDFSheetView *>(); }
 
 void click(const ShownWindow &w, int page, QPoint within)
 {
@@ -24,8 +24,8 @@ void click(const ShownWindow &w, int page, QPoint within)
 
 bool isAt(const ShownWindow &w, int page)
 {
-    const QScrollBar *bar = sheet(w)->verticalScrollBar();
-    return bar->value() == std::min(qRound(sheet(w)->grid().cell(page).top()), bar->maximum());
+    const QScrollBar *bar = pageGrid(w)->verticalScrollBar();
+    return bar->value() == std::min(qRound(pageGrid(w)->grid().cell(page).top()), bar->maximum());
 }
 
 QAccessibleInterface *seen(const ShownWindow &w) { return QAccessible::queryAccessibleInterface(list(w)); }
@@ -43,7 +43,7 @@ private Q_SLOTS:
         QVERIFY(w.label(u"Pages"_s));
         click(w, 2, QPoint(10, 10));
         QTRY_VERIFY(isAt(w, 2));
-        sheet(w)->verticalScrollBar()->setValue(0);
+        pageGrid(w)->verticalScrollBar()->setValue(0);
         click(w, 2, QPoint(10, 10));
         QTRY_VERIFY(isAt(w, 2));
         QVERIFY(!w.controller.pdfScrollTarget.value());
@@ -104,7 +104,7 @@ private Q_SLOTS:
         QTRY_VERIFY(isAt(w, 99));
         QCOMPARE(press(Qt::Key_Home), 0);
         // Who scrolled away with the wheel starts from what is in view.
-        sheet(w)->setFocus();
+        pageGrid(w)->setFocus();
         list(w)->verticalScrollBar()->setValue(list(w)->verticalScrollBar()->maximum() / 2);
         list(w)->setFocus(Qt::TabFocusReason);
         QVERIFY(std::abs(list(w)->current() - 50) < 10);

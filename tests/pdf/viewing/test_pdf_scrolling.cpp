@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-PDFSheetView *sheet(const ShownWindow &w) { return w.window.findChild<PDFSheetView *>(); }
+PDFSheetView *pageGrid(const ShownWindow &w) { return w.window.findChild<PDFSheetView *>(); }
 
 /// The longest time that the event loop did not come round.
 class GapWatch final : public QObject {
@@ -47,27 +47,27 @@ private Q_SLOTS:
         const qsizetype widgets = w.window.findChildren<QWidget *>().size();
         w.openPDF(TestPDFs::colored(1000));
         QTRY_COMPARE(w.window.findChildren<QWidget *>().size(), widgets);
-        QCOMPARE(sheet(w)->grid().pageCount(), 1000);
+        QCOMPARE(pageGrid(w)->grid().pageCount(), 1000);
     }
 
     void memoryIsBoundedWhateverIsScrolled()
     {
         ShownWindow w;
         w.openPDF(TestPDFs::colored(1000));
-        QScrollBar *bar = sheet(w)->verticalScrollBar();
+        QScrollBar *bar = pageGrid(w)->verticalScrollBar();
         qsizetype most = 0;
         int cells = 0;
         const int steps = 400;
         for (int i = 0; i <= steps; ++i) {
             bar->setValue(int(qint64(bar->maximum()) * i / steps));
             QCoreApplication::processEvents();
-            most = std::max(most, sheet(w)->cells().memory());
-            cells = std::max(cells, sheet(w)->cells().count());
+            most = std::max(most, pageGrid(w)->cells().memory());
+            cells = std::max(cells, pageGrid(w)->cells().count());
         }
-        QTRY_VERIFY(!sheet(w)->cells().cell(999).image().isNull());
+        QTRY_VERIFY(pageGrid(w) && !pageGrid(w)->cells().cell(999).image().isNull());
         QVERIFY2(most < 192 * 1024 * 1024, qPrintable(QString::number(most)));
         QVERIFY2(cells < 40, qPrintable(QString::number(cells)));
-        QVERIFY(sheet(w)->cells().cell(0).image().isNull());
+        QVERIFY(pageGrid(w)->cells().cell(0).image().isNull());
     }
 
     void onlyWhatIsLookedAtIsDrawn()
@@ -96,9 +96,9 @@ private Q_SLOTS:
     {
         ShownWindow w;
         w.openPDF(TestPDFs::colored(1000));
-        const PageGridLayout::Range visible = sheet(w)->grid().pagesBetween(0, sheet(w)->viewport()->height());
+        const PageGridLayout::Range visible = pageGrid(w)->grid().pagesBetween(0, pageGrid(w)->viewport()->height());
         QList<int> order;
-        connect(&sheet(w)->cells(), &PageCells::changed, this, [&order](int page) { order << page; });
+        connect(&pageGrid(w)->cells(), &PageCells::changed, this, [&order](int page) { order << page; });
         QTRY_VERIFY(order.contains(visible.last + 1));
         QVERIFY(order.indexOf(visible.first) < order.indexOf(visible.last));
         QVERIFY(order.indexOf(visible.last) < order.indexOf(visible.last + 1));
@@ -109,14 +109,14 @@ private Q_SLOTS:
         ShownWindow w;
         // Each of these keeps the drawing library busy for far longer than the bound below.
         w.openPDF(TestPDFs::file(QList<TestPDFs::Page>(200, TestPDFs::slowPage())));
-        QTRY_VERIFY(!sheet(w)->cells().cell(0).image().isNull());
+        QTRY_VERIFY(pageGrid(w) && !pageGrid(w)->cells().cell(0).image().isNull());
         QElapsedTimer page;
         page.start();
         w.controller.pdfDocument.value()->picture(0, QSize(954, 1350));
         const qint64 onePage = page.elapsed();
         QVERIFY2(onePage >= 20, "the page is no work here");
         GapWatch watch;
-        QScrollBar *bar = sheet(w)->verticalScrollBar();
+        QScrollBar *bar = pageGrid(w)->verticalScrollBar();
         int moves = 0;
         QTimer mover;
         connect(&mover, &QTimer::timeout, this, [&] {
@@ -136,7 +136,7 @@ private Q_SLOTS:
         QElapsedTimer timer;
         timer.start();
         w.controller.load(url);
-        QTRY_VERIFY(!sheet(w)->cells().cell(0).image().isNull());
+        QTRY_VERIFY(pageGrid(w) && !pageGrid(w)->cells().cell(0).image().isNull());
         // Some tens of milliseconds in a release build; this one may be slow and share the machine.
         QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(timer.elapsed())));
     }

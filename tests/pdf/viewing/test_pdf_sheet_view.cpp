@@ -15,20 +15,20 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-PDFSheetView *sheet(const ShownWindow &w) { return w.window.findChild<PDFSheetView *>(); }
+PDFSheetView *pageGrid(const ShownWindow &w) { return w.window.findChild<PDFSheetView *>(); }
 
-int scrolled(const ShownWindow &w) { return sheet(w)->verticalScrollBar()->value(); }
+int scrolled(const ShownWindow &w) { return pageGrid(w)->verticalScrollBar()->value(); }
 
 int topOf(const ShownWindow &w, int page)
 {
-    return std::min(qRound(sheet(w)->grid().cell(page).top()), sheet(w)->verticalScrollBar()->maximum());
+    return std::min(qRound(pageGrid(w)->grid().cell(page).top()), pageGrid(w)->verticalScrollBar()->maximum());
 }
 
 /// The colour in the middle of a page, as it is on the screen.
 QRgb shown(const ShownWindow &w, int page)
 {
-    const QPointF middle = sheet(w)->grid().cell(page).center() - QPointF(0, scrolled(w));
-    return sheet(w)->viewport()->grab().toImage().pixel(middle.toPoint());
+    const QPointF middle = pageGrid(w)->grid().cell(page).center() - QPointF(0, scrolled(w));
+    return pageGrid(w)->viewport()->grab().toImage().pixel(middle.toPoint());
 }
 
 bool hasPicture(const ShownWindow &w, int page) { return shown(w, page) == TestPDFs::colorOf(page); }
@@ -63,9 +63,9 @@ private Q_SLOTS:
         ShownWindow w;
         w.controller.pdfPagesAcross = across;
         w.openPDF(TestPDFs::colored(pages));
-        QCOMPARE(sheet(w)->grid().pageCount(), pages);
-        QCOMPARE(sheet(w)->grid().columns(), columns);
-        QCOMPARE(sheet(w)->grid().cellWidth(), (sheet(w)->width() - 32 - 14.0 * (columns - 1)) / columns);
+        QCOMPARE(pageGrid(w)->grid().pageCount(), pages);
+        QCOMPARE(pageGrid(w)->grid().columns(), columns);
+        QCOMPARE(pageGrid(w)->grid().cellWidth(), (pageGrid(w)->width() - 32 - 14.0 * (columns - 1)) / columns);
     }
 
     void aViewOf1000HasCellsOf477()
@@ -87,7 +87,7 @@ private Q_SLOTS:
     {
         ShownWindow w;
         w.openPDF(mixed());
-        const PageGridLayout &grid = sheet(w)->grid();
+        const PageGridLayout &grid = pageGrid(w)->grid();
         const double width = grid.cellWidth();
         QCOMPARE(grid.cell(0).height(), width * 842 / 595);
         QCOMPARE(grid.cell(1).height(), width * 595 / 842);
@@ -98,7 +98,7 @@ private Q_SLOTS:
     void pagesComeOnTheScreen()
     {
         ShownWindow w;
-        w.controller.load(w.world.file(u"sheet.pdf"_s, TestPDFs::colored(4)));
+        w.openPDF(TestPDFs::colored(4));
         QCOMPARE(shown(w, 0), qRgb(255, 255, 255));
         QTRY_VERIFY(hasPicture(w, 0) && hasPicture(w, 1));
     }
@@ -122,16 +122,16 @@ private Q_SLOTS:
         w.controller.pdfPagesAcross = 1;
         w.openPDF(TestPDFs::colored(1));
         QTRY_VERIFY(hasPicture(w, 0));
-        const auto picture = [&w] { return sheet(w)->cells().cell(0).image().cacheKey(); };
+        const auto picture = [&w] { return pageGrid(w)->cells().cell(0).image().cacheKey(); };
         // To a width in the middle of a band.
-        const double width = sheet(w)->grid().cellWidth();
+        const double width = pageGrid(w)->grid().cellWidth();
         w.window.resize(w.window.width() + 36 - int(std::fmod(width, 24)), w.window.height());
         QCoreApplication::processEvents();
-        QTRY_VERIFY(!sheet(w)->cells().cell(0).needsImage());
+        QTRY_VERIFY(!pageGrid(w)->cells().cell(0).needsImage());
         const qint64 before = picture();
         w.window.resize(w.window.width() + 8, w.window.height());
         QCoreApplication::processEvents();
-        QVERIFY(!sheet(w)->cells().cell(0).needsImage());
+        QVERIFY(!pageGrid(w)->cells().cell(0).needsImage());
         QCOMPARE(picture(), before);
         w.window.resize(w.window.width() + 24, w.window.height());
         QTRY_VERIFY(picture() != before);
@@ -145,14 +145,14 @@ private Q_SLOTS:
         QVERIFY(!w.controller.pdfScrollTarget.value());
         QVERIFY(scrolled(w) < topOf(w, 20));
         QList<int> passed;
-        connect(
-            sheet(w)->verticalScrollBar(), &QScrollBar::valueChanged, this, [&passed](int value) { passed << value; });
+        connect(pageGrid(w)->verticalScrollBar(), &QScrollBar::valueChanged, this,
+            [&passed](int value) { passed << value; });
         QTRY_COMPARE(scrolled(w), topOf(w, 20));
         QVERIFY2(passed.size() > 2, "it jumped");
         QVERIFY(std::is_sorted(passed.begin(), passed.end()));
         QTRY_VERIFY(hasPicture(w, 20));
         // The same page again, after the user went elsewhere.
-        sheet(w)->verticalScrollBar()->setValue(0);
+        pageGrid(w)->verticalScrollBar()->setValue(0);
         w.controller.pdfScrollTarget = 20;
         QTRY_COMPARE(scrolled(w), topOf(w, 20));
         // None is no target, and neither is a page that is not there.
@@ -170,7 +170,7 @@ private Q_SLOTS:
         w.openPDF(TestPDFs::colored(40));
         w.controller.pdfScrollTarget = 39;
         QTRY_VERIFY(scrolled(w) > 0);
-        sheet(w)->verticalScrollBar()->setValue(0);
+        pageGrid(w)->verticalScrollBar()->setValue(0);
         QTest::qWait(400); // longer than the way would take
         QCOMPARE(scrolled(w), 0);
     }
@@ -179,7 +179,7 @@ private Q_SLOTS:
     {
         ShownWindow w;
         w.openPDF(TestPDFs::colored(60));
-        sheet(w)->verticalScrollBar()->setValue(topOf(w, 30));
+        pageGrid(w)->verticalScrollBar()->setValue(topOf(w, 30));
         for (const int across : { 1, 4, 3, 6, 2 }) {
             w.controller.pdfPagesAcross = across;
             QCOMPARE(scrolled(w), topOf(w, 30));
@@ -191,14 +191,14 @@ private Q_SLOTS:
         }
         // In the middle of a page, its middle stays.
         const auto share = [&w] {
-            const QRectF cell = sheet(w)->grid().cell(30);
+            const QRectF cell = pageGrid(w)->grid().cell(30);
             return (scrolled(w) - cell.top()) / cell.height();
         };
-        sheet(w)->verticalScrollBar()->setValue(topOf(w, 30) + int(sheet(w)->grid().cell(30).height() / 2));
+        pageGrid(w)->verticalScrollBar()->setValue(topOf(w, 30) + int(pageGrid(w)->grid().cell(30).height() / 2));
         w.controller.pdfPagesAcross = 1;
         QVERIFY2(std::abs(share() - 0.5) < 0.01, qPrintable(QString::number(share())));
         // The beginning stays the beginning.
-        sheet(w)->verticalScrollBar()->setValue(0);
+        pageGrid(w)->verticalScrollBar()->setValue(0);
         w.controller.pdfPagesAcross = 5;
         QCOMPARE(scrolled(w), 0);
     }
@@ -207,17 +207,17 @@ private Q_SLOTS:
     {
         ShownWindow w;
         w.openPDF(TestPDFs::colored(40));
-        QVERIFY2(sheet(w)->hasFocus(), "the keys work without a click first");
+        QVERIFY2(pageGrid(w)->hasFocus(), "the keys work without a click first");
         const auto press = [&w](Qt::Key key) {
             QTest::keyClick(QApplication::focusWidget(), key);
             return scrolled(w);
         };
-        const int end = sheet(w)->verticalScrollBar()->maximum();
+        const int end = pageGrid(w)->verticalScrollBar()->maximum();
         const int line = press(Qt::Key_Down);
         QVERIFY(line > 0);
         QVERIFY(press(Qt::Key_Up) == 0);
         const int page = press(Qt::Key_PageDown);
-        QVERIFY(page > sheet(w)->viewport()->height() / 2 && page < sheet(w)->viewport()->height());
+        QVERIFY(page > pageGrid(w)->viewport()->height() / 2 && page < pageGrid(w)->viewport()->height());
         QCOMPARE(press(Qt::Key_PageUp), 0);
         QCOMPARE(press(Qt::Key_End), end);
         QCOMPARE(press(Qt::Key_Home), 0);
@@ -227,7 +227,7 @@ private Q_SLOTS:
     {
         ShownWindow w;
         w.openPDF(TestPDFs::colored(40));
-        QWidget *viewport = sheet(w)->viewport();
+        QWidget *viewport = pageGrid(w)->viewport();
         const QPointF at = viewport->rect().center();
         QWheelEvent event(at, viewport->mapToGlobal(at), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
             Qt::NoScrollPhase, false);
@@ -239,7 +239,7 @@ private Q_SLOTS:
     {
         ShownWindow w;
         w.openPDF(TestPDFs::colored(3));
-        QPointer<PDFSheetView> first = sheet(w);
+        QPointer<PDFSheetView> first = pageGrid(w);
         QTRY_VERIFY(hasPicture(w, 0));
         w.controller.pdfScrollTarget = 1;
         w.openPDF(TestPDFs::file({ { .drawing = "0 0 1 rg 0 0 999 999 re f" } }));
@@ -249,7 +249,7 @@ private Q_SLOTS:
         QCOMPARE(scrolled(w), 0);
         QTRY_COMPARE(shown(w, 0), qRgb(0, 0, 255));
         w.controller.pdfDocument = nullptr;
-        QVERIFY(!sheet(w) && !w.window.findChild<PDFPageSidebar *>());
+        QVERIFY(!pageGrid(w) && !w.window.findChild<PDFPageSidebar *>());
     }
 
     void othersCanBeOpenedWhilePagesAreDrawn()
@@ -262,7 +262,7 @@ private Q_SLOTS:
             w.controller.load(slow);
             QTest::qWait(5 * i);
             w.controller.load(score);
-            QVERIFY(!sheet(w));
+            QVERIFY(!pageGrid(w));
         }
         w.controller.load(slow);
         w.openPDF(TestPDFs::colored(2));
@@ -292,7 +292,7 @@ private Q_SLOTS:
                 QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
                 names << accessibleName(QApplication::focusWidget());
             }
-            // From the sheet around to it again. The other numbers are reached by the arrows.
+            // From the page grid around to it again. The other numbers are reached by the arrows.
             QCOMPARE(
                 names, (QStringList{ u"Open"_s, across, u"Convert to Guitar Pro"_s, u"Pages"_s, u"Sheet music"_s }));
         }
@@ -311,13 +311,13 @@ private Q_SLOTS:
         ShownWindow w;
         w.openPDF(TestPDFs::colored(3));
         QTRY_VERIFY(hasPicture(w, 0));
-        const QImage picture = sheet(w)->grab().toImage();
+        const QImage picture = pageGrid(w)->grab().toImage();
         QVERIFY(qGray(picture.pixel(3, 3)) < 60);
         // Behind the scroll bar as well.
         QVERIFY(qGray(picture.pixel(picture.width() - 2, picture.height() - 4)) < 60);
         QApplication::setPalette(before);
         QCoreApplication::processEvents();
-        const QImage light = sheet(w)->grab().toImage();
+        const QImage light = pageGrid(w)->grab().toImage();
         QVERIFY(qGray(light.pixel(3, 3)) > 200);
         QVERIFY(qGray(light.pixel(light.width() - 2, light.height() - 4)) > 200);
         QVERIFY(hasPicture(w, 0));
@@ -337,8 +337,8 @@ private Q_SLOTS:
         w.openPDF(mixed());
         for (const int across : { 1, 2, 6 }) {
             w.controller.pdfPagesAcross = across;
-            QTRY_VERIFY(!sheet(w)->cells().cell(0).image().isNull());
-            QCOMPARE(sheet(w)->horizontalScrollBar()->maximum(), 0);
+            QTRY_VERIFY(!pageGrid(w)->cells().cell(0).image().isNull());
+            QCOMPARE(pageGrid(w)->horizontalScrollBar()->maximum(), 0);
         }
         for (const QString &name : { u"Open"_s, u"1"_s, u"6"_s, u"Convert to Guitar Pro"_s }) {
             QWidget *control = w.control(name);

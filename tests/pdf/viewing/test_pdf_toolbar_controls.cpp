@@ -1,9 +1,9 @@
+#include "design/Button.h"
+#include "design/SegmentedControl.h"
+#include "design/Spinner.h"
 #include "pdf/viewing/PDFSheetView.h"
 #include "tests/support/TestPDFs.h"
 #include "tests/views/ShownWindow.h"
-#include "views/design/Button.h"
-#include "views/design/SegmentedControl.h"
-#include "views/design/Spinner.h"
 
 #include <QAccessible>
 #include <QTest>
@@ -91,6 +91,24 @@ private Q_SLOTS:
         w.controller.converting = false;
         QVERIFY(w.control(u"Convert to Guitar Pro"_s));
         QVERIFY(!spinner->isVisible());
+    }
+
+    void theSpinnerTellsHowFarItIs()
+    {
+        ShownWindow w;
+        w.openPDF();
+        auto *spinner = w.window.findChild<Spinner *>();
+        w.controller.converting = true;
+        w.controller.conversionProgress = PDFConverter::Progress{ .page = 2, .pages = 5, .step = {} };
+        QCOMPARE(spinner->toolTip(), u"Reading the sheet music…\nPreparing page 2 of 5, for 0:00"_s);
+        QCOMPARE(accessibleName(spinner), u"Reading the sheet music…"_s);
+        QCOMPARE(spinner->accessibleDescription(), u"Preparing page 2 of 5, for 0:00"_s);
+        w.controller.conversionProgress = PDFConverter::Progress{ .step = u"STEM_SEEDS"_s };
+        QVERIFY(spinner->toolTip().contains(u"Audiveris is reading: stem seeds (step 6 of 20), for 0:0"_s));
+        QTRY_VERIFY2(!spinner->toolTip().endsWith(u"0:00"_s), "time stands still");
+        w.controller.converting = false;
+        w.controller.converting = true;
+        QCOMPARE(spinner->toolTip(), u"Reading the sheet music…"_s);
     }
 
     void theButtonConverts()

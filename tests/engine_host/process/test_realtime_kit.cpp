@@ -1,9 +1,9 @@
-#include "engine_host/AudioThreads.h"
-#include "engine_host/RealtimeKit.h"
-#include "engine_host/SoundPrecedence.h"
-#include "engine_host/ThreadPrecedence.h"
-#include "tests/engine_host/NamedThread.h"
-#include "tests/engine_host/PrivateBus.h"
+#include "engine_host/process/AudioThreadPriority.h"
+#include "engine_host/process/AudioThreads.h"
+#include "engine_host/process/RealtimeKit.h"
+#include "engine_host/process/ThreadPriority.h"
+#include "tests/engine_host/process/NamedThread.h"
+#include "tests/engine_host/process/PrivateBus.h"
 
 #include <QDBusConnection>
 #include <QDBusContext>
@@ -58,7 +58,7 @@ public Q_SLOTS:
 };
 
 /// From here on this program may not raise a thread itself, whoever started it.
-bool giveUpPrecedence()
+bool giveUpPriority()
 {
     __user_cap_header_struct header{ _LINUX_CAPABILITY_VERSION_3, 0 };
     std::array<__user_cap_data_struct, 2> rights{};
@@ -89,9 +89,8 @@ private:
     bool given(const NamedThread &thread, Work work)
     {
         bool answer = false;
-        const std::unique_ptr<QThread> asker(QThread::create([&] {
-            answer = m_kit->give({ getpid(), thread.id(), work });
-        }));
+        const std::unique_ptr<QThread> asker(
+            QThread::create([&] { answer = m_kit->raise({ getpid(), thread.id(), work }); }));
         asker->start();
         const bool answered = QTest::qWaitFor([&] { return asker->isFinished(); });
         asker->wait();
@@ -133,7 +132,7 @@ private Q_SLOTS:
         const NamedThread thread("AudioOutputDevi");
         const int before = thread.niceness();
         for (const Work work : { Work::copies, Work::computes })
-            QVERIFY(!ThreadPrecedence::give({ getpid(), thread.id(), work }));
+            QVERIFY(!ThreadPriority::raise({ getpid(), thread.id(), work }));
         QCOMPARE(thread.policy(), SCHED_OTHER);
         QCOMPARE(thread.niceness(), before);
     }
@@ -195,8 +194,8 @@ private Q_SLOTS:
     {
         const NamedThread first("threaded-ml");
         const QString asked = u"real-time %1 5"_s;
-        SoundPrecedence precedence(getpid());
-        precedence.setAudible(true);
+        AudioThreadPriority priority(getpid());
+        priority.setAudible(true);
         QTRY_COMPARE(m_fake->asked, QStringList{ asked.arg(first.id()) });
         const NamedThread second("AudioOutputDevi");
         QTRY_VERIFY(m_fake->asked.contains(asked.arg(second.id())));
@@ -206,11 +205,11 @@ private Q_SLOTS:
 
     void asSoonAsSoundIsBackSoIsTheirRight()
     {
-        SoundPrecedence precedence(getpid());
-        precedence.setAudible(true);
-        precedence.setAudible(false);
+        AudioThreadPriority priority(getpid());
+        priority.setAudible(true);
+        priority.setAudible(false);
         const NamedThread thread("Realtime AudioW");
-        precedence.setAudible(true);
+        priority.setAudible(true);
         QTRY_COMPARE(m_fake->asked, QStringList{ u"high %1 -10"_s.arg(thread.id()) });
     }
 
@@ -218,8 +217,8 @@ private Q_SLOTS:
     {
         m_fake->grantsHighPriority = false;
         const NamedThread refused("Realtime AudioW");
-        SoundPrecedence precedence(getpid());
-        precedence.setAudible(true);
+        AudioThreadPriority priority(getpid());
+        priority.setAudible(true);
         QTRY_COMPARE(m_fake->asked.size(), 1);
         const NamedThread later("Realtime AudioW");
         QTRY_VERIFY(m_fake->asked.size() > 1);
@@ -232,8 +231,8 @@ private Q_SLOTS:
         const NamedThread thread("threaded-ml");
         QElapsedTimer clock;
         {
-            SoundPrecedence precedence(getpid());
-            precedence.setAudible(true);
+            AudioThreadPriority priority(getpid());
+            priority.setAudible(true);
             clock.start();
             // This thread is the one that would answer.
         }
@@ -243,7 +242,7 @@ private Q_SLOTS:
 
 int main(int argc, char *argv[])
 {
-    if (!giveUpPrecedence())
+    if (!giveUpPriority())
         return 1;
     const QCoreApplication application(argc, argv);
     TestRealtimeKit test;

@@ -1,6 +1,5 @@
 #include "pdf/conversion/GrayBitmap.h"
-#include "pdf/conversion/PageRaster.h"
-#include "pdf/conversion/SheetPages.h"
+#include "pdf/conversion/PageRasters.h"
 #include "tests/pdf/conversion/Files.h"
 #include "tests/support/TestPDFs.h"
 
@@ -8,6 +7,8 @@
 #include <QTest>
 
 #include <algorithm>
+#include <chrono>
+#include <sys/stat.h>
 #include <thread>
 
 using namespace PDFConverter;
@@ -41,29 +42,31 @@ quint8 pixel(const GrayBitmap &bitmap, int x, int y)
 
 } // namespace
 
-class TestPageRaster final : public QObject {
+class TestPageRasters final : public QObject {
     Q_OBJECT
 
 private:
     const QTemporaryDir m_folder;
 
-    Outcome<GrayBitmap> rendered(const QByteArray &file, int index = 0) const
+    Result<GrayBitmap> rendered(const QByteArray &file, int index = 0) const
     {
-        const std::unique_ptr<SheetPages> pages = SheetPages::open(writeFile(m_folder.path(), u"page.pdf"_s, file));
+        const auto pages = PageRasters::open(writeFile(m_folder.path(), u"page.pdf"_s, file));
         if (!pages)
             return Failure{ u"no PDF"_s };
-        const std::optional<SheetPage> page = pages->page(index);
+        Result<std::optional<GrayBitmap>> page = pages->render(index);
         if (!page)
+            return page.failure();
+        if (!*page)
             return Failure{ u"no page"_s };
-        return render(*page);
+        return std::move(**page);
     }
 
-    Outcome<GrayBitmap> rendered(const TestPDFs::Page &page) const { return rendered(TestPDFs::file({ page })); }
+    Result<GrayBitmap> rendered(const TestPDFs::Page &page) const { return rendered(TestPDFs::file({ page })); }
 
 private Q_SLOTS:
     void aLetterPage()
     {
-        const Outcome<GrayBitmap> bitmap = rendered({ .media = letter });
+        const Result<GrayBitmap> bitmap = rendered({ .media = letter });
         QVERIFY(bitmap);
         QCOMPARE(bitmap->width, 5100);
         QCOMPARE(bitmap->height, 6600);
@@ -84,7 +87,7 @@ private Q_SLOTS:
     void sizesAreRounded()
     {
         QFETCH(QByteArray, box);
-        const Outcome<GrayBitmap> bitmap = rendered({ .media = box });
+        const Result<GrayBitmap> bitmap = rendered({ .media = box });
         QVERIFY(bitmap);
         QTEST(QSize(bitmap->width, bitmap->height), "size");
     }
@@ -92,7 +95,7 @@ private Q_SLOTS:
     void anEmptyPage()
     {
         for (const char *box : { "0 0 0.05 72", "0 0 72 0.05" }) {
-            const Outcome<GrayBitmap> bitmap = rendered({ .media = box });
+            const Result<GrayBitmap> bitmap = rendered({ .media = box });
             QVERIFY(!bitmap);
             QCOMPARE(bitmap.failure().message, u"Empty PDF page."_s);
         }
@@ -101,7 +104,7 @@ private Q_SLOTS:
     void moreThanAGibibyte()
     {
         // 32768 pixels are 3932.16 units: one row more is one too many.
-        const Outcome<GrayBitmap> tooLarge = rendered({ .media = "0 0 3932.16 3932.28" });
+        const Result<GrayBitmap> tooLarge = rendered({ .media = "0 0 3932.16 3932.28" });
         QVERIFY(!tooLarge);
         QCOMPARE(tooLarge.failure().message, u"Could not rasterize a PDF page."_s);
         QVERIFY(!rendered({ .media = "0 0 99999999 99999999" }));
@@ -140,7 +143,7 @@ private Q_SLOTS:
         QFETCH(int, rotation);
         QFETCH(QByteArray, rectangle);
         QFETCH(QRect, ink);
-        const Outcome<GrayBitmap> bitmap
+        const Result<GrayBitmap> bitmap
             = rendered({ .media = box, .rotation = QByteArray::number(rotation), .drawing = rectangle + " re f" });
         QVERIFY(bitmap);
         const QRect found = inkOf(*bitmap);
@@ -155,12 +158,11 @@ private Q_SLOTS:
     void bandsLeaveNoSeams()
     {
         // A black page is black in every row, and a slope is as long as one drawn in one piece.
-        const Outcome<GrayBitmap> black = rendered({ .media = "0 0 300 1500", .drawing = "0 0 300 1500 re f" });
+        const Result<GrayBitmap> black = rendered({ .media = "0 0 300 1500", .drawing = "0 0 300 1500 re f" });
         QVERIFY(black);
         QVERIFY(std::all_of(black->pixels.begin(), black->pixels.end(), [](quint8 p) { return p == 0; }));
 
-        const Outcome<GrayBitmap> slope
-            = rendered({ .media = "0 0 300 1500", .drawing = "0 0 m 300 1500 l 300 0 l f" });
+        const Result<GrayBitmap> slope = rendered({ .media = "0 0 300 1500", .drawing = "0 0 m 300 1500 l 300 0 l f" });
         QVERIFY(slope);
         int last = -1;
         for (int y = slope->height - 1; y >= 0; --y) {
@@ -175,7 +177,7 @@ private Q_SLOTS:
 
     void theMediaBoxWholeWhereACropBoxIsSmaller()
     {
-        const Outcome<GrayBitmap> bitmap
+        const Result<GrayBitmap> bitmap
             = rendered({ .media = "0 0 60 90", .crop = "30 45 50 60", .drawing = "6 9 12 24 re f" });
         QVERIFY(bitmap);
         QCOMPARE(QSize(bitmap->width, bitmap->height), QSize(500, 750));
@@ -186,7 +188,7 @@ private Q_SLOTS:
     {
         const QByteArray content = "0.5 g 0 0 30 30 re f 1 0 0 rg 30 0 30 30 re f 1 g 0 30 30 30 re f "
                                    "0 0 1 rg 30 30 30 30 re f 0 1 0 rg 0 60 30 30 re f /half gs 0 g 30 60 30 30 re f";
-        const Outcome<GrayBitmap> bitmap = rendered({ .media = "0 0 60 90",
+        const Result<GrayBitmap> bitmap = rendered({ .media = "0 0 60 90",
             .drawing = content,
             .entries = "/Resources << /ExtGState << /half << /ca 0.5 >> >> >>" });
         QVERIFY(bitmap);
@@ -213,28 +215,55 @@ private Q_SLOTS:
             "<< /Type /OCG /Name (off) /Was [0 0 9 9]");
         file.replace("3 0 R 5 0 R ", "3 0 R       ");
         file.replace("/Count 2", "/Count 1");
-        const Outcome<GrayBitmap> bitmap = rendered(file);
+        const Result<GrayBitmap> bitmap = rendered(file);
         QVERIFY(bitmap);
         QCOMPARE(inkOf(*bitmap), QRect(0, 725, 25, 25));
     }
 
     void annotationsAreNoMusic()
     {
-        const Outcome<GrayBitmap> bitmap = rendered({ .media = "0 0 60 90",
+        const Result<GrayBitmap> bitmap = rendered({ .media = "0 0 60 90",
             .drawing = "0 0 3 3 re f",
             .entries = "/Annots [<< /Type /Annot /Subtype /Square /Rect [9 9 50 80] /C [0 0 0] /IC [0 0 0] >>]" });
         QVERIFY(bitmap);
         QCOMPARE(inkOf(*bitmap), QRect(0, 725, 25, 25));
     }
 
-    void stoppedBetweenBands()
+    void stoppedWhileItIsDrawn()
     {
-        const auto pages = SheetPages::open(writeFile(
-            m_folder.path(), u"stop.pdf"_s, TestPDFs::file({ { .media = letter, .drawing = "0 0 612 792 re f" } })));
-        QVERIFY(pages);
         std::stop_source stop;
-        stop.request_stop();
-        QVERIFY(!render(*pages->page(0), stop.get_token()));
+        const auto pages = PageRasters::open(
+            writeFile(m_folder.path(), u"stop.pdf"_s, TestPDFs::file({ TestPDFs::endlessPage() })), stop.get_token());
+        QVERIFY(pages);
+        const std::jthread stopper([&stop] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            stop.request_stop();
+        });
+        // Would take a minute.
+        const auto result = pages->render(0);
+        QVERIFY(!result);
+        QCOMPARE(result.failure().message, u"Could not rasterize a PDF page."_s);
+    }
+
+    void aPageThatTakesTooLongLeavesTheOthers()
+    {
+        PDFProcess::Bounds bounds = PDFProcess::forConversion;
+        bounds.page = std::chrono::milliseconds(3000);
+        const auto pages = PageRasters::open(writeFile(m_folder.path(), u"mixed.pdf"_s,
+                                                 TestPDFs::file({ TestPDFs::endlessPage(), { .media = "0 0 60 90" } })),
+            {}, bounds);
+        QVERIFY(pages);
+        const auto endless = pages->render(0);
+        QVERIFY(!endless);
+        QCOMPARE(endless.failure().message, u"Could not rasterize a PDF page."_s);
+        QVERIFY(pages->render(1));
+    }
+
+    void aPageTakesOneRoundTrip()
+    {
+        const qint64 before = PDFProcess::traffic().requests;
+        QVERIFY(rendered({ .media = letter, .drawing = "0 0 612 792 re f" }));
+        QCOMPARE(PDFProcess::traffic().requests - before, 2);
     }
 
     void offTheMainThread()
@@ -247,18 +276,24 @@ private Q_SLOTS:
 
     void pagesThatAreNone()
     {
-        QVERIFY(!SheetPages::open(m_folder.filePath(u"missing.pdf"_s)));
-        QVERIFY(!SheetPages::open(writeFile(m_folder.path(), u"text.pdf"_s, "no PDF at all")));
-        const auto empty = SheetPages::open(writeFile(m_folder.path(), u"empty.pdf"_s, TestPDFs::file({})));
-        QVERIFY(!empty || empty->count() == 0);
+        QVERIFY(!PageRasters::open(m_folder.filePath(u"missing.pdf"_s)));
+        QVERIFY(!PageRasters::open(writeFile(m_folder.path(), u"text.pdf"_s, "no PDF at all")));
+        QVERIFY(!PageRasters::open(writeFile(m_folder.path(), u"empty.pdf"_s, TestPDFs::file({}))));
         const auto pages
-            = SheetPages::open(writeFile(m_folder.path(), u"one.pdf"_s, TestPDFs::file({ { .media = letter } })));
+            = PageRasters::open(writeFile(m_folder.path(), u"one.pdf"_s, TestPDFs::file({ { .media = letter } })));
         QVERIFY(pages);
-        QVERIFY(pages->page(0));
-        QVERIFY(!pages->page(1));
-        QVERIFY(!pages->page(-1));
+        QVERIFY(*pages->render(0));
+        QVERIFY(!*pages->render(1));
+        QVERIFY(!*pages->render(-1));
+    }
+
+    void aPipeKeepsNobodyWaiting()
+    {
+        const QString path = m_folder.filePath(u"pipe.pdf"_s);
+        QCOMPARE(::mkfifo(qPrintable(path), 0600), 0);
+        QVERIFY(!PageRasters::open(path));
     }
 };
 
-QTEST_GUILESS_MAIN(TestPageRaster)
-#include "test_page_raster.moc"
+QTEST_GUILESS_MAIN(TestPageRasters)
+#include "test_page_rasters.moc"

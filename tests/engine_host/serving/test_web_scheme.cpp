@@ -1,5 +1,5 @@
-#include "engine_host/WebSchemeHandler.h"
-#include "engine_host/WebSchemeResolution.h"
+#include "engine_host/serving/WebSchemeHandler.h"
+#include "engine_host/serving/WebSchemeResolution.h"
 
 #include <QDir>
 #include <QFile>

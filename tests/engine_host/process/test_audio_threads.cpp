@@ -1,6 +1,6 @@
-#include "engine_host/AudioThreads.h"
-#include "engine_host/ThreadPrecedence.h"
-#include "tests/engine_host/NamedThread.h"
+#include "engine_host/process/AudioThreads.h"
+#include "engine_host/process/ThreadPriority.h"
+#include "tests/engine_host/process/NamedThread.h"
 
 #include <QFile>
 #include <QProcess>
@@ -73,7 +73,7 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("name");
         QTest::addColumn<bool>("copies");
         QTest::newRow("the page's worklet") << QByteArray("Realtime AudioW") << false;
-        QTest::newRow("the engine's output") << QByteArray("AudioOutputDevi") << true;
+        QTest::newRow("Chromium's output") << QByteArray("AudioOutputDevi") << true;
         QTest::newRow("the sound system's client") << QByteArray("threaded-ml") << true;
     }
 
@@ -104,7 +104,7 @@ private Q_SLOTS:
     {
         const NamedThread copying("AudioOutputDevi");
         const NamedThread other("AudioOutputDevi");
-        const bool given = ThreadPrecedence::give(audioThread(copying, Work::copies));
+        const bool given = ThreadPriority::raise(audioThread(copying, Work::copies));
         QCOMPARE(given, systemPermitsRealTime() || systemPermitsNiceness());
         if (systemPermitsRealTime()) {
             // Threads that it starts are usual ones, and one that ran away would be ended.
@@ -122,7 +122,7 @@ private Q_SLOTS:
     {
         const NamedThread computing("Realtime AudioW");
         const NamedThread other("Realtime AudioW");
-        QCOMPARE(ThreadPrecedence::give(audioThread(computing, Work::computes)), systemPermitsNiceness());
+        QCOMPARE(ThreadPriority::raise(audioThread(computing, Work::computes)), systemPermitsNiceness());
         QCOMPARE(computing.policy(), SCHED_OTHER);
         QCOMPARE(computing.niceness(), systemPermitsNiceness() ? -10 : other.niceness());
     }
@@ -134,17 +134,17 @@ private Q_SLOTS:
             const NamedThread thread("AudioOutputDevi");
             gone = audioThread(thread, Work::copies);
         }
-        QVERIFY(!ThreadPrecedence::give(gone));
+        QVERIFY(!ThreadPriority::raise(gone));
     }
 
     void aLowerBoundStays()
     {
         const Sleeper sleeper(u"sleep"_s);
-        QVERIFY(ThreadPrecedence::boundRealTime(sleeper.id(), 50ms));
-        QVERIFY(ThreadPrecedence::boundRealTime(sleeper.id(), 200ms));
+        QVERIFY(ThreadPriority::boundRealTime(sleeper.id(), 50ms));
+        QVERIFY(ThreadPriority::boundRealTime(sleeper.id(), 200ms));
         QCOMPARE(boundOf(sleeper.id()).rlim_max, rlim_t(50'000));
         QCOMPARE(boundOf(sleeper.id()).rlim_cur, rlim_t(50'000));
-        QVERIFY(!ThreadPrecedence::boundRealTime(-1, 200ms));
+        QVERIFY(!ThreadPriority::boundRealTime(-1, 200ms));
     }
 };
 

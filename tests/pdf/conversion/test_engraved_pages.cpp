@@ -1,6 +1,5 @@
 #include "pdf/conversion/GrayBitmap.h"
-#include "pdf/conversion/PageRaster.h"
-#include "pdf/conversion/SheetPages.h"
+#include "pdf/conversion/PageRasters.h"
 #include "pdf/conversion/TabStaffEraser.h"
 
 #include <QTest>
@@ -46,7 +45,7 @@ QList<FoundStaff> stavesOf(const GrayBitmap &bitmap)
     QList<FoundStaff> staves;
     int previous = -1000;
     for (const int y : longLines(bitmap)) {
-        // Lines of a staff are at most 70 pixels apart on these sheets, staves farther.
+        // Lines of a staff are at most 70 pixels apart on these pages, staves farther.
         if (y - previous > 75)
             staves.append({ 0, y, y });
         ++staves.last().lines;
@@ -63,21 +62,21 @@ int countOf(const QList<FoundStaff> &staves, int lines)
 
 } // namespace
 
-class TestSheets final : public QObject {
+class TestEngravedPages final : public QObject {
     Q_OBJECT
 
 private:
-    static std::unique_ptr<SheetPages> sheet(const char *name)
+    static std::unique_ptr<PageRasters> engraved(const char *name)
     {
-        return SheetPages::open(QStringLiteral(SHEETS) + u'/' + QString::fromLatin1(name) + u".pdf"_s);
+        return PageRasters::open(QStringLiteral(SHEETS) + u'/' + QString::fromLatin1(name) + u".pdf"_s);
     }
 
-    static GrayBitmap rendered(SheetPages &pages, int index)
+    static GrayBitmap rendered(PageRasters &pages, int index)
     {
-        Outcome<GrayBitmap> bitmap = render(*pages.page(index));
-        if (!bitmap)
-            qFatal("%s", qPrintable(bitmap.failure().message));
-        return std::move(*bitmap);
+        Result<std::optional<GrayBitmap>> page = pages.render(index);
+        if (!page)
+            qFatal("%s", qPrintable(page.failure().message));
+        return std::move(**page);
     }
 
     /// Erases, and checks that tablature is gone and notation is all there.
@@ -122,7 +121,7 @@ private Q_SLOTS:
     {
         QFETCH(QByteArray, name);
         QFETCH(QList<QSize>, sizes);
-        const std::unique_ptr<SheetPages> pages = sheet(name.constData());
+        const std::unique_ptr<PageRasters> pages = engraved(name.constData());
         QVERIFY(pages);
         QCOMPARE(pages->count(), sizes.size());
         for (int index = 0; index < pages->count(); ++index) {
@@ -138,8 +137,8 @@ private Q_SLOTS:
 
     void theRotatedSheetReadsLikeTheUprightOne()
     {
-        const GrayBitmap upright = rendered(*sheet("notation-and-tab"), 0);
-        const GrayBitmap rotated = rendered(*sheet("rotated"), 0);
+        const GrayBitmap upright = rendered(*engraved("notation-and-tab"), 0);
+        const GrayBitmap rotated = rendered(*engraved("rotated"), 0);
         const QList<int> expected = longLines(upright);
         const QList<int> found = longLines(rotated);
         QCOMPARE(found.size(), expected.size());
@@ -157,7 +156,7 @@ private Q_SLOTS:
     void oneKindOfStaffIsLeftAlone()
     {
         QFETCH(int, lines);
-        const std::unique_ptr<SheetPages> pages = sheet(QTest::currentDataTag());
+        const std::unique_ptr<PageRasters> pages = engraved(QTest::currentDataTag());
         QVERIFY(pages);
         for (int index = 0; index < pages->count(); ++index) {
             GrayBitmap bitmap = rendered(*pages, index);
@@ -170,20 +169,18 @@ private Q_SLOTS:
         }
     }
 
-    void aPasswordThatIsNotEmpty() { QVERIFY(!sheet("secret")); }
+    void aPasswordThatIsNotEmpty() { QVERIFY(!engraved("secret")); }
 
     void twoHundredPages()
     {
-        const std::unique_ptr<SheetPages> pages = sheet("pages-200");
+        const std::unique_ptr<PageRasters> pages = engraved("pages-200");
         QVERIFY(pages);
         QCOMPARE(pages->count(), 200);
         // The last page is the second of the original.
         const GrayBitmap last = rendered(*pages, 199);
-        QVERIFY(last.pixels == rendered(*sheet("notation-and-tab"), 1).pixels);
-        // A page of a long document carries no more than a page of a short one.
-        QVERIFY(pages->page(150)->file.size() < 100000);
+        QVERIFY(last.pixels == rendered(*engraved("notation-and-tab"), 1).pixels);
     }
 };
 
-QTEST_GUILESS_MAIN(TestSheets)
-#include "test_sheets.moc"
+QTEST_GUILESS_MAIN(TestEngravedPages)
+#include "test_engraved_pages.moc"

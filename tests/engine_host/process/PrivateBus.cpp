@@ -1,4 +1,4 @@
-#include "tests/engine_host/PrivateBus.h"
+#include "tests/engine_host/process/PrivateBus.h"
 
 #include <QFile>
 

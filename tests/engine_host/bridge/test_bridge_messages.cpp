@@ -1,7 +1,7 @@
-#include "engine_host/BridgeMessages.h"
-#include "engine_host/MessageReceiver.h"
-#include "engine_host/ScriptHandler.h"
-#include "engine_host/SystemLog.h"
+#include "engine_host/bridge/BridgeMessages.h"
+#include "engine_host/bridge/MessageReceiver.h"
+#include "engine_host/bridge/ScriptHandler.h"
+#include "engine_host/process/SystemLog.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -24,7 +24,9 @@ template <typename T> std::optional<T> parsedAs(const QVariantMap &map)
 class Receiver final : public MessageReceiver {
 public:
     void handle(const QVariantMap &message) override { messages << message; }
+    void pageHealthChanged(PageHealth health) override { healths << health; }
     QList<QVariantMap> messages;
+    QList<PageHealth> healths;
 };
 
 } // namespace

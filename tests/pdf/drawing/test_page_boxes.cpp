@@ -1,18 +1,21 @@
-#include "pdf/conversion/PageBoxes.h"
+#include "pdf/drawing/PageBoxes.h"
 #include "tests/support/TestPDFs.h"
 #include "tests/support/TestSurroundings.h"
 
+#include <QFile>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-std::optional<std::vector<PageBox>> boxes(const QByteArray &bytes)
+QByteArray fileAt(const QString &path)
 {
-    const TestSurroundings world;
-    return PageBoxes::read(world.file(u"x.pdf"_s, bytes).toLocalFile());
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
+
+std::optional<std::vector<PageBox>> boxes(const QByteArray &bytes) { return PageBoxes::read(bytes); }
 
 } // namespace
 
@@ -53,7 +56,7 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("rotation");
         QTest::addColumn<QRectF>("shown");
         QTest::addColumn<int>("turn");
-        const QByteArray sheet = "0 0 500 700";
+        const QByteArray media = "0 0 500 700";
         const QByteArray none;
         const QRectF whole(0, 0, 500, 700);
         const QRectF letter(0, 0, 612, 792);
@@ -62,15 +65,15 @@ private Q_SLOTS:
         QTest::newRow("names") << QByteArray("/a /b /c /d") << none << none << letter << 0;
         QTest::newRow("no area") << QByteArray("0 0 500 0") << none << none << letter << 0;
         QTest::newRow("corners the other way") << QByteArray("500 700 0 0") << none << none << whole << 0;
-        QTest::newRow("crop without area") << sheet << QByteArray("9 9 9 9") << none << whole << 0;
-        QTest::newRow("crop beside the paper") << sheet << QByteArray("600 0 900 700") << none << QRectF() << 0;
-        QTest::newRow("crop beyond the paper")
-            << sheet << QByteArray("-9 100 900 900") << none << QRectF(0, 100, 500, 600) << 0;
-        QTest::newRow("once around") << sheet << none << QByteArray("360") << whole << 0;
-        QTest::newRow("backwards") << sheet << none << QByteArray("-90") << whole << 270;
-        QTest::newRow("far around") << sheet << none << QByteArray("-1170") << whole << 270;
-        QTest::newRow("no quarter turn") << sheet << none << QByteArray("100") << whole << 90;
-        QTest::newRow("no number") << sheet << none << QByteArray("/Left") << whole << 0;
+        QTest::newRow("crop without area") << media << QByteArray("9 9 9 9") << none << whole << 0;
+        QTest::newRow("crop beside the media box") << media << QByteArray("600 0 900 700") << none << QRectF() << 0;
+        QTest::newRow("crop beyond the media box")
+            << media << QByteArray("-9 100 900 900") << none << QRectF(0, 100, 500, 600) << 0;
+        QTest::newRow("once around") << media << none << QByteArray("360") << whole << 0;
+        QTest::newRow("backwards") << media << none << QByteArray("-90") << whole << 270;
+        QTest::newRow("far around") << media << none << QByteArray("-1170") << whole << 270;
+        QTest::newRow("no quarter turn") << media << none << QByteArray("100") << whole << 90;
+        QTest::newRow("no number") << media << none << QByteArray("/Left") << whole << 0;
     }
 
     void nonsense()
@@ -88,7 +91,6 @@ private Q_SLOTS:
     {
         QVERIFY(!boxes("no PDF at all"));
         QVERIFY(!boxes({}));
-        QVERIFY(!PageBoxes::read(u"/missing/file.pdf"_s));
     }
 
     void aBrokenTableIsRepaired()
@@ -103,9 +105,9 @@ private Q_SLOTS:
         const TestSurroundings world;
         const QString path = world.file(u"x.pdf"_s, TestPDFs::colored(3)).toLocalFile();
         QVERIFY(TestPDFs::encrypt(path, ""));
-        QCOMPARE(PageBoxes::read(path).value().size(), 3U);
+        QCOMPARE(PageBoxes::read(fileAt(path)).value().size(), 3U);
         QVERIFY(TestPDFs::encrypt(path, "secret"));
-        QVERIFY(!PageBoxes::read(path));
+        QVERIFY(!PageBoxes::read(fileAt(path)));
     }
 
     void deepTrees()
@@ -123,11 +125,17 @@ private Q_SLOTS:
     void aTreeThatContainsItself()
     {
         QByteArray bytes = TestPDFs::nested(3);
-        // The second node, object 3, lists the root beside the third.
-        bytes.replace("/Kids [4 0 R]", "/Kids [4 0 R 2 0 R]");
+        // The second node, object 3, lists the root beside the third. What follows stays in its place.
+        const QByteArray kids = "/Kids [4 0 R] /Count 1";
+        QVERIFY(bytes.contains(kids));
+        bytes.replace(kids, QByteArray("/Kids [4 0 R 2 0 R]").leftJustified(kids.size()));
         const auto read = boxes(bytes);
         QVERIFY(read);
         QCOMPARE(read->size(), 1U);
+
+        // Where the file's table is broken as well, newer versions of the library refuse it.
+        const auto broken = boxes(TestPDFs::withBrokenTable(bytes));
+        QVERIFY(!broken || broken->size() == 1);
     }
 };
 

@@ -1,10 +1,10 @@
+#include "design/Button.h"
+#include "design/ElidedLabel.h"
+#include "design/Icons.h"
+#include "design/Popover.h"
+#include "design/Slider.h"
+#include "design/Theme.h"
 #include "tests/views/ShownWindow.h"
-#include "views/design/Button.h"
-#include "views/design/ElidedLabel.h"
-#include "views/design/Icons.h"
-#include "views/design/Popover.h"
-#include "views/design/Slider.h"
-#include "views/design/Theme.h"
 
 #include <QDirIterator>
 #include <QIcon>
@@ -69,7 +69,8 @@ private Q_SLOTS:
     void textStandsOutEverywhere()
     {
         QFETCH(bool, dark);
-        const Theme::Colors &colors = Theme::colors(dark ? darkSystem() : QPalette(Qt::white));
+        const QPalette palette = dark ? darkSystem() : QPalette(Qt::white);
+        const Theme::Colors &colors = Theme::colors(palette);
         const auto luminance = [](const QColor &color) {
             const auto linear = [](double c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
             return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
@@ -114,12 +115,12 @@ private Q_SLOTS:
     void behindTheScoreItIsLightOrDarkToo()
     {
         ShownWindow w;
-        const auto desk = [&w] { return w.controller.webView()->palette().color(QPalette::Window).lightness(); };
-        QVERIFY(desk() > 200);
+        const auto viewport = [&w] { return w.controller.webView()->palette().color(QPalette::Window).lightness(); };
+        QVERIFY(viewport() > 200);
         QApplication::setPalette(darkSystem());
-        QTRY_VERIFY(desk() < 60);
+        QTRY_VERIFY(viewport() < 60);
         QApplication::setPalette(QPalette());
-        QTRY_VERIFY(desk() > 200);
+        QTRY_VERIFY(viewport() > 200);
     }
 
     void everyIdentifierHasADrawing_data()
@@ -266,6 +267,8 @@ private Q_SLOTS:
         QCOMPARE(label.shownText(), label.text());
         label.setText(u"two\nlines"_s);
         QCOMPARE(label.shownText(), u"two lines"_s);
+        label.setText(u"two\u2028lines\u2029more"_s);
+        QCOMPARE(label.shownText(), u"two lines more"_s);
     }
 };
 
