@@ -2,15 +2,15 @@
 //
 // usage: measure_pdf pages PDF FOLDER       milliseconds a page: in all, and for each step
 //        measure_pdf eraser WIDTH HEIGHT    bytes per nanosecond: the eraser's pass, and a plain read
-//        measure_pdf memory PDF ENGINE      MiB: a conversion's peak beyond what was there before, and one raster
-//        measure_pdf first-page PDF WIDTH    milliseconds: opening it, and drawing its first page WIDTH pixels wide
+//        measure_pdf memory PDF ENGINE      MiB: a conversion's peak beyond what was there before, its process's, and
+//        one raster measure_pdf first-page PDF WIDTH    milliseconds: opening it, and drawing its first page WIDTH
+//        pixels wide
 
 #include "pdf/conversion/GrayBitmap.h"
 #include "pdf/conversion/PDFConverter.h"
 #include "pdf/conversion/PDFDocument.h"
 #include "pdf/conversion/PagePng.h"
-#include "pdf/conversion/PageRaster.h"
-#include "pdf/conversion/SheetPages.h"
+#include "pdf/conversion/PageRasters.h"
 #include "pdf/conversion/TabStaffEraser.h"
 
 #include <QFile>
@@ -23,6 +23,7 @@
 #include <cstdio>
 #include <functional>
 #include <numeric>
+#include <sys/resource.h>
 
 using namespace Qt::StringLiterals;
 
@@ -54,22 +55,23 @@ int fail(const QString &reason)
 
 int pages(const QString &pdf, const QString &folder)
 {
-    double taking = 0;
+    double opening = 0;
     double drawing = 0;
     double erasing = 0;
     double writing = 0;
     std::vector<quint8> storage;
     Laps laps;
-    const std::unique_ptr<SheetPages> sheet = SheetPages::open(pdf);
-    if (!sheet)
+    const auto pages = PDFConverter::PageRasters::open(pdf);
+    if (!pages)
         return fail(u"cannot read "_s + pdf);
-    laps.to(taking);
-    for (int index = 0; index < sheet->count(); ++index) {
-        const std::optional<SheetPage> page = sheet->page(index);
-        laps.to(taking);
-        PDFConverter::Outcome<GrayBitmap> bitmap = PDFConverter::render(*page, {}, std::move(storage));
+    laps.to(opening);
+    for (int index = 0; index < pages->count(); ++index) {
+        PDFConverter::Result<std::optional<GrayBitmap>> page = pages->render(index, std::move(storage));
+        if (!page)
+            return fail(page.failure().message);
+        std::optional<GrayBitmap> bitmap = *std::move(page);
         if (!bitmap)
-            return fail(bitmap.failure().message);
+            return fail(u"cannot take out a page of "_s + pdf);
         laps.to(drawing);
         PDFConverter::eraseTabStaves(*bitmap);
         laps.to(erasing);
@@ -78,9 +80,9 @@ int pages(const QString &pdf, const QString &folder)
         laps.to(writing);
         storage = std::move(bitmap->pixels);
     }
-    const double count = sheet->count();
-    std::printf("all %.2f taking %.2f drawing %.2f erasing %.2f writing %.2f\n",
-        (taking + drawing + erasing + writing) / count, taking / count, drawing / count, erasing / count,
+    const double count = pages->count();
+    std::printf("all %.2f opening %.2f drawing %.2f erasing %.2f writing %.2f\n",
+        (opening + drawing + erasing + writing) / count, opening / count, drawing / count, erasing / count,
         writing / count);
     return 0;
 }
@@ -129,19 +131,22 @@ double status(const char *name)
     return 0;
 }
 
-int memory(const QString &pdf, const QString &engine)
+int memory(const QString &pdf, const QString &audiveris)
 {
-    // The program shows a sheet before it converts it.
+    // The program shows a PDF before it converts it.
     const std::shared_ptr<PDFDocument> shown = PDFDocument::open(pdf);
-    const std::unique_ptr<SheetPages> sheet = SheetPages::open(pdf);
-    if (!shown || !sheet)
+    if (!shown)
         return fail(u"cannot read "_s + pdf);
-    const QSizeF largest = sheet->page(0)->media.size() * (600.0 / 72.0);
+    const QSizeF largest = shown->box(0)->media.size() * (600.0 / 72.0);
     const double before = status("VmRSS");
-    const auto outcome = PDFConverter::convert(pdf, engine);
-    if (!outcome)
-        return fail(outcome.failure().message);
-    std::printf("peak %.1f raster %.1f\n", status("VmHWM") - before, largest.width() * largest.height() / (1 << 20));
+    const auto result = PDFConverter::convert(pdf, audiveris);
+    if (!result)
+        return fail(result.failure().message);
+    // The larger of the two processes that were ended and waited for: the one that drew, and the stand-in.
+    rusage children{};
+    ::getrusage(RUSAGE_CHILDREN, &children);
+    std::printf("peak %.1f process %.1f raster %.1f\n", status("VmHWM") - before, double(children.ru_maxrss) / 1024,
+        largest.width() * largest.height() / (1 << 20));
     return 0;
 }
 

@@ -1,4 +1,4 @@
-// measure_scrolling PDF: opens a PDF in the sheet view of a window of 1400 by 900 and scrolls from its first page to
+// measure_scrolling PDF: opens a PDF in the page grid of a window of 1400 by 900 and scrolls from its first page to
 // its last one within ten seconds, then back in jumps. Prints the time to the first page, the longest time in which the
 // window did not answer, and memory.
 #include "controller/AlphaTabController.h"
@@ -22,11 +22,12 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int scrollTime = 10'000; // milliseconds
+constexpr int openingTimeoutMs = 20'000;
 
-/// One line of the kernel's account of this process, in MiB.
-double memory(const QByteArray &line)
+/// One line of the kernel's account of a process, in MiB.
+double memory(const QByteArray &line, const QString &process = u"self"_s)
 {
-    QFile status(u"/proc/self/status"_s);
+    QFile status(u"/proc/"_s + process + u"/status"_s);
     if (!status.open(QIODevice::ReadOnly))
         return 0;
     const QByteArray all = status.readAll();
@@ -75,14 +76,15 @@ int main(int argc, char *argv[])
     QElapsedTimer clock;
     clock.start();
     controller.load(QUrl::fromLocalFile(QString::fromLocal8Bit(argv[1])));
-    std::printf("opened after            %7.1f ms\n", clock.nsecsElapsed() / 1e6);
-    auto *sheet = window.findChild<PDFSheetView *>();
-    if (!sheet)
+    const PDFSheetView *pages = nullptr;
+    turnUntil([&] { return (pages = window.findChild<PDFSheetView *>()) || clock.hasExpired(openingTimeoutMs); });
+    if (!pages)
         return 1;
-    turnUntil([&] { return !sheet->cells().cell(0).image().isNull(); });
+    std::printf("opened after            %7.1f ms\n", clock.nsecsElapsed() / 1e6);
+    turnUntil([&] { return !pages->cells().cell(0).image().isNull(); });
     std::printf("first page after        %7.1f ms\n", clock.nsecsElapsed() / 1e6);
 
-    QScrollBar *bar = sheet->verticalScrollBar();
+    QScrollBar *bar = pages->verticalScrollBar();
     {
         Pauses pauses;
         clock.restart();
@@ -91,18 +93,24 @@ int main(int argc, char *argv[])
             return clock.hasExpired(scrollTime);
         });
         std::printf("longest pause           %7.1f ms, scrolling through %d pages in %d s\n", pauses.longest,
-            sheet->grid().pageCount(), scrollTime / 1000);
+            pages->grid().pageCount(), scrollTime / 1000);
     }
     {
         Pauses pauses;
         for (int jump = 9; jump >= 0; --jump) {
             clock.restart();
-            controller.pdfScrollTarget = sheet->grid().pageCount() * jump / 10;
+            controller.pdfScrollTarget = pages->grid().pageCount() * jump / 10;
             turnUntil([&] { return clock.hasExpired(600); });
         }
         std::printf("longest pause           %7.1f ms, in ten animated jumps\n", pauses.longest);
     }
     std::printf("memory                  %7.1f MiB before, %.1f after, %.1f at most\n", before, memory("VmRSS:"),
         memory("VmHWM:"));
+    const QString process = QString::number(controller.pdfDocument.value()->processId());
+    std::printf("its process             %7.1f MiB after, %.1f at most\n", memory("VmRSS:", process),
+        memory("VmHWM:", process));
+    const PDFProcess::Traffic traffic = PDFProcess::traffic();
+    std::printf("traffic                 %lld requests, %.1f MiB of pictures\n", traffic.requests,
+        double(traffic.bytes) / (1 << 20));
     return 0;
 }

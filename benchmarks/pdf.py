@@ -70,7 +70,7 @@ def compare_pages(rounds, folder):
     print(f"Milliseconds a page of A4 at 600 dpi to a gray PNG, whole runs over {PAGES} pages, median of {rounds}")
     mine = statistics.median(own)
     print(f"  {'Quaverly, tablature erased':30}{mine:8.1f}")
-    for step in ("taking", "drawing", "erasing", "writing"):
+    for step in ("opening", "drawing", "erasing", "writing"):
         print(f"    {step:28}{statistics.median(parts[step] for parts in steps):8.1f}")
     for name, times in others.items():
         median = statistics.median(times)

@@ -3,16 +3,16 @@
 //
 //   open PATH      js SCRIPT      mute TRACK      resize WIDTH HEIGHT      wheel STEPS      positions COUNT      quit
 //
-// "positions" hands the window position messages as a playing page does, fifteen a second. When the main thread was busy
-// for long, "stalled" and the milliseconds are written. Every page message and every line carried out is written to
-// standard output as one line: the time in seconds of the monotonic clock, "message" or "did", and the message as JSON
-// or the line.
+// "positions" hands the window position messages as a playing page does, fifteen a second. When the main thread was
+// busy for long, "stalled" and the milliseconds are written. Every page message and every line carried out is written
+// to standard output as one line: the time in seconds of the monotonic clock, "message" or "did", and the message as
+// JSON or the line.
 
 #include "app/QuaverlyApp.h"
 #include "controller/AlphaTabController.h"
-#include "engine_host/MessageReceiver.h"
-#include "engine_host/ScriptHandler.h"
 #include "engine_host/WebEngineHost.h"
+#include "engine_host/bridge/MessageReceiver.h"
+#include "engine_host/bridge/ScriptHandler.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -53,6 +53,8 @@ public:
         report("message", QJsonDocument(QJsonObject::fromVariantMap(message)).toJson(QJsonDocument::Compact));
         m_controller.handle(message);
     }
+
+    void pageHealthChanged(PageHealth health) override { m_controller.pageHealthChanged(health); }
 
 private:
     MessageReceiver &m_controller;

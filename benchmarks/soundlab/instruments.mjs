@@ -12,10 +12,10 @@ import { basename, join, resolve } from "node:path";
 const [page, top] = process.argv.slice(2, 4).map((path) => resolve(path));
 const adjusts = process.argv.includes("--levels");
 globalThis.alphaTab = createRequire(import.meta.url)(join(page, "vendor/alphaTab.min.js"));
-const { PracticeSynth } = await import(join(top, "web/src/practice-synth.js"));
-const { finePreset } = await import(join(top, "web/src/fine-preset.js"));
-const { fullScale } = await import(join(top, "web/src/full-scale.js"));
-const { readSoundFile, wordsOf, zonesFor } = await import(join(top, "web/src/sound-file.js"));
+const { PracticeSynth } = await import(join(top, "web/src/synth/practice-synth.js"));
+const { finePreset } = await import(join(top, "web/src/soundfont/fine-preset.js"));
+const { fullScale } = await import(join(top, "web/src/audio/full-scale.js"));
+const { readSoundFile, wordsOf, zonesFor } = await import(join(top, "web/src/soundfont/sound-file.js"));
 
 /** That of the weighting's coefficients. */
 const sampleRate = 48000;

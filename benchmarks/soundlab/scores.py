@@ -23,7 +23,7 @@ class Desk:
 
     def __init__(self, top, build, folder):
         self._compiler = os.path.join(top, "web", "tools", "compile-demo.mjs")
-        self._engine = os.path.join(build, "web-packages", "node_modules", "@coderline", "alphatab", "dist", "alphaTab.js")
+        self._engine = os.path.join(build, "page-packages", "node_modules", "@coderline", "alphatab", "dist", "alphaTab.js")
         self._folder = folder
 
     def write(self, name, text):
