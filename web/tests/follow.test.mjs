@@ -1,8 +1,18 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 
-// The module's class is made for a page; its geometry is not.
-const { lineStep, sidewaysStep } = await import("../src/score-view/follow.js");
+// What the module knows of a page.
+Object.assign(globalThis, {
+  Node: class {},
+  KeyboardEvent: class extends Event {
+    /** @param {string} type @param {{ key: string }} init */
+    constructor(type, { key }) {
+      super(type);
+      this.key = key;
+    }
+  },
+});
+const { Follow, lineStep, sidewaysStep } = await import("../src/score-view/follow.js");
 
 const height = 900;
 
@@ -41,4 +51,83 @@ test("sideways the next beat is in view before the music is there", () => {
   assert.equal(sidewaysStep(600, 1000, 3000), 576);
   // Where the music jumps back nothing comes after it on the right.
   assert.equal(sidewaysStep(600, 1000, 100), 0);
+});
+
+/** alphaTab's kind of event. */
+function emitter() {
+  /** @type {((value?: any) => void)[]} */
+  const receivers = [];
+  return {
+    /** @param {(value?: any) => void} receiver */
+    on: (receiver) => receivers.push(receiver),
+    /** @param {any} [value] */
+    post: (value) => receivers.forEach((receiver) => receiver(value)),
+  };
+}
+
+/** A score at rest at its beginning, in a viewport that is scrolled by 400 pixels. */
+function stoppedScore() {
+  const ownerDocument = new EventTarget();
+  const desk = {
+    ownerDocument,
+    ...{ scrollLeft: 0, scrollTop: 400, scrollWidth: 800, scrollHeight: 3000, clientWidth: 800, clientHeight: 600 },
+    /** @param {number} left @param {number} top */
+    scrollTo: (left, top) => Object.assign(desk, { scrollLeft: left, scrollTop: top }),
+  };
+  const notation = new Node();
+  const api = {
+    sheet: Object.assign(notation, { contains: (/** @type {unknown} */ node) => node === notation }),
+    playerPositionChanged: emitter(),
+    postRenderFinished: emitter(),
+    scoreLoaded: emitter(),
+    drawing: { awaited: false, drewAgain: false },
+  };
+  const playback = { playing: false, atStart: true };
+  new Follow(/** @type {any} */ (api), /** @type {any} */ (playback), /** @type {any} */ (desk));
+  const press = Object.assign(new Event("pointerdown"), { buttons: 1 });
+  Object.defineProperty(press, "target", { value: notation });
+  return {
+    ...{ api, desk },
+    wheel: () => ownerDocument.dispatchEvent(new Event("wheel")),
+    press: () => ownerDocument.dispatchEvent(press),
+  };
+}
+
+test("a score that was opened, or a seek, shows the beginning", (context) => {
+  context.mock.timers.enable({ apis: ["setTimeout"] });
+  globalThis.cancelAnimationFrame = () => undefined;
+  for (const event of /** @type {const} */ (["postRenderFinished", "playerPositionChanged"])) {
+    const { api, desk } = stoppedScore();
+    api[event].post({ isSeek: true });
+    context.mock.timers.tick(1000);
+    assert.equal(desk.scrollTop, 0, event);
+  }
+});
+
+test("readers who scroll, or choose, are not taken back by what was asked for before", (context) => {
+  context.mock.timers.enable({ apis: ["setTimeout"] });
+  globalThis.cancelAnimationFrame = () => undefined;
+  for (const gesture of /** @type {const} */ (["wheel", "press"])) {
+    for (const event of /** @type {const} */ (["postRenderFinished", "playerPositionChanged"])) {
+      const score = stoppedScore();
+      score.api[event].post({ isSeek: true });
+      score[gesture]();
+      context.mock.timers.tick(1000);
+      assert.equal(score.desk.scrollTop, 400, `${gesture} after ${event}`);
+    }
+  }
+});
+
+test("readers who scroll while the rest is laid out stay there; another score begins at its beginning", (context) => {
+  context.mock.timers.enable({ apis: ["setTimeout"] });
+  globalThis.cancelAnimationFrame = () => undefined;
+  const { api, desk, wheel } = stoppedScore();
+  wheel();
+  api.postRenderFinished.post();
+  context.mock.timers.tick(1000);
+  assert.equal(desk.scrollTop, 400);
+  api.scoreLoaded.post();
+  api.postRenderFinished.post();
+  context.mock.timers.tick(1000);
+  assert.equal(desk.scrollTop, 0);
 });

@@ -40,6 +40,8 @@ export class Follow {
   #glideTarget = null;
   /** Whether the position was changed otherwise than by playing on while the score is being drawn anew. */
   #jumped = false;
+  /** Whether readers have scrolled since the score was opened. */
+  #readerScrolled = false;
   #soon = 0;
   #lookAheadTimer = 0;
   /** @type {{ system: number, top: number } | null} the staff system that has made room for the next, and where it was */
@@ -69,9 +71,14 @@ export class Follow {
         this.#showPlaceSoon();
       }
     });
+    api.scoreLoaded.on(() => {
+      this.#readerScrolled = false;
+    });
     api.postRenderFinished.on(() => {
       this.#line = null;
-      if (playback.playing || this.#jumped || !api.drawing.drewAgain) {
+      // A long score is laid out to its end long after its first lines are seen: who reads on stays there.
+      const opened = !api.drawing.drewAgain && !this.#readerScrolled;
+      if (playback.playing || this.#jumped || opened) {
         this.#showPlaceSoon();
       }
       this.#jumped = false;
@@ -122,6 +129,9 @@ export class Follow {
     clearTimeout(this.#soon);
     clearTimeout(this.#lookAheadTimer);
     this.#soon = setTimeout(() => {
+      if (this.#choosing) {
+        return;
+      }
       if (this.#playback.atStart && !this.#playback.playing) {
         // The title belongs to the beginning.
         this.#line = null;
@@ -139,7 +149,9 @@ export class Follow {
       event instanceof KeyboardEvent ? scrollKeys.has(event.key) : event.type !== "mousedown" || event.target === this.#desk;
     if (scrolls) {
       this.#lastOwnScroll = performance.now();
+      this.#readerScrolled = true;
       this.#madeRoom = null;
+      clearTimeout(this.#soon);
       this.#stopGlide();
     }
   }
