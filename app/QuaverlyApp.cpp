@@ -1,7 +1,9 @@
 #include "app/QuaverlyApp.h"
 
 #include "app/StartupLog.h"
+#include "app/WindowActivation.h"
 #include "controller/AlphaTabController.h"
+#include "desktop/Launch.h"
 #include "engine_host/bridge/BridgeCalls.h"
 #include "views/ContentView.h"
 
@@ -37,6 +39,12 @@ QuaverlyApp::QuaverlyApp(AlphaTabController &controller)
 }
 
 QuaverlyApp::~QuaverlyApp() = default;
+
+void QuaverlyApp::launchAgain(const Launch &launch)
+{
+    WindowActivation::bringToFront(m_window, launch.activationToken);
+    m_appDelegate.open(launch.files);
+}
 
 void QuaverlyApp::buildFileMenu()
 {

@@ -8,6 +8,7 @@
 class AlphaTabController;
 class QAction;
 class QMenu;
+struct Launch;
 
 /// The application's one window with its menu commands.
 class QuaverlyApp final : public QObject {
@@ -19,6 +20,9 @@ public:
     ~QuaverlyApp() override;
 
     AppDelegate &appDelegate() { return m_appDelegate; }
+    /// Somebody has started the program once more: the window comes to the front, with the first of the files.
+    void launchAgain(const Launch &launch);
+
     QMainWindow &window() { return m_window; }
 
 private:

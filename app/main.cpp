@@ -4,7 +4,10 @@
 #include "app/QuaverlyApp.h"
 #include "app/TerminationSignals.h"
 #include "controller/AlphaTabController.h"
+#include "controller/SmokeTest.h"
 #include "design/DesktopColorScheme.h"
+#include "desktop/LaunchSession.h"
+#include "desktop/OneWindow.h"
 #include "engine_host/WebEngineHost.h"
 
 #include <QApplication>
@@ -14,6 +17,7 @@
 
 #include <cstdio>
 #include <optional>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -31,6 +35,7 @@ int main(int argc, char *argv[])
     // Chromium reports its graphics set-up at every start; QT_LOGGING_RULES brings the report back.
     QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false"_s);
     WebEngineHost::prepare();
+    Launch launch{ .activationToken = Launch::environmentToken() };
     const QApplication application(argc, argv);
     QApplication::setWindowIcon(QIcon(u":/icons/quaverly.svg"_s));
 
@@ -38,6 +43,16 @@ int main(int argc, char *argv[])
     if (!commandLine.error.isEmpty()) {
         std::fprintf(stderr, "quaverly: %s\n", qPrintable(commandLine.error));
         return 2;
+    }
+    launch.files = commandLine.files;
+
+    const QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    std::optional<OneWindow> oneWindow;
+    if (!SmokeTest::isAskedFor(environment, u"/tmp"_s)) {
+        oneWindow.emplace(QDBusConnection::sessionBus(),
+            LaunchSession::find(environment, QGuiApplication::platformName(), ::getuid()));
+        if (oneWindow->goesElsewhere(launch))
+            return 0;
     }
 
     std::optional<DesktopColorScheme> colorScheme;
@@ -49,6 +64,8 @@ int main(int argc, char *argv[])
     const TerminationSignals terminationSignals;
     QuaverlyApp quaverly(AlphaTabController::shared());
     quaverly.appDelegate().applicationDidFinishLaunching();
-    quaverly.appDelegate().open(commandLine.files);
+    quaverly.appDelegate().open(launch.files);
+    if (oneWindow)
+        QObject::connect(&*oneWindow, &OneWindow::launched, &quaverly, &QuaverlyApp::launchAgain);
     return QApplication::exec();
 }

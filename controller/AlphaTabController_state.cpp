@@ -1,4 +1,5 @@
 #include "controller/AlphaTabController.h"
+#include "controller/SmokeTest.h"
 #include "engine_host/bridge/BridgeCalls.h"
 #include "engine_host/bridge/ScriptHandler.h"
 #include "pdf/conversion/ConversionWorker.h"
@@ -6,7 +7,6 @@
 #include "pdf/conversion/PDFDocument.h"
 #include "pdf/conversion/PDFOpening.h"
 
-#include <QFileInfo>
 #include <QImage>
 #include <QThreadPool>
 
@@ -19,12 +19,6 @@ namespace {
 int storedPagesAcross(const DefaultsStore &defaults)
 {
     return static_cast<int>(std::clamp<qint64>(defaults.integer(u"pdfPagesAcross"_s).value_or(2), 1, 6));
-}
-
-bool isSmokeTest(const Surroundings &surroundings)
-{
-    return surroundings.environment.value(u"QV_SMOKE"_s) == "1"_L1
-        || QFileInfo::exists(surroundings.temporaryFolder + u"/qv_smoke"_s);
 }
 
 } // namespace
@@ -62,7 +56,7 @@ AlphaTabController::AlphaTabController(Surroundings surroundings)
     , zoom(1.0, [this] { js(BridgeCalls::setZoom(zoom)); })
     , m_surroundings(std::move(surroundings))
     , m_scriptHandler(std::make_unique<ScriptHandler>(m_surroundings.log))
-    , m_smokeTest(isSmokeTest(m_surroundings))
+    , m_smokeTest(SmokeTest::isAskedFor(m_surroundings.environment, m_surroundings.temporaryFolder))
     , m_smokeLogPath(
           m_surroundings.environment.value(u"QV_LOGFILE"_s, m_surroundings.temporaryFolder + u"/qv_smoke.log"_s))
     , m_engine(m_surroundings.makeEngine(*m_scriptHandler, m_surroundings.webFolder))

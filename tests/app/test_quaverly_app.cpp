@@ -1,5 +1,7 @@
 #include "app/QuaverlyApp.h"
+#include "app/WindowActivation.h"
 #include "controller/AlphaTabController.h"
+#include "desktop/Launch.h"
 #include "pdf/conversion/PDFDocument.h"
 #include "tests/support/TestSurroundings.h"
 
@@ -108,6 +110,27 @@ private Q_SLOTS:
     }
 
     void thereIsNoNewCommand() { QVERIFY(!command(u"File"_s, u"New"_s)); }
+
+    void aSecondLaunchShowsTheWindowAndOpensTheFirstFile()
+    {
+        m_controller->handle({ { u"type"_s, u"ready"_s } });
+        m_world->engine->take();
+        m_app->window().showMinimized();
+        m_app->launchAgain({ { m_world->file(u"a.gp"_s, "x"), m_world->file(u"b.gp"_s, "y") }, u"shell_TIME5"_s });
+        QVERIFY(!m_app->window().isMinimized());
+        QTRY_VERIFY(m_app->window().isActiveWindow());
+        QCOMPARE(m_world->engine->take(), QStringList{ u"window.qv.loadBase64('eA==')"_s });
+        m_app->launchAgain({});
+        QCOMPARE(m_world->engine->take(), QStringList());
+    }
+
+    void theLaunchersTokenHoldsTheTimeOfTheClick()
+    {
+        QCOMPARE(WindowActivation::launchTime(u"files/org.x.Y/12-0-host_TIME4294967290"_s), 4294967290U);
+        QCOMPARE(WindowActivation::launchTime(u"files_TIME1_TIME7"_s), 7U);
+        QCOMPARE(WindowActivation::launchTime(u"files_TIMEx"_s), 0U);
+        QCOMPARE(WindowActivation::launchTime({}), 0U);
+    }
 
     void makingTheWindowAgainLoadsNothingAgain()
     {

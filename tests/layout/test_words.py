@@ -29,7 +29,7 @@ ALLOWED = re.compile(
     r"|\"?sheets?/|tests/sheets|SHEETS|(engraved|assembled|assemble)_sheet\w*|sheet_folder|\bsheets\b(?=[ )}]|$)"
     r"|page_sheet|PageSheet")
 
-FOLDERS = ["app", "benchmarks", "controller", "design", "engine_host", "pdf", "tests", "views"]
+FOLDERS = ["app", "benchmarks", "controller", "design", "desktop", "engine_host", "pdf", "tests", "views"]
 SUFFIXES = {".cpp", ".h"}
 
 
