@@ -1,5 +1,6 @@
 #pragma once
 
+#include "controller/FileReading.h"
 #include "controller/Published.h"
 #include "controller/ScoreSource.h"
 #include "controller/Surroundings.h"
@@ -7,6 +8,7 @@
 #include "engine_host/bridge/BridgeMessages.h"
 #include "engine_host/bridge/MessageReceiver.h"
 #include "pdf/conversion/ConversionProgress.h"
+#include "pdf/conversion/PDFOpening.h"
 #include "pdf/conversion/Result.h"
 
 #include <QList>
@@ -19,7 +21,6 @@
 
 class ConversionWorker;
 class PDFDocument;
-class PDFOpening;
 class ScriptHandler;
 
 /// Holds everything that the window shows and does everything that the window can be asked for.
@@ -109,8 +110,8 @@ public:
 
     // Loading
     /// Opens a local file of any kind: a PDF is shown, everything else goes to the engine. Before the engine is ready
-    /// the file waits; the last one asked for wins, also over a PDF that is still being opened. A file that cannot be
-    /// read leaves one log line.
+    /// the file waits; the last one asked for wins, also over a file that is still being read. Nobody waits for the
+    /// file. One that cannot be read, or has more than FileReading::largestFile bytes, leaves one log line.
     void load(const QUrl &url);
     void presentOpenPanel();
 
@@ -153,11 +154,11 @@ private:
     void pushMetronomeConfig();
     void soundSourceChanged();
 
-    /// @return whether the file could be read
-    bool loadScore(const QUrl &url);
+    void loadScore(const QUrl &url);
+    void scoreRead(const QUrl &url, const FileReading::Result &result);
     void loadConverted(const QByteArray &musicXml);
     void loadPDF(const QUrl &url);
-    void pdfOpened(const QUrl &url, const std::shared_ptr<PDFDocument> &document);
+    void pdfOpened(const QUrl &url, const PDFOpening::Result &result);
     void forgetRecent(const QString &path);
     void setWindowTitle(const QString &title);
     /// The file's name without its last extension: a.b.gp gives a.b.
@@ -202,6 +203,7 @@ private:
     /// Set from the loading of a page anew until its score has its position again.
     std::optional<Return> m_return;
     const std::unique_ptr<EngineHost> m_engine;
+    std::unique_ptr<FileReading> m_reading;
     std::unique_ptr<PDFOpening> m_opening;
     std::unique_ptr<ConversionWorker> m_conversion;
 };

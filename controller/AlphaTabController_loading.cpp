@@ -1,40 +1,12 @@
 #include "controller/AlphaTabController.h"
 #include "engine_host/bridge/BridgeCalls.h"
 #include "pdf/conversion/PDFDocument.h"
-#include "pdf/conversion/PDFOpening.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QFileInfo>
 #include <QMetaObject>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-struct ReadResult {
-    std::optional<QByteArray> bytes;
-    QString error;
-};
-
-ReadResult readWhole(const QString &path)
-{
-    if (path.isEmpty())
-        return { std::nullopt, u"Not a local file"_s };
-    const QFileInfo info(path);
-    // A pipe or a device would keep the window waiting for its end.
-    if (info.exists() && !info.isFile())
-        return { std::nullopt, info.isDir() ? u"Is a directory"_s : u"Not a regular file"_s };
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return { std::nullopt, file.errorString() };
-    QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        return { std::nullopt, file.errorString() };
-    return { std::move(bytes), {} };
-}
-
-} // namespace
 
 const QStringList &AlphaTabController::scoreExtensions()
 {
@@ -59,6 +31,7 @@ void AlphaTabController::load(const QUrl &url)
 {
     // The latest wins.
     m_opening.reset();
+    m_reading.reset();
     if (QFileInfo(url.toLocalFile()).suffix().toLower() == "pdf"_L1) {
         loadPDF(url);
         return;
@@ -71,22 +44,35 @@ void AlphaTabController::load(const QUrl &url)
     loadScore(url);
 }
 
-bool AlphaTabController::loadScore(const QUrl &url)
+void AlphaTabController::loadScore(const QUrl &url)
+{
+    m_reading = std::make_unique<FileReading>(url.toLocalFile(), m_surroundings.inBackground,
+        [this, url](const FileReading::Result &result) { scoreRead(url, result); });
+}
+
+void AlphaTabController::scoreRead(const QUrl &url, const FileReading::Result &result)
 {
     const QString path = url.toLocalFile();
-    const ReadResult file = readWhole(path);
-    if (!file.bytes) {
-        m_surroundings.log(u"[Quaverly] failed to read "_s + path + u": "_s + file.error);
+    if (!result.call) {
+        m_surroundings.log(u"[Quaverly] failed to read "_s + path + u": "_s + result.error);
         forgetRecent(path);
-        return false;
+        // The score of a page that was loaded anew is gone.
+        const QUrl *returning = m_return ? std::get_if<QUrl>(&m_return->source) : nullptr;
+        if (returning && *returning == url)
+            hasScore = false;
+        return;
+    }
+    if (!bridgeReady) {
+        // The page has ended meanwhile.
+        load(url);
+        return;
     }
     m_requestedSource = url;
-    js(BridgeCalls::loadBase64(*file.bytes));
+    js(*result.call);
     pdfDocument = nullptr;
     pdfURL = std::nullopt;
     setWindowTitle(nameWithoutExtension(path));
     recordRecent(url);
-    return true;
 }
 
 void AlphaTabController::loadConverted(const QByteArray &musicXml)
@@ -101,19 +87,20 @@ void AlphaTabController::loadConverted(const QByteArray &musicXml)
 
 void AlphaTabController::loadPDF(const QUrl &url)
 {
-    m_opening = std::make_unique<PDFOpening>(
-        url.toLocalFile(), [this, url](const std::shared_ptr<PDFDocument> &document) { pdfOpened(url, document); });
+    m_opening = std::make_unique<PDFOpening>(url.toLocalFile(), FileReading::largestFile,
+        [this, url](const PDFOpening::Result &result) { pdfOpened(url, result); });
 }
 
-void AlphaTabController::pdfOpened(const QUrl &url, const std::shared_ptr<PDFDocument> &document)
+void AlphaTabController::pdfOpened(const QUrl &url, const PDFOpening::Result &result)
 {
     const QString path = url.toLocalFile();
-    if (!document) {
-        m_surroundings.log(u"[Quaverly] failed to open PDF "_s + path);
+    if (!result.document) {
+        const QString reason = result.tooLarge ? u": "_s + FileReading::tooLarge() : QString();
+        m_surroundings.log(u"[Quaverly] failed to open PDF "_s + path + reason);
         forgetRecent(path);
         return;
     }
-    pdfDocument = document;
+    pdfDocument = result.document;
     pdfURL = url;
     setWindowTitle(nameWithoutExtension(path));
     recordRecent(url);

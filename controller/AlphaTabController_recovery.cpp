@@ -58,8 +58,7 @@ void AlphaTabController::resendSettings()
 void AlphaTabController::openSourceAgain(const ScoreSource &source)
 {
     if (const auto *url = std::get_if<QUrl>(&source)) {
-        if (!loadScore(*url))
-            hasScore = false;
+        loadScore(*url);
     } else if (const auto *bytes = std::get_if<QByteArray>(&source)) {
         loadConverted(*bytes);
     } else if (std::holds_alternative<DemoScore>(source)) {

@@ -5,7 +5,6 @@
 #include "pdf/conversion/ConversionWorker.h"
 #include "pdf/conversion/Folders.h"
 #include "pdf/conversion/PDFDocument.h"
-#include "pdf/conversion/PDFOpening.h"
 
 #include <QImage>
 #include <QThreadPool>
@@ -83,6 +82,9 @@ QWidget *AlphaTabController::webView() const { return m_engine->view(); }
 void AlphaTabController::js(const QString &script)
 {
     const bool demo = script == BridgeCalls::loadSample();
+    // The latest wins.
+    if (demo)
+        m_reading.reset();
     if (pageHealth == PageHealth::Ended) {
         // Settings are sent when the page is there again.
         if (demo)

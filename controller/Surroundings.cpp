@@ -10,6 +10,8 @@
 #include <QMainWindow>
 #include <QTimer>
 
+#include <thread>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -44,6 +46,8 @@ Surroundings Surroundings::system()
     real.after = [](std::chrono::milliseconds delay, QObject *context, std::function<void()> work) {
         QTimer::singleShot(delay, context, std::move(work));
     };
+    // A thread for each, for one may wait for ever.
+    real.inBackground = [](std::function<void()> work) { std::thread(std::move(work)).detach(); };
     real.setKeyWindowTitle = &setMainWindowTitle;
     return real;
 }

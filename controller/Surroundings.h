@@ -32,6 +32,8 @@ struct Surroundings {
     std::function<void(const QString &line)> log;
     /// Runs `work` on the main thread after `delay`, unless `context` is gone by then.
     std::function<void(std::chrono::milliseconds delay, QObject *context, std::function<void()> work)> after;
+    /// Runs `work` in another thread. The program may end before it is done.
+    std::function<void(std::function<void()> work)> inBackground;
     /// Sets the title of the application's window now; nothing happens where there is none.
     std::function<void(const QString &title)> setKeyWindowTitle;
 

@@ -3,33 +3,75 @@
 #include "pdf/conversion/PDFDocument.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 
-PDFOpening::PDFOpening(const QString &path, Arrived arrived)
-    : m_arrived(std::move(arrived))
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// How long a stopped opening may take to clear away its process. A file that does not answer keeps nobody longer.
+constexpr auto stopTimeout = 500ms;
+
+PDFOpening::Result open(const QString &path, qint64 largestFile, const std::stop_token &stop)
 {
-    connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, &PDFOpening::stop);
-    m_thread = std::jthread([this, path](const std::stop_token &stopping) {
-        std::shared_ptr<PDFDocument> document = PDFDocument::open(path, stopping);
-        // This object waits for the thread before it ends, and takes what was posted to it along.
+    const QFileInfo file(path);
+    if (file.isFile() && file.size() > largestFile)
+        return { nullptr, true };
+    return { PDFDocument::open(path, stop), false };
+}
+
+} // namespace
+
+struct PDFOpening::Shared {
+    std::mutex mutex;
+    std::condition_variable ended;
+    bool isDone = false;
+    /// Null when nobody waits any more.
+    PDFOpening *opening = nullptr;
+    Arrived arrived;
+
+    void deliver(Result result)
+    {
+        const std::lock_guard lock(mutex);
+        isDone = true;
+        ended.notify_all();
+        if (!opening)
+            return;
+        // What is posted to an object goes with it.
         QMetaObject::invokeMethod(
-            this,
-            [this, stopping, document = std::move(document)] {
-                if (stopping.stop_requested())
-                    return;
-                // The receiver may well begin the next opening, and end this object.
-                const Arrived receiver = m_arrived;
-                receiver(document);
+            opening,
+            [receiver = arrived, result = std::move(result)] {
+                // Which may well begin the next opening, and end this one.
+                const Arrived copy = receiver;
+                copy(result);
             },
             Qt::QueuedConnection);
-    });
+    }
+};
+
+PDFOpening::PDFOpening(const QString &path, qint64 largestFile, Arrived arrived)
+    : m_shared(std::make_shared<Shared>())
+{
+    m_shared->opening = this;
+    m_shared->arrived = std::move(arrived);
+    connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, &PDFOpening::stop);
+    std::thread([shared = m_shared, path, largestFile, stop = m_stop.get_token()] {
+        shared->deliver(open(path, largestFile, stop));
+    }).detach();
 }
 
 PDFOpening::~PDFOpening() { stop(); }
 
 void PDFOpening::stop()
 {
-    if (!m_thread.joinable())
-        return;
-    m_thread.request_stop();
-    m_thread.join();
+    m_stop.request_stop();
+    std::unique_lock lock(m_shared->mutex);
+    m_shared->opening = nullptr;
+    m_shared->ended.wait_for(lock, stopTimeout, [this] { return m_shared->isDone; });
 }

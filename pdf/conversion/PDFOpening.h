@@ -4,7 +4,7 @@
 
 #include <functional>
 #include <memory>
-#include <thread>
+#include <stop_token>
 
 class PDFDocument;
 
@@ -17,17 +17,25 @@ class PDFOpening final : public QObject {
     Q_DISABLE_COPY_MOVE(PDFOpening)
 
 public:
-    /// Takes the document, null where it could not be opened.
-    using Arrived = std::function<void(const std::shared_ptr<PDFDocument> &)>;
+    struct Result {
+        /// Null where the file could not be opened.
+        std::shared_ptr<PDFDocument> document;
+        /// Whether that is why.
+        bool tooLarge = false;
+    };
+    using Arrived = std::function<void(const Result &)>;
 
     /// Starts at once.
+    /// @param largestFile what is larger is not opened, in bytes
     /// @param arrived called once, on the main thread
-    PDFOpening(const QString &path, Arrived arrived);
+    PDFOpening(const QString &path, qint64 largestFile, Arrived arrived);
     ~PDFOpening() override;
 
 private:
+    struct Shared;
+
     void stop();
 
-    const Arrived m_arrived;
-    std::jthread m_thread;
+    std::stop_source m_stop;
+    const std::shared_ptr<Shared> m_shared;
 };

@@ -10,7 +10,11 @@
 #include <QPdfWriter>
 #include <QTest>
 
+#include <csignal>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -32,7 +36,136 @@ private:
         world.engine->take();
     }
 
+    /// Holds a file so that no other program may open it for now, as a file server does.
+    class Lease final {
+        Q_DISABLE_COPY_MOVE(Lease)
+
+    public:
+        explicit Lease(const QUrl &url)
+            : m_file(::open(qPrintable(url.toLocalFile()), O_RDWR | O_CLOEXEC))
+        {
+            // Who waits is announced by a signal.
+            ::signal(SIGIO, SIG_IGN);
+            m_held = ::fcntl(m_file, F_SETLEASE, F_WRLCK) == 0;
+        }
+        ~Lease() { ::close(m_file); }
+
+        bool isHeld() const { return m_held; }
+        /// Whether somebody waits for the file.
+        bool isWaitedFor() const { return ::fcntl(m_file, F_GETLEASE) != F_WRLCK; }
+
+    private:
+        int m_file;
+        bool m_held = false;
+    };
+
+    static void readInThreads(TestSurroundings &world)
+    {
+        world.inBackground = [](std::function<void()> work) { std::thread(std::move(work)).detach(); };
+    }
+
 private Q_SLOTS:
+    void aFileIsReadInAThread()
+    {
+        TestSurroundings world;
+        readInThreads(world);
+        AlphaTabController c(world.make());
+        makeReady(c, world);
+        const QUrl url = world.file(u"a.gp"_s, "x");
+        c.load(url);
+        QVERIFY(world.engine->scripts.isEmpty());
+        QTRY_COMPARE(c.recentFiles.value(), QList<QUrl>{ url });
+        QCOMPARE(world.engine->take(), QStringList{ u"window.qv.loadBase64('eA==')"_s });
+    }
+
+    void aFileThatDoesNotAnswerKeepsNobodyWaiting_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("score") << u"held.gp"_s;
+        QTest::newRow("PDF") << u"held.pdf"_s;
+    }
+
+    void aFileThatDoesNotAnswerKeepsNobodyWaiting()
+    {
+        QFETCH(QString, name);
+        TestSurroundings world;
+        readInThreads(world);
+        const QUrl good = world.file(u"good.gp"_s, "good");
+        const QUrl held = world.file(name, "held");
+        auto lease = std::make_unique<Lease>(held);
+        QVERIFY(lease->isHeld());
+        {
+            AlphaTabController c(world.make());
+            makeReady(c, world);
+            c.load(held);
+            if (name.endsWith(u"gp"_s))
+                QTRY_VERIFY(lease->isWaitedFor());
+            c.load(good);
+            QTRY_COMPARE(c.recentFiles.value(), QList<QUrl>{ good });
+            c.load(held);
+            // Nor does the end.
+        }
+        lease.reset();
+        QTest::qWait(50);
+        QCOMPARE(world.engine->take().size(), 1);
+        QVERIFY(world.log->isEmpty());
+    }
+
+    void aFileOfMoreThan200MBIsRefused_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("line");
+        QTest::newRow("score") << u"huge.gp"_s << u"failed to read "_s;
+        QTest::newRow("PDF") << u"huge.pdf"_s << u"failed to open PDF "_s;
+    }
+
+    void aFileOfMoreThan200MBIsRefused()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, line);
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        makeReady(c, world);
+        const QUrl url = world.file(name, TestPDFs::colored(1));
+        QVERIFY(QFile::resize(url.toLocalFile(), 200'000'001)); // without a block on the disk
+        c.load(url);
+        QTRY_COMPARE(*world.log,
+            QStringList{ u"[Quaverly] "_s + line + url.toLocalFile() + u": The file is larger than 200 MB."_s });
+        QVERIFY(world.engine->scripts.isEmpty());
+        QVERIFY(c.recentFiles.value().isEmpty());
+        QVERIFY(!c.pdfURL.value());
+    }
+
+    void aFileThatIsReadWhenThePageEndsOpensInTheNextOne()
+    {
+        TestSurroundings world;
+        std::function<void()> reading;
+        world.inBackground = [&reading](std::function<void()> work) { reading = std::move(work); };
+        AlphaTabController c(world.make());
+        makeReady(c, world);
+        world.engine->loads.clear();
+        c.load(world.file(u"a.gp"_s, "x"));
+        c.pageHealthChanged(PageHealth::Ended);
+        reading();
+        QCOMPARE(world.engine->loads.size(), 1);
+        c.handle({ { u"type"_s, u"ready"_s } });
+        reading();
+        QVERIFY(world.engine->take().contains(u"window.qv.loadBase64('eA==')"_s));
+    }
+
+    void theDemoWinsOverAFileThatIsStillBeingRead()
+    {
+        TestSurroundings world;
+        std::function<void()> reading;
+        world.inBackground = [&reading](std::function<void()> work) { reading = std::move(work); };
+        AlphaTabController c(world.make());
+        makeReady(c, world);
+        c.load(world.file(u"a.gp"_s, "x"));
+        c.js(u"window.qv.loadSample()"_s);
+        reading();
+        QCOMPARE(world.engine->take(), QStringList{ u"window.qv.loadSample()"_s });
+    }
+
     void theTables()
     {
         const QStringList scores{ u"gp"_s, u"gp3"_s, u"gp4"_s, u"gp5"_s, u"gpx"_s, u"xml"_s, u"musicxml"_s, u"mxl"_s };

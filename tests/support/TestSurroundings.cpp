@@ -28,6 +28,7 @@ Surroundings TestSurroundings::make()
                                  work();
                          } });
     };
+    made.inBackground = inBackground;
     made.setKeyWindowTitle = [titles = windowTitles](const QString &title) { titles->append(title); };
     return made;
 }

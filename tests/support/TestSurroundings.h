@@ -36,6 +36,8 @@ public:
 
     QProcessEnvironment environment;
     std::optional<QString> webFolder;
+    /// Files are read at once, unless a test has them read in a thread.
+    std::function<void(std::function<void()>)> inBackground = [](const std::function<void()> &work) { work(); };
     const std::shared_ptr<EngineRecord> engine = std::make_shared<EngineRecord>();
     const std::shared_ptr<DialogScript> dialogs = std::make_shared<DialogScript>();
     const std::shared_ptr<QStringList> log = std::make_shared<QStringList>();
