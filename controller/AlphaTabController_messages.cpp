@@ -88,4 +88,11 @@ void AlphaTabController::apply(const BridgeMessages::GpData &answer)
 
 void AlphaTabController::apply(const BridgeMessages::Rendered &) { snapshotIfSmoke(); }
 
+void AlphaTabController::apply(const BridgeMessages::AudioOutput &output)
+{
+    m_surroundings.log(
+        output.working ? u"[Quaverly] the audio output works again"_s : u"[Quaverly] there is no audio output"_s);
+    m_engine->setAudioLost(!output.working);
+}
+
 void AlphaTabController::apply(const BridgeMessages::Unknown &) { }

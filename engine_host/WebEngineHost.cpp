@@ -4,6 +4,9 @@
 #include "engine_host/EngineView.h"
 #include "engine_host/bridge/ScriptEvaluation.h"
 #include "engine_host/bridge/ScriptHandler.h"
+#include "engine_host/process/AudioRecovery.h"
+#include "engine_host/process/AudioServer.h"
+#include "engine_host/process/AudioService.h"
 #include "engine_host/process/AudioThreadPriority.h"
 #include "engine_host/process/ChromiumSwitches.h"
 #include "engine_host/process/DrawingBackend.h"
@@ -17,6 +20,7 @@
 #include <QCoreApplication>
 #include <QImage>
 #include <QPixmap>
+#include <QProcessEnvironment>
 #include <QWebChannel>
 #include <QWebEngineDownloadRequest>
 #include <QWebEngineHistory>
@@ -27,6 +31,17 @@
 #include <csignal>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+AudioRecovery::Dependencies audioDependencies()
+{
+    const QStringList sockets = AudioServer::socketPaths(QProcessEnvironment::systemEnvironment());
+    return { [sockets] { return AudioServer::isReachable(sockets); },
+        [] { AudioService::end(QCoreApplication::applicationPid()); } };
+}
+
+} // namespace
 
 void WebEngineHost::prepare()
 {
@@ -42,6 +57,7 @@ WebEngineHost::WebEngineHost(ScriptHandler &scriptHandler, const std::optional<Q
     , m_profile(std::make_unique<QWebEngineProfile>()) // without a name: off the record
     , m_channel(std::make_unique<QWebChannel>())
     , m_audioThreadPriority(std::make_unique<AudioThreadPriority>(QCoreApplication::applicationPid()))
+    , m_audioRecovery(std::make_unique<AudioRecovery>(audioDependencies(), AudioRecovery::Times()))
     , m_watch(std::make_unique<PageWatch>())
     , m_scriptHandler(scriptHandler)
 {
@@ -69,6 +85,7 @@ void WebEngineHost::shutDown()
     // This host may never be destroyed; Chromium wants its views and pages gone before it ends with the
     // application.
     m_watch.reset();
+    m_audioRecovery.reset();
     m_view.reset();
     m_page.reset();
     m_profile.reset();
@@ -133,6 +150,7 @@ void WebEngineHost::watchPage()
             if (!m_watch)
                 return;
             m_watch->stop();
+            setAudioLost(false);
             m_scriptHandler.pageHealthChanged(PageHealth::Ended, u"exit code %1"_s.arg(exitCode));
         });
     connect(m_watch.get(), &PageWatch::notAnswering, this, [this] {
@@ -149,6 +167,12 @@ void WebEngineHost::endPage()
 {
     if (const qint64 process = m_page ? m_page->renderProcessPid() : 0; process > 0)
         ::kill(static_cast<pid_t>(process), SIGKILL);
+}
+
+void WebEngineHost::setAudioLost(bool lost)
+{
+    if (m_audioRecovery)
+        m_audioRecovery->setLost(lost);
 }
 
 void WebEngineHost::load(const QUrl &url)

@@ -13,6 +13,7 @@ class QWebChannel;
 class QWebEngineProfile;
 class RequestInterceptor;
 class ScriptHandler;
+class AudioRecovery;
 class AudioThreadPriority;
 class WebSchemeHandler;
 
@@ -33,6 +34,7 @@ public:
     void evaluate(const QString &script, Completion completion) override;
     void load(const QUrl &url) override;
     void endPage() override;
+    void setAudioLost(bool lost) override;
     void snapshot(std::function<void(const QImage &)> arrived) override;
     QWidget *view() const override;
 
@@ -53,6 +55,7 @@ private:
     std::unique_ptr<QWebChannel> m_channel;
     std::unique_ptr<EngineView> m_view;
     std::unique_ptr<AudioThreadPriority> m_audioThreadPriority;
+    std::unique_ptr<AudioRecovery> m_audioRecovery;
     std::unique_ptr<PageWatch> m_watch;
     std::unique_ptr<EnginePage> m_page;
     ScriptHandler &m_scriptHandler;

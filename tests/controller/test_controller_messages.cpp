@@ -58,6 +58,17 @@ private Q_SLOTS:
         QCOMPARE(world.engine->take(), QStringList{ u"window.qv.playPause()"_s });
     }
 
+    void aLostAudioOutputIsLoggedAndLookedAfter()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        c.handle({ { u"type"_s, u"audioOutput"_s }, { u"working"_s, false } });
+        c.handle({ { u"type"_s, u"audioOutput"_s }, { u"working"_s, true } });
+        QCOMPARE(world.engine->audioLost, (QList<bool>{ true, false }));
+        QCOMPARE(*world.log,
+            (QStringList{ u"[Quaverly] there is no audio output"_s, u"[Quaverly] the audio output works again"_s }));
+    }
+
     void playerReady()
     {
         TestSurroundings world;

@@ -38,7 +38,8 @@
  *   | { type: "position", currentTime: number, endTime: number }
  *   | { type: "error", message: string }
  *   | { type: "gpData", data: string, title: string }
- *   | { type: "rendered" }} Message
+ *   | { type: "rendered" }
+ *   | { type: "audioOutput", working: boolean }} Message
  *
  * @typedef {(message: Message) => void} Post
  */
@@ -68,7 +69,17 @@ export const callNames = [
 ];
 
 /** @type {readonly Message["type"][]} */
-export const messageTypes = ["ready", "playerReady", "score", "state", "position", "error", "gpData", "rendered"];
+export const messageTypes = [
+  "ready",
+  "playerReady",
+  "score",
+  "state",
+  "position",
+  "error",
+  "gpData",
+  "rendered",
+  "audioOutput",
+];
 
 /**
  * Makes the calls reachable for the program around the page.
