@@ -22,6 +22,9 @@ QString nameFilter(const QString &label, const QStringList &extensions)
     return label + u" ("_s + patterns.join(u' ') + u')';
 }
 
+/// The patterns of a filter are longer than any panel is wide.
+void showNameOnly(QFileDialog &dialog) { dialog.setOption(QFileDialog::HideNameFilterDetails); }
+
 /// The field for the name in Qt's own panel; null where the panel is the desktop's.
 QLineEdit *nameField(const QFileDialog &dialog) { return dialog.findChild<QLineEdit *>(u"fileNameEdit"_s); }
 
@@ -61,6 +64,7 @@ std::optional<QUrl> FileDialogs::chooseFileToOpen(const QStringList &extensions)
 {
     QFileDialog dialog(QApplication::activeWindow(), tr("Open"));
     dialog.setFileMode(QFileDialog::ExistingFile);
+    showNameOnly(dialog);
     dialog.setNameFilter(nameFilter(tr("Scores and sheet music"), extensions));
     if (dialog.exec() != QDialog::Accepted || dialog.selectedUrls().isEmpty())
         return std::nullopt;
@@ -71,6 +75,7 @@ std::optional<QUrl> FileDialogs::chooseFileToSave(const QString &proposedName, c
 {
     SavePanel dialog(QApplication::activeWindow(), tr("Export as Guitar Pro"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
+    showNameOnly(dialog);
     dialog.setNameFilter(nameFilter(tr("Guitar Pro files"), { extension }));
     dialog.setDefaultSuffix(extension);
     dialog.setDirectory(documentsFolder());

@@ -49,6 +49,13 @@ void Button::setTint(Theme::Role tint)
     update();
 }
 
+void Button::setReach(const QMargins &reach)
+{
+    m_reach = reach;
+    updateGeometry();
+    update();
+}
+
 QSize Button::sizeHint() const
 {
     int width = 2 * sidePadding(m_look, !text().isEmpty());
@@ -58,7 +65,7 @@ QSize Button::sizeHint() const
         width += fontMetrics().horizontalAdvance(text()) + (m_iconName.isEmpty() ? 0 : iconTextGap);
     const int height = m_look == Look::Plain ? std::max(Theme::iconSize, fontMetrics().height()) + 4
                                              : std::max(Theme::controlHeight, fontMetrics().height() + 10);
-    return { width, height };
+    return QSize(width, height).grownBy(m_reach);
 }
 
 QSize Button::minimumSizeHint() const { return sizeHint(); }
@@ -84,8 +91,9 @@ void Button::keyPressEvent(QKeyEvent *event)
         QAbstractButton::keyPressEvent(event);
 }
 
-// In a list the tint alone tells on from off.
-bool Button::showsChecked() const { return m_look != Look::Plain && isChecked(); }
+// In a list the icon tells on from off. A letter stays the same, and two dark tints of it are easily taken for each
+// other.
+bool Button::showsChecked() const { return isChecked() && (m_look != Look::Plain || !text().isEmpty()); }
 
 QColor Button::contentColor() const
 {
@@ -94,7 +102,7 @@ QColor Button::contentColor() const
         return colors.disabled;
     if (m_look == Look::Prominent)
         return colors.onAccent;
-    return showsChecked() ? colors.accent : colors.*m_tint;
+    return showsChecked() && m_look != Look::Plain ? colors.accent : colors.*m_tint;
 }
 
 void Button::paintBody(QPainter &painter) const
@@ -103,12 +111,12 @@ void Button::paintBody(QPainter &painter) const
     painter.setPen(Qt::NoPen);
     const auto fill = [&painter, this](const QColor &color) {
         painter.setBrush(color);
-        painter.drawRoundedRect(rect(), Theme::radius, Theme::radius);
+        painter.drawRoundedRect(body(), Theme::radius, Theme::radius);
     };
     if (m_look == Look::Standard || m_look == Look::Prominent)
         fill(m_look == Look::Prominent && isEnabled() ? colors.accent : colors.fill);
     if (showsChecked()) {
-        QColor tinted = isEnabled() ? colors.accent : colors.disabled;
+        QColor tinted = contentColor();
         tinted.setAlphaF(0.16F);
         fill(tinted);
     }
@@ -122,10 +130,11 @@ void Button::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     paintBody(painter);
     const QColor color = contentColor();
-    QRect content = rect();
+    QRect content = body();
     if (!m_iconName.isEmpty() && !text().isEmpty()) {
         content.adjust(sidePadding(m_look, true), 0, -sidePadding(m_look, true), 0);
-        Icons::paint(painter, m_iconName, QRect(content.left(), 0, Theme::iconSize, height()), Theme::iconSize, color);
+        Icons::paint(painter, m_iconName, QRect(content.left(), content.top(), Theme::iconSize, content.height()),
+            Theme::iconSize, color);
         content.adjust(Theme::iconSize + iconTextGap, 0, 0, 0);
     } else if (!m_iconName.isEmpty()) {
         Icons::paint(painter, m_iconName, content, Theme::iconSize, color);
@@ -135,5 +144,5 @@ void Button::paintEvent(QPaintEvent *)
         painter.drawText(content, Qt::AlignCenter | Qt::TextSingleLine, text());
     }
     if (hasFocus())
-        Theme::paintFocusRing(painter, rect(), Theme::radius - 1, palette());
+        Theme::paintFocusRing(painter, body(), Theme::radius - 1, palette());
 }

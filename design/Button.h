@@ -31,6 +31,9 @@ public:
     Theme::Role tint() const { return m_tint; }
     const QString &iconName() const { return m_iconName; }
 
+    /// Room around the button that presses it too. What is painted stays within.
+    void setReach(const QMargins &reach);
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -44,8 +47,10 @@ private:
     void paintBody(QPainter &painter) const;
     QColor contentColor() const;
     bool showsChecked() const;
+    QRect body() const { return rect().marginsRemoved(m_reach); }
 
     const Look m_look;
+    QMargins m_reach;
     QString m_iconName;
     Theme::Role m_tint = &Theme::Colors::text;
 };

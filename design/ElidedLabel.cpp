@@ -15,6 +15,14 @@ ElidedLabel::ElidedLabel(Theme::Type type, Theme::Role color, Qt::TextElideMode 
     setFont(Theme::font(type));
 }
 
+void ElidedLabel::setColor(Theme::Role color)
+{
+    if (color == m_color)
+        return;
+    m_color = color;
+    update();
+}
+
 QString ElidedLabel::shownText() const
 {
     // Whatever begins a new line would hide the rest of the text.

@@ -13,6 +13,9 @@ public:
     explicit ElidedLabel(Theme::Type type = Theme::Type::Body, Theme::Role color = &Theme::Colors::text,
         Qt::TextElideMode mode = Qt::ElideRight, QWidget *parent = nullptr);
 
+    void setColor(Theme::Role color);
+    Theme::Role color() const { return m_color; }
+
     /// What is to be read at the present width.
     QString shownText() const;
 
@@ -23,6 +26,6 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    const Theme::Role m_color;
+    Theme::Role m_color;
     const Qt::TextElideMode m_mode;
 };

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -81,9 +82,20 @@ double Slider::shown() const
 
 void Slider::display(double value)
 {
-    const double share = (value - m_from) / (m_to - m_from);
     const QSignalBlocker blocker(this);
-    setValue(share > 0 ? int(std::lround(std::min(share, 1.0) * maximum())) : 0);
+    setValue(stepOf(value));
+}
+
+int Slider::stepOf(double value) const
+{
+    const double share = (value - m_from) / (m_to - m_from);
+    return share > 0 ? int(std::lround(std::min(share, 1.0) * maximum())) : 0;
+}
+
+void Slider::setQuiet(bool quiet)
+{
+    if (std::exchange(m_quiet, quiet) != quiet)
+        update();
 }
 
 double Slider::stepSize() const { return (m_to - m_from) / maximum(); }
@@ -120,6 +132,14 @@ void Slider::mousePressEvent(QMouseEvent *event)
     setSliderDown(true);
     follow(event->position().x());
     update();
+}
+
+void Slider::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton && m_usualValue && !isSliderDown())
+        setValue(stepOf(*m_usualValue));
+    else
+        mousePressEvent(event);
 }
 
 void Slider::mouseMoveEvent(QMouseEvent *event)
@@ -166,7 +186,8 @@ void Slider::paintEvent(QPaintEvent *)
     painter.drawRoundedRect(groove, thickness / 2, thickness / 2);
     QRectF passed = groove;
     passed.setRight(knobCenter());
-    painter.setBrush(Theme::paintsEnabled(*this) ? colors.accent : colors.disabled);
+    const QColor &passedColor = m_quiet ? colors.edge : colors.accent;
+    painter.setBrush(Theme::paintsEnabled(*this) ? passedColor : colors.disabled);
     painter.drawRoundedRect(passed, thickness / 2, thickness / 2);
     painter.setBrush(Theme::paintsEnabled(*this) ? colors.knob : colors.fill);
     painter.setPen(QPen(colors.knobRim, 1));

@@ -2,6 +2,8 @@
 
 #include <QSlider>
 
+#include <optional>
+
 /// A slim horizontal slider over a range of reals.
 ///
 /// Pressing the groove jumps there and drags on. The wheel is left to whatever scrolls around it.
@@ -21,6 +23,14 @@ public:
     /// Shows `value`, pulled into the range, without telling anybody. NaN counts as the lower end.
     void display(double value);
 
+    /// A double click brings the slider to `value`, as if the user had moved it there. Without one it does nothing more
+    /// than two clicks.
+    void setUsualValue(double value) { m_usualValue = value; }
+
+    /// Paints the way to the knob in grey: what the slider sets cannot be heard now.
+    void setQuiet(bool quiet);
+    bool isQuiet() const { return m_quiet; }
+
     double from() const { return m_from; }
     double to() const { return m_to; }
     double stepSize() const;
@@ -36,6 +46,7 @@ Q_SIGNALS:
 
 protected:
     void mousePressEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
@@ -46,10 +57,13 @@ private:
     qreal knobRadius() const;
     qreal knobCenter() const;
     void follow(qreal x);
+    int stepOf(double value) const;
 
     const double m_from;
     const double m_to;
     const Size m_size;
+    std::optional<double> m_usualValue;
+    bool m_quiet = false;
     /// Where the pointer holds the knob, relative to its centre.
     qreal m_grip = 0;
 };

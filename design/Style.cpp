@@ -2,8 +2,10 @@
 
 #include "design/Theme.h"
 
+#include <QBitmap>
 #include <QFrame>
 #include <QPainter>
+#include <QPainterPath>
 #include <QPalette>
 #include <QStyleOption>
 
@@ -61,7 +63,7 @@ void paintMenuBarItem(const QStyleOptionMenuItem &item, QPainter &painter)
     painter.restore();
 }
 
-/// The edge of a menu and of a picker's list.
+/// The edge of a frame inside of a window.
 void paintFrame(const QStyleOption &option, QPainter &painter)
 {
     painter.save();
@@ -69,6 +71,40 @@ void paintFrame(const QStyleOption &option, QPainter &painter)
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(option.rect.adjusted(0, 0, -1, -1));
     painter.restore();
+}
+
+/// The corners of a small window of its own: a menu, a picker's list, a tooltip.
+constexpr qreal popupRadius = Theme::radius - 1;
+
+QPainterPath popupOutline(const QRect &rect)
+{
+    QPainterPath outline;
+    outline.addRoundedRect(QRectF(rect).adjusted(0.5, 0.5, -0.5, -0.5), popupRadius, popupRadius);
+    return outline;
+}
+
+/// The edge of such a window. A desktop without a compositor draws no shadow around it.
+void paintPopupFrame(const QStyleOption &option, QPainter &painter)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(Theme::colors(option.palette).edge, 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPath(popupOutline(option.rect));
+    painter.restore();
+}
+
+/// The pixels of such a window: a mask, because without a compositor nothing can be half transparent.
+QRegion popupMask(const QRect &rect)
+{
+    QBitmap mask(rect.size());
+    mask.clear();
+    QPainter painter(&mask);
+    painter.setPen(Qt::color1);
+    painter.setBrush(Qt::color1);
+    painter.drawPath(popupOutline(mask.rect()));
+    painter.end();
+    return QRegion(mask).translated(rect.topLeft());
 }
 
 } // namespace
@@ -96,6 +132,7 @@ void Style::polish(QPalette &palette)
         palette.setColor(role, colors.text);
         palette.setColor(QPalette::Disabled, role, colors.disabled);
     }
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText, colors.unavailable);
 }
 
 int Style::styleHint(
@@ -110,6 +147,15 @@ int Style::styleHint(
         return QFrame::StyledPanel | QFrame::Plain;
     case SH_ScrollBar_LeftClickAbsolutePosition:
         return 1;
+    case SH_DialogButtonBox_ButtonsHaveIcons:
+        return 0;
+    case SH_Menu_Mask:
+    case SH_ToolTip_Mask:
+        if (auto *mask = qstyleoption_cast<QStyleHintReturnMask *>(returnData); mask && option) {
+            mask->region = popupMask(option->rect);
+            return 1;
+        }
+        return 0;
     case SH_ToolTip_WakeUpDelay:
         return 600;
     default:
@@ -123,6 +169,8 @@ int Style::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWi
     case PM_ScrollBarExtent:
         return 12;
     case PM_SplitterWidth:
+        return 1;
+    case PM_MenuPanelWidth: // no menu paints its edge without one
         return 1;
     case PM_MenuVMargin:
         return 4;
@@ -141,11 +189,23 @@ void Style::drawPrimitive(
         paintPushButton(*option, *painter);
         break;
     case PE_Frame:
+        // A picker's list is a window of its own; its frame is the edge of that.
+        if (widget && widget->isWindow())
+            paintPopupFrame(*option, *painter);
+        else
+            paintFrame(*option, *painter);
+        break;
     case PE_FrameMenu:
-        paintFrame(*option, *painter);
+        paintPopupFrame(*option, *painter);
+        break;
+    case PE_PanelTipLabel:
+        painter->fillRect(option->rect, Theme::colors(option->palette).popover);
+        paintPopupFrame(*option, *painter);
         break;
     case PE_PanelMenu:
         painter->fillRect(option->rect, Theme::colors(option->palette).popover);
+        // A menu lets its frame paint along the sides alone, which leaves the corners out.
+        paintPopupFrame(*option, *painter);
         break;
     case PE_FrameFocusRect:
         Theme::paintFocusRing(*painter, option->rect, Theme::radius - 2, option->palette);
@@ -176,7 +236,7 @@ void Style::drawControl(
     case CE_PushButtonLabel: {
         const auto *button = qstyleoption_cast<const QStyleOptionButton *>(option);
         QStyleOptionButton copy = button ? *button : QStyleOptionButton();
-        if (copy.features & QStyleOptionButton::DefaultButton)
+        if ((copy.features & QStyleOptionButton::DefaultButton) && (copy.state & State_Enabled))
             copy.palette.setColor(QPalette::ButtonText, colors.onAccent);
         QProxyStyle::drawControl(element, &copy, painter, widget);
         break;

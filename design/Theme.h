@@ -24,9 +24,13 @@ struct Colors {
     QColor sidebar;
     QColor popover;
     QColor separator;
+    /// Around a menu, a picker's list, a tooltip: windows of their own, above anything.
+    QColor edge;
     QColor text;
     QColor secondary;
     QColor disabled;
+    /// The words of a button that cannot be pressed now: faint, and still to be read on `fill`.
+    QColor unavailable;
     /// The body of a button, a picker, an empty groove.
     QColor fill;
     /// Laid over what is under the pointer, and under the pressed pointer.

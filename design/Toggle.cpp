@@ -11,9 +11,6 @@ namespace {
 constexpr QSizeF switchSize(36, 20);
 constexpr qreal boxSize = 16;
 constexpr int gap = 8;
-/// Room for the focus ring around the text and its mark.
-constexpr int ring = 3;
-
 } // namespace
 
 Toggle::Toggle(Look look, const QString &text, QWidget *parent)
@@ -29,8 +26,9 @@ Toggle::Toggle(Look look, const QString &text, QWidget *parent)
 QSize Toggle::sizeHint() const
 {
     const qreal mark = m_look == Look::Switch ? switchSize.width() : boxSize;
-    return { fontMetrics().horizontalAdvance(text()) + gap + qCeil(mark) + 2 * ring,
-        std::max(24, fontMetrics().height() + 2 * ring) };
+    return { fontMetrics().horizontalAdvance(text()) + gap + qCeil(mark) + 2 * outset,
+        std::max(qCeil(m_look == Look::Switch ? switchSize.height() : boxSize), fontMetrics().height()) + 2 * outset
+            - 2 };
 }
 
 QSize Toggle::minimumSizeHint() const { return sizeHint(); }
@@ -48,7 +46,7 @@ void Toggle::keyPressEvent(QKeyEvent *event)
 void Toggle::paintSwitch(QPainter &painter) const
 {
     const Theme::Colors &colors = Theme::colors(palette());
-    const QRectF body(QPointF(width() - ring - switchSize.width(), (height() - switchSize.height()) / 2), switchSize);
+    const QRectF body(QPointF(width() - outset - switchSize.width(), (height() - switchSize.height()) / 2), switchSize);
     painter.setPen(Qt::NoPen);
     painter.setBrush(isChecked() ? colors.positive : colors.separator);
     painter.setOpacity(Theme::paintsEnabled(*this) ? 1 : 0.5);
@@ -64,7 +62,7 @@ void Toggle::paintSwitch(QPainter &painter) const
 void Toggle::paintCheckBox(QPainter &painter) const
 {
     const Theme::Colors &colors = Theme::colors(palette());
-    const QRectF box(ring, (height() - boxSize) / 2, boxSize, boxSize);
+    const QRectF box(outset, (height() - boxSize) / 2, boxSize, boxSize);
     painter.setPen(isChecked() ? QPen(Qt::NoPen) : QPen(colors.secondary, 1.2));
     painter.setBrush(
         isChecked() ? QBrush(Theme::paintsEnabled(*this) ? colors.accent : colors.disabled) : QBrush(Qt::NoBrush));
@@ -84,7 +82,7 @@ void Toggle::paintEvent(QPaintEvent *)
     const Theme::Colors &colors = Theme::colors(palette());
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    QRect label = rect().adjusted(ring, 0, -ring, 0);
+    QRect label = rect().adjusted(outset, 0, -outset, 0);
     if (m_look == Look::Switch) {
         paintSwitch(painter);
     } else {

@@ -10,6 +10,9 @@ class Toggle final : public QAbstractButton {
 public:
     enum class Look { Switch, CheckBox };
 
+    /// From the edge to what is shown: room for the focus ring, clear of the text.
+    static constexpr int outset = 6;
+
     Toggle(Look look, const QString &text, QWidget *parent = nullptr);
 
     QSize sizeHint() const override;

@@ -1,15 +1,20 @@
 #include "design/Button.h"
 #include "design/ElidedLabel.h"
 #include "design/Icons.h"
+#include "design/Picker.h"
 #include "design/Popover.h"
 #include "design/Slider.h"
 #include "design/Theme.h"
 #include "tests/views/ShownWindow.h"
 
+#include <QAbstractItemView>
 #include <QDirIterator>
 #include <QIcon>
+#include <QMenu>
+#include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
+#include <QToolTip>
 #include <QWheelEvent>
 
 using namespace Qt::StringLiterals;
@@ -88,6 +93,130 @@ private Q_SLOTS:
         QVERIFY(contrast(colors.secondary, colors.fill) >= 4.5);
         QVERIFY(contrast(colors.onAccent, colors.accent) >= 4.5);
         QVERIFY(contrast(colors.positive, colors.popover) >= 3);
+        QVERIFY(contrast(colors.unavailable, colors.fill) >= 3);
+        for (const QColor &ground : { colors.canvas, colors.bar, colors.viewport, colors.popover })
+            QVERIFY2(contrast(colors.edge, ground) >= 1.5, qPrintable(ground.name()));
+        // A letter that is on stands on a tint of its own colour.
+        for (const QColor &ink : { colors.accent, colors.muted }) {
+            const auto mixed = [&ink, &colors](float ground, float part) { return ground + (part - ground) * 0.16F; };
+            const QColor body = QColor::fromRgbF(mixed(colors.sidebar.redF(), ink.redF()),
+                mixed(colors.sidebar.greenF(), ink.greenF()), mixed(colors.sidebar.blueF(), ink.blueF()));
+            QVERIFY2(contrast(ink, body) >= 3, qPrintable(ink.name()));
+        }
+    }
+
+    /// Without a compositor, as on a plain X11 screen, nothing but its edge tells a menu from what lies below.
+    void smallWindowsHaveARoundEdge_data()
+    {
+        QTest::addColumn<bool>("dark");
+        QTest::newRow("light") << false;
+        QTest::newRow("dark") << true;
+    }
+
+    void smallWindowsHaveARoundEdge()
+    {
+        QFETCH(bool, dark);
+        QApplication::setPalette(dark ? darkSystem() : QPalette());
+        const auto roundWithEdge = [](QWidget &popup) {
+            const QImage picture = popup.grab().toImage();
+            const QRect rect = picture.rect();
+            const QColor edge = Theme::colors(popup.palette()).edge;
+            for (const QPoint &side : { QPoint(rect.center().x(), 0), QPoint(rect.center().x(), rect.bottom()),
+                     QPoint(0, rect.center().y()), QPoint(rect.right(), rect.center().y()) }) {
+                QCOMPARE(picture.pixelColor(side).name(), edge.name());
+                QVERIFY(popup.mask().contains(side));
+            }
+            // Nor is there a gap in the corners: the edge runs diagonally past them.
+            QVERIFY(picture.pixelColor(2, 1).lightness() != Theme::colors(popup.palette()).popover.lightness());
+            for (const QPoint &corner : { rect.topLeft(), rect.topRight(), rect.bottomLeft(), rect.bottomRight() })
+                QVERIFY(!popup.mask().contains(corner));
+        };
+        QMenu menu;
+        menu.addAction(u"Open…"_s);
+        menu.addAction(u"Quit"_s);
+        menu.popup({ 20, 20 });
+        QVERIFY(QTest::qWaitForWindowExposed(&menu));
+        roundWithEdge(menu);
+        menu.close();
+
+        Picker picker;
+        picker.addItem(u"Woodblock"_s, u"woodblock"_s);
+        picker.addItem(u"Beep"_s, u"beep"_s);
+        picker.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&picker));
+        picker.showPopup();
+        roundWithEdge(*picker.view()->window());
+        picker.hidePopup();
+
+        QToolTip::showText({ 30, 30 }, u"Loop selected range"_s, &picker);
+        QWidget *tip = nullptr;
+        const auto shown = [&tip] {
+            for (QWidget *widget : QApplication::topLevelWidgets()) {
+                if (widget->isVisible() && widget->inherits("QTipLabel"))
+                    tip = widget;
+            }
+            return tip != nullptr;
+        };
+        QTRY_VERIFY(shown());
+        roundWithEdge(*tip);
+        QToolTip::hideText();
+    }
+
+    void aButtonThatCannotBePressedCanStillBeRead()
+    {
+        const QColor fill = Theme::colors(QApplication::palette()).fill;
+        for (const bool isDefault : { false, true }) {
+            QPushButton button(u"Open"_s);
+            button.setDefault(isDefault);
+            button.setEnabled(false);
+            const QImage picture = button.grab().toImage();
+            int darkest = 255;
+            for (int x = 10; x < picture.width() - 10; ++x)
+                darkest = std::min(darkest, picture.pixelColor(x, picture.height() / 2).lightness());
+            QVERIFY2(fill.lightness() - darkest > 60, qPrintable(u"%1 on %2"_s.arg(darkest).arg(fill.lightness())));
+        }
+    }
+
+    void theReachOfAButtonPressesItAndPaintsNothing()
+    {
+        Button plain(Button::Look::Plain);
+        plain.setText(u"S"_s);
+        Button reaching(Button::Look::Plain);
+        reaching.setText(u"S"_s);
+        reaching.setReach({ 4, 5, 6, 7 });
+        QCOMPARE(reaching.sizeHint(), plain.sizeHint() + QSize(10, 12));
+        plain.resize(plain.sizeHint());
+        reaching.resize(reaching.sizeHint());
+        QSignalSpy clicked(&reaching, &Button::clicked);
+        QTest::mouseClick(&reaching, Qt::LeftButton, {}, QPoint(1, 1));
+        QCOMPARE(clicked.size(), 1);
+        for (const bool on : { false, true }) {
+            for (Button *button : { &plain, &reaching }) {
+                button->setCheckable(true);
+                button->setChecked(on);
+            }
+            const QImage inner = reaching.grab(QRect(QPoint(4, 5), plain.size())).toImage();
+            QCOMPARE(inner, plain.grab().toImage());
+        }
+    }
+
+    void aDoubleClickBringsTheUsualValueBack()
+    {
+        Slider slider(25, 200, 175, 1);
+        slider.resize(200, 22);
+        slider.setUsualValue(100);
+        slider.display(30);
+        QSignalSpy moved(&slider, &Slider::moved);
+        QTest::mouseDClick(&slider, Qt::LeftButton, {}, QPoint(150, 11));
+        QCOMPARE(slider.shown(), 100.0);
+        QVERIFY(!moved.isEmpty());
+        QCOMPARE(moved.last().constFirst().toDouble(), 100.0);
+        QVERIFY(!slider.isSliderDown());
+
+        Slider other(0, 1, 1000, 50);
+        other.resize(200, 22);
+        QTest::mouseDClick(&other, Qt::LeftButton, {}, QPoint(199, 11));
+        QCOMPARE(other.shown(), 1.0);
     }
 
     void theWindowTurnsDarkWithTheSystem()
