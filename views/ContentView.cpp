@@ -182,12 +182,13 @@ QWidget *ContentView::makeDetail()
     const auto refresh = [this, score, empty, failure, line, transport] {
         const bool pdf = bool(m_controller.pdfDocument.value());
         const bool well = m_controller.pageHealth == PageHealth::Well;
-        empty->setVisible(!m_controller.hasScore);
+        // Not below the pages of a PDF either: what is shown there, a screen reader would read.
+        empty->setVisible(!m_controller.hasScore && !pdf);
         line->setVisible(!pdf);
         transport->setVisible(!pdf);
         // The page runs on, but what is covered must not take keys.
         score->setEnabled(m_controller.hasScore && !pdf && well);
-        empty->setEnabled(!pdf && well);
+        empty->setEnabled(well);
         failure->setEnabled(!pdf);
         if (!pdf)
             leadKeysTo(m_controller.hasScore && well ? score : nullptr);

@@ -20,6 +20,8 @@ namespace {
 
 constexpr int menuWidth = 280;
 constexpr int padding = 18;
+/// Toggles are laid out as wide as their focus ring, everything else as wide as what they show.
+constexpr int side = padding - Toggle::outset;
 constexpr double dimmed = 0.45;
 
 Toggle *boundToggle(Toggle::Look look, const QString &text, Published<bool> &property)
@@ -45,6 +47,14 @@ Picker *boundPicker(const QString &name, const MetronomeMenu::Choices &choices, 
     return picker;
 }
 
+void addInset(QVBoxLayout &layout, QWidget *widget)
+{
+    auto *inset = new QHBoxLayout;
+    inset->setContentsMargins(Toggle::outset, 0, Toggle::outset, 0);
+    inset->addWidget(widget);
+    layout.addLayout(inset);
+}
+
 } // namespace
 
 MetronomeMenu::MetronomeMenu(
@@ -55,11 +65,11 @@ MetronomeMenu::MetronomeMenu(
 {
     setFixedWidth(menuWidth);
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(padding, padding, padding, padding);
+    layout->setContentsMargins(side, padding, side, padding);
     layout->setSpacing(14);
     layout->addWidget(boundToggle(Toggle::Look::Switch, tr("Metronome"), controller.metronome));
     layout->addWidget(makeSettings(sounds, modes));
-    layout->addWidget(new Separator(Qt::Horizontal));
+    addInset(*layout, new Separator(Qt::Horizontal));
     layout->addWidget(makeCountIn());
 
     // Afterwards: views are notified of a new sound before the page receives it, and it would play the old one.
@@ -74,9 +84,9 @@ QWidget *MetronomeMenu::makeSettings(const Choices &sounds, const Choices &modes
     auto *layout = new QVBoxLayout(settings);
     layout->setContentsMargins({});
     layout->setSpacing(12);
-    layout->addWidget(boundPicker(tr("Plays on"), modes, m_controller.metronomeMode));
-    layout->addWidget(makeVolume());
-    layout->addWidget(boundPicker(tr("Sound"), sounds, m_controller.metronomeSound));
+    addInset(*layout, boundPicker(tr("Plays on"), modes, m_controller.metronomeMode));
+    addInset(*layout, makeVolume());
+    addInset(*layout, boundPicker(tr("Sound"), sounds, m_controller.metronomeSound));
     layout->addWidget(boundToggle(Toggle::Look::CheckBox, tr("Accent first beat of bar"), m_controller.metronomeAccent),
         0, Qt::AlignLeft);
 

@@ -14,11 +14,15 @@ class TrackRow final : public QWidget {
     Q_DISABLE_COPY_MOVE(TrackRow)
 
 public:
-    TrackRow(AlphaTabController &controller, const TrackInfo &track, QWidget *parent = nullptr);
+    TrackRow(AlphaTabController &controller, int id, QWidget *parent = nullptr);
+
+    /// How far the last letter can be hit beyond its right edge, where nothing else in the row reaches.
+    static constexpr int reachRight = 8;
 
     int trackId() const { return m_id; }
     /// Shows the state of the same track anew.
-    void display(const TrackInfo &track);
+    /// @param anySolo whether some track plays solo: all that do not are silent
+    void display(const TrackInfo &track, bool anySolo);
 
 private:
     AlphaTabController &m_controller;

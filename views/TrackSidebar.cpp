@@ -13,6 +13,11 @@ namespace {
 
 constexpr int sidePadding = 14;
 
+bool anySolo(const QList<TrackInfo> &tracks)
+{
+    return std::any_of(tracks.begin(), tracks.end(), [](const TrackInfo &track) { return track.solo; });
+}
+
 } // namespace
 
 TrackSidebar::TrackSidebar(AlphaTabController &controller, QWidget *parent)
@@ -44,10 +49,10 @@ QWidget *TrackSidebar::makeList()
     scroll->setFocusPolicy(Qt::NoFocus);
     auto *list = new Surface(&Theme::Colors::sidebar);
     auto *layout = new QVBoxLayout(list);
-    layout->setContentsMargins(sidePadding, 2, sidePadding, 10);
+    layout->setContentsMargins(sidePadding, 0, sidePadding - TrackRow::reachRight, 10);
     layout->setSpacing(0);
     layout->addWidget(m_placeholder);
-    m_rowLayout->setSpacing(8);
+    m_rowLayout->setSpacing(6);
     layout->addLayout(m_rowLayout);
     layout->addStretch();
     scroll->setWidget(list);
@@ -59,8 +64,9 @@ void TrackSidebar::refresh(const QList<TrackInfo> &tracks)
     // Rows stay as long as they show the same tracks: one of their sliders may be in the user's hand.
     const auto sameTrack = [](const TrackRow *row, const TrackInfo &track) { return row->trackId() == track.id; };
     if (std::equal(m_rows.begin(), m_rows.end(), tracks.begin(), tracks.end(), sameTrack)) {
+        const bool solo = anySolo(tracks);
         for (qsizetype i = 0; i < tracks.size(); ++i)
-            m_rows[i]->display(tracks[i]);
+            m_rows[i]->display(tracks[i], solo);
     } else {
         rebuild(tracks);
     }
@@ -77,7 +83,9 @@ void TrackSidebar::rebuild(const QList<TrackInfo> &tracks)
     }
     m_rows.clear();
     for (const TrackInfo &track : tracks) {
-        auto *row = new TrackRow(m_controller, track);
+        auto *row = new TrackRow(m_controller, track.id);
+        // Before it is laid out with the others: it takes the room of its content at once.
+        row->display(track, anySolo(tracks));
         m_rowLayout->addWidget(row);
         m_rows << row;
     }

@@ -139,6 +139,7 @@ void TransportBar::addTempo(QHBoxLayout &row)
     auto *tempo = new Slider(25, 200, 175, 1);
     tempo->setMaximumWidth(110);
     tempo->setAccessibleName(tr("Speed"));
+    tempo->setUsualValue(100);
     connect(tempo, &Slider::moved, this, [this](double percent) { m_controller.tempoPercent = percent; });
     row.addWidget(tempo, 0);
     addGap(row);

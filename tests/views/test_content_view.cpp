@@ -10,6 +10,7 @@
 #include "views/TrackSidebar.h"
 #include "views/TransportBar.h"
 
+#include <QAccessible>
 #include <QDropEvent>
 #include <QMessageBox>
 #include <QMimeData>
@@ -153,15 +154,20 @@ private Q_SLOTS:
         QVERIFY(web->isVisible());
     }
 
-    void theSheetLiesOverTheEmptyState()
+    void theSheetTakesTheStartScreensPlace()
     {
         ShownWindow w;
-        QVERIFY(shown<EmptyState>(w));
+        auto *empty = shown<EmptyState>(w);
+        QVERIFY(empty);
         w.openPDF();
-        auto *empty = w.window.findChild<EmptyState *>();
         QWidget *top = w.window.childAt(empty->mapTo(&w.window, empty->rect().center()));
         QVERIFY(top);
         QVERIFY(top != empty && !empty->isAncestorOf(top));
+        // A screen reader reads what is visible to it, whatever lies above.
+        QVERIFY(!shown<EmptyState>(w) && !w.control(u"Try the demo"_s));
+        QVERIFY(QAccessible::queryAccessibleInterface(empty)->state().invisible);
+        w.controller.pdfDocument = nullptr;
+        QVERIFY(shown<EmptyState>(w) && w.control(u"Try the demo"_s));
     }
 
     void theEmptyStateCoversTheEngineUntilThereIsAScore()

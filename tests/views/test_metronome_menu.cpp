@@ -66,6 +66,58 @@ private Q_SLOTS:
         QVERIFY(w.sent().isEmpty());
     }
 
+    void theFocusRingStaysClearOfWhatItSurrounds()
+    {
+        ShownWindow w;
+        open(w);
+        for (const QString &name : { u"Metronome"_s, u"Accent first beat of bar"_s, u"Count-in"_s }) {
+            auto *toggle = w.control<Toggle>(name);
+            const auto picture = [toggle](Qt::FocusReason reason) {
+                if (reason == Qt::TabFocusReason)
+                    toggle->setFocus(reason);
+                else
+                    toggle->clearFocus();
+                QImage image(toggle->size(), QImage::Format_RGB32);
+                image.fill(Qt::white);
+                toggle->render(&image, {}, {}, {});
+                return image;
+            };
+            w.controller.metronome = true;
+            const QImage plain = picture(Qt::OtherFocusReason);
+            const QImage ringed = picture(Qt::TabFocusReason);
+            QVERIFY(plain != ringed);
+            const auto nearInk = [&plain](QPoint place) {
+                const QRect around = QRect(place - QPoint(2, 2), QSize(5, 5)) & plain.rect();
+                for (int y = around.top(); y <= around.bottom(); ++y) {
+                    for (int x = around.left(); x <= around.right(); ++x) {
+                        if (plain.pixelColor(x, y) != QColor(Qt::white))
+                            return true;
+                    }
+                }
+                return false;
+            };
+            for (int y = 0; y < plain.height(); ++y) {
+                for (int x = 0; x < plain.width(); ++x) {
+                    if (plain.pixel(x, y) != ringed.pixel(x, y))
+                        QVERIFY2(!nearInk({ x, y }), qPrintable(u"%1 at %2, %3"_s.arg(name).arg(x).arg(y)));
+                }
+            }
+        }
+    }
+
+    void whatThePopoverShowsBeginsAtOneEdge()
+    {
+        ShownWindow w;
+        open(w);
+        const auto left = [&w](const QString &name) {
+            QWidget *control = w.control(name);
+            const int inset = qobject_cast<Toggle *>(control) ? Toggle::outset : 0;
+            return control->mapTo(&w.window, QPoint(inset, 0)).x();
+        };
+        for (const QString &name : { u"Plays on"_s, u"Sound"_s, u"Accent first beat of bar"_s, u"Count-in"_s })
+            QCOMPARE(left(name), left(u"Metronome"_s));
+    }
+
     void theChoicesComeInOrder()
     {
         ShownWindow w;
