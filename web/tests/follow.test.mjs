@@ -65,6 +65,25 @@ function emitter() {
   };
 }
 
+/**
+ * Holds what is put off until the returned function is called.
+ *
+ * @param {import("node:test").TestContext} context
+ */
+function holdTimers(context) {
+  /** @type {Map<number, () => void>} */
+  const held = new Map();
+  let last = 0;
+  context.mock.method(globalThis, "setTimeout", (/** @type {() => void} */ run) => held.set(++last, run) && last);
+  context.mock.method(globalThis, "clearTimeout", (/** @type {number} */ id) => held.delete(id));
+  globalThis.cancelAnimationFrame = () => undefined;
+  return () => {
+    const due = [...held.values()];
+    held.clear();
+    due.forEach((run) => run());
+  };
+}
+
 /** A score at rest at its beginning, in a viewport that is scrolled by 400 pixels. */
 function stoppedScore() {
   const ownerDocument = new EventTarget();
@@ -94,40 +113,37 @@ function stoppedScore() {
 }
 
 test("a score that was opened, or a seek, shows the beginning", (context) => {
-  context.mock.timers.enable({ apis: ["setTimeout"] });
-  globalThis.cancelAnimationFrame = () => undefined;
+  const runTimers = holdTimers(context);
   for (const event of /** @type {const} */ (["postRenderFinished", "playerPositionChanged"])) {
     const { api, desk } = stoppedScore();
     api[event].post({ isSeek: true });
-    context.mock.timers.tick(1000);
+    runTimers();
     assert.equal(desk.scrollTop, 0, event);
   }
 });
 
 test("readers who scroll, or choose, are not taken back by what was asked for before", (context) => {
-  context.mock.timers.enable({ apis: ["setTimeout"] });
-  globalThis.cancelAnimationFrame = () => undefined;
+  const runTimers = holdTimers(context);
   for (const gesture of /** @type {const} */ (["wheel", "press"])) {
     for (const event of /** @type {const} */ (["postRenderFinished", "playerPositionChanged"])) {
       const score = stoppedScore();
       score.api[event].post({ isSeek: true });
       score[gesture]();
-      context.mock.timers.tick(1000);
+      runTimers();
       assert.equal(score.desk.scrollTop, 400, `${gesture} after ${event}`);
     }
   }
 });
 
 test("readers who scroll while the rest is laid out stay there; another score begins at its beginning", (context) => {
-  context.mock.timers.enable({ apis: ["setTimeout"] });
-  globalThis.cancelAnimationFrame = () => undefined;
+  const runTimers = holdTimers(context);
   const { api, desk, wheel } = stoppedScore();
   wheel();
   api.postRenderFinished.post();
-  context.mock.timers.tick(1000);
+  runTimers();
   assert.equal(desk.scrollTop, 400);
   api.scoreLoaded.post();
   api.postRenderFinished.post();
-  context.mock.timers.tick(1000);
+  runTimers();
   assert.equal(desk.scrollTop, 0);
 });
