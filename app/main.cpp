@@ -7,7 +7,9 @@
 #include "controller/SmokeTest.h"
 #include "design/DesktopColorScheme.h"
 #include "desktop/LaunchSession.h"
+#include "desktop/MediaPlayer.h"
 #include "desktop/OneWindow.h"
+#include "desktop/ScreenAwake.h"
 #include "engine_host/WebEngineHost.h"
 
 #include <QApplication>
@@ -67,5 +69,10 @@ int main(int argc, char *argv[])
     quaverly.appDelegate().open(launch.files);
     if (oneWindow)
         QObject::connect(&*oneWindow, &OneWindow::launched, &quaverly, &QuaverlyApp::launchAgain);
+
+    const MediaPlayer mediaPlayer(QDBusConnection::sessionBus(), AlphaTabController::shared());
+    QObject::connect(&mediaPlayer, &MediaPlayer::raiseRequested, &quaverly, [&quaverly] { quaverly.launchAgain({}); });
+    QObject::connect(&mediaPlayer, &MediaPlayer::quitRequested, &quaverly.window(), &QWidget::close);
+    const ScreenAwake screenAwake(QDBusConnection::sessionBus(), AlphaTabController::shared());
     return QApplication::exec();
 }

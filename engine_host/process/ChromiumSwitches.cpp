@@ -41,6 +41,7 @@ QByteArray flagsFor(const QByteArray &flags)
     choose(list, "--force-webrtc-ip-handling-policy=", "disable_non_proxied_udp");
     choose(list, "--proxy-server=", "127.0.0.1:9");
     choose(list, "--proxy-bypass-list=", "<-loopback>");
+    enlist(list, "--disable-features=", "HardwareMediaKeyHandling");
     return list.join(' ');
 }
 

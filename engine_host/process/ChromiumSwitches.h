@@ -11,6 +11,7 @@
 /// seconds later, three times in turn, when music plays.
 /// - Nothing leaves the program. Chromium's peer connections (WebRTC) ask neither the interceptor nor the page's
 /// policy. Here they may use a proxy alone, and the proxy is the discard port of this machine.
+/// - Chromium takes no media keys, nor is it a media player on the session bus: the program is that.
 namespace ChromiumSwitches {
 
 /// `flags` of Chromium, separated by spaces, with these in them. What they say otherwise stays.

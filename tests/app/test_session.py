@@ -1,6 +1,6 @@
-"""The program itself, started twice: the second launch hands its file to the first, and ends with 0.
+"""The program itself in a session: what a second launch does, and what the desktop sees of the one that runs.
 
-usage: test_second_launch.py PROGRAM
+usage: test_session.py PROGRAM
 """
 import json
 import os
@@ -26,7 +26,7 @@ def wait_until(condition, seconds=60):
     return True
 
 
-class SecondLaunch(unittest.TestCase):
+class Session(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
@@ -88,6 +88,34 @@ class SecondLaunch(unittest.TestCase):
 
     def test_over_the_socket(self):
         self.second_goes_to_first().kill()
+
+    def ask(self, service, path, method, *arguments):
+        """What another program on the bus is answered, as gdbus writes it; nothing where it is refused."""
+        answer = subprocess.run(["gdbus", "call", "--session", "--dest", service, "--object-path", path,
+                                 "--method", method, *arguments], env=self.environment, text=True,
+                                stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False)
+        return answer.stdout.strip()
+
+    def player(self, method, *arguments):
+        return self.ask("org.mpris.MediaPlayer2.quaverly", "/org/mpris/MediaPlayer2",
+                        f"org.mpris.MediaPlayer2.{method}", *arguments)
+
+    def player_property(self, name):
+        return self.ask("org.mpris.MediaPlayer2.quaverly", "/org/mpris/MediaPlayer2",
+                        "org.freedesktop.DBus.Properties.Get", "org.mpris.MediaPlayer2.Player", name)
+
+    def test_media_player(self):
+        self.start_bus()
+        program = self.start("song.musicxml")
+        self.assertTrue(wait_until(lambda: self.player_property("CanPlay") == "(<true>,)"))
+        self.assertTrue(wait_until(lambda: "mpris:length" in self.player_property("Metadata")))
+        self.player("Player.Play")
+        # The score is short, so it may be at its end already.
+        self.assertTrue(wait_until(lambda: self.player_property("Position") != "(<int64 0>,)"))
+        names = self.ask("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.ListNames")
+        self.assertEqual(names.count("org.mpris."), 1, names)
+        self.player("Quit")
+        self.assertEqual(program.wait(timeout=30), 0)
 
 
 if __name__ == "__main__":
