@@ -64,10 +64,10 @@ def measure(desk, files, runs):
         show("open " + os.path.basename(file), times)
     tracks = len(next(message for _, message in reversed(desk.window.messages) if message["type"] == "score")["tracks"])
     redraw(desk, tracks, runs, "")
-    desk.window.tell("js document.getElementById('desk').scrollTop = 1e9")
+    desk.window.tell("js document.getElementById('viewport').scrollTop = 1e9")
     desk.window.rest(SETTLING)
     redraw(desk, tracks, runs, " at the end")
-    desk.window.tell("js document.getElementById('desk').scrollTop = 0")
+    desk.window.tell("js document.getElementById('viewport').scrollTop = 0")
     desk.window.rest(SETTLING)
     layouts = [("horizontal", "page")[turn % 2] for turn in range(2 * runs)]
     times = [desk.until_still(f"js window.qv.setLayout('{layout}')") for layout in layouts]

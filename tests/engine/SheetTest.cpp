@@ -13,7 +13,7 @@ void SheetTest::redraw(const QString &script)
 
 int SheetTest::ranges() { return m_session->valueOf(u"document.querySelectorAll('.range').length"_s).toInt(); }
 
-int SheetTest::scrolled() { return m_session->valueOf(u"document.getElementById('desk').scrollTop"_s).toInt(); }
+int SheetTest::scrolled() { return m_session->valueOf(u"document.getElementById('viewport').scrollTop"_s).toInt(); }
 
 bool SheetTest::cursorInView()
 {

@@ -64,21 +64,21 @@ private Q_SLOTS:
         // For each line that the music comes to: how much of it could be seen in the frame before, as a part of the
         // view or of the line, whichever is less.
         m_session->call(uR"((() => {
-            const desk = document.getElementById("desk");
+            const viewport = document.getElementById("viewport");
             const mark = document.querySelector(".at-cursor-bar");
             window.seen = [];
             window.unseenFrames = 0;
-            let scrolled = desk.scrollTop, line = null;
+            let scrolled = viewport.scrollTop, line = null;
             const look = () => {
                 const { top, bottom } = mark.getBoundingClientRect();
-                const height = desk.clientHeight;
+                const height = viewport.clientHeight;
                 const visible = (shift) => Math.min(bottom + shift, height) - Math.max(top + shift, 0);
-                if (line !== null && Math.abs(top + desk.scrollTop - line) > 50) {
-                    seen.push(visible(desk.scrollTop - scrolled) / Math.min(height, bottom - top));
+                if (line !== null && Math.abs(top + viewport.scrollTop - line) > 50) {
+                    seen.push(visible(viewport.scrollTop - scrolled) / Math.min(height, bottom - top));
                 }
                 unseenFrames += visible(0) > 0 ? 0 : 1;
-                line = top + desk.scrollTop;
-                scrolled = desk.scrollTop;
+                line = top + viewport.scrollTop;
+                scrolled = viewport.scrollTop;
                 requestAnimationFrame(look);
             };
             look();
@@ -116,7 +116,7 @@ private:
     {
         return m_session
             ->valueOf(
-                u"(({ scrollTop, scrollLeft }) => scrollTop + scrollLeft > 500)(document.getElementById('desk'))"_s)
+                u"(({ scrollTop, scrollLeft }) => scrollTop + scrollLeft > 500)(document.getElementById('viewport'))"_s)
             .toBool();
     }
 };

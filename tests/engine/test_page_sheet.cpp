@@ -121,10 +121,10 @@ private Q_SLOTS:
         QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 240 })));
         const double top = 10;
         letThePageSettle();
-        m_session->call(u"document.getElementById('desk').scrollTop = 1000"_s);
+        m_session->call(u"document.getElementById('viewport').scrollTop = 1000"_s);
         QVERIFY(m_session->waitFor([&] { return firstBarInView() > 0; }));
         const int bar = firstBarInView();
-        m_session->call(u"document.getElementById('desk').scrollBy(0, %1 - %2)"_s.arg(placeOfBar(bar).y()).arg(top));
+        m_session->call(u"document.getElementById('viewport').scrollBy(0, %1 - %2)"_s.arg(placeOfBar(bar).y()).arg(top));
         QVERIFY(m_session->waitFor([&] { return qAbs(placeOfBar(bar).y() - top) < 2; }));
         const QStringList changes{ BridgeCalls::setZoom(1.75), BridgeCalls::setZoom(0.5), BridgeCalls::setLayout(true),
             BridgeCalls::setZoom(1.0), BridgeCalls::setLayout(false) };
@@ -295,7 +295,7 @@ private Q_SLOTS:
         QTest::mousePress(target(), Qt::LeftButton, {}, from);
         QTest::mouseMove(target(), to, 20);
         QVERIFY(m_session->waitFor([&] { return ranges() == 1; }));
-        m_session->call(u"document.getElementById('desk').scrollBy(0, 400)"_s);
+        m_session->call(u"document.getElementById('viewport').scrollBy(0, 400)"_s);
         QVERIFY(m_session->waitFor([&] { return ranges() > 1; }));
         QTest::mouseRelease(target(), Qt::LeftButton, {}, to);
         QVERIFY(m_session->waitFor([&] { return qAbs(m_session->position() - 2000) < 20; }));
@@ -362,7 +362,7 @@ private:
     {
         return m_session
             ->valueOf(
-                u"(() => { const desk = document.getElementById('desk'); return desk.scroll%1 - desk.client%1; })()"_s
+                u"(() => { const viewport = document.getElementById('viewport'); return viewport.scroll%1 - viewport.client%1; })()"_s
                     .arg(direction))
             .toInt();
     }

@@ -2,7 +2,7 @@
 import { decodeBase64, encodeBase64 } from "./bridge/base64.js";
 import { connect, expose } from "./bridge/bridge.js";
 import { Cursor } from "./score-view/cursor.js";
-import { Desk } from "./score-view/desk.js";
+import { Viewport } from "./score-view/viewport.js";
 import { Documents } from "./session/documents.js";
 import { DrumChannels } from "./playback/drum-channels.js";
 import { Engine } from "./alphatab/engine.js";
@@ -33,8 +33,8 @@ function element(id) {
 playInOrder((score) => scoreOrder(score).bars);
 const post = connect();
 const paper = element("paper");
-const desk = element("desk");
-const engine = new Engine(element("sheet"), new Desk(desk, element("sheet")));
+const viewport = element("viewport");
+const engine = new Engine(element("sheet"), new Viewport(viewport, element("sheet")));
 const playback = new Playback(engine, post);
 // Before the metronome, which takes the channels above all others.
 const channels = new DrumChannels(engine);
@@ -42,12 +42,12 @@ const metronome = new Metronome(engine, playback);
 playback.countWith((tick) => metronome.countInAt(tick));
 const mixer = new Mixer(engine, channels, (anySolo) => metronome.setBesideSolo(anySolo));
 const instruments = new FineInstruments(engine);
-const sheet = new Sheet(engine, paper, desk, new Heading(element("heading")), () => {
+const sheet = new Sheet(engine, paper, viewport, new Heading(element("heading")), () => {
   post({ type: "rendered" });
   instruments.scoreDrawn();
 });
-const selection = new Selection(engine, playback, desk);
-new Follow(engine, playback, desk);
+const selection = new Selection(engine, playback, viewport);
+new Follow(engine, playback, viewport);
 new Cursor(engine);
 const documents = new Documents({ engine, playback, mixer, selection, sheet, post });
 new SoundBank(engine, post);

@@ -37,7 +37,7 @@ class FakeWorker extends EventTarget {
 }
 
 /** A renderer at its worker, with everything that it told the engine. */
-function desk(scrolled = { view, position: { left: 0, top: 0 }, moveTo: () => assert.fail("moved") }) {
+function viewport(scrolled = { view, position: { left: 0, top: 0 }, moveTo: () => assert.fail("moved") }) {
   const worker = new FakeWorker();
   const renderer = new WorkerRenderer(worker, scrolled);
   renderer.width = 900;
@@ -64,7 +64,7 @@ function piece(names, { first = false, last = false, height = 100 } = {}) {
 }
 
 test("a score that the worker has read is asked for by its number", () => {
-  const { worker, renderer } = desk();
+  const { worker, renderer } = viewport();
   const bytes = new Uint8Array([1, 2, 3]);
   const file = renderer.read(bytes);
   assert.deepEqual(worker.last, { cmd: "read", file, bytes });
@@ -76,21 +76,21 @@ test("a score that the worker has read is asked for by its number", () => {
 });
 
 test("the worker is told how wide letters are, which only the page can measure", () => {
-  const { worker, renderer } = desk();
+  const { worker, renderer } = viewport();
   alphaTab.platform.FontSizes.fontSizeLookupTables.set("Measured Serif", [[3, 5, 8]]);
   renderer.renderScore(scoreOf("c4"), [0]);
   assert.deepEqual(worker.last.textWidths.get("Measured Serif"), [[3, 5, 8]]);
 });
 
 test("files are numbered one by one, and a long one, with a recording in it, is not read twice", () => {
-  const { worker, renderer } = desk();
+  const { worker, renderer } = viewport();
   assert.notEqual(renderer.read(new Uint8Array(9)), renderer.read(new Uint8Array(9)));
   assert.equal(renderer.read(new Uint8Array(5 << 20)), null);
   assert.equal(worker.count("read"), 2);
 });
 
 test("any other score is handed over, once, as it is but for its recording", () => {
-  const { worker, renderer } = desk();
+  const { worker, renderer } = viewport();
   const score = scoreOf("\\title \"Tune\" . c4 d4");
   score.backingTrack = new alphaTab.model.BackingTrack();
   score.backingTrack.rawAudioFile = new Uint8Array(1000);
@@ -108,7 +108,7 @@ test("any other score is handed over, once, as it is but for its recording", () 
 });
 
 test("what the worker no longer has is handed over", () => {
-  const { worker, renderer, take } = desk();
+  const { worker, renderer, take } = viewport();
   const score = scoreOf("c4");
   renderer.recognize(score, renderer.read(new Uint8Array(9)));
   renderer.renderScore(score, [0]);
@@ -123,7 +123,7 @@ test("what the worker no longer has is handed over", () => {
 });
 
 test("without a width, a score or a track there is nothing to draw", () => {
-  const { worker, renderer } = desk();
+  const { worker, renderer } = viewport();
   renderer.render();
   renderer.renderScore(scoreOf("c4"), []);
   renderer.renderScore(scoreOf("c4"), null);
@@ -136,7 +136,7 @@ test("without a width, a score or a track there is nothing to draw", () => {
 });
 
 test("another width draws pages anew, and a line without an end only when it has not been drawn", () => {
-  const { worker, renderer } = desk();
+  const { worker, renderer } = viewport();
   const settings = new alphaTab.Settings();
   const draws = (act) => {
     const before = worker.count("draw");
@@ -160,7 +160,7 @@ test("another width draws pages anew, and a line without an end only when it has
 });
 
 test("a line without an end is drawn anew as a whole, and begins when it is new", () => {
-  const { worker, renderer } = desk();
+  const { worker, renderer } = viewport();
   const settings = new alphaTab.Settings();
   const drawn = (act) => {
     act();
@@ -181,7 +181,7 @@ test("a line without an end is drawn anew as a whole, and begins when it is new"
   assert.equal(drawn(() => lay("Page")), false);
 });
 
-/** A score on the paper, five lines of two bars at 200 pixels each, at a desk that can be scrolled. */
+/** A score on the paper, five lines of two bars at 200 pixels each, at a viewport that can be scrolled. */
 function reading() {
   const scrolled = {
     top: 0,
@@ -195,7 +195,7 @@ function reading() {
       this.top = Math.max(top, 0);
     },
   };
-  const { worker, renderer } = desk(scrolled);
+  const { worker, renderer } = viewport(scrolled);
   const score = scoreOf("c4 | d4 | e4 | f4 | g4 | a4 | b4 | c5 | d5 | e5");
   const linesOf = (height) => {
     const bounds = new alphaTab.rendering.BoundsLookup();
@@ -276,7 +276,7 @@ test("another score is not read where the one before was", () => {
 });
 
 test("the first piece makes a new sheet and shows it, the next ones add to it, the last tells the length", () => {
-  const { worker, renderer, take } = desk();
+  const { worker, renderer, take } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
   const { drawing } = worker.last;
   worker.answer({ kind: "drawn", drawing, piece: piece(["A", "b"], { first: true, height: 200 }) });
@@ -288,7 +288,7 @@ test("the first piece makes a new sheet and shows it, the next ones add to it, t
 });
 
 test("a part that came into view is painted on demand", () => {
-  const { worker, renderer, take } = desk();
+  const { worker, renderer, take } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
   const { drawing } = worker.last;
   worker.answer({ kind: "drawn", drawing, piece: piece(["a", "b"], { first: true, last: true }) });
@@ -300,7 +300,7 @@ test("a part that came into view is painted on demand", () => {
 });
 
 test("of a drawing that another took the place of, nothing is heard any more", () => {
-  const { worker, renderer, take } = desk();
+  const { worker, renderer, take } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
   const { drawing: old } = worker.last;
   worker.answer({ kind: "drawn", drawing: old, piece: piece(["A"], { first: true }) });
@@ -319,7 +319,7 @@ test("of a drawing that another took the place of, nothing is heard any more", (
 });
 
 test("a drawing that was given up stops in the worker, and nothing is heard of it", () => {
-  const { worker, renderer, take } = desk();
+  const { worker, renderer, take } = viewport();
   const score = scoreOf("c4");
   renderer.renderScore(score, [0]);
   const { drawing } = worker.last;
@@ -332,7 +332,7 @@ test("a drawing that was given up stops in the worker, and nothing is heard of i
 });
 
 test("a score drawn anew keeps its length until the new one is known; another score does not get it", () => {
-  const { worker, renderer, take } = desk();
+  const { worker, renderer, take } = viewport();
   const draw = (score, ...pieces) => {
     renderer.renderScore(score, [0]);
     const { drawing } = worker.last;
@@ -347,7 +347,7 @@ test("a score drawn anew keeps its length until the new one is known; another sc
 });
 
 test("what goes wrong in the worker reaches the engine, of whichever drawing", () => {
-  const { worker, renderer, take } = desk();
+  const { worker, renderer, take } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
   worker.answer({ kind: "failed", message: "no such clef" });
   const broken = new Event("error");
@@ -357,7 +357,7 @@ test("what goes wrong in the worker reaches the engine, of whichever drawing", (
 });
 
 test("settings go to the worker, without the player's, which it has no use for", () => {
-  const { worker, renderer } = desk();
+  const { worker, renderer } = viewport();
   const settings = new alphaTab.Settings();
   settings.display.scale = 1.25;
   settings.player.scrollElement = "body";
@@ -368,7 +368,7 @@ test("settings go to the worker, without the player's, which it has no use for",
 });
 
 test("drawings stop after their beginning while their rest is held, until it may go on", () => {
-  const { worker, renderer } = desk();
+  const { worker, renderer } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
   assert.equal(worker.last.restHeld, false);
   renderer.holdRest();
@@ -383,7 +383,7 @@ test("drawings stop after their beginning while their rest is held, until it may
 });
 
 test("the worker ends with the renderer", () => {
-  const { worker, renderer } = desk();
+  const { worker, renderer } = viewport();
   renderer.destroy();
   assert.ok(worker.terminated);
 });
@@ -408,7 +408,7 @@ function pieces(score) {
 }
 
 test("every beat of the pieces that came can be found, and a click on it finds it, while the rest is on its way", () => {
-  const { worker, renderer } = desk();
+  const { worker, renderer } = viewport();
   const score = scoreOf("c4.4 d4 e4 f4 |".repeat(120));
   renderer.renderScore(score, [0]);
   const { drawing } = worker.last;
@@ -431,7 +431,7 @@ test("every beat of the pieces that came can be found, and a click on it finds i
 });
 
 test("a new sheet knows nothing of the places of the one before", () => {
-  const { worker, renderer } = desk();
+  const { worker, renderer } = viewport();
   const [before, after] = ["c4.4 d4 e4 f4 |", "g4.4 a4 |"].map((bar) => scoreOf(bar.repeat(4)));
   for (const score of [before, after]) {
     renderer.renderScore(score, [0]);

@@ -45,9 +45,9 @@ export class Engine extends alphaTab.AlphaTabApi {
 
   /**
    * @param {HTMLElement} sheet where the notation is drawn
-   * @param {import("../rendering/reading-place.js").ScrolledView} desk what the sheet lies on
+   * @param {import("../rendering/reading-place.js").ScrolledView} viewport what scrolls, with the notation in it
    */
-  constructor(sheet, desk) {
+  constructor(sheet, viewport) {
     replaceDrawingWorker();
     super(sheet, pageSettings());
     this.sheet = sheet;
@@ -56,7 +56,7 @@ export class Engine extends alphaTab.AlphaTabApi {
     this.recordingPlayer.heard.on((ms) => this.#media?.updatePosition(ms));
     // A recording may end before the last bar does.
     this.recordingPlayer.ended.on(() => this.stop());
-    this.drawing = new WorkerRenderer(drawingWorker, desk);
+    this.drawing = new WorkerRenderer(drawingWorker, viewport);
     this.drawing.updateSettings(this.settings);
     const renderer = /** @type {{ instance: import("@coderline/alphatab").rendering.IScoreRenderer }} */ (
       /** @type {unknown} */ (this.renderer)
@@ -225,7 +225,7 @@ function pageSettings() {
 
   const player = settings.player;
   player.playerMode = alphaTab.PlayerMode.Disabled;
-  player.scrollElement = "#desk";
+  player.scrollElement = "#viewport";
   player.scrollMode = alphaTab.ScrollMode.Continuous;
   // Clicks and drags on the score are read by the page's own Selection.
   player.enableUserInteraction = false;

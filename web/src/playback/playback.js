@@ -5,7 +5,7 @@ import { recordingTime } from "../timing/recording-time.js";
 import { Timeline } from "../timing/timeline.js";
 
 /**
- * The transport: plays the score on the desk, and reports how far it has come.
+ * The transport: plays the open score, and reports how far it has come.
  *
  * @typedef {{ startTick: number, endTick: number }} TickRange
  */

@@ -7,7 +7,7 @@
  * @typedef {{ x: number, y: number, w: number, h: number }} Box
  * @typedef {{ left: number, top: number, right: number, bottom: number }} View relative to the sheet
  *
- * @typedef {object} ScrolledView what scrolls, with the sheet on it
+ * @typedef {object} ScrolledView what scrolls, with the notation in it
  * @property {View} view what can be seen of the sheet
  * @property {{ left: number, top: number }} position how far it is scrolled
  * @property {(view: View) => void} moveTo scrolls, as far as there is something to scroll

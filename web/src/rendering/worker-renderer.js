@@ -15,7 +15,7 @@ import { placeIn, viewAt } from "./reading-place.js";
  * @typedef {import("./reading-place.js").Place} Place
  * @typedef {import("@coderline/alphatab").rendering.BoundsLookup} BoundsLookup
  *
- * @typedef {{ place: Place, left: number, top: number, marked: number | null }} Return how far the desk was scrolled, and
+ * @typedef {{ place: Place, left: number, top: number, marked: number | null }} Return how far the viewport was scrolled, and
  *   what was marked
  *
  * Requests are told apart by "cmd", as the engine's own workers, which live in the same script, look for it.
@@ -74,7 +74,7 @@ export class WorkerRenderer {
   #asked = false;
 
   #worker;
-  #desk;
+  #viewport;
   #files = 0;
   /** @type {WeakMap<Score, number>} the number of each score's file with the worker */
   #fileOf = new WeakMap();
@@ -93,11 +93,11 @@ export class WorkerRenderer {
 
   /**
    * @param {Worker} worker running drawing-worker.js
-   * @param {import("./reading-place.js").ScrolledView} desk
+   * @param {import("./reading-place.js").ScrolledView} viewport
    */
-  constructor(worker, desk) {
+  constructor(worker, viewport) {
     this.#worker = worker;
-    this.#desk = desk;
+    this.#viewport = viewport;
     worker.addEventListener("message", ({ data }) => this.#hear(data));
     worker.addEventListener("error", (event) => this.error.trigger(new Error(event.message)));
   }
@@ -159,10 +159,10 @@ export class WorkerRenderer {
    */
   changePaper(change) {
     this.#holdPlace();
-    const { view } = this.#desk;
+    const { view } = this.#viewport;
     change();
     if (this.#place) {
-      this.#desk.moveTo(view);
+      this.#viewport.moveTo(view);
     }
   }
 
@@ -175,12 +175,12 @@ export class WorkerRenderer {
     if (this.#place || !this.boundsLookup || this.#shown.score !== this.#score) {
       return;
     }
-    const { left, top } = this.#desk.position;
+    const { left, top } = this.#viewport.position;
     const before = this.#returned;
     if (before && before.left === left && before.top === top && before.marked === this.markedBar) {
       this.#place = before.place;
     } else if (left > 0 || top > 0) {
-      this.#place = placeIn(this.boundsLookup, this.#desk.view, this.markedBar);
+      this.#place = placeIn(this.boundsLookup, this.#viewport.view, this.markedBar);
     }
   }
 
@@ -214,7 +214,7 @@ export class WorkerRenderer {
         score: file === undefined ? handedOver(score) : null,
         tracks: this.#tracks,
         width: this.width,
-        view: this.#desk.view,
+        view: this.#viewport.view,
         place: this.#place,
         textWidths: textWidths(),
         restHeld: this.#restHeld,
@@ -301,10 +301,10 @@ export class WorkerRenderer {
   /** @param {Piece} piece */
   #returnToPlace({ first, last }) {
     const place = first ? this.#place : null;
-    const view = place && this.boundsLookup ? viewAt(place, this.boundsLookup, this.#desk.view, this.#sideways) : null;
+    const view = place && this.boundsLookup ? viewAt(place, this.boundsLookup, this.#viewport.view, this.#sideways) : null;
     if (place && view) {
-      this.#desk.moveTo(view);
-      this.#returned = { place, ...this.#desk.position, marked: this.markedBar };
+      this.#viewport.moveTo(view);
+      this.#returned = { place, ...this.#viewport.position, marked: this.markedBar };
     }
     if (last || !this.#sideways) {
       this.#place = null;

@@ -31,7 +31,7 @@ const scrollKeys = new Set(["ArrowUp", "ArrowDown", "ArrowLeft", "ArrowRight", "
 export class Follow {
   #api;
   #playback;
-  #desk;
+  #viewport;
   #lastOwnScroll = -Infinity;
   /** Whether the reader is choosing something on the score, which then stays where it is. */
   #choosing = false;
@@ -52,18 +52,18 @@ export class Follow {
   /**
    * @param {import("../alphatab/engine.js").Engine} api
    * @param {import("../playback/playback.js").Playback} playback
-   * @param {HTMLElement} desk what scrolls
+   * @param {HTMLElement} viewport what scrolls
    */
-  constructor(api, playback, desk) {
+  constructor(api, playback, viewport) {
     this.#api = api;
     this.#playback = playback;
-    this.#desk = desk;
+    this.#viewport = viewport;
     api.customScrollHandler = this;
     for (const gesture of ["wheel", "touchmove", "keydown", "mousedown"]) {
-      desk.ownerDocument.addEventListener(gesture, (event) => this.#noticeReader(event), { capture: true, passive: true });
+      viewport.ownerDocument.addEventListener(gesture, (event) => this.#noticeReader(event), { capture: true, passive: true });
     }
     for (const gesture of ["pointerdown", "pointermove", "pointerup", "pointercancel"]) {
-      desk.ownerDocument.addEventListener(gesture, (event) => this.#noticeChoosing(event), { capture: true, passive: true });
+      viewport.ownerDocument.addEventListener(gesture, (event) => this.#noticeChoosing(event), { capture: true, passive: true });
     }
     api.playerPositionChanged.on(({ isSeek }) => {
       if (isSeek) {
@@ -144,9 +144,9 @@ export class Follow {
 
   /** @param {Event} event */
   #noticeReader(event) {
-    // A press on the score itself chooses a place; one on the desk's edge is the scroll bar being taken.
+    // A press on the score itself chooses a place; one on the viewport's edge is the scroll bar being taken.
     const scrolls =
-      event instanceof KeyboardEvent ? scrollKeys.has(event.key) : event.type !== "mousedown" || event.target === this.#desk;
+      event instanceof KeyboardEvent ? scrollKeys.has(event.key) : event.type !== "mousedown" || event.target === this.#viewport;
     if (scrolls) {
       this.#lastOwnScroll = performance.now();
       this.#readerScrolled = true;
@@ -169,41 +169,41 @@ export class Follow {
    * @param {number} duration of the glide in milliseconds
    */
   #reveal(beat, endX, duration) {
-    const desk = this.#desk;
+    const viewport = this.#viewport;
     const system = beat.barBounds.masterBarBounds.visualBounds;
     const target = this.#target;
     // A system that is higher than the view keeps to the place that the one before had before it made room.
-    const top = isTooHigh(system.h, desk.clientHeight) ? (this.#madeRoom?.top ?? target.top) : target.top;
+    const top = isTooHigh(system.h, viewport.clientHeight) ? (this.#madeRoom?.top ?? target.top) : target.top;
     this.#madeRoom = null;
     const { x, y } = this.#sheetIn({ left: target.left, top });
     const before = this.#line && { top: y + this.#line.y, height: this.#line.h };
     this.#line = system;
-    const sideways = sidewaysStep(x + beat.onNotesX, desk.clientWidth, x + endX);
-    const down = lineStep({ top: y + system.y, height: system.h }, before, desk.clientHeight);
-    const seen = this.#sheetIn({ left: desk.scrollLeft, top: desk.scrollTop });
+    const sideways = sidewaysStep(x + beat.onNotesX, viewport.clientWidth, x + endX);
+    const down = lineStep({ top: y + system.y, height: system.h }, before, viewport.clientHeight);
+    const seen = this.#sheetIn({ left: viewport.scrollLeft, top: viewport.scrollTop });
     const unseen =
       seen.y + system.y + system.h <= 0 ||
-      seen.y + system.y >= desk.clientHeight ||
+      seen.y + system.y >= viewport.clientHeight ||
       seen.x + beat.onNotesX <= 0 ||
-      seen.x + beat.onNotesX >= desk.clientWidth;
+      seen.x + beat.onNotesX >= viewport.clientWidth;
     this.#glideTo(target.left + sideways, top + down, unseen ? 0 : duration);
   }
 
-  /** How far the desk is scrolled when the glide under way has ended. */
+  /** How far the viewport is scrolled when the glide under way has ended. */
   get #target() {
-    return this.#glideTarget ?? { left: this.#desk.scrollLeft, top: this.#desk.scrollTop };
+    return this.#glideTarget ?? { left: this.#viewport.scrollLeft, top: this.#viewport.scrollTop };
   }
 
   /**
-   * Where the sheet begins, relative to the view, when the desk is scrolled.
+   * Where the sheet begins, relative to the view, when the viewport is scrolled.
    *
    * @param {{ left: number, top: number }} scrolled how far
    */
   #sheetIn({ left, top }) {
-    const desk = this.#desk;
+    const viewport = this.#viewport;
     const origin = this.#api.sheet.getBoundingClientRect();
-    const view = desk.getBoundingClientRect();
-    return { x: origin.left - view.left + desk.scrollLeft - left, y: origin.top - view.top + desk.scrollTop - top };
+    const view = viewport.getBoundingClientRect();
+    return { x: origin.left - view.left + viewport.scrollLeft - left, y: origin.top - view.top + viewport.scrollTop - top };
   }
 
   /**
@@ -240,7 +240,7 @@ export class Follow {
     const step = lookAheadStep(
       { top: y + now.y, height: now.h },
       { top: y + next.y, height: next.h },
-      this.#desk.clientHeight,
+      this.#viewport.clientHeight,
       margin,
     );
     if (step !== 0) {
@@ -255,22 +255,22 @@ export class Follow {
    * @param {number} duration
    */
   #glideTo(left, top, duration) {
-    const desk = this.#desk;
+    const viewport = this.#viewport;
     const target = {
-      left: Math.min(Math.max(left, 0), desk.scrollWidth - desk.clientWidth),
-      top: Math.min(Math.max(top, 0), desk.scrollHeight - desk.clientHeight),
+      left: Math.min(Math.max(left, 0), viewport.scrollWidth - viewport.clientWidth),
+      top: Math.min(Math.max(top, 0), viewport.scrollHeight - viewport.clientHeight),
     };
     const goal = this.#target;
     if (Math.abs(target.left - goal.left) < 1 && Math.abs(target.top - goal.top) < 1 && (duration > 0 || !this.#glideTarget)) {
       return;
     }
-    const start = { left: desk.scrollLeft, top: desk.scrollTop };
+    const start = { left: viewport.scrollLeft, top: viewport.scrollTop };
     this.#stopGlide();
     const began = performance.now();
     const step = () => {
       const progress = duration > 0 ? Math.min((performance.now() - began) / duration, 1) : 1;
       const eased = progress < 0.5 ? 2 * progress * progress : 1 - 2 * (1 - progress) * (1 - progress);
-      desk.scrollTo(start.left + (target.left - start.left) * eased, start.top + (target.top - start.top) * eased);
+      viewport.scrollTo(start.left + (target.left - start.left) * eased, start.top + (target.top - start.top) * eased);
       this.#glideTarget = progress < 1 ? target : null;
       if (progress < 1) {
         this.#glide = requestAnimationFrame(step);

@@ -29,7 +29,7 @@ export class Selection {
   #api;
   #playback;
   #sheet;
-  #desk;
+  #viewport;
   #layer = document.createElement("div");
   /** @type {Press | null} */
   #press = null;
@@ -47,13 +47,13 @@ export class Selection {
   /**
    * @param {import("../alphatab/engine.js").Engine} api
    * @param {import("../playback/playback.js").Playback} playback
-   * @param {HTMLElement} desk what scrolls
+   * @param {HTMLElement} viewport what scrolls
    */
-  constructor(api, playback, desk) {
+  constructor(api, playback, viewport) {
     this.#api = api;
     this.#playback = playback;
     this.#sheet = api.sheet;
-    this.#desk = desk;
+    this.#viewport = viewport;
     this.#sheet.append(this.#layer);
     this.#layer.className = "ranges";
     // alphaTab takes a press for a drag of its own. It does not scroll until that ends on its surface, and a captured
@@ -64,7 +64,7 @@ export class Selection {
     this.#sheet.addEventListener("pointerup", (event) => this.#onRelease(event));
     this.#sheet.addEventListener("pointercancel", () => this.#cancel());
     // The wheel takes another beat under a pointer that stays.
-    desk.addEventListener("scroll", () => this.#extend(), { passive: true });
+    viewport.addEventListener("scroll", () => this.#extend(), { passive: true });
     api.postRenderFinished.on(() => this.#draw());
   }
 
@@ -117,9 +117,9 @@ export class Selection {
     if (!press || !(press.dragging || press.extending)) {
       return;
     }
-    const view = this.#desk.getBoundingClientRect();
-    const x = Math.min(Math.max(this.#pointer.x, view.left), view.left + this.#desk.clientWidth - 1);
-    const y = Math.min(Math.max(this.#pointer.y, view.top), view.top + this.#desk.clientHeight - 1);
+    const view = this.#viewport.getBoundingClientRect();
+    const x = Math.min(Math.max(this.#pointer.x, view.left), view.left + this.#viewport.clientWidth - 1);
+    const y = Math.min(Math.max(this.#pointer.y, view.top), view.top + this.#viewport.clientHeight - 1);
     const beat = this.#beatAt(x, y);
     if (beat) {
       const anchor = this.#anchor ?? this.#beatPlayed() ?? press.beat;
@@ -155,15 +155,15 @@ export class Selection {
       return;
     }
     this.#scrolledAt = now;
-    this.#desk.scrollBy(speed.x * seconds, speed.y * seconds);
+    this.#viewport.scrollBy(speed.x * seconds, speed.y * seconds);
     requestAnimationFrame(() => this.#scrollOn());
   }
 
   #edgeSpeed() {
-    const view = this.#desk.getBoundingClientRect();
+    const view = this.#viewport.getBoundingClientRect();
     return {
-      x: edgeSpeed * edgePart(this.#pointer.x - view.left, this.#desk.clientWidth),
-      y: edgeSpeed * edgePart(this.#pointer.y - view.top, this.#desk.clientHeight),
+      x: edgeSpeed * edgePart(this.#pointer.x - view.left, this.#viewport.clientWidth),
+      y: edgeSpeed * edgePart(this.#pointer.y - view.top, this.#viewport.clientHeight),
     };
   }
 

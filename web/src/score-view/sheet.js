@@ -14,7 +14,7 @@ const patience = 2000;
 export class Sheet {
   #api;
   #paper;
-  #desk;
+  #viewport;
   #heading;
   #onRendered;
   #drawing = 0;
@@ -22,14 +22,14 @@ export class Sheet {
   /**
    * @param {import("../alphatab/engine.js").Engine} api
    * @param {HTMLElement} paper
-   * @param {HTMLElement} desk what scrolls
+   * @param {HTMLElement} viewport what scrolls
    * @param {import("./heading.js").Heading} heading
    * @param {() => void} onRendered called when what can be seen of a finished drawing is on the paper
    */
-  constructor(api, paper, desk, heading, onRendered) {
+  constructor(api, paper, viewport, heading, onRendered) {
     this.#api = api;
     this.#paper = paper;
-    this.#desk = desk;
+    this.#viewport = viewport;
     this.#heading = heading;
     this.#onRendered = onRendered;
     this.#sizePaper(1);
@@ -59,13 +59,13 @@ export class Sheet {
     this.#api.show(score);
   }
 
-  /** Puts the paper on the desk; it is not there before the first score. */
+  /** Puts the paper on the viewport; it is not there before the first score. */
   lay() {
     this.#paper.classList.remove("empty");
   }
 
   scrollToTop() {
-    this.#desk.scrollTo(0, 0);
+    this.#viewport.scrollTo(0, 0);
   }
 
   /** @param {number[]} trackIds */
@@ -133,7 +133,7 @@ export class Sheet {
   }
 
   #visiblePartsPainted() {
-    const view = this.#desk.getBoundingClientRect();
+    const view = this.#viewport.getBoundingClientRect();
     for (const part of this.#paper.querySelectorAll(".at-surface > div")) {
       const box = part.getBoundingClientRect();
       const visible =

@@ -9,7 +9,7 @@ import { exportGuitarPro } from "../score-files/guitar-pro/export.js";
 import { readScore } from "../score-files/score-files.js";
 
 /**
- * The score on the desk: opening another, choosing how it sounds, and writing it out again.
+ * The open score: opening another, choosing how it sounds, and writing it out again.
  *
  * @typedef {object} Surroundings
  * @property {import("../alphatab/engine.js").Engine} engine
@@ -99,7 +99,7 @@ export class Documents {
     }
   }
 
-  /** The recording of the score on the desk cannot be heard after all: the synthesizer takes its place. */
+  /** The recording of the open score cannot be heard after all: the synthesizer takes its place. */
   giveUpRecording() {
     const score = this.#engine.score;
     if (!score || !this.#recordings.of(score)) {

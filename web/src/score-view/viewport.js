@@ -1,28 +1,28 @@
 // @ts-check
 /**
- * What scrolls, with the sheet on it.
+ * What scrolls, with the notation in it.
  *
  * @typedef {import("../rendering/reading-place.js").View} View
  */
-export class Desk {
-  #desk;
+export class Viewport {
+  #viewport;
   #sheet;
 
   /**
-   * @param {HTMLElement} desk
+   * @param {HTMLElement} viewport
    * @param {HTMLElement} sheet
    */
-  constructor(desk, sheet) {
-    this.#desk = desk;
+  constructor(viewport, sheet) {
+    this.#viewport = viewport;
     this.#sheet = sheet;
     // Keys scroll what has the focus, and nothing else on the page takes any.
-    desk.tabIndex = -1;
-    desk.focus({ preventScroll: true });
+    viewport.tabIndex = -1;
+    viewport.focus({ preventScroll: true });
   }
 
   /** What can be seen of the sheet. */
   get view() {
-    const view = this.#desk.getBoundingClientRect();
+    const view = this.#viewport.getBoundingClientRect();
     const origin = this.#sheet.getBoundingClientRect();
     return {
       left: view.left - origin.left,
@@ -34,7 +34,7 @@ export class Desk {
 
   /** How far it is scrolled. */
   get position() {
-    return { left: this.#desk.scrollLeft, top: this.#desk.scrollTop };
+    return { left: this.#viewport.scrollLeft, top: this.#viewport.scrollTop };
   }
 
   /**
@@ -44,6 +44,6 @@ export class Desk {
    */
   moveTo(view) {
     const now = this.view;
-    this.#desk.scrollBy(view.left - now.left, view.top - now.top);
+    this.#viewport.scrollBy(view.left - now.left, view.top - now.top);
   }
 }
