@@ -58,7 +58,7 @@ private Q_SLOTS:
         QFETCH(QString, title);
         QVERIFY(m_session->open(EngineScores::musicXml({ .title = title, .composer = title })));
         QCOMPARE(m_session->last(u"score"_s).value(u"title"_s).toString(), title);
-        const QString drawn = m_session->valueOf(u"document.getElementById('paper').textContent"_s).toString();
+        const QString drawn = m_session->valueOf(u"document.getElementById('score-page').textContent"_s).toString();
         QVERIFY2(drawn.contains(title), qPrintable(drawn.left(200)));
     }
 
@@ -138,7 +138,7 @@ private Q_SLOTS:
         m_session->call(BridgeCalls::playPause());
         QVERIFY(m_session->waitFor([&] { return m_session->position() > 1000; }));
         QVERIFY(lastIsHere());
-        QVERIFY(m_session->valueOf(u"document.getElementById('paper').textContent"_s).toString().contains(u"Three"_s));
+        QVERIFY(m_session->valueOf(u"document.getElementById('score-page').textContent"_s).toString().contains(u"Three"_s));
     }
 
     void theExportOpensAgain()

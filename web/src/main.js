@@ -32,7 +32,7 @@ function element(id) {
 
 playInOrder((score) => scoreOrder(score).bars);
 const post = connect();
-const paper = element("paper");
+const scorePage = element("score-page");
 const viewport = element("viewport");
 const engine = new Engine(element("sheet"), new Viewport(viewport, element("sheet")));
 const playback = new Playback(engine, post);
@@ -42,7 +42,7 @@ const metronome = new Metronome(engine, playback);
 playback.countWith((tick) => metronome.countInAt(tick));
 const mixer = new Mixer(engine, channels, (anySolo) => metronome.setBesideSolo(anySolo));
 const instruments = new FineInstruments(engine);
-const sheet = new Sheet(engine, paper, viewport, new Heading(element("heading")), () => {
+const sheet = new Sheet(engine, scorePage, viewport, new Heading(element("heading")), () => {
   post({ type: "rendered" });
   instruments.scoreDrawn();
 });

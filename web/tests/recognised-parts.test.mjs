@@ -42,7 +42,7 @@ test("a part of one staff becomes a guitar's, with its sound, octave, tuning and
   assert.ok(staff.showTablature && staff.showStandardNotation);
   const keys = notesOf(track).map((n) => n.realValue);
   assert.deepEqual(keys, [40, 55, 59, 48, 52, 55, 60, 64, 66, 62]);
-  // The paper looks as it did.
+  // The score page looks as it did.
   assert.deepEqual(notesOf(track).map((n) => n.displayValue), keys.map((key) => key + 12));
   assert.deepEqual(tab(track).slice(0, 8), ["1:0", "4:0", "5:0", "2:3", "3:2", "4:0", "5:1", "6:0"]);
 });

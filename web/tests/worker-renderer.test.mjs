@@ -181,7 +181,7 @@ test("a line without an end is drawn anew as a whole, and begins when it is new"
   assert.equal(drawn(() => lay("Page")), false);
 });
 
-/** A score on the paper, five lines of two bars at 200 pixels each, at a viewport that can be scrolled. */
+/** A score on the score page, five lines of two bars at 200 pixels each, at a viewport that can be scrolled. */
 function reading() {
   const scrolled = {
     top: 0,
@@ -239,10 +239,10 @@ test("readers find themselves again when the score is drawn anew, until they mov
   assert.equal(scrolled.top, 195);
 });
 
-test("the place before the paper changed counts, and what is on it stays there until it is drawn anew", () => {
+test("the place before the score page changed counts, and what is on it stays there until it is drawn anew", () => {
   const { scrolled, renderer, answer } = reading();
   scrolled.top = 390;
-  renderer.changePaper(() => (scrolled.top = 530));
+  renderer.changeScorePage(() => (scrolled.top = 530));
   assert.equal(scrolled.top, 390);
   scrolled.top = 530;
   renderer.render();
@@ -254,7 +254,7 @@ test("the place before the paper changed counts, and what is on it stays there u
 test("readers go with the mark while they see it, and the beginning stays at the top", () => {
   const { scrolled, renderer, answer } = reading();
   renderer.markedBar = 6;
-  renderer.changePaper(() => {});
+  renderer.changeScorePage(() => {});
   renderer.render();
   assert.equal(answer(400), null);
   scrolled.top = 900;
@@ -269,7 +269,7 @@ test("readers go with the mark while they see it, and the beginning stays at the
 test("another score is not read where the one before was", () => {
   const { scrolled, renderer, answer } = reading();
   scrolled.top = 390;
-  renderer.changePaper(() => {});
+  renderer.changeScorePage(() => {});
   renderer.renderScore(scoreOf("c5"), [0]);
   assert.equal(answer(200), null);
   assert.deepEqual([scrolled.top, renderer.drewAgain, renderer.markedBar], [390, false, null]);

@@ -218,7 +218,7 @@ function pageSettings() {
   settings.core.smuflFontSources = new Map([
     [alphaTab.FontFileFormat.Woff2, new URL("../../vendor/font/Bravura.woff2", import.meta.url).href],
   ]);
-  // The paper has its own margins.
+  // The score page has its own margins.
   settings.display.padding = [12, 8];
   chooseFonts(settings.display.resources);
   hideEngineHeading(settings);

@@ -114,7 +114,7 @@ export class Playback {
   /** To be called before another score is handed to the engine. */
   leaveScore() {
     if (this.#playing) {
-      // The next score reaches the player only when its first lines are on the paper.
+      // The next score reaches the player only when its first lines are on the score page.
       this.#api.pause();
     }
     this.#stale = true;

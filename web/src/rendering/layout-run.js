@@ -5,7 +5,7 @@ import { viewAt } from "./reading-place.js";
 /**
  * One drawing of a score, laid out a few bars at a time. The engine lays out a whole score or, after an edit, all from
  * one bar on; here each step shows it some bars more and has it go on from the last line, which was not full yet. The
- * first piece covers what can be seen, so that it is on the paper long before the end is known.
+ * first piece covers what can be seen, so that it is on the score page long before the end is known.
  *
  * @typedef {import("@coderline/alphatab").rendering.ScoreRenderer} ScoreRenderer
  * @typedef {import("@coderline/alphatab").rendering.RenderFinishedEventArgs} Part

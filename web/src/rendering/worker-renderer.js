@@ -53,19 +53,19 @@ export class WorkerRenderer {
   postRenderFinished = new Emitter();
   /** @type {Emitter<Error>} */
   error = new Emitter();
-  /** @type {Emitter<Piece>} what can be seen is on the paper (its first piece), or all is laid out (its last) */
+  /** @type {Emitter<Piece>} what can be seen is on the score page (its first piece), or all is laid out (its last) */
   pieceShown = new Emitter();
 
   /** @type {BoundsLookup | null} */
   boundsLookup = null;
   width = 0;
 
-  /** @type {number | null} the bar that is marked on the paper, by its index */
+  /** @type {number | null} the bar that is marked on the score page, by its index */
   markedBar = null;
-  /** Whether the score drawn last was on the paper before. */
+  /** Whether the score drawn last was on the score page before. */
   drewAgain = false;
 
-  /** Whether the score is to be drawn as nothing on the paper shows it yet. */
+  /** Whether the score is to be drawn as nothing on the score page shows it yet. */
   awaited = false;
 
   /** Whether lines go on for ever, whatever the width. */
@@ -84,7 +84,7 @@ export class WorkerRenderer {
   #score = null;
   /** @type {number[]} */
   #tracks = [];
-  /** @type {{ score: Score | null, height: number, sideways: boolean }} what is on the paper */
+  /** @type {{ score: Score | null, height: number, sideways: boolean }} what is on the score page */
   #shown = { score: null, height: 0, sideways: false };
   /** @type {Place | null} where readers are to find themselves again */
   #place = null;
@@ -153,11 +153,11 @@ export class WorkerRenderer {
   }
 
   /**
-   * Changes the paper for a score that is to be drawn anew. Until it is, what is on the paper stays where it is.
+   * Changes the score page for a score that is to be drawn anew. Until it is, what is on the score page stays where it is.
    *
    * @param {() => void} change
    */
-  changePaper(change) {
+  changeScorePage(change) {
     this.#holdPlace();
     const { view } = this.#viewport;
     change();

@@ -2,18 +2,18 @@
 import { alphaTab } from "../shared/alphatab.js";
 
 /**
- * The paper with the notation on it: which tracks it shows, how they are laid out, how large they are drawn.
+ * The score page with the notation on it: which tracks it shows, how they are laid out, how large they are drawn.
  */
 
-/** Width of the paper at zoom 1, in CSS pixels: about five bars of guitar to a line. */
-const paperWidth = 1180;
+/** Width of the score page at zoom 1, in CSS pixels: about five bars of guitar to a line. */
+const pageWidth = 1180;
 
 /** How long a finished drawing may keep its visible part waiting before it is reported all the same, in milliseconds. */
 const patience = 2000;
 
 export class Sheet {
   #api;
-  #paper;
+  #scorePage;
   #viewport;
   #heading;
   #onRendered;
@@ -21,18 +21,18 @@ export class Sheet {
 
   /**
    * @param {import("../alphatab/engine.js").Engine} api
-   * @param {HTMLElement} paper
+   * @param {HTMLElement} scorePage
    * @param {HTMLElement} viewport what scrolls
    * @param {import("./heading.js").Heading} heading
-   * @param {() => void} onRendered called when what can be seen of a finished drawing is on the paper
+   * @param {() => void} onRendered called when what can be seen of a finished drawing is on the score page
    */
-  constructor(api, paper, viewport, heading, onRendered) {
+  constructor(api, scorePage, viewport, heading, onRendered) {
     this.#api = api;
-    this.#paper = paper;
+    this.#scorePage = scorePage;
     this.#viewport = viewport;
     this.#heading = heading;
     this.#onRendered = onRendered;
-    this.#sizePaper(1);
+    this.#sizeScorePage(1);
     api.renderStarted.on(() => {
       this.#drawing++;
     });
@@ -59,9 +59,9 @@ export class Sheet {
     this.#api.show(score);
   }
 
-  /** Puts the paper on the viewport; it is not there before the first score. */
-  lay() {
-    this.#paper.classList.remove("empty");
+  /** Shows the score page, which is hidden before the first score. */
+  showPage() {
+    this.#scorePage.classList.remove("empty");
   }
 
   scrollToTop() {
@@ -73,7 +73,7 @@ export class Sheet {
     const score = this.#api.score;
     const tracks = score ? trackIds.map((id) => score.tracks[id]).filter(Boolean) : [];
     if (tracks.length > 0) {
-      this.#api.drawing.changePaper(() =>
+      this.#api.drawing.changeScorePage(() =>
         this.#heading.show(/** @type {import("../shared/alphatab.js").Score} */ (score), tracks),
       );
       this.#api.renderTracks(tracks);
@@ -83,7 +83,7 @@ export class Sheet {
   /** @param {string} layout */
   setLayout(layout) {
     const horizontal = layout === "horizontal";
-    this.#api.drawing.changePaper(() => this.#paper.classList.toggle("horizontal", horizontal));
+    this.#api.drawing.changeScorePage(() => this.#scorePage.classList.toggle("horizontal", horizontal));
     this.#api.settings.display.layoutMode = horizontal ? alphaTab.LayoutMode.Horizontal : alphaTab.LayoutMode.Page;
     this.#redraw();
   }
@@ -91,21 +91,21 @@ export class Sheet {
   /** @param {number} zoom */
   setZoom(zoom) {
     if (Number.isFinite(zoom) && zoom > 0) {
-      this.#api.drawing.changePaper(() => this.#sizePaper(zoom));
+      this.#api.drawing.changeScorePage(() => this.#sizeScorePage(zoom));
       this.#api.settings.display.scale = zoom;
       this.#redraw();
     }
   }
 
   /**
-   * Smaller notation on the same paper would make lines too long to read, larger notation lines of two bars.
+   * Smaller notation on the same page would make lines too long to read, larger notation lines of two bars.
    *
    * @param {number} zoom
    */
-  #sizePaper(zoom) {
-    const width = Math.round(paperWidth * Math.min(Math.max(zoom, 0.75), 2));
-    this.#paper.style.setProperty("--paper-width", `${width}px`);
-    this.#paper.style.setProperty("--zoom", String(zoom));
+  #sizeScorePage(zoom) {
+    const width = Math.round(pageWidth * Math.min(Math.max(zoom, 0.75), 2));
+    this.#scorePage.style.setProperty("--page-width", `${width}px`);
+    this.#scorePage.style.setProperty("--zoom", String(zoom));
   }
 
   #redraw() {
@@ -134,7 +134,7 @@ export class Sheet {
 
   #visiblePartsPainted() {
     const view = this.#viewport.getBoundingClientRect();
-    for (const part of this.#paper.querySelectorAll(".at-surface > div")) {
+    for (const part of this.#scorePage.querySelectorAll(".at-surface > div")) {
       const box = part.getBoundingClientRect();
       const visible =
         box.bottom > view.top && box.top < view.bottom && box.right > view.left && box.left < view.right;

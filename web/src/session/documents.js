@@ -137,7 +137,7 @@ export class Documents {
     this.#playback.leaveScore();
     this.#mixer.leaveScore();
     this.#choosePlayer(score);
-    this.#sheet.lay();
+    this.#sheet.showPage();
     this.#sheet.scrollToTop();
     this.#post({
       type: "score",

@@ -34,7 +34,7 @@ export class FineInstruments {
     });
   }
 
-  /** To be called when what can be seen of the score is on the paper. */
+  /** To be called when what can be seen of the score is on the score page. */
   scoreDrawn() {
     this.#drawn = true;
     this.#begin();

@@ -72,7 +72,7 @@ import { assignVoices } from "./voices.js";
  * @property {number} staffCount
  */
 
-/** Where and how things are drawn on the paper that a file was made for. */
+/** Where and how things are drawn on the score page that a file was made for. */
 const layout = new Set(
   `default-x default-y relative-x relative-y font-family font-weight font-style color bezier-x bezier-y bezier-x2 bezier-y2
    width dynamics end-dynamics orientation xml:lang`.split(/\s+/),
