@@ -28,7 +28,7 @@ QPoint SheetTest::beatAt(int bar, int beat)
     const QVariantList place
         = m_session
               ->valueOf(
-                  u"(() => { const heads = [...document.querySelectorAll('#sheet .at-surface g[class^=b]')]"
+                  u"(() => { const heads = [...document.querySelectorAll('#notation .at-surface g[class^=b]')]"
                   ".map((group) => group.getBoundingClientRect()).filter((box) => box.width > 0); "
                   "const tops = Math.min(...heads.map((box) => box.top)); "
                   "const line = heads.filter((box) => box.top < tops + 60).sort((a, b) => a.left - b.left); "

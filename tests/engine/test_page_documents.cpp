@@ -220,7 +220,7 @@ private Q_SLOTS:
         const QVariantMap score = m_session->last(u"score"_s);
         QTEST(score.value(u"title"_s).toString(), "title");
         QTEST(int(score.value(u"tracks"_s).toList().size()), "tracks");
-        QVERIFY(m_session->valueOf(u"document.querySelectorAll('#sheet svg').length"_s).toInt() > 0);
+        QVERIFY(m_session->valueOf(u"document.querySelectorAll('#notation svg').length"_s).toInt() > 0);
 
         m_session->call(BridgeCalls::playPause());
         QVERIFY(m_session->waitFor([&] { return m_session->isPlaying() && m_session->position() > 400; }));

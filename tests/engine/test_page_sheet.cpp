@@ -24,12 +24,12 @@ private Q_SLOTS:
         // The second score comes while the mark is far on in the first one.
         for (int turn = 0; turn < 2; ++turn) {
             m_session->call(
-                u"for (const drawn of document.querySelectorAll('#sheet svg')) { drawn.dataset.before = ''; } "
+                u"for (const drawn of document.querySelectorAll('#notation svg')) { drawn.dataset.before = ''; } "
                 "window.firstMarks = null; "
                 "window.marks = () => [...document.querySelectorAll('.at-cursor-bar, .at-cursor-beat')].flatMap((mark) "
                 "=> "
                 "{ const { x, y, width, height } = mark.getBoundingClientRect(); return [x, y, width, height]; }); "
-                "const look = () => { if (document.querySelector('#sheet svg:not([data-before])')) { "
+                "const look = () => { if (document.querySelector('#notation svg:not([data-before])')) { "
                 "setTimeout(() => { firstMarks = marks(); }); } else { requestAnimationFrame(look); } }; look();"_s);
             QVERIFY(m_session->open(threeParts()));
             const QVariantList first = m_session->valueOf(u"firstMarks"_s).toList();
@@ -351,7 +351,7 @@ private:
         QVERIFY(m_session->waitFor([&] { return m_session->valueOf(u"settled"_s).toBool(); }));
     }
 
-    QString drawnText() { return m_session->valueOf(u"document.getElementById('sheet').textContent"_s).toString(); }
+    QString drawnText() { return m_session->valueOf(u"document.getElementById('notation').textContent"_s).toString(); }
 
     double rangeWidth()
     {
@@ -377,7 +377,7 @@ private:
     QPointF placeOfBar(int number)
     {
         const QVariantList place = m_session
-                                       ->valueOf(u"(() => { const text = [...document.querySelectorAll('#sheet text')]"
+                                       ->valueOf(u"(() => { const text = [...document.querySelectorAll('#notation text')]"
                                                  ".find((one) => one.textContent.trim() === '%1'); "
                                                  "const { left, top } = text?.getBoundingClientRect() ?? {}; "
                                                  "return text ? [left, top] : []; })()"_s.arg(number))
@@ -389,7 +389,7 @@ private:
     {
         return m_session
             ->valueOf(
-                u"Number([...document.querySelectorAll('#sheet text')].filter((text) => "
+                u"Number([...document.querySelectorAll('#notation text')].filter((text) => "
                 u"/^\\s*\\d+\\s*$/.test(text.textContent) "
                 "&& text.getBoundingClientRect().top > 100).sort((a, b) => a.textContent - b.textContent)[0]?.textContent ?? 0)"_s)
             .toInt();

@@ -15,7 +15,7 @@ import { playInOrder } from "./alphatab/play-through.js";
 import { Playback } from "./playback/playback.js";
 import { scoreOrder } from "./playback/score-order.js";
 import { Selection } from "./score-view/selection.js";
-import { Sheet } from "./score-view/sheet.js";
+import { ScoreView } from "./score-view/score-view.js";
 import { SoundBank } from "./sounds/sound-bank.js";
 import { Tidying } from "./session/tidying.js";
 
@@ -34,7 +34,7 @@ playInOrder((score) => scoreOrder(score).bars);
 const post = connect();
 const scorePage = element("score-page");
 const viewport = element("viewport");
-const engine = new Engine(element("sheet"), new Viewport(viewport, element("sheet")));
+const engine = new Engine(element("notation"), new Viewport(viewport, element("notation")));
 const playback = new Playback(engine, post);
 // Before the metronome, which takes the channels above all others.
 const channels = new DrumChannels(engine);
@@ -42,14 +42,14 @@ const metronome = new Metronome(engine, playback);
 playback.countWith((tick) => metronome.countInAt(tick));
 const mixer = new Mixer(engine, channels, (anySolo) => metronome.setBesideSolo(anySolo));
 const instruments = new FineInstruments(engine);
-const sheet = new Sheet(engine, scorePage, viewport, new Heading(element("heading")), () => {
+const scoreView = new ScoreView(engine, scorePage, viewport, new Heading(element("heading")), () => {
   post({ type: "rendered" });
   instruments.scoreDrawn();
 });
 const selection = new Selection(engine, playback, viewport);
 new Follow(engine, playback, viewport);
 new Cursor(engine);
-const documents = new Documents({ engine, playback, mixer, selection, sheet, post });
+const documents = new Documents({ engine, playback, mixer, selection, scoreView, post });
 new SoundBank(engine, post);
 new Tidying(engine, playback, document);
 
@@ -78,9 +78,9 @@ expose({
   configMetronome: (volume, sound, accent, mode) => metronome.configure({ volume, sound, accent, mode }),
   previewMetronome: () => metronome.preview(),
   setSoundSource: (synthesized) => documents.preferSynthesizer(synthesized),
-  setLayout: (layout) => sheet.setLayout(layout),
-  setZoom: (zoom) => sheet.setZoom(zoom),
-  renderTracks: (trackIds) => sheet.showTracks(trackIds),
+  setLayout: (layout) => scoreView.setLayout(layout),
+  setZoom: (zoom) => scoreView.setZoom(zoom),
+  renderTracks: (trackIds) => scoreView.showTracks(trackIds),
   setTrackMute: (trackId, mute) => mixer.setMute(trackId, mute),
   setTrackSolo: (trackId, solo) => mixer.setSolo(trackId, solo),
   setTrackVolume: (trackId, volume) => mixer.setVolume(trackId, volume),

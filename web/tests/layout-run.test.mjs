@@ -139,7 +139,7 @@ test("the places of an endless line are told of once, whatever the number of its
   assert.deepEqual([beginning.systems, whole.systems], [[beginning.ends + 1], [120]]);
 });
 
-test("an endless line that takes long begins before its end is known, as a sheet of its own", (context) => {
+test("an endless line that takes long begins before its end is known, as a notation of its own", (context) => {
   const [beginning, whole, ...others] = lineOf(context, 1000, false);
   assert.deepEqual(others, []);
   assert.ok(beginning.first && !beginning.last && beginning.width >= view.right && beginning.ends < 119);

@@ -42,7 +42,7 @@ function viewport(scrolled = { view, position: { left: 0, top: 0 }, moveTo: () =
   const renderer = new WorkerRenderer(worker, scrolled);
   renderer.width = 900;
   const told = [];
-  renderer.preRender.on(() => told.push("new sheet"));
+  renderer.preRender.on(() => told.push("new notation"));
   renderer.partialLayoutFinished.on(({ id }) => told.push(`place of ${id}`));
   renderer.partialRenderFinished.on(({ id }) => told.push(`picture of ${id}`));
   renderer.renderFinished.on(({ totalHeight }) => told.push(`${totalHeight} high`));
@@ -275,12 +275,12 @@ test("another score is not read where the one before was", () => {
   assert.deepEqual([scrolled.top, renderer.drewAgain, renderer.markedBar], [390, false, null]);
 });
 
-test("the first piece makes a new sheet and shows it, the next ones add to it, the last tells the length", () => {
+test("the first piece makes a new notation and shows it, the next ones add to it, the last tells the length", () => {
   const { worker, renderer, take } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
   const { drawing } = worker.last;
   worker.answer({ kind: "drawn", drawing, piece: piece(["A", "b"], { first: true, height: 200 }) });
-  assert.deepEqual(take(), ["new sheet", "place of A", "picture of A", "place of b", "200 high", "shown first"]);
+  assert.deepEqual(take(), ["new notation", "place of A", "picture of A", "place of b", "200 high", "shown first"]);
   worker.answer({ kind: "drawn", drawing, piece: piece(["c"], { height: 300 }) });
   assert.deepEqual(take(), ["place of c"]);
   worker.answer({ kind: "drawn", drawing, piece: piece(["d"], { last: true, height: 400 }) });
@@ -315,7 +315,7 @@ test("of a drawing that another took the place of, nothing is heard any more", (
   assert.equal(renderer.boundsLookup, shownBefore);
   assert.equal(worker.count("draw"), 2);
   worker.answer({ kind: "drawn", drawing, piece: piece(["C"], { first: true, last: true }) });
-  assert.deepEqual(take(), ["new sheet", "place of C", "picture of C", "100 high", "shown first last"]);
+  assert.deepEqual(take(), ["new notation", "place of C", "picture of C", "100 high", "shown first last"]);
 });
 
 test("a drawing that was given up stops in the worker, and nothing is heard of it", () => {
@@ -430,7 +430,7 @@ test("every beat of the pieces that came can be found, and a click on it finds i
   assert.equal(foundBefore, beats.length);
 });
 
-test("a new sheet knows nothing of the places of the one before", () => {
+test("a new notation knows nothing of the places of the one before", () => {
   const { worker, renderer } = viewport();
   const [before, after] = ["c4.4 d4 e4 f4 |", "g4.4 a4 |"].map((bar) => scoreOf(bar.repeat(4)));
   for (const score of [before, after]) {

@@ -44,13 +44,13 @@ export class Engine extends alphaTab.AlphaTabApi {
   preparationFailed = new Emitter();
 
   /**
-   * @param {HTMLElement} sheet where the notation is drawn
+   * @param {HTMLElement} notation where the notation is drawn
    * @param {import("../rendering/reading-place.js").ScrolledView} viewport what scrolls, with the notation in it
    */
-  constructor(sheet, viewport) {
+  constructor(notation, viewport) {
     replaceDrawingWorker();
-    super(sheet, pageSettings());
-    this.sheet = sheet;
+    super(notation, pageSettings());
+    this.notation = notation;
     this.uiFacade.beginInvoke = nextFrame();
     this.uiFacade.createWorkerPlayer = () => (this.synth = new SynthPlayer(this.settings)).player;
     this.recordingPlayer.heard.on((ms) => this.#media?.updatePosition(ms));

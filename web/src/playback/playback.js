@@ -52,7 +52,7 @@ export class Playback {
     api.midiLoad.on((midi) => this.#measure(midi));
     api.preparationFailed.on((reason) => this.#giveUp(reason));
     // Listened to on the element: subscribing on the object asks the player for its last answer, which recurses for ever.
-    api.sheet.addEventListener("alphaTab.midiFileLoaded", () => this.#onLoaded());
+    api.notation.addEventListener("alphaTab.midiFileLoaded", () => this.#onLoaded());
     api.playerReady.on(() => this.#onReady());
     api.playerStateChanged.on((event) => this.#onState(event));
     api.playerPositionChanged.on((event) => this.#onPosition(event));

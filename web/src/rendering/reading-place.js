@@ -5,10 +5,10 @@
  *
  * @typedef {import("@coderline/alphatab").rendering.BoundsLookup} BoundsLookup
  * @typedef {{ x: number, y: number, w: number, h: number }} Box
- * @typedef {{ left: number, top: number, right: number, bottom: number }} View relative to the sheet
+ * @typedef {{ left: number, top: number, right: number, bottom: number }} View relative to the notation
  *
  * @typedef {object} ScrolledView what scrolls, with the notation in it
- * @property {View} view what can be seen of the sheet
+ * @property {View} view what can be seen of the notation
  * @property {{ left: number, top: number }} position how far it is scrolled
  * @property {(view: View) => void} moveTo scrolls, as far as there is something to scroll
  *

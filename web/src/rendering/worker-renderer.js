@@ -224,7 +224,7 @@ export class WorkerRenderer {
     }
   }
 
-  /** A line that goes on for ever makes the sheet wider itself, and is not drawn again for that. */
+  /** A line that goes on for ever makes the notation wider itself, and is not drawn again for that. */
   resizeRender() {
     if (!this.#sideways || !this.#asked) {
       this.render();

@@ -160,7 +160,7 @@ export class Follow {
   #noticeChoosing(event) {
     // From the buttons as they are, so that a release that goes elsewhere is noticed with the next movement.
     const { buttons, target } = /** @type {PointerEvent} */ (event);
-    this.#choosing = (buttons & 1) === 1 && target instanceof Node && this.#api.sheet.contains(target);
+    this.#choosing = (buttons & 1) === 1 && target instanceof Node && this.#api.notation.contains(target);
   }
 
   /**
@@ -175,12 +175,12 @@ export class Follow {
     // A system that is higher than the view keeps to the place that the one before had before it made room.
     const top = isTooHigh(system.h, viewport.clientHeight) ? (this.#madeRoom?.top ?? target.top) : target.top;
     this.#madeRoom = null;
-    const { x, y } = this.#sheetIn({ left: target.left, top });
+    const { x, y } = this.#notationAt({ left: target.left, top });
     const before = this.#line && { top: y + this.#line.y, height: this.#line.h };
     this.#line = system;
     const sideways = sidewaysStep(x + beat.onNotesX, viewport.clientWidth, x + endX);
     const down = lineStep({ top: y + system.y, height: system.h }, before, viewport.clientHeight);
-    const seen = this.#sheetIn({ left: viewport.scrollLeft, top: viewport.scrollTop });
+    const seen = this.#notationAt({ left: viewport.scrollLeft, top: viewport.scrollTop });
     const unseen =
       seen.y + system.y + system.h <= 0 ||
       seen.y + system.y >= viewport.clientHeight ||
@@ -195,13 +195,13 @@ export class Follow {
   }
 
   /**
-   * Where the sheet begins, relative to the view, when the viewport is scrolled.
+   * Where the notation begins, relative to the view, when the viewport is scrolled.
    *
    * @param {{ left: number, top: number }} scrolled how far
    */
-  #sheetIn({ left, top }) {
+  #notationAt({ left, top }) {
     const viewport = this.#viewport;
-    const origin = this.#api.sheet.getBoundingClientRect();
+    const origin = this.#api.notation.getBoundingClientRect();
     const view = viewport.getBoundingClientRect();
     return { x: origin.left - view.left + viewport.scrollLeft - left, y: origin.top - view.top + viewport.scrollTop - top };
   }
@@ -236,7 +236,7 @@ export class Follow {
       return;
     }
     const target = this.#target;
-    const { y } = this.#sheetIn(target);
+    const { y } = this.#notationAt(target);
     const step = lookAheadStep(
       { top: y + now.y, height: now.h },
       { top: y + next.y, height: next.h },

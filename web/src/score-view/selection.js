@@ -28,7 +28,7 @@ const edgeSpeed = 900;
 export class Selection {
   #api;
   #playback;
-  #sheet;
+  #notation;
   #viewport;
   #layer = document.createElement("div");
   /** @type {Press | null} */
@@ -52,17 +52,17 @@ export class Selection {
   constructor(api, playback, viewport) {
     this.#api = api;
     this.#playback = playback;
-    this.#sheet = api.sheet;
+    this.#notation = api.notation;
     this.#viewport = viewport;
-    this.#sheet.append(this.#layer);
+    this.#notation.append(this.#layer);
     this.#layer.className = "ranges";
     // alphaTab takes a press for a drag of its own. It does not scroll until that ends on its surface, and a captured
-    // pointer is released on the sheet.
-    this.#sheet.addEventListener("mousedown", (event) => event.stopPropagation(), { capture: true });
-    this.#sheet.addEventListener("pointerdown", (event) => this.#onPress(event));
-    this.#sheet.addEventListener("pointermove", (event) => this.#onMove(event));
-    this.#sheet.addEventListener("pointerup", (event) => this.#onRelease(event));
-    this.#sheet.addEventListener("pointercancel", () => this.#cancel());
+    // pointer is released on the notation.
+    this.#notation.addEventListener("mousedown", (event) => event.stopPropagation(), { capture: true });
+    this.#notation.addEventListener("pointerdown", (event) => this.#onPress(event));
+    this.#notation.addEventListener("pointermove", (event) => this.#onMove(event));
+    this.#notation.addEventListener("pointerup", (event) => this.#onRelease(event));
+    this.#notation.addEventListener("pointercancel", () => this.#cancel());
     // The wheel takes another beat under a pointer that stays.
     viewport.addEventListener("scroll", () => this.#extend(), { passive: true });
     api.postRenderFinished.on(() => this.#draw());
@@ -88,7 +88,7 @@ export class Selection {
     if (!extending) {
       this.#anchor = beat;
     }
-    this.#sheet.setPointerCapture(event.pointerId);
+    this.#notation.setPointerCapture(event.pointerId);
     this.#extend();
   }
 
@@ -175,7 +175,7 @@ export class Selection {
     if (!press) {
       return;
     }
-    this.#sheet.releasePointerCapture(event.pointerId);
+    this.#notation.releasePointerCapture(event.pointerId);
     if (this.#range && (press.dragging || press.extending)) {
       this.#choose(this.#range);
       this.#playback.seekToTick(this.#startOf(this.#range.first));
@@ -213,7 +213,7 @@ export class Selection {
    * @returns {Beat | null}
    */
   #beatAt(x, y) {
-    const origin = this.#sheet.getBoundingClientRect();
+    const origin = this.#notation.getBoundingClientRect();
     return this.#api.boundsLookup?.getBeatAtPos(x - origin.left, y - origin.top) ?? null;
   }
 

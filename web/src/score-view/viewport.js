@@ -6,24 +6,24 @@
  */
 export class Viewport {
   #viewport;
-  #sheet;
+  #notation;
 
   /**
    * @param {HTMLElement} viewport
-   * @param {HTMLElement} sheet
+   * @param {HTMLElement} notation
    */
-  constructor(viewport, sheet) {
+  constructor(viewport, notation) {
     this.#viewport = viewport;
-    this.#sheet = sheet;
+    this.#notation = notation;
     // Keys scroll what has the focus, and nothing else on the page takes any.
     viewport.tabIndex = -1;
     viewport.focus({ preventScroll: true });
   }
 
-  /** What can be seen of the sheet. */
+  /** What can be seen of the notation. */
   get view() {
     const view = this.#viewport.getBoundingClientRect();
-    const origin = this.#sheet.getBoundingClientRect();
+    const origin = this.#notation.getBoundingClientRect();
     return {
       left: view.left - origin.left,
       top: view.top - origin.top,

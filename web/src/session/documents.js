@@ -16,7 +16,7 @@ import { readScore } from "../score-files/score-files.js";
  * @property {import("../playback/playback.js").Playback} playback
  * @property {import("../playback/mixer.js").Mixer} mixer
  * @property {import("../score-view/selection.js").Selection} selection
- * @property {import("../score-view/sheet.js").Sheet} sheet
+ * @property {import("../score-view/score-view.js").ScoreView} scoreView
  * @property {import("../bridge/bridge.js").Post} post
  */
 export class Documents {
@@ -24,19 +24,19 @@ export class Documents {
   #playback;
   #mixer;
   #selection;
-  #sheet;
+  #scoreView;
   #post;
   #recordings = new Recordings();
   #preferSynthesizer = false;
   #calls = new CallOrder();
 
   /** @param {Surroundings} surroundings */
-  constructor({ engine, playback, mixer, selection, sheet, post }) {
+  constructor({ engine, playback, mixer, selection, scoreView, post }) {
     this.#engine = engine;
     this.#playback = playback;
     this.#mixer = mixer;
     this.#selection = selection;
-    this.#sheet = sheet;
+    this.#scoreView = scoreView;
     this.#post = post;
     engine.scorePrepared.on(() => playback.announceLength());
   }
@@ -132,13 +132,13 @@ export class Documents {
 
   /** @param {import("../shared/alphatab.js").Score} score */
   #show(score) {
-    this.#sheet.leaveScore();
+    this.#scoreView.leaveScore();
     this.#selection.leaveScore();
     this.#playback.leaveScore();
     this.#mixer.leaveScore();
     this.#choosePlayer(score);
-    this.#sheet.showPage();
-    this.#sheet.scrollToTop();
+    this.#scoreView.showPage();
+    this.#scoreView.scrollToTop();
     this.#post({
       type: "score",
       title: score.title,
@@ -149,7 +149,7 @@ export class Documents {
     if (scoreOrder(score).tooLong) {
       this.#post({ type: "error", message: "The score's repeats have no end in sight: it plays straight through." });
     }
-    this.#sheet.show(score);
+    this.#scoreView.show(score);
   }
 
   /**

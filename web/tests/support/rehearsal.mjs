@@ -43,7 +43,7 @@ export class Rehearsal {
     playerReady: new Signal(),
     playerStateChanged: new Signal(),
     playerPositionChanged: new Signal(),
-    sheet: { addEventListener: () => {} },
+    notation: { addEventListener: () => {} },
     actualPlayerMode: alphaTab.PlayerMode.EnabledSynthesizer,
     isReadyForPlayback: true,
     masterVolume: 1,

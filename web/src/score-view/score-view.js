@@ -11,7 +11,7 @@ const pageWidth = 1180;
 /** How long a finished drawing may keep its visible part waiting before it is reported all the same, in milliseconds. */
 const patience = 2000;
 
-export class Sheet {
+export class ScoreView {
   #api;
   #scorePage;
   #viewport;
