@@ -8,7 +8,7 @@ import { DrumChannels } from "./playback/drum-channels.js";
 import { Engine } from "./alphatab/engine.js";
 import { FineInstruments } from "./sounds/fine-instruments.js";
 import { Follow } from "./score-view/follow.js";
-import { Heading } from "./score-view/heading.js";
+import { ScoreHeader } from "./score-view/score-header.js";
 import { Metronome } from "./metronome/metronome.js";
 import { Mixer } from "./playback/mixer.js";
 import { playInOrder } from "./alphatab/play-through.js";
@@ -42,7 +42,7 @@ const metronome = new Metronome(engine, playback);
 playback.countWith((tick) => metronome.countInAt(tick));
 const mixer = new Mixer(engine, channels, (anySolo) => metronome.setBesideSolo(anySolo));
 const instruments = new FineInstruments(engine);
-const scoreView = new ScoreView(engine, scorePage, viewport, new Heading(element("heading")), () => {
+const scoreView = new ScoreView(engine, scorePage, viewport, new ScoreHeader(element("score-header")), () => {
   post({ type: "rendered" });
   instruments.scoreDrawn();
 });

@@ -221,7 +221,7 @@ function pageSettings() {
   // The score page has its own margins.
   settings.display.padding = [12, 8];
   chooseFonts(settings.display.resources);
-  hideEngineHeading(settings);
+  hideOwnScoreHeader(settings);
 
   const player = settings.player;
   player.playerMode = alphaTab.PlayerMode.Disabled;
@@ -233,7 +233,7 @@ function pageSettings() {
 }
 
 /** The page has lines of its own with the same contents. */
-function hideEngineHeading(/** @type {import("../shared/alphatab.js").Settings} */ settings) {
+function hideOwnScoreHeader(/** @type {import("../shared/alphatab.js").Settings} */ settings) {
   const element = alphaTab.NotationElement;
   for (const shown of [
     element.ScoreTitle,

@@ -15,7 +15,7 @@ export class ScoreView {
   #api;
   #scorePage;
   #viewport;
-  #heading;
+  #scoreHeader;
   #onRendered;
   #drawing = 0;
 
@@ -23,14 +23,14 @@ export class ScoreView {
    * @param {import("../alphatab/engine.js").Engine} api
    * @param {HTMLElement} scorePage
    * @param {HTMLElement} viewport what scrolls
-   * @param {import("./heading.js").Heading} heading
+   * @param {import("./score-header.js").ScoreHeader} scoreHeader
    * @param {() => void} onRendered called when what can be seen of a finished drawing is on the score page
    */
-  constructor(api, scorePage, viewport, heading, onRendered) {
+  constructor(api, scorePage, viewport, scoreHeader, onRendered) {
     this.#api = api;
     this.#scorePage = scorePage;
     this.#viewport = viewport;
-    this.#heading = heading;
+    this.#scoreHeader = scoreHeader;
     this.#onRendered = onRendered;
     this.#sizeScorePage(1);
     api.renderStarted.on(() => {
@@ -55,7 +55,7 @@ export class ScoreView {
    * @param {import("../shared/alphatab.js").Score} score
    */
   show(score) {
-    this.#heading.show(score, score.tracks);
+    this.#scoreHeader.show(score, score.tracks);
     this.#api.show(score);
   }
 
@@ -74,7 +74,7 @@ export class ScoreView {
     const tracks = score ? trackIds.map((id) => score.tracks[id]).filter(Boolean) : [];
     if (tracks.length > 0) {
       this.#api.drawing.changeScorePage(() =>
-        this.#heading.show(/** @type {import("../shared/alphatab.js").Score} */ (score), tracks),
+        this.#scoreHeader.show(/** @type {import("../shared/alphatab.js").Score} */ (score), tracks),
       );
       this.#api.renderTracks(tracks);
     }

@@ -9,7 +9,7 @@ import { alphaTab } from "../shared/alphatab.js";
  * @typedef {import("../shared/alphatab.js").Track} Track
  */
 
-export class Heading {
+export class ScoreHeader {
   #element;
 
   /** @param {HTMLElement} element an empty element over the notation */
