@@ -7,7 +7,7 @@ import { Documents } from "./session/documents.js";
 import { DrumChannels } from "./playback/drum-channels.js";
 import { Engine } from "./alphatab/engine.js";
 import { FineInstruments } from "./sounds/fine-instruments.js";
-import { Follow } from "./score-view/follow.js";
+import { AutoScroll } from "./score-view/auto-scroll.js";
 import { ScoreHeader } from "./score-view/score-header.js";
 import { Metronome } from "./metronome/metronome.js";
 import { Mixer } from "./playback/mixer.js";
@@ -47,7 +47,7 @@ const scoreView = new ScoreView(engine, scorePage, viewport, new ScoreHeader(ele
   instruments.scoreDrawn();
 });
 const selection = new Selection(engine, playback, viewport);
-new Follow(engine, playback, viewport);
+new AutoScroll(engine, playback, viewport);
 new Cursor(engine);
 const documents = new Documents({ engine, playback, mixer, selection, scoreView, post });
 new SoundBank(engine, post);

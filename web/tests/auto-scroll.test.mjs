@@ -12,31 +12,31 @@ Object.assign(globalThis, {
     }
   },
 });
-const { Follow, lineStep, sidewaysStep } = await import("../src/score-view/follow.js");
+const { AutoScroll, systemStep, sidewaysStep } = await import("../src/score-view/auto-scroll.js");
 
 const height = 900;
 
 test("a line in view stays where it is", () => {
-  assert.equal(lineStep({ top: 10, height: 300 }, null, height), 0);
-  assert.equal(lineStep({ top: 600, height: 300 }, null, height), 0);
+  assert.equal(systemStep({ top: 10, height: 300 }, null, height), 0);
+  assert.equal(systemStep({ top: 600, height: 300 }, null, height), 0);
 });
 
 test("a line half out of view comes to the top", () => {
-  assert.equal(lineStep({ top: 700, height: 300 }, null, height), 676);
-  assert.equal(lineStep({ top: -50, height: 300 }, null, height), -74);
+  assert.equal(systemStep({ top: 700, height: 300 }, null, height), 676);
+  assert.equal(systemStep({ top: -50, height: 300 }, null, height), -74);
 });
 
 test("a line higher than the view stays while it fills the middle", () => {
-  assert.equal(lineStep({ top: -400, height: 1400 }, null, height), 0);
+  assert.equal(systemStep({ top: -400, height: 1400 }, null, height), 0);
 });
 
 test("from one high line to the next the same tracks stay in view", () => {
   const before = { top: -400, height: 1400 };
-  assert.equal(lineStep({ top: 1000, height: 1400 }, before, height), 1400);
+  assert.equal(systemStep({ top: 1000, height: 1400 }, before, height), 1400);
 });
 
 test("a high line far away comes to the top", () => {
-  assert.equal(lineStep({ top: 5000, height: 1400 }, { top: 3600, height: 1400 }, height), 4976);
+  assert.equal(systemStep({ top: 5000, height: 1400 }, { top: 3600, height: 1400 }, height), 4976);
 });
 
 test("sideways the beat keeps room before it", () => {
@@ -87,26 +87,26 @@ function holdTimers(context) {
 /** A score at rest at its beginning, in a viewport that is scrolled by 400 pixels. */
 function stoppedScore() {
   const ownerDocument = new EventTarget();
-  const desk = {
+  const viewport = {
     ownerDocument,
     ...{ scrollLeft: 0, scrollTop: 400, scrollWidth: 800, scrollHeight: 3000, clientWidth: 800, clientHeight: 600 },
     /** @param {number} left @param {number} top */
-    scrollTo: (left, top) => Object.assign(desk, { scrollLeft: left, scrollTop: top }),
+    scrollTo: (left, top) => Object.assign(viewport, { scrollLeft: left, scrollTop: top }),
   };
   const notation = new Node();
   const api = {
-    sheet: Object.assign(notation, { contains: (/** @type {unknown} */ node) => node === notation }),
+    notation: Object.assign(notation, { contains: (/** @type {unknown} */ node) => node === notation }),
     playerPositionChanged: emitter(),
     postRenderFinished: emitter(),
     scoreLoaded: emitter(),
     drawing: { awaited: false, drewAgain: false },
   };
   const playback = { playing: false, atStart: true };
-  new Follow(/** @type {any} */ (api), /** @type {any} */ (playback), /** @type {any} */ (desk));
+  new AutoScroll(/** @type {any} */ (api), /** @type {any} */ (playback), /** @type {any} */ (viewport));
   const press = Object.assign(new Event("pointerdown"), { buttons: 1 });
   Object.defineProperty(press, "target", { value: notation });
   return {
-    ...{ api, desk },
+    ...{ api, viewport },
     wheel: () => ownerDocument.dispatchEvent(new Event("wheel")),
     press: () => ownerDocument.dispatchEvent(press),
   };
@@ -115,10 +115,10 @@ function stoppedScore() {
 test("a score that was opened, or a seek, shows the beginning", (context) => {
   const runTimers = holdTimers(context);
   for (const event of /** @type {const} */ (["postRenderFinished", "playerPositionChanged"])) {
-    const { api, desk } = stoppedScore();
+    const { api, viewport } = stoppedScore();
     api[event].post({ isSeek: true });
     runTimers();
-    assert.equal(desk.scrollTop, 0, event);
+    assert.equal(viewport.scrollTop, 0, event);
   }
 });
 
@@ -130,20 +130,20 @@ test("readers who scroll, or choose, are not taken back by what was asked for be
       score.api[event].post({ isSeek: true });
       score[gesture]();
       runTimers();
-      assert.equal(score.desk.scrollTop, 400, `${gesture} after ${event}`);
+      assert.equal(score.viewport.scrollTop, 400, `${gesture} after ${event}`);
     }
   }
 });
 
 test("readers who scroll while the rest is laid out stay there; another score begins at its beginning", (context) => {
   const runTimers = holdTimers(context);
-  const { api, desk, wheel } = stoppedScore();
+  const { api, viewport, wheel } = stoppedScore();
   wheel();
   api.postRenderFinished.post();
   runTimers();
-  assert.equal(desk.scrollTop, 400);
+  assert.equal(viewport.scrollTop, 400);
   api.scoreLoaded.post();
   api.postRenderFinished.post();
   runTimers();
-  assert.equal(desk.scrollTop, 0);
+  assert.equal(viewport.scrollTop, 0);
 });

@@ -9,16 +9,16 @@ import { barAfterSystem, lookAheadStep } from "./look-ahead.js";
  * @typedef {import("@coderline/alphatab").rendering.BeatBounds} BeatBounds
  */
 
-/** How long the reader's own scrolling is left alone, in milliseconds. */
-const courtesy = 2500;
+/** How long after the reader's own scrolling the page scrolls again. */
+const resumeDelayMs = 2500;
 
-/** How long a glide to the next line takes, in milliseconds. */
-const glideTime = 350;
+/** How long a glide to the next staff system takes. */
+const glideMs = 350;
 
 /** How long before its first note the next staff system comes into view, in milliseconds. */
 const lookAheadMs = 1000;
 
-/** Room kept between the edge of the view and what is followed, in CSS pixels. */
+/** Room kept between the edge of the view and what is kept in view, in CSS pixels. */
 const margin = 24;
 
 /** In one endless line: where the beat is put, and how far it may wander, as parts of the view's width. */
@@ -28,7 +28,7 @@ const sidewaysLimit = 0.7;
 const scrollKeys = new Set(["ArrowUp", "ArrowDown", "ArrowLeft", "ArrowRight", "PageUp", "PageDown", "Home", "End"]);
 
 /** @implements {Disposable} */
-export class Follow {
+export class AutoScroll {
   #api;
   #playback;
   #viewport;
@@ -46,8 +46,8 @@ export class Follow {
   #lookAheadTimer = 0;
   /** @type {{ system: number, top: number } | null} the staff system that has made room for the next, and where it was */
   #madeRoom = null;
-  /** @type {{ y: number, h: number } | null} the line of the score that was followed last */
-  #line = null;
+  /** @type {{ y: number, h: number } | null} the staff system that was kept in view last */
+  #system = null;
 
   /**
    * @param {import("../alphatab/engine.js").Engine} api
@@ -68,18 +68,18 @@ export class Follow {
     api.playerPositionChanged.on(({ isSeek }) => {
       if (isSeek) {
         this.#jumped = api.drawing.awaited;
-        this.#showPlaceSoon();
+        this.#showCursorSoon();
       }
     });
     api.scoreLoaded.on(() => {
       this.#readerScrolled = false;
     });
     api.postRenderFinished.on(() => {
-      this.#line = null;
-      // A long score is laid out to its end long after its first lines are seen: who reads on stays there.
+      this.#system = null;
+      // A long score is laid out to its end long after its first systems are seen: a reader who reads on stays there.
       const opened = !api.drawing.drewAgain && !this.#readerScrolled;
       if (playback.playing || this.#jumped || opened) {
-        this.#showPlaceSoon();
+        this.#showCursorSoon();
       }
       this.#jumped = false;
     });
@@ -92,7 +92,7 @@ export class Follow {
 
   /** Whether the score may be scrolled along with the music now. */
   get #mayScroll() {
-    return this.#playback.playing && !this.#choosing && performance.now() - this.#lastOwnScroll > courtesy;
+    return this.#playback.playing && !this.#choosing && performance.now() - this.#lastOwnScroll > resumeDelayMs;
   }
 
   /**
@@ -118,14 +118,14 @@ export class Follow {
     clearTimeout(this.#lookAheadTimer);
     if (this.#mayScroll) {
       if (this.#madeRoom?.system !== systemOf(beat)) {
-        this.#reveal(beat, endX, glideTime);
+        this.#reveal(beat, endX, glideMs);
       }
       this.#lookAhead(beat);
     }
   }
 
   /** The engine puts its cursor to a new place within the next frames. */
-  #showPlaceSoon() {
+  #showCursorSoon() {
     clearTimeout(this.#soon);
     clearTimeout(this.#lookAheadTimer);
     this.#soon = setTimeout(() => {
@@ -134,7 +134,7 @@ export class Follow {
       }
       if (this.#playback.atStart && !this.#playback.playing) {
         // The title belongs to the beginning.
-        this.#line = null;
+        this.#system = null;
         this.#glideTo(0, 0, 0);
       } else {
         this.#api.scrollToCursor();
@@ -176,10 +176,10 @@ export class Follow {
     const top = isTooHigh(system.h, viewport.clientHeight) ? (this.#madeRoom?.top ?? target.top) : target.top;
     this.#madeRoom = null;
     const { x, y } = this.#notationAt({ left: target.left, top });
-    const before = this.#line && { top: y + this.#line.y, height: this.#line.h };
-    this.#line = system;
+    const before = this.#system && { top: y + this.#system.y, height: this.#system.h };
+    this.#system = system;
     const sideways = sidewaysStep(x + beat.onNotesX, viewport.clientWidth, x + endX);
-    const down = lineStep({ top: y + system.y, height: system.h }, before, viewport.clientHeight);
+    const down = systemStep({ top: y + system.y, height: system.h }, before, viewport.clientHeight);
     const seen = this.#notationAt({ left: viewport.scrollLeft, top: viewport.scrollTop });
     const unseen =
       seen.y + system.y + system.h <= 0 ||
@@ -245,7 +245,7 @@ export class Follow {
     );
     if (step !== 0) {
       this.#madeRoom = { system, top: target.top };
-      this.#glideTo(target.left, target.top + step, glideTime);
+      this.#glideTo(target.left, target.top + step, glideMs);
     }
   }
 
@@ -299,32 +299,32 @@ function isTooHigh(height, viewHeight) {
 }
 
 /**
- * How far to scroll down so that a line of the score is in view; nothing while it is. A line that is higher than the
- * view is moved on by whole lines: who watches its last track goes on watching it.
+ * How far to scroll down so that a staff system is in view; nothing while it is. A system that is higher than the
+ * view is moved on by whole systems: who watches its last track goes on watching it.
  *
- * @typedef {{ top: number, height: number }} Line relative to the view
+ * @typedef {{ top: number, height: number }} Extent relative to the view
  *
- * @param {Line} line
- * @param {Line | null} before the line followed before
+ * @param {Extent} system
+ * @param {Extent | null} before the staff system kept in view before
  * @param {number} viewHeight
  * @returns {number} CSS pixels, negative for up
  */
-export function lineStep(line, before, viewHeight) {
-  if (!isTooHigh(line.height, viewHeight)) {
-    return line.top >= 0 && line.top + line.height <= viewHeight ? 0 : line.top - margin;
+export function systemStep(system, before, viewHeight) {
+  if (!isTooHigh(system.height, viewHeight)) {
+    return system.top >= 0 && system.top + system.height <= viewHeight ? 0 : system.top - margin;
   }
-  if (fillsMiddle(line, viewHeight)) {
+  if (fillsMiddle(system, viewHeight)) {
     return 0;
   }
-  return before && fillsMiddle(before, viewHeight) ? line.top - before.top : line.top - margin;
+  return before && fillsMiddle(before, viewHeight) ? system.top - before.top : system.top - margin;
 }
 
 /**
- * @param {Line} line
+ * @param {Extent} system
  * @param {number} viewHeight
  */
-function fillsMiddle(line, viewHeight) {
-  return line.top <= viewHeight / 2 && line.top + line.height >= viewHeight / 2;
+function fillsMiddle(system, viewHeight) {
+  return system.top <= viewHeight / 2 && system.top + system.height >= viewHeight / 2;
 }
 
 /**
