@@ -14,7 +14,7 @@ import { Mixer } from "./playback/mixer.js";
 import { playInOrder } from "./alphatab/play-through.js";
 import { Playback } from "./playback/playback.js";
 import { scoreOrder } from "./playback/score-order.js";
-import { Selection } from "./score-view/selection.js";
+import { PointerInput } from "./score-view/pointer-input.js";
 import { ScoreView } from "./score-view/score-view.js";
 import { SoundBank } from "./sounds/sound-bank.js";
 import { Tidying } from "./session/tidying.js";
@@ -46,10 +46,10 @@ const scoreView = new ScoreView(engine, scorePage, viewport, new ScoreHeader(ele
   post({ type: "rendered" });
   instruments.scoreDrawn();
 });
-const selection = new Selection(engine, playback, viewport);
+const pointerInput = new PointerInput(engine, playback, viewport);
 new AutoScroll(engine, playback, viewport);
 new Cursor(engine);
-const documents = new Documents({ engine, playback, mixer, selection, scoreView, post });
+const documents = new Documents({ engine, playback, mixer, pointerInput, scoreView, post });
 new SoundBank(engine, post);
 new Tidying(engine, playback, document);
 

@@ -227,7 +227,7 @@ function pageSettings() {
   player.playerMode = alphaTab.PlayerMode.Disabled;
   player.scrollElement = "#viewport";
   player.scrollMode = alphaTab.ScrollMode.Continuous;
-  // Clicks and drags on the score are read by the page's own Selection.
+  // Clicks and drags on the score are read by the page's own PointerInput.
   player.enableUserInteraction = false;
   return settings;
 }

@@ -15,7 +15,7 @@ import { readScore } from "../score-files/score-files.js";
  * @property {import("../alphatab/engine.js").Engine} engine
  * @property {import("../playback/playback.js").Playback} playback
  * @property {import("../playback/mixer.js").Mixer} mixer
- * @property {import("../score-view/selection.js").Selection} selection
+ * @property {import("../score-view/pointer-input.js").PointerInput} pointerInput
  * @property {import("../score-view/score-view.js").ScoreView} scoreView
  * @property {import("../bridge/bridge.js").Post} post
  */
@@ -23,7 +23,7 @@ export class Documents {
   #engine;
   #playback;
   #mixer;
-  #selection;
+  #pointerInput;
   #scoreView;
   #post;
   #recordings = new Recordings();
@@ -31,11 +31,11 @@ export class Documents {
   #calls = new CallOrder();
 
   /** @param {Surroundings} surroundings */
-  constructor({ engine, playback, mixer, selection, scoreView, post }) {
+  constructor({ engine, playback, mixer, pointerInput, scoreView, post }) {
     this.#engine = engine;
     this.#playback = playback;
     this.#mixer = mixer;
-    this.#selection = selection;
+    this.#pointerInput = pointerInput;
     this.#scoreView = scoreView;
     this.#post = post;
     engine.scorePrepared.on(() => playback.announceLength());
@@ -133,7 +133,7 @@ export class Documents {
   /** @param {import("../shared/alphatab.js").Score} score */
   #show(score) {
     this.#scoreView.leaveScore();
-    this.#selection.leaveScore();
+    this.#pointerInput.leaveScore();
     this.#playback.leaveScore();
     this.#mixer.leaveScore();
     this.#choosePlayer(score);

@@ -25,7 +25,7 @@ const edgeSpeed = 900;
 
 /** @typedef {{ beat: Beat, x: number, y: number, dragging: boolean, extending: boolean }} Press where it was, in the view */
 
-export class Selection {
+export class PointerInput {
   #api;
   #playback;
   #notation;
