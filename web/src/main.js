@@ -3,7 +3,7 @@ import { decodeBase64, encodeBase64 } from "./bridge/base64.js";
 import { connect, expose } from "./bridge/bridge.js";
 import { Cursor } from "./score-view/cursor.js";
 import { Viewport } from "./score-view/viewport.js";
-import { Documents } from "./session/documents.js";
+import { ScoreSession } from "./session/score-session.js";
 import { DrumChannels } from "./playback/drum-channels.js";
 import { Engine } from "./alphatab/engine.js";
 import { FineInstruments } from "./sounds/fine-instruments.js";
@@ -49,7 +49,7 @@ const scoreView = new ScoreView(engine, scorePage, viewport, new ScoreHeader(ele
 const pointerInput = new PointerInput(engine, playback, viewport);
 new AutoScroll(engine, playback, viewport);
 new Cursor(engine);
-const documents = new Documents({ engine, playback, mixer, pointerInput, scoreView, post });
+const session = new ScoreSession({ engine, playback, mixer, pointerInput, scoreView, post });
 new SoundBank(engine, post);
 new Tidying(engine, playback, document);
 
@@ -61,12 +61,12 @@ addEventListener("unhandledrejection", ({ reason }) =>
 engine.error.on((error) => post({ type: "error", message: error.message }));
 engine.recordingPlayer.failed.on((message) => {
   post({ type: "error", message });
-  documents.giveUpRecording();
+  session.giveUpRecording();
 });
 
 expose({
-  loadBase64: (base64) => void documents.open(decodeBase64(base64)),
-  loadSample: () => void documents.openDemo(),
+  loadBase64: (base64) => void session.open(decodeBase64(base64)),
+  loadSample: () => void session.openDemo(),
   playPause: () => playback.playPause(),
   stop: () => playback.stop(),
   seekToTime: (ms) => playback.seekToTime(ms),
@@ -77,14 +77,14 @@ expose({
   setCountIn: (on) => playback.setCountIn(on === 1),
   configMetronome: (volume, sound, accent, mode) => metronome.configure({ volume, sound, accent, mode }),
   previewMetronome: () => metronome.preview(),
-  setSoundSource: (synthesized) => documents.preferSynthesizer(synthesized),
+  setSoundSource: (synthesized) => session.preferSynthesizer(synthesized),
   setLayout: (layout) => scoreView.setLayout(layout),
   setZoom: (zoom) => scoreView.setZoom(zoom),
   renderTracks: (trackIds) => scoreView.showTracks(trackIds),
   setTrackMute: (trackId, mute) => mixer.setMute(trackId, mute),
   setTrackSolo: (trackId, solo) => mixer.setSolo(trackId, solo),
   setTrackVolume: (trackId, volume) => mixer.setVolume(trackId, volume),
-  exportGp: () => documents.exportGuitarPro(encodeBase64),
+  exportGp: () => session.exportGuitarPro(encodeBase64),
 });
 
 post({ type: "ready" });

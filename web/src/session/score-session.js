@@ -11,7 +11,7 @@ import { readScore } from "../score-files/score-files.js";
 /**
  * The open score: opening another, choosing how it sounds, and writing it out again.
  *
- * @typedef {object} Surroundings
+ * @typedef {object} Dependencies
  * @property {import("../alphatab/engine.js").Engine} engine
  * @property {import("../playback/playback.js").Playback} playback
  * @property {import("../playback/mixer.js").Mixer} mixer
@@ -19,7 +19,7 @@ import { readScore } from "../score-files/score-files.js";
  * @property {import("../score-view/score-view.js").ScoreView} scoreView
  * @property {import("../bridge/bridge.js").Post} post
  */
-export class Documents {
+export class ScoreSession {
   #engine;
   #playback;
   #mixer;
@@ -30,7 +30,7 @@ export class Documents {
   #preferSynthesizer = false;
   #calls = new CallOrder();
 
-  /** @param {Surroundings} surroundings */
+  /** @param {Dependencies} dependencies */
   constructor({ engine, playback, mixer, pointerInput, scoreView, post }) {
     this.#engine = engine;
     this.#playback = playback;
