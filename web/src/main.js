@@ -5,7 +5,7 @@ import { Cursor } from "./score-view/cursor.js";
 import { Viewport } from "./score-view/viewport.js";
 import { ScoreSession } from "./session/score-session.js";
 import { DrumChannels } from "./playback/drum-channels.js";
-import { Engine } from "./alphatab/engine.js";
+import { PageApi } from "./alphatab/page-api.js";
 import { FineInstruments } from "./sounds/fine-instruments.js";
 import { AutoScroll } from "./score-view/auto-scroll.js";
 import { ScoreHeader } from "./score-view/score-header.js";
@@ -34,32 +34,32 @@ playInOrder((score) => scoreOrder(score).bars);
 const post = connect();
 const scorePage = element("score-page");
 const viewport = element("viewport");
-const engine = new Engine(element("notation"), new Viewport(viewport, element("notation")));
-const playback = new Playback(engine, post);
+const api = new PageApi(element("notation"), new Viewport(viewport, element("notation")));
+const playback = new Playback(api, post);
 // Before the metronome, which takes the channels above all others.
-const channels = new DrumChannels(engine);
-const metronome = new Metronome(engine, playback);
+const channels = new DrumChannels(api);
+const metronome = new Metronome(api, playback);
 playback.countWith((tick) => metronome.countInAt(tick));
-const mixer = new Mixer(engine, channels, (anySolo) => metronome.setBesideSolo(anySolo));
-const instruments = new FineInstruments(engine);
-const scoreView = new ScoreView(engine, scorePage, viewport, new ScoreHeader(element("score-header")), () => {
+const mixer = new Mixer(api, channels, (anySolo) => metronome.setBesideSolo(anySolo));
+const instruments = new FineInstruments(api);
+const scoreView = new ScoreView(api, scorePage, viewport, new ScoreHeader(element("score-header")), () => {
   post({ type: "rendered" });
   instruments.scoreDrawn();
 });
-const pointerInput = new PointerInput(engine, playback, viewport);
-new AutoScroll(engine, playback, viewport);
-new Cursor(engine);
-const session = new ScoreSession({ engine, playback, mixer, pointerInput, scoreView, post });
-new SoundBank(engine, post);
-new Tidying(engine, playback, document);
+const pointerInput = new PointerInput(api, playback, viewport);
+new AutoScroll(api, playback, viewport);
+new Cursor(api);
+const session = new ScoreSession({ api, playback, mixer, pointerInput, scoreView, post });
+new SoundBank(api, post);
+new Tidying(api, playback, document);
 
 // What fails in a task of its own reaches nobody else.
 addEventListener("error", ({ message }) => post({ type: "error", message: `Something in the page failed (${message}).` }));
 addEventListener("unhandledrejection", ({ reason }) =>
   post({ type: "error", message: `Something in the page failed (${reason instanceof Error ? reason.message : reason}).` }),
 );
-engine.error.on((error) => post({ type: "error", message: error.message }));
-engine.recordingPlayer.failed.on((message) => {
+api.error.on((error) => post({ type: "error", message: error.message }));
+api.recordingPlayer.failed.on((message) => {
   post({ type: "error", message });
   session.giveUpRecording();
 });

@@ -6,7 +6,7 @@ import { unzip, zip } from "../../tests/scores/zip.mjs";
 import { makeGuitarPro, song } from "./support/gp-maker.mjs";
 import { damagedBytes, damagedXml, randomFrom } from "./support/mutations.mjs";
 
-globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ENGINE);
+globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
 const { readScore } = await import("../src/score-files/score-files.js");
 const { exportGuitarPro } = await import("../src/score-files/guitar-pro/export.js");

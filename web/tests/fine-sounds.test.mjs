@@ -8,7 +8,7 @@ import { Rehearsal, sampleRate, scoreOf } from "./support/rehearsal.mjs";
 
 // Sounds that take the place of the light bank's while a score plays, as numbers that can be told apart.
 
-const lightBank = readFileSync(join(dirname(process.env.QUAVERLY_ENGINE), "soundfont/sonivox.sf2"));
+const lightBank = readFileSync(join(dirname(process.env.QUAVERLY_ALPHATAB), "soundfont/sonivox.sf2"));
 
 const everyKey = [0, 127];
 const generator = { modes: 54 };

@@ -5,7 +5,7 @@ import { join } from "node:path";
 import { test } from "node:test";
 import { chooseFingering } from "../src/score-files/fingering.js";
 
-globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ENGINE);
+globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
 
 const tuning = [64, 59, 55, 50, 45, 40];

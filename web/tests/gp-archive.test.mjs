@@ -5,7 +5,7 @@ import { join } from "node:path";
 import { test } from "node:test";
 import { unzip, zip } from "../../tests/scores/zip.mjs";
 
-globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ENGINE);
+globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
 const { repackGp } = await import("../src/score-files/gp-archive.js");
 const { readScore } = await import("../src/score-files/score-files.js");

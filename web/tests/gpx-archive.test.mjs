@@ -5,7 +5,7 @@ import { join } from "node:path";
 import { test } from "node:test";
 import { BitWriter, makeContainer, pack } from "./support/gpx-maker.mjs";
 
-globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ENGINE);
+globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
 const { repackGpx } = await import("../src/score-files/gpx-archive.js");
 const { readScore } = await import("../src/score-files/score-files.js");
@@ -21,7 +21,7 @@ const sectorLength = 4096;
 /** Content of which no two sectors are the same, and without anything of XML. */
 const bytes = (length, seed = 1) => Uint8Array.from({ length }, (_, i) => 0x80 | ((i * seed) ^ (i >> 8)));
 
-/** What a zip holds, by the engine's way of reading one: from the front. */
+/** What a zip holds, by alphaTab's way of reading one: from the front. */
 function filesIn(zip) {
   const buffer = Buffer.from(zip);
   const files = {};
@@ -139,7 +139,7 @@ test("a damaged file gets a sentence", () => {
 for (const [title, file] of Object.entries(containers)) {
   const packed = new Uint8Array(readFileSync(file));
 
-  test(`${title} gives the score that the engine itself reads from it`, () => {
+  test(`${title} gives the score that alphaTab itself reads from it`, () => {
     const settings = new alphaTab.Settings();
     const json = (score) => alphaTab.model.JsonConverter.scoreToJson(score);
     const own = json(alphaTab.importer.ScoreLoader.loadScoreFromBytes(packed, settings));

@@ -11,8 +11,8 @@ import { Rehearsal, onsets, sampleRate, scoreOf } from "./support/rehearsal.mjs"
 /** A note begins at the sample nearest to its time; times lie on that grid from the first one on. */
 const sample = 1000 / sampleRate;
 
-/** The engine's own instruments. */
-const instruments = await readFile(join(dirname(process.env.QUAVERLY_ENGINE), "soundfont", "sonivox.sf2"));
+/** alphaTab's own instruments. */
+const instruments = await readFile(join(dirname(process.env.QUAVERLY_ALPHATAB), "soundfont", "sonivox.sf2"));
 
 /** @param {string} text alphaTex */
 function rehearse(text) {

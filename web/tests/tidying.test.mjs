@@ -105,7 +105,7 @@ test("the page collects when it has nothing else to do", () => {
   assert.deepEqual(collected, all);
 });
 
-test("a web engine that does not let the page collect is left alone", () => {
+test("Chromium that does not let the page collect is left alone", () => {
   const { collected, api } = page();
   delete globalThis.gc;
   api.drawing.pieceShown.trigger();

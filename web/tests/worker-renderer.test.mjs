@@ -2,7 +2,7 @@ import assert from "node:assert/strict";
 import { createRequire } from "node:module";
 import { test } from "node:test";
 
-globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ENGINE);
+globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
 const { LayoutRun } = await import("../src/rendering/layout-run.js");
 const { WorkerRenderer } = await import("../src/rendering/worker-renderer.js");
@@ -36,7 +36,7 @@ class FakeWorker extends EventTarget {
   }
 }
 
-/** A renderer at its worker, with everything that it told the engine. */
+/** A renderer at its worker, with everything that it told alphaTab. */
 function viewport(scrolled = { view, position: { left: 0, top: 0 }, moveTo: () => assert.fail("moved") }) {
   const worker = new FakeWorker();
   const renderer = new WorkerRenderer(worker, scrolled);
@@ -346,7 +346,7 @@ test("a score drawn anew keeps its length until the new one is known; another sc
   assert.deepEqual(draw(scoreOf("d4"), piece([], { first: true, height: 300 })), ["300 high"]);
 });
 
-test("what goes wrong in the worker reaches the engine, of whichever drawing", () => {
+test("what goes wrong in the worker reaches alphaTab, of whichever drawing", () => {
   const { worker, renderer, take } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
   worker.answer({ kind: "failed", message: "no such clef" });

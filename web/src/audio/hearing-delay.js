@@ -14,7 +14,7 @@ const drawingTime = 0.018;
 const assumedLatency = 0.04;
 
 /**
- * How much the sound system asks for at a time, in seconds. A web engine's shortest, a hundredth, left a hole each time
+ * How much the sound system asks for at a time, in seconds. Chromium's shortest, a hundredth, left a hole each time
  * that the audio thread came to its turn as late as that, about once a minute while the window was scrolled and resized.
  */
 export const turnOfSound = 0.02;

@@ -1,6 +1,6 @@
 // @ts-check
 /**
- * Samples on their way from one thread that writes them to one that reads them. Where the web engine lets threads share
+ * Samples on their way from one thread that writes them to one that reads them. Where Chromium lets threads share
  * memory nothing is allocated on the way, so that the reader, which must never be late, has no garbage to collect.
  */
 

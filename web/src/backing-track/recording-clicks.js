@@ -14,7 +14,7 @@ import { firstAtLeast } from "./stretch/time-stretch.js";
  * @property {Float32Array} others
  */
 
-/** A start so little behind a click is meant for it, in seconds: the engine takes a tick more for each thing it is told. */
+/** A start so little behind a click is meant for it, in seconds: alphaTab takes a tick more for each thing it is told. */
 const slack = 0.003;
 
 export class RecordingClicks {

@@ -6,7 +6,7 @@ import { decodeRecording } from "./decode/recording-decoder.js";
 import { collectGarbage } from "../shared/garbage.js";
 
 /**
- * The page's side of a recording that plays: has it decoded, and speaks to the audio thread. To the engine it is a medium
+ * The page's side of a recording that plays: has it decoded, and speaks to the audio thread. To alphaTab it is a medium
  * that plays beside it. Times are milliseconds of the recording.
  *
  * @typedef {import("@coderline/alphatab").synth.IExternalMediaHandler} MediaHandler
@@ -35,7 +35,7 @@ const volumeTime = 0.005;
 const sameTime = 1;
 
 /**
- * So long before the end of the loop the engine is kept in it, in milliseconds: the stream starts over by itself. What
+ * So long before the end of the loop alphaTab is kept in it, in milliseconds: the stream starts over by itself. What
  * is reported early for the sake of drawing would otherwise be behind the end.
  */
 const endOfLoop = 2;
@@ -48,7 +48,7 @@ export class RecordingPlayer {
   ended = new Emitter();
   /** @type {Emitter<string>} why there is nothing to hear */
   failed = new Emitter();
-  /** The engine asks for it only behind the last place where score and recording are known to meet. */
+  /** alphaTab asks for it only behind the last place where score and recording are known to meet. */
   backingTrackDuration = Infinity;
   /** @type {AudioContext | undefined} */
   #context;
@@ -263,7 +263,7 @@ export class RecordingPlayer {
     }
     const loop = this.#loop;
     if (startsOver && loop) {
-      // The engine goes back to the beginning of the loop when it hears of its end; the sound is there already.
+      // alphaTab goes back to the beginning of the loop when it hears of its end; the sound is there already.
       this.#startingOver = true;
       this.heard.trigger(loop.to);
       this.#startingOver = false;

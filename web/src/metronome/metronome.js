@@ -41,7 +41,7 @@ export class Metronome {
   #preview = new ClickPlayer();
 
   /**
-   * @param {import("../alphatab/engine.js").Engine} api
+   * @param {import("../alphatab/page-api.js").PageApi} api
    * @param {import("../playback/playback.js").Playback} playback made before this, so that it knows a score's times first
    */
   constructor(api, playback) {
@@ -144,7 +144,7 @@ export class Metronome {
       );
     }
     const clicks = pattern.map(({ tick, level }) => note(tick, this.#firstChannel + level));
-    // Those of the count-in are set up too: the engine takes the first channel that is not for a metronome of its own.
+    // Those of the count-in are set up too: alphaTab takes the first channel that is not for a metronome of its own.
     const used = [...levels.keys(), ...Object.values(countInChannels)];
     const setUp = used.flatMap((offset) => this.#chooseClicks(this.#firstChannel + offset));
     // The sort keeps the order of events at the same tick; the end of the track stays last, as it is past every click.

@@ -19,7 +19,7 @@ export class DrumChannels {
 
   #api;
 
-  /** @param {import("../alphatab/engine.js").Engine} api */
+  /** @param {import("../alphatab/page-api.js").PageApi} api */
   constructor(api) {
     this.#api = api;
     api.midiLoad.on((midi) => this.#separate(midi));

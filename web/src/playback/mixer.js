@@ -13,7 +13,7 @@ export class Mixer {
   #strips = new Map();
 
   /**
-   * @param {import("../alphatab/engine.js").Engine} api
+   * @param {import("../alphatab/page-api.js").PageApi} api
    * @param {import("./drum-channels.js").DrumChannels} channels
    * @param {(anySolo: boolean) => void} onSoloChanged
    */
@@ -21,7 +21,7 @@ export class Mixer {
     this.#api = api;
     this.#channels = channels;
     this.#onSoloChanged = onSoloChanged;
-    // The engine sets volumes of its own right after it says that the player is ready, on the channels of the file.
+    // alphaTab sets volumes of its own right after it says that the player is ready, on the channels of the file.
     api.playerReady.on(() => queueMicrotask(() => this.#applyAll()));
   }
 
@@ -75,7 +75,7 @@ export class Mixer {
     }
   }
 
-  /** A player that was set up anew knows none of the settings, and the engine gives some tracks its own volume. */
+  /** A player that was set up anew knows none of the settings, and alphaTab gives some tracks its own volume. */
   #applyAll() {
     for (const track of this.#api.score?.tracks ?? []) {
       this.#apply(track, this.#strips.get(track.index) ?? { mute: false, solo: false, volume: 1 });

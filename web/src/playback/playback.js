@@ -10,7 +10,7 @@ import { Timeline } from "../timing/timeline.js";
  * @typedef {{ startTick: number, endTick: number }} TickRange
  */
 
-/** Two ticks this close are the same place: the engine rounds each way between ticks and milliseconds. */
+/** Two ticks this close are the same place: alphaTab rounds each way between ticks and milliseconds. */
 const sameTick = 8;
 
 export class Playback {
@@ -26,7 +26,7 @@ export class Playback {
   #countIn = false;
   #playing = false;
   #readyPosted = false;
-  /** The engine still reports on the score before until it has loaded this one. */
+  /** alphaTab still reports on the score before until it has loaded this one. */
   #stale = false;
   #startWhenReady = false;
   /** Why the score cannot be played; empty when it can. */
@@ -42,7 +42,7 @@ export class Playback {
   #countInAt = () => null;
 
   /**
-   * @param {import("../alphatab/engine.js").Engine} api
+   * @param {import("../alphatab/page-api.js").PageApi} api
    * @param {import("../bridge/bridge.js").Post} post
    */
   constructor(api, post) {
@@ -63,7 +63,7 @@ export class Playback {
     return this.#timeline.endMs;
   }
 
-  /** The place in the score as the engine last reported it. */
+  /** The place in the score as alphaTab last reported it. */
   get tick() {
     return this.#tick;
   }
@@ -111,7 +111,7 @@ export class Playback {
     this.#countInAt = countInAt;
   }
 
-  /** To be called before another score is handed to the engine. */
+  /** To be called before another score is handed to alphaTab. */
   leaveScore() {
     if (this.#playing) {
       // The next score reaches the player only when its first lines are on the score page.
@@ -127,7 +127,7 @@ export class Playback {
     this.#setPlaying(false);
   }
 
-  /** Tells the length of the score just handed to the engine. */
+  /** Tells the length of the score just handed to alphaTab. */
   announceLength() {
     this.#feed.jump({ currentTime: 0, endTime: this.endTime });
   }
@@ -159,7 +159,7 @@ export class Playback {
       this.#awaitedTick = null;
       this.#api.stop();
       if (this.#range && !this.#api.isLooping) {
-        // The engine knows the range only while it loops.
+        // alphaTab knows the range only while it loops.
         this.seekToTick(this.#range.startTick);
       }
     }
@@ -185,7 +185,7 @@ export class Playback {
   /** @param {number} ratio */
   setSpeed(ratio) {
     if (Number.isFinite(ratio) && ratio > 0) {
-      // The engine keeps to these bounds itself; positions are worked out with the speed it really plays at.
+      // alphaTab keeps to these bounds itself; positions are worked out with the speed it really plays at.
       this.#speed = Math.min(Math.max(ratio, 0.125), 8);
       this.#api.playbackSpeed = this.#speed;
     }
@@ -256,7 +256,7 @@ export class Playback {
 
   #applyRange() {
     const player = this.#api.player;
-    // Outside of looping the range binds nothing: the engine would refuse to seek or play past its end.
+    // Outside of looping the range binds nothing: alphaTab would refuse to seek or play past its end.
     const range = this.#range && this.#api.isLooping ? this.#range : null;
     if (!player || (!range && !player.playbackRange)) {
       return;
@@ -317,7 +317,7 @@ export class Playback {
     const own = score ? MidiFileGenerator.generateSyncPoints(score) : [];
     this.#syncPoints = score && own.length === 0 ? MidiFileGenerator.generateSyncPoints(score, true) : own;
     for (const point of this.#syncPoints) {
-      // The engine counts whole milliseconds from point to point, which adds up.
+      // alphaTab counts whole milliseconds from point to point, which adds up.
       point.synthTime = this.#timeline.msAt(point.synthTick + this.#tickShift);
       point.syncTime = own.length > 0 ? point.syncTime : point.synthTime;
     }
@@ -330,7 +330,7 @@ export class Playback {
       this.#readyPosted = true;
       this.#post({ type: "playerReady" });
     }
-    // The engine sets volumes of its own now, and the mixer then sets the right ones: not while music plays.
+    // alphaTab sets volumes of its own now, and the mixer then sets the right ones: not while music plays.
     setTimeout(() => this.#startIfWanted());
   }
 
@@ -346,7 +346,7 @@ export class Playback {
   #onState(event) {
     const playing = event.state === alphaTab.synth.PlayerState.Playing;
     if (!playing && !event.stopped && this.#playing) {
-      // The engine steps back to the first time the current beat is played, also in the middle of a repeat. A pause
+      // alphaTab steps back to the first time the current beat is played, also in the middle of a repeat. A pause
       // stays where it is.
       this.#awaitedTick = this.#tick;
       this.#api.tickPosition = this.#tick;
@@ -378,7 +378,7 @@ export class Playback {
       this.#awaitedTick = null;
     }
     this.#tick = event.currentTick;
-    // The engine counts in time as played, which stretches with the speed. Its own end tells by how much.
+    // alphaTab counts in time as played, which stretches with the speed. Its own end tells by how much.
     const part = Math.min(Math.max(event.currentTime / event.endTime, 0), 1);
     const position = { currentTime: part * this.endTime, endTime: this.endTime };
     if (event.isSeek) {

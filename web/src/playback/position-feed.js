@@ -1,6 +1,6 @@
 // @ts-check
 /**
- * Thins the engine's stream of positions to what a display can use.
+ * Thins alphaTab's stream of positions to what a display can use.
  *
  * @typedef {{ currentTime: number, endTime: number }} Position milliseconds of score time
  */

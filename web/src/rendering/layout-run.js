@@ -3,7 +3,7 @@ import { alphaTab } from "../shared/alphatab.js";
 import { viewAt } from "./reading-place.js";
 
 /**
- * One drawing of a score, laid out a few bars at a time. The engine lays out a whole score or, after an edit, all from
+ * One drawing of a score, laid out a few bars at a time. alphaTab lays out a whole score or, after an edit, all from
  * one bar on; here each step shows it some bars more and has it go on from the last line, which was not full yet. The
  * first piece covers what can be seen, so that it is on the score page long before the end is known.
  *
@@ -125,7 +125,7 @@ export class LayoutRun {
       renderer.partialLayoutFinished.on((part) => {
         parts.push(part);
         if (this.#sideways && renderer.boundsLookup) {
-          // Places in the line are known by now, all of them; the engine would find them out again with each part.
+          // Places in the line are known by now, all of them; alphaTab would find them out again with each part.
           renderer.boundsLookup.isFinished = true;
         }
       }),
@@ -144,7 +144,7 @@ export class LayoutRun {
   }
 
   /**
-   * The engine tells of all parts at each step. New ones are taken, up to the last line: that is laid out anew by the
+   * alphaTab tells of all parts at each step. New ones are taken, up to the last line: that is laid out anew by the
    * next step, with the bars that follow it.
    *
    * @param {Part[]} parts
@@ -153,7 +153,7 @@ export class LayoutRun {
     const lines = parts.filter((part) => part.firstMasterBarIndex >= 0);
     const cut = this.finished || this.#sideways ? parts.length : parts.lastIndexOf(lines[lines.length - 1]);
     if (this.#known.size > 0 && lines.length > 0 && !this.#known.has(lines[0].id)) {
-      // The engine began again at the first bar: what was told of before is no more.
+      // alphaTab began again at the first bar: what was told of before is no more.
       this.#known.clear();
       this.#waiting = [];
       this.#lines = 0;

@@ -4,7 +4,7 @@ import { Emitter } from "../shared/emitter.js";
 import { placeIn, viewAt } from "./reading-place.js";
 
 /**
- * The page's end of the drawing worker, in the shape in which the engine knows a renderer. The engine's own worker
+ * The page's end of the drawing worker, in the shape in which alphaTab knows a renderer. alphaTab's own worker
  * tells of a drawing when all of it is laid out, which takes seconds with a long score; this one tells of it piece by
  * piece.
  *
@@ -18,7 +18,7 @@ import { placeIn, viewAt } from "./reading-place.js";
  * @typedef {{ place: Place, left: number, top: number, marked: number | null }} Return how far the viewport was scrolled, and
  *   what was marked
  *
- * Requests are told apart by "cmd", as the engine's own workers, which live in the same script, look for it.
+ * Requests are told apart by "cmd", as alphaTab's own workers, which live in the same script, look for it.
  *
  * @typedef {{ cmd: "settings", settings: Map<string, unknown> | null }
  *   | { cmd: "read", file: number, bytes: Uint8Array }

@@ -2,7 +2,7 @@
 import { decodeText } from "./containers/text-encoding.js";
 
 /**
- * Tells score files apart by their first bytes. The engine would take any text for its own notation language, so
+ * Tells score files apart by their first bytes. alphaTab would take any text for its own notation language, so
  * nothing reaches it that does not look like one of these.
  *
  * @typedef {"guitarPro" | "gpx" | "archive" | "musicXml"} Format

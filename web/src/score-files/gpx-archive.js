@@ -4,7 +4,7 @@ import { storedZip } from "./stored-zip.js";
 import { withoutGaps } from "./xml-gaps.js";
 
 /**
- * Guitar Pro 6 files: small file systems, compressed or not. The engine reads both bit by bit, but what it finds in them
+ * Guitar Pro 6 files: small file systems, compressed or not. alphaTab reads both bit by bit, but what it finds in them
  * it also finds in a zip, which it reads byte by byte.
  *
  * Behind the mark "BCFS" come sectors of 4096 bytes, of which the first says nothing here. One that begins with the number
@@ -22,17 +22,17 @@ const nameLength = 127;
 
 const scoreName = "score.gpif";
 
-/** Tags in a score of many thousand bars. The engine keeps some hundred bytes for each. */
+/** Tags in a score of many thousand bars. alphaTab keeps some hundred bytes for each. */
 export const mostTags = 1e6;
 
-/** What the engine reads beside the score. A score can be read without any of it. */
+/** What alphaTab reads beside the score. A score can be read without any of it. */
 const optional = ["BinaryStylesheet", "PartConfiguration", "LayoutConfiguration"];
 
 /**
  * @param {Uint8Array} bytes of the file
  * @param {number} limit to what is unpacked, in bytes
  * @param {boolean} [alone] whether nothing but the score is wanted
- * @returns {Uint8Array | null} a zip with all of it that the engine reads, without optional parts that are damaged; null
+ * @returns {Uint8Array | null} a zip with all of it that alphaTab reads, without optional parts that are damaged; null
  *   when the score is damaged or not there
  */
 export function repackGpx(bytes, limit, alone = false) {

@@ -44,7 +44,7 @@ export function isRecognised(xml) {
   return /<software>[^<]*Audiveris/.test(xml.slice(0, headLength));
 }
 
-/** @param {Score} score as the engine has read it from a file that Audiveris wrote; its parts are changed in place */
+/** @param {Score} score as alphaTab has read it from a file that Audiveris wrote; its parts are changed in place */
 export function assignInstruments(score) {
   /** @type {Map<string, Track[]>} */
   const players = new Map();
@@ -185,7 +185,7 @@ function finger(keys, tuning) {
     for (const note of placement ? notes : []) {
       note.octave = -1;
       note.tone = -1;
-      // The engine counts strings from the lowest.
+      // alphaTab counts strings from the lowest.
       note.string = tuning.length - (placement?.string ?? 0);
       note.fret = placement?.fret ?? 0;
     }

@@ -11,7 +11,7 @@ import { readMusicXml } from "./musicxml/read.js";
 import { assignInstruments, isRecognised } from "./recognised-parts.js";
 
 /**
- * Reads score files with the engine's importers, and tells in a sentence why one cannot be read.
+ * Reads score files with alphaTab's importers, and tells in a sentence why one cannot be read.
  *
  * @typedef {import("../shared/alphatab.js").Score} Score
  * @typedef {import("../shared/alphatab.js").Settings} Settings
@@ -118,7 +118,7 @@ function importMusicXml(bytes, settings) {
 }
 
 /**
- * The engine's MusicXML reader puts no-break spaces in place of all spaces; nobody searches or names files by those.
+ * alphaTab's MusicXML reader puts no-break spaces in place of all spaces; nobody searches or names files by those.
  *
  * @param {Score} score
  */
@@ -176,7 +176,7 @@ function textsOf(score) {
 }
 
 /**
- * A file that cannot be read is an answer here and not a fault of the page: the engine's own report of it stays out
+ * A file that cannot be read is an answer here and not a fault of the page: alphaTab's own report of it stays out
  * of the console.
  *
  * @template T

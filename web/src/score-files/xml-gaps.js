@@ -3,7 +3,7 @@ const [less, greater, exclamation, bracket, endBracket] = Array.from("<>![]", (l
 const spaces = new Set(Array.from(" \t\n\r", (letter) => letter.charCodeAt(0)));
 
 /**
- * XML as it was, without the white space between two tags: the engine would make a node of each, as many as there are
+ * XML as it was, without the white space between two tags: alphaTab would make a node of each, as many as there are
  * elements. To be used where no element has both text and elements.
  *
  * @param {Uint8Array} xml in UTF-8

@@ -50,7 +50,7 @@ export class AutoScroll {
   #system = null;
 
   /**
-   * @param {import("../alphatab/engine.js").Engine} api
+   * @param {import("../alphatab/page-api.js").PageApi} api
    * @param {import("../playback/playback.js").Playback} playback
    * @param {HTMLElement} viewport what scrolls
    */
@@ -124,7 +124,7 @@ export class AutoScroll {
     }
   }
 
-  /** The engine puts its cursor to a new place within the next frames. */
+  /** alphaTab puts its cursor to a new place within the next frames. */
   #showCursorSoon() {
     clearTimeout(this.#soon);
     clearTimeout(this.#lookAheadTimer);

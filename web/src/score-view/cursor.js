@@ -5,7 +5,7 @@
  * frame's delay would show the mark elsewhere than the sound.
  *
  * @typedef {import("@coderline/alphatab").rendering.BeatBounds} BeatBounds
- * @typedef {NonNullable<import("../alphatab/engine.js").Engine["customCursorHandler"]>} CursorHandler
+ * @typedef {NonNullable<import("../alphatab/page-api.js").PageApi["customCursorHandler"]>} CursorHandler
  * @typedef {Parameters<CursorHandler["placeBeatCursor"]>[0]} Mark
  */
 
@@ -14,20 +14,20 @@ const bandWidth = 18;
 
 /** @implements {CursorHandler} */
 export class Cursor {
-  #engine;
+  #api;
   #marks;
 
-  /** @param {import("../alphatab/engine.js").Engine} engine */
-  constructor(engine) {
-    this.#engine = engine;
-    this.#marks = engine.uiFacade.createCursors();
-    // The engine makes marks together with a player, which comes after the first lines of a score, and takes them away
+  /** @param {import("../alphatab/page-api.js").PageApi} api */
+  constructor(api) {
+    this.#api = api;
+    this.#marks = api.uiFacade.createCursors();
+    // alphaTab makes marks together with a player, which comes after the first lines of a score, and takes them away
     // with it: it gets these, and they stay.
-    engine.uiFacade.createCursors = () => this.#marks;
-    engine.uiFacade.destroyCursors = () => {};
-    engine.customCursorHandler = this;
-    engine.drawing.pieceShown.on(({ first }) => {
-      if (first && !engine.hasPrepared) {
+    api.uiFacade.createCursors = () => this.#marks;
+    api.uiFacade.destroyCursors = () => {};
+    api.customCursorHandler = this;
+    api.drawing.pieceShown.on(({ first }) => {
+      if (first && !api.hasPrepared) {
         this.#markStart();
       }
     });
@@ -41,16 +41,16 @@ export class Cursor {
   onDetach() {}
 
   /**
-   * The engine learns where the beats lie in time when the score is prepared for playing. That its first beat comes first
+   * alphaTab learns where the beats lie in time when the score is prepared for playing. That its first beat comes first
    * is known before, so that the score's first picture shows the mark too.
    */
   #markStart() {
-    const beat = this.#engine.boundsLookup?.staffSystems[0]?.bars[0]?.bars[0]?.beats[0];
+    const beat = this.#api.boundsLookup?.staffSystems[0]?.bars[0]?.bars[0]?.beats[0];
     const marks = this.#marks;
     if (beat && marks) {
       this.onAttach(marks);
-      // Behind the engine's own doing, which goes by the score before.
-      this.#engine.uiFacade.beginInvoke(() => {
+      // Behind alphaTab's own doing, which goes by the score before.
+      this.#api.uiFacade.beginInvoke(() => {
         this.placeBarCursor(marks.barCursor, beat);
         this.placeBeatCursor(marks.beatCursor, beat);
       });
@@ -64,7 +64,7 @@ export class Cursor {
   placeBarCursor(mark, beat) {
     const { x, y, w, h } = beat.barBounds.masterBarBounds.visualBounds;
     mark.setBounds(x, y, w, h);
-    this.#engine.drawing.markedBar = beat.barBounds.masterBarBounds.index;
+    this.#api.drawing.markedBar = beat.barBounds.masterBarBounds.index;
   }
 
   /**

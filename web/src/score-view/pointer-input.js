@@ -1,7 +1,7 @@
 // @ts-check
 /**
  * Reads the mouse on the score: a click on a beat goes there and clears the range, a drag over beats chooses the range
- * that looping loops. The range is drawn here and not by the engine, which stumbles over a range whose tracks are
+ * that looping loops. The range is drawn here and not by alphaTab, which stumbles over a range whose tracks are
  * hidden or whose score is gone.
  *
  * @typedef {import("../shared/alphatab.js").Beat} Beat
@@ -45,7 +45,7 @@ export class PointerInput {
   #anchor = null;
 
   /**
-   * @param {import("../alphatab/engine.js").Engine} api
+   * @param {import("../alphatab/page-api.js").PageApi} api
    * @param {import("../playback/playback.js").Playback} playback
    * @param {HTMLElement} viewport what scrolls
    */
@@ -68,7 +68,7 @@ export class PointerInput {
     api.postRenderFinished.on(() => this.#draw());
   }
 
-  /** To be called before another score is handed to the engine. */
+  /** To be called before another score is handed to alphaTab. */
   leaveScore() {
     this.#press = null;
     this.#anchor = null;

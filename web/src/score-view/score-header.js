@@ -3,7 +3,7 @@ import { alphaTab } from "../shared/alphatab.js";
 
 /**
  * What stands over the notation: title, people, and how the instruments are tuned. The page sets these lines itself,
- * because the engine neither breaks a long title nor keeps lines of text apart.
+ * because alphaTab neither breaks a long title nor keeps lines of text apart.
  *
  * @typedef {import("../shared/alphatab.js").Score} Score
  * @typedef {import("../shared/alphatab.js").Track} Track

@@ -20,7 +20,7 @@ export class ScoreView {
   #drawing = 0;
 
   /**
-   * @param {import("../alphatab/engine.js").Engine} api
+   * @param {import("../alphatab/page-api.js").PageApi} api
    * @param {HTMLElement} scorePage
    * @param {HTMLElement} viewport what scrolls
    * @param {import("./score-header.js").ScoreHeader} scoreHeader
@@ -43,7 +43,7 @@ export class ScoreView {
     });
   }
 
-  /** To be called before another score is handed to the engine: what is being drawn of this one is abandoned. */
+  /** To be called before another score is handed to alphaTab: what is being drawn of this one is abandoned. */
   leaveScore() {
     this.#drawing++;
     this.#api.drawing.abandon();

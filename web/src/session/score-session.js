@@ -12,7 +12,7 @@ import { readScore } from "../score-files/score-files.js";
  * The open score: opening another, choosing how it sounds, and writing it out again.
  *
  * @typedef {object} Dependencies
- * @property {import("../alphatab/engine.js").Engine} engine
+ * @property {import("../alphatab/page-api.js").PageApi} api
  * @property {import("../playback/playback.js").Playback} playback
  * @property {import("../playback/mixer.js").Mixer} mixer
  * @property {import("../score-view/pointer-input.js").PointerInput} pointerInput
@@ -20,7 +20,7 @@ import { readScore } from "../score-files/score-files.js";
  * @property {import("../bridge/bridge.js").Post} post
  */
 export class ScoreSession {
-  #engine;
+  #api;
   #playback;
   #mixer;
   #pointerInput;
@@ -31,14 +31,14 @@ export class ScoreSession {
   #calls = new CallOrder();
 
   /** @param {Dependencies} dependencies */
-  constructor({ engine, playback, mixer, pointerInput, scoreView, post }) {
-    this.#engine = engine;
+  constructor({ api, playback, mixer, pointerInput, scoreView, post }) {
+    this.#api = api;
     this.#playback = playback;
     this.#mixer = mixer;
     this.#pointerInput = pointerInput;
     this.#scoreView = scoreView;
     this.#post = post;
-    engine.scorePrepared.on(() => playback.announceLength());
+    api.scorePrepared.on(() => playback.announceLength());
   }
 
   /** @param {Uint8Array | null} bytes null when they could not be decoded */
@@ -65,9 +65,9 @@ export class ScoreSession {
     if (!this.#calls.counts(call)) {
       return;
     }
-    const drawing = this.#engine.drawing;
+    const drawing = this.#api.drawing;
     const file = bytes && drawing.read(bytes);
-    const reading = readScore(bytes, this.#engine.settings);
+    const reading = readScore(bytes, this.#api.settings);
     if ("problem" in reading) {
       this.#post({ type: "error", message: reading.problem });
       return;
@@ -92,16 +92,16 @@ export class ScoreSession {
   /** @param {boolean} synthesized */
   preferSynthesizer(synthesized) {
     this.#preferSynthesizer = Boolean(synthesized);
-    const score = this.#engine.score;
+    const score = this.#api.score;
     if (score && this.#choosePlayer(score)) {
       this.#playback.handOver();
-      this.#engine.updateSettings();
+      this.#api.updateSettings();
     }
   }
 
   /** The recording of the open score cannot be heard after all: the synthesizer takes its place. */
   giveUpRecording() {
-    const score = this.#engine.score;
+    const score = this.#api.score;
     if (!score || !this.#recordings.of(score)) {
       return;
     }
@@ -111,19 +111,19 @@ export class ScoreSession {
     this.#playback.repeatPosition();
     if (this.#choosePlayer(score)) {
       this.#playback.handOver();
-      this.#engine.updateSettings();
+      this.#api.updateSettings();
     }
   }
 
   /** @param {(bytes: Uint8Array) => string} encode */
   exportGuitarPro(encode) {
-    const score = this.#engine.score;
+    const score = this.#api.score;
     if (!score) {
       this.#post({ type: "error", message: "There is no score to export." });
       return;
     }
     try {
-      const bytes = exportGuitarPro(score, this.#engine.settings);
+      const bytes = exportGuitarPro(score, this.#api.settings);
       this.#post({ type: "gpData", data: encode(bytes), title: score.title });
     } catch (reason) {
       this.#post({ type: "error", message: `The score cannot be exported: ${reason}` });
@@ -158,8 +158,8 @@ export class ScoreSession {
    */
   #choosePlayer(score) {
     const { EnabledExternalMedia, EnabledSynthesizer } = alphaTab.PlayerMode;
-    this.#engine.recording = this.#recordings.of(score);
-    const mode = this.#engine.recording && !this.#preferSynthesizer ? EnabledExternalMedia : EnabledSynthesizer;
-    return this.#engine.choosePlayer(mode);
+    this.#api.recording = this.#recordings.of(score);
+    const mode = this.#api.recording && !this.#preferSynthesizer ? EnabledExternalMedia : EnabledSynthesizer;
+    return this.#api.choosePlayer(mode);
   }
 }

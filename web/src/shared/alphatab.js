@@ -1,6 +1,6 @@
 // @ts-check
 /**
- * The notation and playback engine, loaded by a classic script tag before the modules run. It is taken as one global
+ * alphaTab, loaded by a classic script tag before the modules run. It is taken as one global
  * script because its workers import the very same file: nothing is parsed twice under two names.
  *
  * @typedef {import("@coderline/alphatab").AlphaTabApi} AlphaTabApi
@@ -11,6 +11,6 @@
  * @typedef {import("@coderline/alphatab").midi.MidiFile} MidiFile
  */
 
-const engine = /** @type {{ alphaTab: typeof import("@coderline/alphatab") }} */ (/** @type {unknown} */ (globalThis));
+const scope = /** @type {{ alphaTab: typeof import("@coderline/alphatab") }} */ (/** @type {unknown} */ (globalThis));
 
-export const alphaTab = engine.alphaTab;
+export const alphaTab = scope.alphaTab;

@@ -1,7 +1,7 @@
 // @ts-check
 
 /**
- * An event as the engine's interfaces want it: handlers are added, and taken away again by what adding returned.
+ * An event as alphaTab's interfaces want it: handlers are added, and taken away again by what adding returned.
  *
  * @template T
  */

@@ -1,5 +1,5 @@
 // @ts-check
-/** The longest buffer, in bytes, that V8 takes for a possible one. The web engine's end at 2 GB. */
+/** The longest buffer, in bytes, that V8 takes for a possible one. Chromium's end at 2 GB. */
 const tooLarge = 2 ** 35 - 1;
 
 /**
@@ -16,7 +16,7 @@ export function collectThoroughly() {
   }
 }
 
-/** Collects most of it, where the web engine lets a page ask for that. */
+/** Collects most of it, where Chromium lets a page ask for that. */
 export function collectGarbage() {
   const { gc } = /** @type {{ gc?: (options: { type: string, execution: string }) => void }} */ (globalThis);
   // As a task of its own: what happens to lie on the stack would keep things.

@@ -1,9 +1,9 @@
 // @ts-check
 /**
- * Makes presets for the engine's synthesizer out of sounds of the fine bank, whose samples are decoded elsewhere. The
+ * Makes presets for alphaTab's synthesizer out of sounds of the fine bank, whose samples are decoded elsewhere. The
  * synthesizer makes presets out of banks that it has parsed; it is given one of one preset, in the same shape.
  *
- * Parts of the engine that are relied on without being in its declarations: what it parses a bank into (Hydra), and the
+ * Parts of alphaTab that are relied on without being in its declarations: what it parses a bank into (Hydra), and the
  * two of the synthesizer's that follow.
  *
  * @typedef {object} PresetMaker
@@ -89,6 +89,6 @@ function entry(number, amount) {
  * @param {FineSample} sample
  */
 function sampleHead({ sample: start, loop }, { rate, root, correction }) {
-  // What the engine hands back to decodeSamples() is where the sample starts: its number, here.
+  // What alphaTab hands back to decodeSamples() is where the sample starts: its number, here.
   return { sampleName: "", start, end: start, startLoop: loop[0], endLoop: loop[1], sampleRate: rate, originalPitch: root, pitchCorrection: correction, sampleType: monoStream };
 }

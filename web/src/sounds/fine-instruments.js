@@ -22,7 +22,7 @@ export class FineInstruments {
   /** @type {Worker | null} */
   #loader = null;
 
-  /** @param {import("../alphatab/engine.js").Engine} api */
+  /** @param {import("../alphatab/page-api.js").PageApi} api */
   constructor(api) {
     this.#api = api;
     api.renderStarted.on(() => {

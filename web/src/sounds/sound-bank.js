@@ -13,7 +13,7 @@ export class SoundBank {
   #light = null;
 
   /**
-   * @param {import("../alphatab/engine.js").Engine} api
+   * @param {import("../alphatab/page-api.js").PageApi} api
    * @param {import("../bridge/bridge.js").Post} post
    */
   constructor(api, post) {

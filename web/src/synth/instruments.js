@@ -96,8 +96,8 @@ function gaps(low, high, covers) {
 }
 
 /**
- * The engine makes floating-point copies of a bank's samples, twice the size, and keeps them as long as the bank. The
- * samples are words of 16 bits in the bank as it is, little-endian like every processor that the web engine runs on.
+ * alphaTab makes floating-point copies of a bank's samples, twice the size, and keeps them as long as the bank. The
+ * samples are words of 16 bits in the bank as it is, little-endian like every processor that Chromium runs on.
  *
  * @param {PresetMaker} synthesizer
  */

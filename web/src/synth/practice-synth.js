@@ -5,12 +5,12 @@ import { HeardTime } from "../timing/heard-time.js";
 import { Instruments } from "./instruments.js";
 
 /**
- * The engine's synthesizer, as a musician who practises needs it. Runs in a worker. What is different:
+ * alphaTab's synthesizer, as a musician who practises needs it. Runs in a worker. What is different:
  *
- * - A note begins at its own sample. The engine lets it begin with the step of 64 samples that it falls into.
- * - A loop starts over from one sample to the next. The engine waits until the last sample has been heard.
+ * - A note begins at its own sample. alphaTab lets it begin with the step of 64 samples that it falls into.
+ * - A loop starts over from one sample to the next. alphaTab waits until the last sample has been heard.
  * - A bar is counted in by the synthesizer itself, so that its clicks and the first note are of one stream.
- * - A change of speed goes on from where the sound is. The engine seeks, which cuts off every note.
+ * - A change of speed goes on from where the sound is. alphaTab seeks, which cuts off every note.
  * - A pause stays at what was heard last, not at what was rendered last.
  * - The place it reports is the place that is heard.
  * - Its sounds can be replaced while it plays.
@@ -29,7 +29,7 @@ import { Instruments } from "./instruments.js";
  * @property {() => void} stop
  * @property {() => void} clear what was sent and not heard yet is not wanted any more
  *
- * The parts of the engine that are relied on without being in its declarations:
+ * The parts of alphaTab that are relied on without being in its declarations:
  *
  * @typedef {object} Sequencer times are real milliseconds at the speed of playing
  * @property {number} currentTime up to where events were handed to the synthesizer
@@ -56,7 +56,7 @@ import { Instruments } from "./instruments.js";
  * @property {(channel: number, bank: number, program: number) => void} channelSetBankPreset
  */
 
-/** The engine hands over events in steps of this many samples. */
+/** alphaTab hands over events in steps of this many samples. */
 const step = 64;
 
 /** How often the place is reported while no note begins, a second. */
@@ -68,7 +68,7 @@ const fadeLength = 480;
 /** How long the last notes of a score may ring on, in seconds. */
 const longestEnd = 1.5;
 
-/** An output as the engine's base class wants it. This synthesizer is asked for samples by other means. */
+/** An output as alphaTab's base class wants it. This synthesizer is asked for samples by other means. */
 function silentOutput(/** @type {number} */ sampleRate, /** @type {Line} */ line) {
   const never = { on: () => () => {}, off: () => {} };
   /** @type {(() => void)[]} */
@@ -163,7 +163,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     return this.#sequencer.currentTime * this.#sequencer.playbackSpeed;
   }
 
-  /** @override Left to itself the engine would be ready once for each bank. */
+  /** @override Left to itself alphaTab would be ready once for each bank. */
   get isReadyForPlayback() {
     return super.isReadyForPlayback && !this.#banksToCome;
   }
@@ -211,7 +211,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   #comeHereAgain() {
     const sequencer = this.#sequencer;
     const { currentTime, mainPlaybackRange } = sequencer;
-    // To where it is the engine does not seek, and to the beginning not while there is a range.
+    // To where it is alphaTab does not seek, and to the beginning not while there is a range.
     sequencer.mainPlaybackRange = null;
     sequencer.mainSeek(0);
     sequencer.mainPlaybackRange = mainPlaybackRange;

@@ -12,7 +12,7 @@ import { Loudspeaker } from "./loudspeaker.js";
 /** @type {Loudspeaker | null} there as soon as something is to sound */
 let loudspeaker = null;
 
-/** What the engine knows of the loudspeaker, for one synthesizer. */
+/** What alphaTab knows of the loudspeaker, for one synthesizer. */
 class SoundOutput {
   /** @type {Emitter<void>} */
   ready = new Emitter();
@@ -72,7 +72,7 @@ class SoundOutput {
 }
 
 /**
- * The engine's player for synthesizers that run in a worker, joined to ours. The engine exports its class without
+ * alphaTab's player for synthesizers that run in a worker, joined to ours. alphaTab exports its class without
  * declaring it.
  */
 const WorkerPlayer = /** @type {new (output: unknown, settings: unknown, worker: unknown) => Player} */ (

@@ -7,7 +7,7 @@ import { SampleRing } from "../audio/sample-ring.js";
 import { collectThoroughly } from "../shared/garbage.js";
 
 /**
- * The synthesizer at work in its worker. It speaks the engine's own language with the engine's player on the page, and
+ * The synthesizer at work in its worker. It speaks alphaTab's own language with alphaTab's player on the page, and
  * answers the audio thread, which asks for samples over a port of their own.
  *
  * @typedef {{ cmd: string } & Record<string, any>} Command

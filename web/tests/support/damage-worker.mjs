@@ -2,7 +2,7 @@
 import { createRequire } from "node:module";
 import { parentPort } from "node:worker_threads";
 
-globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ENGINE);
+globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
 const { readScore } = await import("../../src/score-files/score-files.js");
 const { playInOrder } = await import("../../src/alphatab/play-through.js");

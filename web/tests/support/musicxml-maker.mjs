@@ -1,6 +1,6 @@
 import { createRequire } from "node:module";
 
-globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ENGINE);
+globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { readScore } = await import("../../src/score-files/score-files.js");
 
 /** A note such as "C4" or "F#4" for so many divisions; more elements go before and after its length. */

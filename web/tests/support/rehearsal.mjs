@@ -1,7 +1,7 @@
-// Plays scores in Node, with the engine itself: what the page's worker renders, sample by sample.
+// Plays scores in Node, with alphaTab itself: what the page's worker renders, sample by sample.
 import { createRequire } from "node:module";
 
-globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ENGINE);
+globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 export const { alphaTab } = globalThis;
 
 export const sampleRate = 48000;
@@ -15,7 +15,7 @@ const { scoreOrder } = await import("../../src/playback/score-order.js");
 
 playInOrder((score) => scoreOrder(score).bars);
 
-/** An event of the engine's. */
+/** An event of alphaTab's. */
 class Signal {
   #listeners = [];
 

@@ -2,7 +2,7 @@
 import { createHash } from "node:crypto";
 import { createRequire } from "node:module";
 
-globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ENGINE);
+globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
 
 const settings = new alphaTab.Settings();

@@ -22,7 +22,7 @@ import { cutWave } from "./cut-wave.js";
  * @property {(cut: Cut) => Uint8Array<ArrayBuffer>} fileOf a file with nothing but that part
  */
 
-/** What the web engine decodes to, in samples a second. */
+/** What Chromium decodes to, in samples a second. */
 const rates = { lowest: 3000, highest: 384000 };
 
 /**

@@ -14,11 +14,11 @@ const patience = 1000;
 const idleTime = 400;
 
 /**
- * The engine with the page's settings, its drawing done by a worker of the page's own. A score is seen first, then heard,
+ * alphaTab with the page's settings, its drawing done by a worker of the page's own. A score is seen first, then heard,
  * then drawn to its end: the player is started, and the score prepared for playing once, when its first lines can be
  * seen, and the drawing goes on when the score can be played. All three at once would take each other's processor.
  */
-export class Engine extends alphaTab.AlphaTabApi {
+export class PageApi extends alphaTab.AlphaTabApi {
   #soundHeldBack = false;
   #soundTimer = 0;
   /** @type {import("../shared/alphatab.js").Score | null} */
@@ -141,7 +141,7 @@ export class Engine extends alphaTab.AlphaTabApi {
     return this.actualPlayerMode === alphaTab.PlayerMode.EnabledExternalMedia;
   }
 
-  /** Where the engine is told how far the recording is; null while the synthesizer plays. */
+  /** Where alphaTab is told how far the recording is; null while the synthesizer plays. */
   get #media() {
     const output = this.playsRecording ? this.player?.output : null;
     return /** @type {import("@coderline/alphatab").synth.IExternalMediaSynthOutput | null | undefined} */ (output) ?? null;
@@ -164,7 +164,7 @@ export class Engine extends alphaTab.AlphaTabApi {
   }
 }
 
-/** The engine would start a drawing worker of its own, which nobody needs. Its other workers it gets. */
+/** alphaTab would start a drawing worker of its own, which nobody needs. Its other workers it gets. */
 function replaceDrawingWorker() {
   const script = new URL("../../vendor/alphaTab.min.js", import.meta.url).href;
   const nobody = /** @type {Worker} */ (/** @type {unknown} */ ({ postMessage() {}, addEventListener() {}, terminate() {} }));
@@ -175,7 +175,7 @@ function replaceDrawingWorker() {
 }
 
 /**
- * The engine puts its cursor off to the next frame, and there once more to the one after. Once is enough.
+ * alphaTab puts its cursor off to the next frame, and there once more to the one after. Once is enough.
  *
  * @returns {(action: () => void) => void}
  */
@@ -213,7 +213,7 @@ function afterSight(callback) {
 
 function pageSettings() {
   const settings = new alphaTab.Settings();
-  // Debug lines of the engine cost seconds with a large score.
+  // Debug lines of alphaTab cost seconds with a large score.
   settings.core.logLevel = alphaTab.LogLevel.Warning;
   settings.core.smuflFontSources = new Map([
     [alphaTab.FontFileFormat.Woff2, new URL("../../vendor/font/Bravura.woff2", import.meta.url).href],
@@ -258,7 +258,7 @@ function chooseFonts(resources) {
   /** @type {(families: string[], size: number, style?: number, weight?: number) => import("@coderline/alphatab").model.Font} */
   const font = (families, size, style = Plain, weight = Regular) =>
     alphaTab.model.Font.withFamilyList([...families], size, style, weight);
-  // Second voices are told apart by their stems; the engine's own light gray is hard to read.
+  // Second voices are told apart by their stems; alphaTab's own light gray is hard to read.
   resources.secondaryGlyphColor = new alphaTab.model.Color(74, 74, 82, 255);
   resources.titleFont = font(serif, 30);
   resources.subTitleFont = font(serif, 18);
