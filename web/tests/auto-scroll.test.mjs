@@ -99,7 +99,7 @@ function stoppedScore() {
     playerPositionChanged: emitter(),
     postRenderFinished: emitter(),
     scoreLoaded: emitter(),
-    drawing: { awaited: false, drewAgain: false },
+    workerRenderer: { awaited: false, drewAgain: false },
   };
   const playback = { playing: false, atStart: true };
   new AutoScroll(/** @type {any} */ (api), /** @type {any} */ (playback), /** @type {any} */ (viewport));

@@ -12,7 +12,7 @@ function page() {
   watchCollections(() => collected.push("page thoroughly"));
   globalThis.requestIdleCallback = (callback) => callback();
   const api = {
-    drawing: { pieceShown: new Emitter(), tidy: () => collected.push("drawing") },
+    drawing: { batchShown: new Emitter(), tidy: () => collected.push("drawing") },
     playerReady: new Emitter(),
     playerStateChanged: new Emitter(),
     recordingPlayer: { tidy: () => collected.push("sound") },
@@ -30,7 +30,7 @@ test("the threads collect one after the other when nothing has happened for a wh
   const { collected, api } = page();
   pass(20000);
   assert.deepEqual(collected, []);
-  api.drawing.pieceShown.trigger();
+  api.workerRenderer.batchShown.trigger();
   pass(5000);
   api.playerReady.trigger();
   pass(5000);
@@ -47,7 +47,7 @@ test("the threads collect one after the other when nothing has happened for a wh
 
 test("a reader's hands put it off", () => {
   const { collected, api, view } = page();
-  api.drawing.pieceShown.trigger();
+  api.workerRenderer.batchShown.trigger();
   for (let second = 0; second < 10; second++) {
     pass(1000);
     view.dispatchEvent(new Event(second % 2 === 0 ? "wheel" : "pointermove"));
@@ -62,7 +62,7 @@ test("a reader's hands put it off", () => {
 
 test("while the music plays the threads that are heard do not collect; they do when the music stops", () => {
   const { collected, api, playback } = page();
-  api.drawing.pieceShown.trigger();
+  api.workerRenderer.batchShown.trigger();
   playback.playing = true;
   api.playerStateChanged.trigger();
   pass(20000);
@@ -82,7 +82,7 @@ test("music that begins before the page has time to collect thoroughly is let pl
     idle.splice(0).forEach((callback) => callback());
   };
   globalThis.requestIdleCallback = (callback) => idle.push(callback);
-  api.drawing.pieceShown.trigger();
+  api.workerRenderer.batchShown.trigger();
   pass(20000);
   playback.playing = true;
   passIdly(0);
@@ -97,7 +97,7 @@ test("the page collects when it has nothing else to do", () => {
   const { collected, api } = page();
   const idle = [];
   globalThis.requestIdleCallback = (callback) => idle.push(callback);
-  api.drawing.pieceShown.trigger();
+  api.workerRenderer.batchShown.trigger();
   pass(8000);
   assert.deepEqual(collected, ["drawing", "synth", "sound"]);
   pass(20000);
@@ -108,7 +108,7 @@ test("the page collects when it has nothing else to do", () => {
 test("Chromium that does not let the page collect is left alone", () => {
   const { collected, api } = page();
   delete globalThis.gc;
-  api.drawing.pieceShown.trigger();
+  api.workerRenderer.batchShown.trigger();
   pass(20000);
   assert.deepEqual(collected, all.filter((who) => who !== "page"));
 });

@@ -9,7 +9,7 @@ const { WorkerRenderer } = await import("../src/rendering/worker-renderer.js");
 
 const view = { left: 0, top: 0, right: 900, bottom: 600 };
 
-/** The drawing worker, without a worker: what it is asked is written down, and the test answers. */
+/** The render worker, without a worker: what it is asked is written down, and the test answers. */
 class FakeWorker extends EventTarget {
   asked = [];
   terminated = false;
@@ -43,10 +43,10 @@ function viewport(scrolled = { view, position: { left: 0, top: 0 }, moveTo: () =
   renderer.width = 900;
   const told = [];
   renderer.preRender.on(() => told.push("new notation"));
-  renderer.partialLayoutFinished.on(({ id }) => told.push(`place of ${id}`));
+  renderer.partialLayoutFinished.on(({ id }) => told.push(`bounds of ${id}`));
   renderer.partialRenderFinished.on(({ id }) => told.push(`picture of ${id}`));
   renderer.renderFinished.on(({ totalHeight }) => told.push(`${totalHeight} high`));
-  renderer.pieceShown.on(({ first, last }) => told.push(`shown${first ? " first" : ""}${last ? " last" : ""}`));
+  renderer.batchShown.on(({ first, last }) => told.push(`shown${first ? " first" : ""}${last ? " last" : ""}`));
   renderer.error.on(({ message }) => told.push(`error: ${message}`));
   return { worker, renderer, told, take: () => told.splice(0) };
 }
@@ -57,10 +57,10 @@ function scoreOf(text) {
 
 const noBounds = new alphaTab.rendering.BoundsLookup().toJson();
 
-/** A piece of a drawing, by the names of its parts; those in capitals are painted. */
-function piece(names, { first = false, last = false, height = 100 } = {}) {
-  const parts = names.map((id) => ({ id, renderResult: id === id.toUpperCase() ? "<svg/>" : undefined }));
-  return { first, last, parts, bounds: noBounds, width: 900, height };
+/** A layout batch of a drawing, by the names of its partials; those in capitals are painted. */
+function batch(names, { first = false, last = false, height = 100 } = {}) {
+  const partials = names.map((id) => ({ id, renderResult: id === id.toUpperCase() ? "<svg/>" : undefined }));
+  return { first, last, partials, bounds: noBounds, width: 900, height };
 }
 
 test("a score that the worker has read is asked for by its number", () => {
@@ -114,11 +114,11 @@ test("what the worker no longer has is handed over", () => {
   renderer.renderScore(score, [0]);
   const before = worker.last;
   renderer.read(new Uint8Array(9)); // comes to nothing
-  worker.answer({ kind: "missing", drawing: before.drawing });
+  worker.answer({ kind: "missing", renderId: before.renderId });
   assert.equal(worker.count("draw"), 2);
   assert.ok(worker.last.score);
   assert.notEqual(worker.last.file, before.file);
-  worker.answer({ kind: "drawn", drawing: worker.last.drawing, piece: piece(["A"], { first: true, last: true }) });
+  worker.answer({ kind: "drawn", renderId: worker.last.renderId, batch: batch(["A"], { first: true, last: true }) });
   assert.equal(take().at(-1), "shown first last");
 });
 
@@ -164,8 +164,8 @@ test("a line without an end is drawn anew as a whole, and begins when it is new"
   const settings = new alphaTab.Settings();
   const drawn = (act) => {
     act();
-    const { drawing, atOnce } = worker.last;
-    worker.answer({ kind: "drawn", drawing, piece: piece(["A"], { first: true, last: true }) });
+    const { renderId, atOnce } = worker.last;
+    worker.answer({ kind: "drawn", renderId, batch: batch(["A"], { first: true, last: true }) });
     return atOnce;
   };
   const lay = (layout) => {
@@ -203,8 +203,8 @@ function reading() {
       const all = { x: (bar % 2) * 450, y: Math.floor(bar / 2) * height, w: 450, h: height };
       const box = () => Object.assign(new alphaTab.rendering.Bounds(), all);
       if (bar % 2 === 0) {
-        const line = new alphaTab.rendering.StaffSystemBounds();
-        bounds.addStaffSystem(Object.assign(line, { visualBounds: box(), realBounds: box() }));
+        const system = new alphaTab.rendering.StaffSystemBounds();
+        bounds.addStaffSystem(Object.assign(system, { visualBounds: box(), realBounds: box() }));
       }
       const one = new alphaTab.rendering.MasterBarBounds();
       bounds.addMasterBar(Object.assign(one, { index: bar, visualBounds: box(), realBounds: box(), lineAlignedBounds: box() }));
@@ -212,10 +212,10 @@ function reading() {
     return bounds.toJson();
   };
   const answer = (height) => {
-    const { drawing, place } = worker.last;
-    const all = { ...piece(["A"], { first: true, last: true, height: 5 * height }), bounds: linesOf(height) };
-    worker.answer({ kind: "drawn", drawing, piece: all });
-    return place;
+    const { renderId, anchor } = worker.last;
+    const all = { ...batch(["A"], { first: true, last: true, height: 5 * height }), bounds: linesOf(height) };
+    worker.answer({ kind: "drawn", renderId, batch: all });
+    return anchor;
   };
   renderer.renderScore(score, [0]);
   assert.equal(answer(200), null);
@@ -253,7 +253,7 @@ test("the place before the score page changed counts, and what is on it stays th
 
 test("readers go with the mark while they see it, and the beginning stays at the top", () => {
   const { scrolled, renderer, answer } = reading();
-  renderer.markedBar = 6;
+  renderer.cursorBar = 6;
   renderer.changeScorePage(() => {});
   renderer.render();
   assert.equal(answer(400), null);
@@ -261,7 +261,7 @@ test("readers go with the mark while they see it, and the beginning stays at the
   renderer.render();
   assert.equal(answer(200).bar, 6);
   assert.equal(scrolled.top, 300);
-  renderer.markedBar = 2;
+  renderer.cursorBar = 2;
   renderer.render();
   assert.equal(answer(200).bar, 2);
 });
@@ -272,78 +272,78 @@ test("another score is not read where the one before was", () => {
   renderer.changeScorePage(() => {});
   renderer.renderScore(scoreOf("c5"), [0]);
   assert.equal(answer(200), null);
-  assert.deepEqual([scrolled.top, renderer.drewAgain, renderer.markedBar], [390, false, null]);
+  assert.deepEqual([scrolled.top, renderer.drewAgain, renderer.cursorBar], [390, false, null]);
 });
 
-test("the first piece makes a new notation and shows it, the next ones add to it, the last tells the length", () => {
+test("the first layout batch makes a new notation and shows it, the next ones add to it, the last tells the length", () => {
   const { worker, renderer, take } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
-  const { drawing } = worker.last;
-  worker.answer({ kind: "drawn", drawing, piece: piece(["A", "b"], { first: true, height: 200 }) });
-  assert.deepEqual(take(), ["new notation", "place of A", "picture of A", "place of b", "200 high", "shown first"]);
-  worker.answer({ kind: "drawn", drawing, piece: piece(["c"], { height: 300 }) });
-  assert.deepEqual(take(), ["place of c"]);
-  worker.answer({ kind: "drawn", drawing, piece: piece(["d"], { last: true, height: 400 }) });
-  assert.deepEqual(take(), ["place of d", "400 high", "shown last"]);
+  const { renderId } = worker.last;
+  worker.answer({ kind: "drawn", renderId, batch: batch(["A", "b"], { first: true, height: 200 }) });
+  assert.deepEqual(take(), ["new notation", "bounds of A", "picture of A", "bounds of b", "200 high", "shown first"]);
+  worker.answer({ kind: "drawn", renderId, batch: batch(["c"], { height: 300 }) });
+  assert.deepEqual(take(), ["bounds of c"]);
+  worker.answer({ kind: "drawn", renderId, batch: batch(["d"], { last: true, height: 400 }) });
+  assert.deepEqual(take(), ["bounds of d", "400 high", "shown last"]);
 });
 
-test("a part that came into view is painted on demand", () => {
+test("a partial that came into view is painted on demand", () => {
   const { worker, renderer, take } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
-  const { drawing } = worker.last;
-  worker.answer({ kind: "drawn", drawing, piece: piece(["a", "b"], { first: true, last: true }) });
+  const { renderId } = worker.last;
+  worker.answer({ kind: "drawn", renderId, batch: batch(["a", "b"], { first: true, last: true }) });
   take();
   renderer.renderResult("b");
   assert.deepEqual(worker.last, { cmd: "paint", id: "b" });
-  worker.answer({ kind: "painted", drawing, part: { id: "b", renderResult: "<svg/>" } });
+  worker.answer({ kind: "painted", renderId, partial: { id: "b", renderResult: "<svg/>" } });
   assert.deepEqual(take(), ["picture of b"]);
 });
 
 test("of a drawing that another took the place of, nothing is heard any more", () => {
   const { worker, renderer, take } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
-  const { drawing: old } = worker.last;
-  worker.answer({ kind: "drawn", drawing: old, piece: piece(["A"], { first: true }) });
+  const { renderId: old } = worker.last;
+  worker.answer({ kind: "drawn", renderId: old, batch: batch(["A"], { first: true }) });
   take();
   renderer.renderScore(scoreOf("d4"), [0]);
-  const { drawing } = worker.last;
+  const { renderId } = worker.last;
   const shownBefore = renderer.boundsLookup;
-  worker.answer({ kind: "drawn", drawing: old, piece: piece(["B"], { last: true }) });
-  worker.answer({ kind: "painted", drawing: old, part: { id: "A", renderResult: "<svg/>" } });
-  worker.answer({ kind: "missing", drawing: old });
+  worker.answer({ kind: "drawn", renderId: old, batch: batch(["B"], { last: true }) });
+  worker.answer({ kind: "painted", renderId: old, partial: { id: "A", renderResult: "<svg/>" } });
+  worker.answer({ kind: "missing", renderId: old });
   assert.deepEqual(take(), []);
   assert.equal(renderer.boundsLookup, shownBefore);
   assert.equal(worker.count("draw"), 2);
-  worker.answer({ kind: "drawn", drawing, piece: piece(["C"], { first: true, last: true }) });
-  assert.deepEqual(take(), ["new notation", "place of C", "picture of C", "100 high", "shown first last"]);
+  worker.answer({ kind: "drawn", renderId, batch: batch(["C"], { first: true, last: true }) });
+  assert.deepEqual(take(), ["new notation", "bounds of C", "picture of C", "100 high", "shown first last"]);
 });
 
 test("a drawing that was given up stops in the worker, and nothing is heard of it", () => {
   const { worker, renderer, take } = viewport();
   const score = scoreOf("c4");
   renderer.renderScore(score, [0]);
-  const { drawing } = worker.last;
+  const { renderId } = worker.last;
   renderer.abandon();
   assert.deepEqual(worker.last, { cmd: "stop" });
-  worker.answer({ kind: "drawn", drawing, piece: piece(["A"], { first: true }) });
-  worker.answer({ kind: "missing", drawing });
+  worker.answer({ kind: "drawn", renderId, batch: batch(["A"], { first: true }) });
+  worker.answer({ kind: "missing", renderId });
   assert.deepEqual(take(), []);
   assert.equal(worker.count("draw"), 1);
 });
 
 test("a score drawn anew keeps its length until the new one is known; another score does not get it", () => {
   const { worker, renderer, take } = viewport();
-  const draw = (score, ...pieces) => {
+  const draw = (score, ...batches) => {
     renderer.renderScore(score, [0]);
-    const { drawing } = worker.last;
-    pieces.forEach((piece) => worker.answer({ kind: "drawn", drawing, piece }));
-    return take().filter((line) => line.endsWith("high"));
+    const { renderId } = worker.last;
+    batches.forEach((batch) => worker.answer({ kind: "drawn", renderId, batch }));
+    return take().filter((system) => system.endsWith("high"));
   };
   const score = scoreOf("c4");
-  assert.deepEqual(draw(score, piece([], { first: true, height: 300 }), piece([], { last: true, height: 5000 })), ["300 high", "5000 high"]);
-  assert.deepEqual(draw(score, piece([], { first: true, height: 300 })), ["5000 high"]);
-  assert.deepEqual(draw(score, piece([], { first: true, height: 300 }), piece([], { last: true, height: 900 })), ["5000 high", "900 high"]);
-  assert.deepEqual(draw(scoreOf("d4"), piece([], { first: true, height: 300 })), ["300 high"]);
+  assert.deepEqual(draw(score, batch([], { first: true, height: 300 }), batch([], { last: true, height: 5000 })), ["300 high", "5000 high"]);
+  assert.deepEqual(draw(score, batch([], { first: true, height: 300 })), ["5000 high"]);
+  assert.deepEqual(draw(score, batch([], { first: true, height: 300 }), batch([], { last: true, height: 900 })), ["5000 high", "900 high"]);
+  assert.deepEqual(draw(scoreOf("d4"), batch([], { first: true, height: 300 })), ["300 high"]);
 });
 
 test("what goes wrong in the worker reaches alphaTab, of whichever drawing", () => {
@@ -370,16 +370,16 @@ test("settings go to the worker, without the player's, which it has no use for",
 test("drawings stop after their beginning while their rest is held, until it may go on", () => {
   const { worker, renderer } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
-  assert.equal(worker.last.restHeld, false);
-  renderer.holdRest();
+  assert.equal(worker.last.remainderHeld, false);
+  renderer.holdRemainder();
   renderer.renderScore(scoreOf("d4"), [0]);
-  assert.equal(worker.last.restHeld, true);
-  renderer.goOn();
-  assert.deepEqual(worker.last, { cmd: "goOn" });
-  renderer.goOn();
-  assert.equal(worker.count("goOn"), 1);
+  assert.equal(worker.last.remainderHeld, true);
+  renderer.resume();
+  assert.deepEqual(worker.last, { cmd: "resume" });
+  renderer.resume();
+  assert.equal(worker.count("resume"), 1);
   renderer.render();
-  assert.equal(worker.last.restHeld, false);
+  assert.equal(worker.last.remainderHeld, false);
 });
 
 test("the worker ends with the renderer", () => {
@@ -388,8 +388,8 @@ test("the worker ends with the renderer", () => {
   assert.ok(worker.terminated);
 });
 
-/** A drawing by the real layout, taken apart into pieces as the worker sends them. */
-function pieces(score) {
+/** A drawing by the real layout, taken apart into layout batches as the worker sends them. */
+function batches(score) {
   const settings = new alphaTab.Settings();
   settings.core.engine = "svg";
   settings.core.enableLazyLoading = true;
@@ -407,17 +407,17 @@ function pieces(score) {
   return all;
 }
 
-test("every beat of the pieces that came can be found, and a click on it finds it, while the rest is on its way", () => {
+test("every beat of the layout batches that came can be found, and a click on it finds it, while the rest is on its way", () => {
   const { worker, renderer } = viewport();
   const score = scoreOf("c4.4 d4 e4 f4 |".repeat(120));
   renderer.renderScore(score, [0]);
-  const { drawing } = worker.last;
-  const all = pieces(score);
+  const { renderId } = worker.last;
+  const all = batches(score);
   assert.ok(all.length > 1);
   const beats = score.tracks[0].staves[0].bars.flatMap((bar) => bar.voices[0].beats);
   let foundBefore = 0;
-  for (const piece of all) {
-    worker.answer({ kind: "drawn", drawing, piece });
+  for (const batch of all) {
+    worker.answer({ kind: "drawn", renderId, batch });
     const found = beats.filter((beat) => renderer.boundsLookup.findBeat(beat));
     assert.ok(found.length > foundBefore);
     assert.deepEqual(found, beats.slice(0, found.length));
@@ -435,11 +435,11 @@ test("a new notation knows nothing of the places of the one before", () => {
   const [before, after] = ["c4.4 d4 e4 f4 |", "g4.4 a4 |"].map((bar) => scoreOf(bar.repeat(4)));
   for (const score of [before, after]) {
     renderer.renderScore(score, [0]);
-    const { drawing } = worker.last;
-    pieces(score).forEach((piece) => worker.answer({ kind: "drawn", drawing, piece }));
+    const { renderId } = worker.last;
+    batches(score).forEach((batch) => worker.answer({ kind: "drawn", renderId, batch }));
   }
   const [old, current] = [before, after].map((score) => score.tracks[0].staves[0].bars[0].voices[0].beats[0]);
   assert.ok(renderer.boundsLookup.findBeat(current));
-  assert.equal(renderer.boundsLookup.staffSystems.flatMap((line) => line.bars).length, 4);
+  assert.equal(renderer.boundsLookup.staffSystems.flatMap((system) => system.bars).length, 4);
   assert.notEqual(renderer.boundsLookup.findBeat(current).beat, old);
 });

@@ -1,6 +1,6 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
-import { drawingWorker } from "../rendering/drawing-worker-start.js";
+import { renderWorker } from "../rendering/render-worker-start.js";
 import { Emitter } from "../shared/emitter.js";
 import { RecordingPlayer } from "../backing-track/recording-player.js";
 import { SynthPlayer } from "../synth/synth-player.js";
@@ -8,10 +8,10 @@ import { separateChannels, withChannels } from "./track-channels.js";
 import { WorkerRenderer } from "../rendering/worker-renderer.js";
 
 /** How long a score may keep its sound waiting when its first lines do not come, in milliseconds. */
-const patience = 1000;
+const firstScreenTimeoutMs = 1000;
 
 /** How long after its start the page gets itself a player when nothing is opened, in milliseconds. */
-const idleTime = 400;
+const idlePlayerDelayMs = 400;
 
 /**
  * alphaTab with the page's settings, its drawing done by a worker of the page's own. A score is seen first, then heard,
@@ -45,7 +45,7 @@ export class PageApi extends alphaTab.AlphaTabApi {
 
   /**
    * @param {HTMLElement} notation where the notation is drawn
-   * @param {import("../rendering/reading-place.js").ScrolledView} viewport what scrolls, with the notation in it
+   * @param {import("../rendering/scroll-anchor.js").ScrolledView} viewport what scrolls, with the notation in it
    */
   constructor(notation, viewport) {
     replaceDrawingWorker();
@@ -56,15 +56,15 @@ export class PageApi extends alphaTab.AlphaTabApi {
     this.recordingPlayer.heard.on((ms) => this.#media?.updatePosition(ms));
     // A recording may end before the last bar does.
     this.recordingPlayer.ended.on(() => this.stop());
-    this.drawing = new WorkerRenderer(drawingWorker, viewport);
-    this.drawing.updateSettings(this.settings);
+    this.workerRenderer = new WorkerRenderer(renderWorker, viewport);
+    this.workerRenderer.updateSettings(this.settings);
     const renderer = /** @type {{ instance: import("@coderline/alphatab").rendering.IScoreRenderer }} */ (
       /** @type {unknown} */ (this.renderer)
     );
-    renderer.instance = this.drawing;
-    this.drawing.pieceShown.on(({ first }) => first && this.#soundHeldBack && afterSight(() => this.#prepareSound()));
-    this.playerReady.on(() => this.drawing.goOn());
-    this.#soundTimer = setTimeout(() => this.#startPlayer(), idleTime);
+    renderer.instance = this.workerRenderer;
+    this.workerRenderer.batchShown.on(({ first }) => first && this.#soundHeldBack && afterSight(() => this.#prepareSound()));
+    this.playerReady.on(() => this.workerRenderer.resume());
+    this.#soundTimer = setTimeout(() => this.#startPlayer(), idlePlayerDelayMs);
   }
 
   /** Whether the score shown last has its length and is on its way to the player. */
@@ -80,8 +80,8 @@ export class PageApi extends alphaTab.AlphaTabApi {
   show(score) {
     this.#soundHeldBack = true;
     clearTimeout(this.#soundTimer);
-    this.#soundTimer = setTimeout(() => this.#prepareSound(), patience);
-    this.drawing.holdRest();
+    this.#soundTimer = setTimeout(() => this.#prepareSound(), firstScreenTimeoutMs);
+    this.workerRenderer.holdRemainder();
     this.renderScore(score, [-1]);
     if (!this.#playerStarted && this.#wantedMode === alphaTab.PlayerMode.EnabledSynthesizer) {
       SynthPlayer.prepare();
@@ -164,7 +164,7 @@ export class PageApi extends alphaTab.AlphaTabApi {
   }
 }
 
-/** alphaTab would start a drawing worker of its own, which nobody needs. Its other workers it gets. */
+/** alphaTab would start a render worker of its own, which nobody needs. Its other workers it gets. */
 function replaceDrawingWorker() {
   const script = new URL("../../vendor/alphaTab.min.js", import.meta.url).href;
   const nobody = /** @type {Worker} */ (/** @type {unknown} */ ({ postMessage() {}, addEventListener() {}, terminate() {} }));

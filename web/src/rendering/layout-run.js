@@ -1,23 +1,23 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
-import { viewAt } from "./reading-place.js";
+import { viewAt } from "./scroll-anchor.js";
 
 /**
  * One drawing of a score, laid out a few bars at a time. alphaTab lays out a whole score or, after an edit, all from
  * one bar on; here each step shows it some bars more and has it go on from the last line, which was not full yet. The
- * first piece covers what can be seen, so that it is on the score page long before the end is known.
+ * first layout batch covers what can be seen, so that it is on the score page long before the end is known.
  *
  * @typedef {import("@coderline/alphatab").rendering.ScoreRenderer} ScoreRenderer
- * @typedef {import("@coderline/alphatab").rendering.RenderFinishedEventArgs} Part
+ * @typedef {import("@coderline/alphatab").rendering.RenderFinishedEventArgs} Partial
  * @typedef {import("../shared/alphatab.js").Score} Score
- * @typedef {import("./reading-place.js").View} View
- * @typedef {import("./reading-place.js").Place} Place
+ * @typedef {import("./scroll-anchor.js").View} View
+ * @typedef {import("./scroll-anchor.js").ScrollAnchor} ScrollAnchor
  *
- * @typedef {object} Piece
+ * @typedef {object} LayoutBatch
  * @property {boolean} first whether what came before is of another drawing
  * @property {boolean} last
- * @property {Part[]} parts those in view with their picture
- * @property {Map<string, unknown>} bounds of the lines that the parts show
+ * @property {Partial[]} partials those in view with their picture
+ * @property {Map<string, unknown>} bounds of the lines that the partials show
  * @property {number} width of everything laid out until now, in CSS pixels
  * @property {number} height
  */
@@ -26,13 +26,13 @@ import { viewAt } from "./reading-place.js";
 const firstBars = 80;
 
 /** How long a later step should take, in milliseconds. */
-const stepTime = 60;
+const stepMs = 60;
 
 /**
  * How long the beginning of an endless line may wait for the rest, in milliseconds: higher notes far on move all staves
  * down, which is better not seen.
  */
-const lineTime = 150;
+const endlessSystemMs = 150;
 
 export class LayoutRun {
   #renderer;
@@ -41,15 +41,15 @@ export class LayoutRun {
   #tracks;
   #view;
   #viewBefore;
-  #place;
+  #anchor;
   #sideways;
   #stepBars;
   #bars = 0;
   /** @type {Set<string>} */
   #known = new Set();
-  /** @type {Part[]} laid out and not delivered, because they do not fill the view yet */
+  /** @type {Partial[]} laid out and not delivered, because they do not fill the view yet */
   #waiting = [];
-  #lines = 0;
+  #systems = 0;
   #deliveredAny = false;
 
   finished = false;
@@ -59,17 +59,17 @@ export class LayoutRun {
    * @param {Score} score
    * @param {number[]} tracks
    * @param {View} view
-   * @param {Place | null} [place] where the view will be; null for where it is
+   * @param {ScrollAnchor | null} [anchor] where the view will be; null for where it is
    * @param {boolean} [atOnce] whether nothing is to be shown before all is laid out
    */
-  constructor(renderer, score, tracks, view, place = null, atOnce = false) {
+  constructor(renderer, score, tracks, view, anchor = null, atOnce = false) {
     this.#renderer = renderer;
     this.#settings = renderer.settings;
     this.#score = score;
     this.#tracks = tracks;
     this.#view = view;
     this.#viewBefore = view;
-    this.#place = place;
+    this.#anchor = anchor;
     this.#sideways = renderer.settings.display.layoutMode === alphaTab.LayoutMode.Horizontal;
     this.#stepBars = atOnce ? score.masterBars.length : Math.max(6, Math.round(firstBars / tracks.length));
   }
@@ -77,7 +77,7 @@ export class LayoutRun {
   /**
    * Lays out some bars more.
    *
-   * @returns {Piece | null} null while what is laid out does not fill the view, or is better shown with what follows
+   * @returns {LayoutBatch | null} null while what is laid out does not fill the view, or is better shown with what follows
    */
   step() {
     const total = this.#score.masterBars.length;
@@ -86,46 +86,46 @@ export class LayoutRun {
     // One endless line is laid out as a whole: its beginning for the view, then everything.
     this.#bars = this.#sideways && before > 0 ? total : Math.min(before + this.#stepBars, total);
     this.finished = this.#bars === total;
-    const { parts, width, height } = this.#layOut(before);
-    const fresh = this.#takeFresh(parts);
+    const { partials, width, height } = this.#layOut(before);
+    const fresh = this.#takeFresh(partials);
     const took = performance.now() - began;
     this.#stepBars = nextStep(this.#bars - before, took);
     this.#waiting.push(...fresh);
-    if (this.#sideways && !this.finished && (took * total) / this.#bars < lineTime) {
+    if (this.#sideways && !this.finished && (took * total) / this.#bars < endlessSystemMs) {
       return null;
     }
-    if (!this.#deliveredAny && !this.#findPlace(width, height) && !this.finished) {
+    if (!this.#deliveredAny && !this.#findAnchor(width, height) && !this.finished) {
       return null;
     }
     const end = this.#waiting.at(-1);
     if (!this.finished && !this.#sideways && !this.#deliveredAny && (!end || end.y + end.height < this.#view.bottom)) {
       return null;
     }
-    return this.#piece(width, this.finished || !end ? height : end.y + end.height);
+    return this.#batch(width, this.finished || !end ? height : end.y + end.height);
   }
 
   /**
-   * To be called when a piece is on its way: its pictures need not be kept.
+   * To be called when a layout batch is on its way: its pictures need not be kept.
    *
-   * @param {Piece} piece
+   * @param {LayoutBatch} batch
    */
-  delivered(piece) {
-    for (const part of piece.parts) {
-      part.renderResult = undefined;
+  delivered(batch) {
+    for (const partial of batch.partials) {
+      partial.renderResult = undefined;
     }
   }
 
   /** @param {number} before how many bars are laid out already */
   #layOut(before) {
     const renderer = this.#renderer;
-    /** @type {Part[]} */
-    const parts = [];
+    /** @type {Partial[]} */
+    const partials = [];
     let size = { width: 0, height: 0 };
     const ends = [
-      renderer.partialLayoutFinished.on((part) => {
-        parts.push(part);
+      renderer.partialLayoutFinished.on((partial) => {
+        partials.push(partial);
         if (this.#sideways && renderer.boundsLookup) {
-          // Places in the line are known by now, all of them; alphaTab would find them out again with each part.
+          // Places in the line are known by now, all of them; alphaTab would find them out again with each partial.
           renderer.boundsLookup.isFinished = true;
         }
       }),
@@ -140,28 +140,28 @@ export class LayoutRun {
     for (const end of ends) {
       end();
     }
-    return { parts, ...size };
+    return { partials, ...size };
   }
 
   /**
-   * alphaTab tells of all parts at each step. New ones are taken, up to the last line: that is laid out anew by the
+   * alphaTab tells of all partials at each step. New ones are taken, up to the last line: that is laid out anew by the
    * next step, with the bars that follow it.
    *
-   * @param {Part[]} parts
+   * @param {Partial[]} partials
    */
-  #takeFresh(parts) {
-    const lines = parts.filter((part) => part.firstMasterBarIndex >= 0);
-    const cut = this.finished || this.#sideways ? parts.length : parts.lastIndexOf(lines[lines.length - 1]);
-    if (this.#known.size > 0 && lines.length > 0 && !this.#known.has(lines[0].id)) {
+  #takeFresh(partials) {
+    const systems = partials.filter((partial) => partial.firstMasterBarIndex >= 0);
+    const cut = this.finished || this.#sideways ? partials.length : partials.lastIndexOf(systems[systems.length - 1]);
+    if (this.#known.size > 0 && systems.length > 0 && !this.#known.has(systems[0].id)) {
       // alphaTab began again at the first bar: what was told of before is no more.
       this.#known.clear();
       this.#waiting = [];
-      this.#lines = 0;
+      this.#systems = 0;
       this.#deliveredAny = false;
     }
-    const fresh = parts.slice(0, Math.max(cut, 0)).filter((part) => !this.#known.has(part.id));
-    for (const part of fresh) {
-      this.#known.add(part.id);
+    const fresh = partials.slice(0, Math.max(cut, 0)).filter((partial) => !this.#known.has(partial.id));
+    for (const partial of fresh) {
+      this.#known.add(partial.id);
     }
     return fresh;
   }
@@ -169,21 +169,21 @@ export class LayoutRun {
   /**
    * @param {number} width
    * @param {number} height
-   * @returns {Piece}
+   * @returns {LayoutBatch}
    */
-  #piece(width, height) {
-    const parts = this.#waiting;
-    for (const part of parts) {
+  #batch(width, height) {
+    const partials = this.#waiting;
+    for (const partial of partials) {
       // What the page has in its place is of another drawing.
-      part.reuseViewport = false;
-      if (this.#inView(part)) {
-        this.#renderer.renderResult(part.id);
+      partial.reuseViewport = false;
+      if (this.#inView(partial)) {
+        this.#renderer.renderResult(partial.id);
       }
     }
-    const piece = { first: !this.#deliveredAny, last: this.finished, parts, bounds: this.#newBounds(), width, height };
+    const batch = { first: !this.#deliveredAny, last: this.finished, partials, bounds: this.#newBounds(), width, height };
     this.#waiting = [];
     this.#deliveredAny = true;
-    return piece;
+    return batch;
   }
 
   /**
@@ -194,10 +194,10 @@ export class LayoutRun {
    * @param {number} height
    * @returns {boolean} whether the place is known
    */
-  #findPlace(width, height) {
-    const place = this.#place;
+  #findAnchor(width, height) {
+    const anchor = this.#anchor;
     const bounds = this.#renderer.boundsLookup;
-    const view = place && bounds ? viewAt(place, bounds, this.#viewBefore, this.#sideways) : null;
+    const view = anchor && bounds ? viewAt(anchor, bounds, this.#viewBefore, this.#sideways) : null;
     if (view) {
       const across = view.right - view.left;
       const down = view.bottom - view.top;
@@ -208,22 +208,22 @@ export class LayoutRun {
         bottom: Math.max(view.bottom, down),
       };
     }
-    return !place || view !== null;
+    return !anchor || view !== null;
   }
 
-  /** @param {Part} part */
-  #inView(part) {
+  /** @param {Partial} partial */
+  #inView(partial) {
     const view = this.#view;
-    const across = part.x < view.right && part.x + part.width > view.left;
-    return across && part.y < view.bottom && part.y + part.height > view.top;
+    const across = partial.x < view.right && partial.x + partial.width > view.left;
+    return across && partial.y < view.bottom && partial.y + partial.height > view.top;
   }
 
   #newBounds() {
     const all = this.#renderer.boundsLookup?.staffSystems ?? [];
-    const lines = this.finished || this.#sideways ? all.length : Math.max(all.length - 1, 0);
+    const systems = this.finished || this.#sideways ? all.length : Math.max(all.length - 1, 0);
     const bounds = new alphaTab.rendering.BoundsLookup();
-    bounds.staffSystems = all.slice(this.#lines, lines);
-    this.#lines = lines;
+    bounds.staffSystems = all.slice(this.#systems, systems);
+    this.#systems = systems;
     if (this.finished) {
       // The page has them now; here they would only take room.
       this.#renderer.boundsLookup = null;
@@ -238,6 +238,6 @@ export class LayoutRun {
  * @returns {number} bars for the next step
  */
 export function nextStep(bars, time) {
-  const fitting = (bars * stepTime) / Math.max(time, 1);
+  const fitting = (bars * stepMs) / Math.max(time, 1);
   return Math.round(Math.min(Math.max(fitting, bars / 2, 4), bars * 4));
 }

@@ -1,21 +1,21 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { Emitter } from "../shared/emitter.js";
-import { placeIn, viewAt } from "./reading-place.js";
+import { anchorIn, viewAt } from "./scroll-anchor.js";
 
 /**
- * The page's end of the drawing worker, in the shape in which alphaTab knows a renderer. alphaTab's own worker
- * tells of a drawing when all of it is laid out, which takes seconds with a long score; this one tells of it piece by
- * piece.
+ * The page's end of the render worker, in the shape in which alphaTab knows a renderer. alphaTab's own worker
+ * tells of a drawing when all of it is laid out, which takes seconds with a long score; this one tells of it layout batch by
+ * layout batch.
  *
  * @typedef {import("../shared/alphatab.js").Score} Score
- * @typedef {import("./layout-run.js").Part} Part
- * @typedef {import("./layout-run.js").Piece} Piece
- * @typedef {import("./reading-place.js").View} View
- * @typedef {import("./reading-place.js").Place} Place
+ * @typedef {import("./layout-run.js").Partial} Partial
+ * @typedef {import("./layout-run.js").LayoutBatch} LayoutBatch
+ * @typedef {import("./scroll-anchor.js").View} View
+ * @typedef {import("./scroll-anchor.js").ScrollAnchor} ScrollAnchor
  * @typedef {import("@coderline/alphatab").rendering.BoundsLookup} BoundsLookup
  *
- * @typedef {{ place: Place, left: number, top: number, marked: number | null }} Return how far the viewport was scrolled, and
+ * @typedef {{ anchor: ScrollAnchor, left: number, top: number, cursorBar: number | null }} Return how far the viewport was scrolled, and
  *   what was marked
  *
  * Requests are told apart by "cmd", as alphaTab's own workers, which live in the same script, look for it.
@@ -23,16 +23,16 @@ import { placeIn, viewAt } from "./reading-place.js";
  * @typedef {{ cmd: "settings", settings: Map<string, unknown> | null }
  *   | { cmd: "read", file: number, bytes: Uint8Array }
  *   | { cmd: "draw", drawing: number, file: number, score: Map<string, unknown> | null, tracks: number[], width: number,
- *       view: View, place: Place | null, textWidths: Map<string, unknown>, restHeld: boolean, atOnce: boolean }
- *   | { cmd: "goOn" }
+ *       view: View, place: ScrollAnchor | null, textWidths: Map<string, unknown>, remainderHeld: boolean, atOnce: boolean }
+ *   | { cmd: "resume" }
  *   | { cmd: "stop" }
  *   | { cmd: "paint", id: string }
  *   | { cmd: "tidy" }} Request
  *
- * @typedef {{ kind: "drawn", drawing: number, piece: Piece }
- *   | { kind: "painted", drawing: number, part: Part }
+ * @typedef {{ kind: "drawn", renderId: number, batch: LayoutBatch }
+ *   | { kind: "painted", drawing: number, partial: Partial }
  *   | { kind: "missing", drawing: number }
- *   | { kind: "listening" }
+ *   | { kind: "ready" }
  *   | { kind: "failed", message: string }} Answer
  */
 
@@ -43,25 +43,25 @@ const longestFileReadTwice = 4 << 20;
 export class WorkerRenderer {
   /** @type {Emitter<boolean>} */
   preRender = new Emitter();
-  /** @type {Emitter<Part>} */
+  /** @type {Emitter<Partial>} */
   renderFinished = new Emitter();
-  /** @type {Emitter<Part>} */
+  /** @type {Emitter<Partial>} */
   partialRenderFinished = new Emitter();
-  /** @type {Emitter<Part>} */
+  /** @type {Emitter<Partial>} */
   partialLayoutFinished = new Emitter();
   /** @type {Emitter<void>} */
   postRenderFinished = new Emitter();
   /** @type {Emitter<Error>} */
   error = new Emitter();
-  /** @type {Emitter<Piece>} what can be seen is on the score page (its first piece), or all is laid out (its last) */
-  pieceShown = new Emitter();
+  /** @type {Emitter<LayoutBatch>} what can be seen is on the score page (its first layout batch), or all is laid out (its last) */
+  batchShown = new Emitter();
 
   /** @type {BoundsLookup | null} */
   boundsLookup = null;
   width = 0;
 
   /** @type {number | null} the bar that is marked on the score page, by its index */
-  markedBar = null;
+  cursorBar = null;
   /** Whether the score drawn last was on the score page before. */
   drewAgain = false;
 
@@ -71,34 +71,34 @@ export class WorkerRenderer {
   /** Whether lines go on for ever, whatever the width. */
   #sideways = false;
   /** Whether the worker has been asked for the score as it is to be drawn now. */
-  #asked = false;
+  #requested = false;
 
   #worker;
   #viewport;
   #files = 0;
   /** @type {WeakMap<Score, number>} the number of each score's file with the worker */
   #fileOf = new WeakMap();
-  #drawing = 0;
-  #restHeld = false;
+  #renderId = 0;
+  #remainderHeld = false;
   /** @type {Score | null} */
   #score = null;
   /** @type {number[]} */
   #tracks = [];
   /** @type {{ score: Score | null, height: number, sideways: boolean }} what is on the score page */
   #shown = { score: null, height: 0, sideways: false };
-  /** @type {Place | null} where readers are to find themselves again */
-  #place = null;
+  /** @type {ScrollAnchor | null} where readers are to find themselves again */
+  #anchor = null;
   /** @type {Return | null} the last time that they did */
   #returned = null;
 
   /**
-   * @param {Worker} worker running drawing-worker.js
-   * @param {import("./reading-place.js").ScrolledView} viewport
+   * @param {Worker} worker running render-worker.js
+   * @param {import("./scroll-anchor.js").ScrolledView} viewport
    */
   constructor(worker, viewport) {
     this.#worker = worker;
     this.#viewport = viewport;
-    worker.addEventListener("message", ({ data }) => this.#hear(data));
+    worker.addEventListener("message", ({ data }) => this.#receive(data));
     worker.addEventListener("error", (event) => this.error.trigger(new Error(event.message)));
   }
 
@@ -112,7 +112,7 @@ export class WorkerRenderer {
     if (bytes.length > longestFileReadTwice) {
       return null;
     }
-    this.#ask({ cmd: "read", file: ++this.#files, bytes });
+    this.#post({ cmd: "read", file: ++this.#files, bytes });
     return this.#files;
   }
 
@@ -126,21 +126,21 @@ export class WorkerRenderer {
 
   /** Nothing more will be heard of the drawing under way. */
   abandon() {
-    this.#drawing++;
+    this.#renderId++;
     this.awaited = false;
-    this.#ask({ cmd: "stop" });
+    this.#post({ cmd: "stop" });
   }
 
-  /** From now on drawings stop after what can be seen, until goOn(). */
-  holdRest() {
-    this.#restHeld = true;
+  /** From now on drawings stop after what can be seen, until resume(). */
+  holdRemainder() {
+    this.#remainderHeld = true;
   }
 
   /** Has the drawing under way go on to its end, and those to come not stop. */
-  goOn() {
-    if (this.#restHeld) {
-      this.#restHeld = false;
-      this.#ask({ cmd: "goOn" });
+  resume() {
+    if (this.#remainderHeld) {
+      this.#remainderHeld = false;
+      this.#post({ cmd: "resume" });
     }
   }
 
@@ -149,7 +149,7 @@ export class WorkerRenderer {
     const values = alphaTab.model.JsonConverter.settingsToJsObject(settings);
     values?.delete("player");
     this.#sideways = settings.display.layoutMode === alphaTab.LayoutMode.Horizontal;
-    this.#ask({ cmd: "settings", settings: values });
+    this.#post({ cmd: "settings", settings: values });
   }
 
   /**
@@ -158,10 +158,10 @@ export class WorkerRenderer {
    * @param {() => void} change
    */
   changeScorePage(change) {
-    this.#holdPlace();
+    this.#holdAnchor();
     const { view } = this.#viewport;
     change();
-    if (this.#place) {
+    if (this.#anchor) {
       this.#viewport.moveTo(view);
     }
   }
@@ -171,16 +171,16 @@ export class WorkerRenderer {
    * who have not moved since they came to a place by themselves are still at that place, even if it is no longer the first
    * thing to be seen: smaller and larger again leads back.
    */
-  #holdPlace() {
-    if (this.#place || !this.boundsLookup || this.#shown.score !== this.#score) {
+  #holdAnchor() {
+    if (this.#anchor || !this.boundsLookup || this.#shown.score !== this.#score) {
       return;
     }
     const { left, top } = this.#viewport.position;
     const before = this.#returned;
-    if (before && before.left === left && before.top === top && before.marked === this.markedBar) {
-      this.#place = before.place;
+    if (before && before.left === left && before.top === top && before.cursorBar === this.cursorBar) {
+      this.#anchor = before.anchor;
     } else if (left > 0 || top > 0) {
-      this.#place = placeIn(this.boundsLookup, this.#viewport.view, this.markedBar);
+      this.#anchor = anchorIn(this.boundsLookup, this.#viewport.view, this.cursorBar);
     }
   }
 
@@ -190,9 +190,9 @@ export class WorkerRenderer {
    */
   renderScore(score, tracks) {
     if (score !== this.#score) {
-      this.#place = null;
+      this.#anchor = null;
       this.#returned = null;
-      this.markedBar = null;
+      this.cursorBar = null;
     }
     this.#score = score;
     this.#tracks = tracks ?? [];
@@ -201,23 +201,23 @@ export class WorkerRenderer {
 
   render() {
     const score = this.#score;
-    this.#drawing++;
-    this.#asked = score !== null && this.#tracks.length > 0 && this.width > 0;
-    this.awaited = this.#asked;
-    if (score && this.#asked) {
-      this.#holdPlace();
+    this.#renderId++;
+    this.#requested = score !== null && this.#tracks.length > 0 && this.width > 0;
+    this.awaited = this.#requested;
+    if (score && this.#requested) {
+      this.#holdAnchor();
       const file = this.#fileOf.get(score);
-      this.#ask({
+      this.#post({
         cmd: "draw",
-        drawing: this.#drawing,
+        renderId: this.#renderId,
         file: file ?? this.#numberFor(score),
         score: file === undefined ? handedOver(score) : null,
         tracks: this.#tracks,
         width: this.width,
         view: this.#viewport.view,
-        place: this.#place,
+        anchor: this.#anchor,
         textWidths: textWidths(),
-        restHeld: this.#restHeld,
+        remainderHeld: this.#remainderHeld,
         // Who reads far on in the line would be lost with its beginning alone.
         atOnce: this.#sideways && this.#shown.sideways && this.#shown.score === score,
       });
@@ -226,19 +226,19 @@ export class WorkerRenderer {
 
   /** A line that goes on for ever makes the notation wider itself, and is not drawn again for that. */
   resizeRender() {
-    if (!this.#sideways || !this.#asked) {
+    if (!this.#sideways || !this.#requested) {
       this.render();
     }
   }
 
   /** @param {string} id */
   renderResult(id) {
-    this.#ask({ cmd: "paint", id });
+    this.#post({ cmd: "paint", id });
   }
 
   /** Has the worker collect its garbage. */
   tidy() {
-    this.#ask({ cmd: "tidy" });
+    this.#post({ cmd: "tidy" });
   }
 
   destroy() {
@@ -253,21 +253,21 @@ export class WorkerRenderer {
   }
 
   /** @param {Request} request */
-  #ask(request) {
+  #post(request) {
     this.#worker.postMessage(request);
   }
 
   /** @param {Answer} answer */
-  #hear(answer) {
+  #receive(answer) {
     if (answer.kind === "failed") {
-      this.#place = null;
+      this.#anchor = null;
       this.error.trigger(new Error(answer.message));
-    } else if (answer.kind === "listening" || answer.drawing !== this.#drawing) {
+    } else if (answer.kind === "ready" || answer.renderId !== this.#renderId) {
       // Nothing drawn, or of a drawing that another has taken the place of.
     } else if (answer.kind === "painted") {
-      this.partialRenderFinished.trigger(answer.part);
+      this.partialRenderFinished.trigger(answer.partial);
     } else if (answer.kind === "drawn") {
-      this.#show(answer.piece);
+      this.#show(answer.batch);
     } else if (this.#score) {
       // Another file has been read in between, and came to nothing.
       this.#fileOf.delete(this.#score);
@@ -275,43 +275,43 @@ export class WorkerRenderer {
     }
   }
 
-  /** @param {Piece} piece */
-  #show(piece) {
-    if (piece.first) {
+  /** @param {LayoutBatch} batch */
+  #show(batch) {
+    if (batch.first) {
       this.awaited = false;
       this.boundsLookup = new alphaTab.rendering.BoundsLookup();
       this.preRender.trigger(false);
     }
-    for (const part of piece.parts) {
-      this.partialLayoutFinished.trigger(part);
-      if (part.renderResult) {
-        this.partialRenderFinished.trigger(part);
+    for (const partial of batch.partials) {
+      this.partialLayoutFinished.trigger(partial);
+      if (partial.renderResult) {
+        this.partialRenderFinished.trigger(partial);
       }
     }
-    this.#addBounds(piece.bounds);
-    if (piece.first || piece.last) {
+    this.#addBounds(batch.bounds);
+    if (batch.first || batch.last) {
       this.drewAgain = this.#shown.score === this.#score;
-      this.renderFinished.trigger(this.#sizeOf(piece));
-      this.#returnToPlace(piece);
+      this.renderFinished.trigger(this.#sizeOf(batch));
+      this.#returnToAnchor(batch);
       this.postRenderFinished.trigger();
-      this.pieceShown.trigger(piece);
+      this.batchShown.trigger(batch);
     }
   }
 
-  /** @param {Piece} piece */
-  #returnToPlace({ first, last }) {
-    const place = first ? this.#place : null;
-    const view = place && this.boundsLookup ? viewAt(place, this.boundsLookup, this.#viewport.view, this.#sideways) : null;
-    if (place && view) {
+  /** @param {LayoutBatch} batch */
+  #returnToAnchor({ first, last }) {
+    const anchor = first ? this.#anchor : null;
+    const view = anchor && this.boundsLookup ? viewAt(anchor, this.boundsLookup, this.#viewport.view, this.#sideways) : null;
+    if (anchor && view) {
       this.#viewport.moveTo(view);
-      this.#returned = { place, ...this.#viewport.position, marked: this.markedBar };
+      this.#returned = { anchor, ...this.#viewport.position, cursorBar: this.cursorBar };
     }
     if (last || !this.#sideways) {
-      this.#place = null;
+      this.#anchor = null;
     }
   }
 
-  /** @param {Piece} piece */
+  /** @param {LayoutBatch} batch */
   #sizeOf({ last, width, height }) {
     // A score drawn anew keeps its length until the new one is known: the reader stays at the same place.
     const atLeast = !last && this.#shown.score === this.#score ? this.#shown.height : 0;
@@ -329,9 +329,9 @@ export class WorkerRenderer {
     if (!all || !more) {
       return;
     }
-    for (const line of more.staffSystems) {
-      all.addStaffSystem(line);
-      for (const bar of line.bars) {
+    for (const system of more.staffSystems) {
+      all.addStaffSystem(system);
+      for (const bar of system.bars) {
         all.addMasterBar(bar);
         for (const beat of bar.bars.flatMap((staffBar) => staffBar.beats)) {
           all.addBeat(beat);

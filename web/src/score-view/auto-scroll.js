@@ -67,7 +67,7 @@ export class AutoScroll {
     }
     api.playerPositionChanged.on(({ isSeek }) => {
       if (isSeek) {
-        this.#jumped = api.drawing.awaited;
+        this.#jumped = api.workerRenderer.awaited;
         this.#showCursorSoon();
       }
     });
@@ -77,7 +77,7 @@ export class AutoScroll {
     api.postRenderFinished.on(() => {
       this.#system = null;
       // A long score is laid out to its end long after its first systems are seen: a reader who reads on stays there.
-      const opened = !api.drawing.drewAgain && !this.#readerScrolled;
+      const opened = !api.workerRenderer.drewAgain && !this.#readerScrolled;
       if (playback.playing || this.#jumped || opened) {
         this.#showCursorSoon();
       }
@@ -106,7 +106,7 @@ export class AutoScroll {
   }
 
   /**
-   * Called by alphaTab at each beat while playing, and when it has put its cursor into a new drawing.
+   * Called by alphaTab at each beat while playing, and when it has put its cursor into a new workerRenderer.
    *
    * @param {BeatBounds} beat
    * @param {BeatBounds | undefined} _next

@@ -26,7 +26,7 @@ export class Cursor {
     api.uiFacade.createCursors = () => this.#marks;
     api.uiFacade.destroyCursors = () => {};
     api.customCursorHandler = this;
-    api.drawing.pieceShown.on(({ first }) => {
+    api.workerRenderer.batchShown.on(({ first }) => {
       if (first && !api.hasPrepared) {
         this.#markStart();
       }
@@ -64,7 +64,7 @@ export class Cursor {
   placeBarCursor(mark, beat) {
     const { x, y, w, h } = beat.barBounds.masterBarBounds.visualBounds;
     mark.setBounds(x, y, w, h);
-    this.#api.drawing.markedBar = beat.barBounds.masterBarBounds.index;
+    this.#api.workerRenderer.cursorBar = beat.barBounds.masterBarBounds.index;
   }
 
   /**

@@ -8,8 +8,8 @@ import { alphaTab } from "../shared/alphatab.js";
 /** Width of the score page at zoom 1, in CSS pixels: about five bars of guitar to a line. */
 const pageWidth = 1180;
 
-/** How long a finished drawing may keep its visible part waiting before it is reported all the same, in milliseconds. */
-const patience = 2000;
+/** How long a finished drawing may keep its visible partial waiting before it is reported all the same, in milliseconds. */
+const paintTimeoutMs = 2000;
 
 export class ScoreView {
   #api;
@@ -17,7 +17,7 @@ export class ScoreView {
   #viewport;
   #scoreHeader;
   #onRendered;
-  #drawing = 0;
+  #renderId = 0;
 
   /**
    * @param {import("../alphatab/page-api.js").PageApi} api
@@ -34,9 +34,9 @@ export class ScoreView {
     this.#onRendered = onRendered;
     this.#sizeScorePage(1);
     api.renderStarted.on(() => {
-      this.#drawing++;
+      this.#renderId++;
     });
-    api.drawing.pieceShown.on(({ last }) => {
+    api.workerRenderer.batchShown.on(({ last }) => {
       if (last) {
         this.#reportWhenVisible();
       }
@@ -45,8 +45,8 @@ export class ScoreView {
 
   /** To be called before another score is handed to alphaTab: what is being drawn of this one is abandoned. */
   leaveScore() {
-    this.#drawing++;
-    this.#api.drawing.abandon();
+    this.#renderId++;
+    this.#api.workerRenderer.abandon();
   }
 
   /**
@@ -73,7 +73,7 @@ export class ScoreView {
     const score = this.#api.score;
     const tracks = score ? trackIds.map((id) => score.tracks[id]).filter(Boolean) : [];
     if (tracks.length > 0) {
-      this.#api.drawing.changeScorePage(() =>
+      this.#api.workerRenderer.changeScorePage(() =>
         this.#scoreHeader.show(/** @type {import("../shared/alphatab.js").Score} */ (score), tracks),
       );
       this.#api.renderTracks(tracks);
@@ -83,7 +83,7 @@ export class ScoreView {
   /** @param {string} layout */
   setLayout(layout) {
     const horizontal = layout === "horizontal";
-    this.#api.drawing.changeScorePage(() => this.#scorePage.classList.toggle("horizontal", horizontal));
+    this.#api.workerRenderer.changeScorePage(() => this.#scorePage.classList.toggle("horizontal", horizontal));
     this.#api.settings.display.layoutMode = horizontal ? alphaTab.LayoutMode.Horizontal : alphaTab.LayoutMode.Page;
     this.#redraw();
   }
@@ -91,7 +91,7 @@ export class ScoreView {
   /** @param {number} zoom */
   setZoom(zoom) {
     if (Number.isFinite(zoom) && zoom > 0) {
-      this.#api.drawing.changeScorePage(() => this.#sizeScorePage(zoom));
+      this.#api.workerRenderer.changeScorePage(() => this.#sizeScorePage(zoom));
       this.#api.settings.display.scale = zoom;
       this.#redraw();
     }
@@ -117,13 +117,13 @@ export class ScoreView {
 
   /** A layout is finished before its lines are painted: they are painted as they come into view. */
   #reportWhenVisible() {
-    const drawing = this.#drawing;
-    const deadline = performance.now() + patience;
+    const renderId = this.#renderId;
+    const deadline = performance.now() + paintTimeoutMs;
     const check = () => {
-      if (drawing !== this.#drawing) {
+      if (renderId !== this.#renderId) {
         return;
       }
-      if ((this.#visiblePartsPainted() && this.#api.hasPrepared) || performance.now() > deadline) {
+      if ((this.#visiblePartialsPainted() && this.#api.hasPrepared) || performance.now() > deadline) {
         this.#onRendered();
       } else {
         setTimeout(check, 15);
@@ -132,13 +132,13 @@ export class ScoreView {
     check();
   }
 
-  #visiblePartsPainted() {
+  #visiblePartialsPainted() {
     const view = this.#viewport.getBoundingClientRect();
-    for (const part of this.#scorePage.querySelectorAll(".at-surface > div")) {
-      const box = part.getBoundingClientRect();
+    for (const partial of this.#scorePage.querySelectorAll(".at-surface > div")) {
+      const box = partial.getBoundingClientRect();
       const visible =
         box.bottom > view.top && box.top < view.bottom && box.right > view.left && box.left < view.right;
-      if (visible && part.childElementCount === 0) {
+      if (visible && partial.childElementCount === 0) {
         return false;
       }
     }

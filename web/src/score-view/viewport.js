@@ -2,7 +2,7 @@
 /**
  * What scrolls, with the notation in it.
  *
- * @typedef {import("../rendering/reading-place.js").View} View
+ * @typedef {import("../rendering/scroll-anchor.js").View} View
  */
 export class Viewport {
   #viewport;

@@ -1,6 +1,6 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
-import { drawingWorkerListens } from "../rendering/drawing-worker-start.js";
+import { renderWorkerReady } from "../rendering/render-worker-start.js";
 import { Recordings } from "../backing-track/recordings.js";
 import { scoreOrder } from "../playback/score-order.js";
 import { CallOrder } from "./call-order.js";
@@ -61,19 +61,19 @@ export class ScoreSession {
    * @param {number} call
    */
   async #open(bytes, call) {
-    await drawingWorkerListens;
+    await renderWorkerReady;
     if (!this.#calls.counts(call)) {
       return;
     }
-    const drawing = this.#api.drawing;
-    const file = bytes && drawing.read(bytes);
+    const renderer = this.#api.workerRenderer;
+    const file = bytes && renderer.read(bytes);
     const reading = readScore(bytes, this.#api.settings);
     if ("problem" in reading) {
       this.#post({ type: "error", message: reading.problem });
       return;
     }
     if (file !== null) {
-      drawing.recognize(reading.score, file);
+      renderer.recognize(reading.score, file);
     }
     this.#calls.succeed(call);
     if (this.#recordings.isWaiting(reading.score)) {

@@ -63,7 +63,7 @@ export class Tidying {
       this.#left = [...steps];
       this.#wait(rest);
     };
-    api.drawing.pieceShown.on(disturbed);
+    api.workerRenderer.batchShown.on(disturbed);
     api.playerReady.on(disturbed);
     const later = () => this.#wait(rest);
     api.playerStateChanged.on(later);
@@ -98,7 +98,7 @@ export class Tidying {
   #collect(step) {
     const { thread } = step;
     if (thread === "drawing") {
-      this.#api.drawing.tidy();
+      this.#api.workerRenderer.tidy();
     } else if (thread === "synth") {
       this.#api.synth?.tidy();
     } else if (thread === "sound") {

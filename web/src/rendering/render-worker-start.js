@@ -3,7 +3,7 @@
  * The worker that draws. A module of its own that the page runs before all others: the worker reads alphaTab's code
  * while the page does.
  */
-export const drawingWorker = new Worker(new URL("./drawing-worker.js", import.meta.url), { type: "module", name: "drawing" });
+export const renderWorker = new Worker(new URL("./render-worker.js", import.meta.url), { type: "module", name: "renderId" });
 
 /**
  * Kept when the worker hears at once what it is asked. Until the page knows that the worker has run its script, requests
@@ -11,8 +11,8 @@ export const drawingWorker = new Worker(new URL("./drawing-worker.js", import.me
  *
  * @type {Promise<void>}
  */
-export const drawingWorkerListens = new Promise((resolve) => {
-  drawingWorker.addEventListener("message", () => resolve(), { once: true });
+export const renderWorkerReady = new Promise((resolve) => {
+  renderWorker.addEventListener("message", () => resolve(), { once: true });
   // The renderer, too, hears of the fault, and tells.
-  drawingWorker.addEventListener("error", () => resolve(), { once: true });
+  renderWorker.addEventListener("error", () => resolve(), { once: true });
 });

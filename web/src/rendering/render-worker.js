@@ -18,11 +18,11 @@ import { collectThoroughly } from "../shared/garbage.js";
  */
 
 /** Bars that bring the common code paths into being before the first score arrives. */
-const rehearsal = `\\title "" \\track \\staff {score tabs} :8 3.3 5.3{h} :4 7.2{b (0 4)} (0.1 2.2 2.3) r |
+const warmUpScore = `\\title "" \\track \\staff {score tabs} :8 3.3 5.3{h} :4 7.2{b (0 4)} (0.1 2.2 2.3) r |
   :16 3.3 5.3{h} 2.4{sl} 4.4 :2 0.6{v} :8 3.5 3.5 | \\track \\staff {score} \\clef F4 :4 c3 :8 e3 g3 :2 c4 | :1 c3`;
 
 /** How long the rest of a drawing is held back at most, in milliseconds. */
-const patience = 2000;
+const remainderTimeoutMs = 2000;
 
 /** The page's settings; a drawing under way keeps those it began with. */
 let settings = new alphaTab.Settings();
@@ -33,8 +33,8 @@ let held = null;
 let read = null;
 /** @type {LayoutRun | null} */
 let run = null;
-let drawing = 0;
-let restHeld = false;
+let renderId = 0;
+let remainderHeld = false;
 let next = 0;
 
 /** @param {Answer} answer */
@@ -56,8 +56,8 @@ function answer(request) {
     case "draw":
       draw(request);
       break;
-    case "goOn":
-      restHeld = false;
+    case "resume":
+      remainderHeld = false;
       proceed();
       break;
     case "stop":
@@ -82,16 +82,16 @@ function draw(request) {
     read = null;
   }
   run = null;
-  drawing = request.drawing;
-  restHeld = request.restHeld;
+  renderId = request.renderId;
+  remainderHeld = request.remainderHeld;
   if (held?.file !== request.file) {
-    post({ kind: "missing", drawing });
+    post({ kind: "missing", renderId });
     return;
   }
   setTextWidths(request.textWidths);
   renderer.updateSettings(settings);
   renderer.width = request.width;
-  run = new LayoutRun(renderer, held.score, request.tracks, request.view, request.place, request.atOnce);
+  run = new LayoutRun(renderer, held.score, request.tracks, request.view, request.anchor, request.atOnce);
   if (request.atOnce) {
     // Another zoom may have been asked for already.
     clearTimeout(next);
@@ -110,11 +110,11 @@ function proceed() {
   }
   let wait = 0;
   try {
-    const piece = current.step();
-    if (piece) {
-      post({ kind: "drawn", drawing, piece });
-      current.delivered(piece);
-      wait = piece.first && restHeld ? patience : 0;
+    const batch = current.step();
+    if (batch) {
+      post({ kind: "drawn", renderId, batch });
+      current.delivered(batch);
+      wait = batch.first && remainderHeld ? remainderTimeoutMs : 0;
     }
     run = current.finished ? null : current;
   } catch (reason) {
@@ -124,11 +124,11 @@ function proceed() {
   next = setTimeout(proceed, wait);
 }
 
-/** @param {string} id of a part that was laid out */
+/** @param {string} id of a partial that was laid out */
 function paint(id) {
-  const unsubscribe = renderer.partialRenderFinished.on((part) => {
-    post({ kind: "painted", drawing, part });
-    part.renderResult = undefined;
+  const unsubscribe = renderer.partialRenderFinished.on((partial) => {
+    post({ kind: "painted", renderId, partial });
+    partial.renderResult = undefined;
   });
   renderer.renderResult(id);
   unsubscribe();
@@ -150,18 +150,18 @@ function fail(reason) {
 }
 
 /** Goes through a drawing once, so that the code of the first one is ready to run. */
-function rehearse() {
+function warmUp() {
   const settings = new alphaTab.Settings();
   settings.core.engine = "svg";
   settings.core.logLevel = alphaTab.LogLevel.None;
-  const stand = new alphaTab.rendering.ScoreRenderer(settings);
-  stand.width = 800;
-  const score = alphaTab.importer.ScoreLoader.loadAlphaTex(rehearsal, settings);
-  const rehearsed = new LayoutRun(stand, score, [0, 1], { left: 0, top: 0, right: 800, bottom: 800 });
-  while (!rehearsed.finished) {
-    rehearsed.step();
+  const warmUpRenderer = new alphaTab.rendering.ScoreRenderer(settings);
+  warmUpRenderer.width = 800;
+  const score = alphaTab.importer.ScoreLoader.loadAlphaTex(warmUpScore, settings);
+  const firstRun = new LayoutRun(warmUpRenderer, score, [0, 1], { left: 0, top: 0, right: 800, bottom: 800 });
+  while (!firstRun.finished) {
+    firstRun.step();
   }
-  stand.destroy();
+  warmUpRenderer.destroy();
 }
 
 renderer.error.on(fail);
@@ -174,6 +174,6 @@ addEventListener("message", (event) => {
 });
 // In a task of its own: what is posted while the script runs overtakes the news that it has run.
 setTimeout(() => {
-  post({ kind: "listening" });
-  rehearse();
+  post({ kind: "ready" });
+  warmUp();
 });

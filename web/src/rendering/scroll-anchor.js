@@ -12,7 +12,7 @@
  * @property {{ left: number, top: number }} position how far it is scrolled
  * @property {(view: View) => void} moveTo scrolls, as far as there is something to scroll
  *
- * @typedef {object} Place a point of a bar, and where in the view it is
+ * @typedef {object} ScrollAnchor a point of a bar, and where in the view it is
  * @property {number} bar its index
  * @property {number} x from 0 for the bar's left end to 1 for its right end
  * @property {number} y from 0 for the top of its line to 1 for the bottom
@@ -20,17 +20,17 @@
  * @property {number} top from the top edge of the view
  */
 
-/** A bar counts as seen with this part of what could be seen of it. */
-const seenPart = 1 / 3;
+/** A bar counts as seen with this share of what could be seen of it. */
+const seenShare = 1 / 3;
 
 /**
  * @param {BoundsLookup} bounds
  * @param {View} view
- * @param {number | null} marked the bar that is marked, which is what readers look at while they see it
- * @returns {Place | null} null when nothing is seen of the score
+ * @param {number | null} cursorBar the bar that is marked, which is what readers look at while they see it
+ * @returns {ScrollAnchor | null} null when nothing is seen of the score
  */
-export function placeIn(bounds, view, marked) {
-  const box = seenBox(bounds, view, marked) ?? firstSeenBox(bounds, view);
+export function anchorIn(bounds, view, cursorBar) {
+  const box = seenBox(bounds, view, cursorBar) ?? firstSeenBox(bounds, view);
   return (
     box && {
       bar: box.bar,
@@ -43,19 +43,19 @@ export function placeIn(bounds, view, marked) {
 }
 
 /**
- * @param {Place} place
+ * @param {ScrollAnchor} anchor
  * @param {BoundsLookup} bounds of the new drawing
  * @param {View} view as it is
  * @param {boolean} sideways whether there is one endless line; on pages only the height counts
  * @returns {View | null} as it is to be; null while the bar has not been laid out
  */
-export function viewAt(place, bounds, view, sideways) {
-  const box = bounds.findMasterBarByIndex(place.bar)?.visualBounds;
+export function viewAt(anchor, bounds, view, sideways) {
+  const box = bounds.findMasterBarByIndex(anchor.bar)?.visualBounds;
   if (!box) {
     return null;
   }
-  const left = sideways ? box.x + place.x * box.w - place.left : view.left;
-  const top = box.y + place.y * box.h - place.top;
+  const left = sideways ? box.x + anchor.x * box.w - anchor.left : view.left;
+  const top = box.y + anchor.y * box.h - anchor.top;
   return { left, top, right: left + view.right - view.left, bottom: top + view.bottom - view.top };
 }
 
@@ -102,5 +102,5 @@ function isSeen(box, view) {
  * @param {number} last
  */
 function enough(from, to, first, last) {
-  return Math.min(to, last) - Math.max(from, first) >= seenPart * Math.min(to - from, last - first);
+  return Math.min(to, last) - Math.max(from, first) >= seenShare * Math.min(to - from, last - first);
 }
