@@ -1,12 +1,12 @@
 // @ts-check
 /**
- * Marks what is heard: the bar, and in it the notes, behind a band that leaves them legible. The band steps from note to
+ * Shows what is presented: the bar, and in it the notes, behind a band that leaves them legible. The band steps from note to
  * note. It could glide, but then the page, the window and the display would draw thirty times a second for it, and each
- * frame's delay would show the mark elsewhere than the sound.
+ * frame's delay would show the cursor elsewhere than the sound.
  *
  * @typedef {import("@coderline/alphatab").rendering.BeatBounds} BeatBounds
  * @typedef {NonNullable<import("../alphatab/page-api.js").PageApi["customCursorHandler"]>} CursorHandler
- * @typedef {Parameters<CursorHandler["placeBeatCursor"]>[0]} Mark
+ * @typedef {Parameters<CursorHandler["placeBeatCursor"]>[0]} CursorElement
  */
 
 /** How wide the band is, in CSS pixels: a note head and its accidental's edge. */
@@ -15,25 +15,25 @@ const bandWidth = 18;
 /** @implements {CursorHandler} */
 export class Cursor {
   #api;
-  #marks;
+  #cursors;
 
   /** @param {import("../alphatab/page-api.js").PageApi} api */
   constructor(api) {
     this.#api = api;
-    this.#marks = api.uiFacade.createCursors();
-    // alphaTab makes marks together with a player, which comes after the first lines of a score, and takes them away
+    this.#cursors = api.uiFacade.createCursors();
+    // alphaTab makes cursors together with a player, which comes after the first lines of a score, and takes them away
     // with it: it gets these, and they stay.
-    api.uiFacade.createCursors = () => this.#marks;
+    api.uiFacade.createCursors = () => this.#cursors;
     api.uiFacade.destroyCursors = () => {};
     api.customCursorHandler = this;
     api.workerRenderer.batchShown.on(({ first }) => {
       if (first && !api.hasPrepared) {
-        this.#markStart();
+        this.#showAtStart();
       }
     });
   }
 
-  /** @param {Parameters<CursorHandler["onAttach"]>[0]} marks */
+  /** @param {Parameters<CursorHandler["onAttach"]>[0]} cursors */
   onAttach({ beatCursor }) {
     beatCursor.width = bandWidth;
   }
@@ -42,46 +42,46 @@ export class Cursor {
 
   /**
    * alphaTab learns where the beats lie in time when the score is prepared for playing. That its first beat comes first
-   * is known before, so that the score's first picture shows the mark too.
+   * is known before, so that the score's first picture shows the cursor too.
    */
-  #markStart() {
+  #showAtStart() {
     const beat = this.#api.boundsLookup?.staffSystems[0]?.bars[0]?.bars[0]?.beats[0];
-    const marks = this.#marks;
-    if (beat && marks) {
-      this.onAttach(marks);
+    const cursors = this.#cursors;
+    if (beat && cursors) {
+      this.onAttach(cursors);
       // Behind alphaTab's own doing, which goes by the score before.
       this.#api.uiFacade.beginInvoke(() => {
-        this.placeBarCursor(marks.barCursor, beat);
-        this.placeBeatCursor(marks.beatCursor, beat);
+        this.placeBarCursor(cursors.barCursor, beat);
+        this.placeBeatCursor(cursors.beatCursor, beat);
       });
     }
   }
 
   /**
-   * @param {Mark} mark
+   * @param {CursorElement} cursor
    * @param {BeatBounds} beat
    */
-  placeBarCursor(mark, beat) {
+  placeBarCursor(cursor, beat) {
     const { x, y, w, h } = beat.barBounds.masterBarBounds.visualBounds;
-    mark.setBounds(x, y, w, h);
+    cursor.setBounds(x, y, w, h);
     this.#api.workerRenderer.cursorBar = beat.barBounds.masterBarBounds.index;
   }
 
   /**
-   * @param {Mark} mark
+   * @param {CursorElement} cursor
    * @param {BeatBounds} beat
    */
-  placeBeatCursor(mark, beat) {
+  placeBeatCursor(cursor, beat) {
     const { y, h } = beat.barBounds.masterBarBounds.visualBounds;
-    mark.transitionToX(0, beat.onNotesX);
-    mark.setBounds(beat.onNotesX, y, 1, h);
+    cursor.transitionToX(0, beat.onNotesX);
+    cursor.setBounds(beat.onNotesX, y, 1, h);
   }
 
   /**
-   * @param {Mark} mark
+   * @param {CursorElement} cursor
    * @param {BeatBounds} beat
    */
-  transitionBeatCursor(mark, beat) {
-    this.placeBeatCursor(mark, beat);
+  transitionBeatCursor(cursor, beat) {
+    this.placeBeatCursor(cursor, beat);
   }
 }
