@@ -3,7 +3,7 @@
  * The worker that draws. A module of its own that the page runs before all others: the worker reads alphaTab's code
  * while the page does.
  */
-export const renderWorker = new Worker(new URL("./render-worker.js", import.meta.url), { type: "module", name: "renderId" });
+export const renderWorker = new Worker(new URL("./render-worker.js", import.meta.url), { type: "module", name: "renderer" });
 
 /**
  * Kept when the worker hears at once what it is asked. Until the page knows that the worker has run its script, requests

@@ -5,8 +5,8 @@ import { anchorIn, viewAt } from "./scroll-anchor.js";
 
 /**
  * The page's end of the render worker, in the shape in which alphaTab knows a renderer. alphaTab's own worker
- * tells of a drawing when all of it is laid out, which takes seconds with a long score; this one tells of it layout batch by
- * layout batch.
+ * posts when everything is laid out, which takes seconds with a long score; this one posts one layout batch after
+ * the other.
  *
  * @typedef {import("../shared/alphatab.js").Score} Score
  * @typedef {import("./layout-run.js").Partial} Partial
@@ -22,16 +22,16 @@ import { anchorIn, viewAt } from "./scroll-anchor.js";
  *
  * @typedef {{ cmd: "settings", settings: Map<string, unknown> | null }
  *   | { cmd: "read", file: number, bytes: Uint8Array }
- *   | { cmd: "draw", drawing: number, file: number, score: Map<string, unknown> | null, tracks: number[], width: number,
- *       view: View, place: ScrollAnchor | null, textWidths: Map<string, unknown>, remainderHeld: boolean, atOnce: boolean }
+ *   | { cmd: "draw", renderId: number, file: number, score: Map<string, unknown> | null, tracks: number[], width: number,
+ *       view: View, anchor: ScrollAnchor | null, textWidths: Map<string, unknown>, remainderHeld: boolean, atOnce: boolean }
  *   | { cmd: "resume" }
  *   | { cmd: "stop" }
  *   | { cmd: "paint", id: string }
  *   | { cmd: "tidy" }} Request
  *
  * @typedef {{ kind: "drawn", renderId: number, batch: LayoutBatch }
- *   | { kind: "painted", drawing: number, partial: Partial }
- *   | { kind: "missing", drawing: number }
+ *   | { kind: "painted", renderId: number, partial: Partial }
+ *   | { kind: "missing", renderId: number }
  *   | { kind: "ready" }
  *   | { kind: "failed", message: string }} Answer
  */

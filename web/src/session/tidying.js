@@ -52,7 +52,7 @@ export class Tidying {
   #api;
 
   /**
-   * @param {Pick<import("../alphatab/page-api.js").PageApi, "drawing" | "playerReady" | "playerStateChanged" | "recordingPlayer" | "synth">} api
+   * @param {Pick<import("../alphatab/page-api.js").PageApi, "workerRenderer" | "playerReady" | "playerStateChanged" | "recordingPlayer" | "synth">} api
    * @param {{ readonly playing: boolean }} playback
    * @param {EventTarget} view where the reader's hands are felt
    */
