@@ -59,9 +59,9 @@ addEventListener("unhandledrejection", ({ reason }) =>
   post({ type: "error", message: `Something in the page failed (${reason instanceof Error ? reason.message : reason}).` }),
 );
 api.error.on((error) => post({ type: "error", message: error.message }));
-api.recordingPlayer.failed.on((message) => {
+api.backingTrackPlayer.failed.on((message) => {
   post({ type: "error", message });
-  session.giveUpRecording();
+  session.giveUpBackingTrack();
 });
 
 expose({

@@ -2,8 +2,8 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import { recordingTime } from "../src/timing/recording-time.js";
 
-test("between sync points score and recording run evenly", () => {
-  const points = [{ score: 0, recording: 350 }, { score: 2000, recording: 2350 }, { score: 4000, recording: 3350 }];
+test("between sync points score and backing track run evenly", () => {
+  const points = [{ score: 0, backingTrack: 350 }, { score: 2000, backingTrack: 2350 }, { score: 4000, backingTrack: 3350 }];
   assert.equal(recordingTime(points, 0), 350);
   assert.equal(recordingTime(points, 1000), 1350);
   assert.equal(recordingTime(points, 3000), 2850);

@@ -15,7 +15,7 @@ function page() {
     drawing: { batchShown: new Emitter(), tidy: () => collected.push("drawing") },
     playerReady: new Emitter(),
     playerStateChanged: new Emitter(),
-    recordingPlayer: { tidy: () => collected.push("sound") },
+    backingTrackPlayer: { tidy: () => collected.push("sound") },
     synth: { tidy: () => collected.push("synth") },
   };
   const playback = { playing: false };

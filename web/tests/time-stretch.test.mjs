@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { findAttacks } from "../src/backing-track/decode/attacks.js";
+import { findOnsets } from "../src/backing-track/decode/onsets.js";
 import { Player, levels, onsets, pitch, sampleRate, sharpest, sound, strokes } from "./support/sounds.mjs";
 
 const speeds = [0.25, 0.5, 0.7, 0.95, 1, 1.3, 2];
@@ -12,7 +12,7 @@ const length = beats.at(-1) + 1;
 const sine = (hertz) => sound(6, (t) => 0.8 * Math.sin(2 * Math.PI * hertz * t));
 const chord = (t) => [82.4, 123.5, 164.8, 207.7, 246.9, 329.6].reduce((sum, hertz, i) => sum + 0.15 * Math.sin(2 * Math.PI * hertz * t + i), 0);
 
-test("at its own speed a recording is played as it is", () => {
+test("at its own speed a backing track is played as it is", () => {
   let seed = 1;
   const noise = sound(2, () => ((seed = (seed * 16807) % 2147483647) / 2147483647) * 2 - 1);
   const [left, right] = new Player([noise, noise.slice().reverse()]).listen(3);
@@ -70,11 +70,11 @@ test("both channels are stretched alike", () => {
 
 test("a change of speed neither jumps nor clicks", () => {
   const player = new Player([sine(330)], { speed: 0.5 });
-  const parts = [0.5, 1, 0.25, 2, 1].map((speed) => {
+  const chunks = [0.5, 1, 0.25, 2, 1].map((speed) => {
     player.stretch.speed = speed;
     return player.listen(0.713)[0];
   });
-  const all = Float32Array.from(parts.flatMap((part) => [...part]));
+  const all = Float32Array.from(chunks.flatMap((chunk) => [...chunk]));
   const bend = (2 * Math.PI * 330 / sampleRate) ** 2 * 0.8 * (30000 / 32768);
   assert.ok(sharpest(all) < bend * 1.5 + 6 / 32768, `${sharpest(all)} instead of ${bend}`);
   assert.ok(Math.abs(player.stretch.place / sampleRate - 0.713 * (0.5 + 1 + 0.25 + 2 + 1)) < 0.001);
@@ -133,12 +133,12 @@ test("quick notes are heard once each when they are very slow", () => {
   heard.forEach((at, note) => assert.ok(Math.abs(at - 4000 * quick[note]) < 0.2, `${at} instead of ${4000 * quick[note]}`));
 });
 
-test("a loop that ends behind the recording starts over at its end", () => {
+test("a loop that ends behind the backing track starts over at its end", () => {
   const player = new Player([strokes(2, [0.1, 0.6, 1.1, 1.6])], { loop: { from: 0, to: 100 * sampleRate } });
   assert.equal(onsets(player.listen(6)[0]).length, 12);
 });
 
-test("a loop with nothing in it ends like the recording", () => {
+test("a loop with nothing in it ends like the backing track", () => {
   for (const loop of [{ from: 3 * sampleRate, to: 4 * sampleRate }, { from: 1000, to: 1001 }, { from: 2 * sampleRate - 1, to: 9 * sampleRate }]) {
     const player = new Player([sound(2, () => 0.1)], { loop });
     player.stretch.jump(sampleRate);
@@ -157,7 +157,7 @@ test("a loop that is given up at its seam goes on behind it", () => {
   }
 });
 
-test("a recording ends when its time is over, however short it is", () => {
+test("a backing track ends when its time is over, however short it is", () => {
   for (const frames of [0, 1, 10, 500, 3000]) {
     for (const speed of speeds) {
       const player = new Player([new Int16Array(frames).fill(1000)], { speed });
@@ -175,20 +175,20 @@ test("a jump goes where it was told to", () => {
   assert.ok(Math.abs(onsets(player.listen(1)[0])[0] - 200) < 0.2);
 });
 
-test("attacks are found where they begin, in silence and among strings", () => {
+test("onsets are found where they begin, in silence and among strings", () => {
   const ringing = sound(length, (t) => 0.25 * chord(t));
   const plain = strokes(length, beats);
   for (const samples of [plain, plain.map((sample, frame) => sample * 0.7 + ringing[frame])]) {
-    const found = [...findAttacks([samples], sampleRate)].filter((frame) => frame > 0.1 * sampleRate);
+    const found = [...findOnsets([samples], sampleRate)].filter((frame) => frame > 0.1 * sampleRate);
     assert.equal(found.length, beats.length);
     found.forEach((frame, beat) => assert.ok(Math.abs(frame - beats[beat] * sampleRate) < 0.001 * sampleRate, `${frame / sampleRate} instead of ${beats[beat]}`));
   }
 });
 
-test("a steady sound has no attacks but its beginning", () => {
+test("a steady sound has no onsets but its beginning", () => {
   for (const hertz of [41.2, 82.4, 110, 440, 3000]) {
-    assert.ok(findAttacks([sine(hertz)], sampleRate).length <= 1, String(hertz));
+    assert.ok(findOnsets([sine(hertz)], sampleRate).length <= 1, String(hertz));
   }
-  assert.ok(findAttacks([sound(5, chord)], sampleRate).length <= 1);
-  assert.equal(findAttacks([new Int16Array(5000)], sampleRate).length, 0);
+  assert.ok(findOnsets([sound(5, chord)], sampleRate).length <= 1);
+  assert.equal(findOnsets([new Int16Array(5000)], sampleRate).length, 0);
 });

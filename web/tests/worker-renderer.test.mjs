@@ -82,14 +82,14 @@ test("the worker is told how wide letters are, which only the page can measure",
   assert.deepEqual(worker.last.textWidths.get("Measured Serif"), [[3, 5, 8]]);
 });
 
-test("files are numbered one by one, and a long one, with a recording in it, is not read twice", () => {
+test("files are numbered one by one, and a long one, with a backing track in it, is not read twice", () => {
   const { worker, renderer } = viewport();
   assert.notEqual(renderer.read(new Uint8Array(9)), renderer.read(new Uint8Array(9)));
   assert.equal(renderer.read(new Uint8Array(5 << 20)), null);
   assert.equal(worker.count("read"), 2);
 });
 
-test("any other score is handed over, once, as it is but for its recording", () => {
+test("any other score is handed over, once, as it is but for its backing track", () => {
   const { worker, renderer } = viewport();
   const score = scoreOf("\\title \"Tune\" . c4 d4");
   score.backingTrack = new alphaTab.model.BackingTrack();

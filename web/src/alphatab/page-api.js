@@ -2,7 +2,7 @@
 import { alphaTab } from "../shared/alphatab.js";
 import { renderWorker } from "../rendering/render-worker-start.js";
 import { Emitter } from "../shared/emitter.js";
-import { RecordingPlayer } from "../backing-track/recording-player.js";
+import { BackingTrackPlayer } from "../backing-track/backing-track-player.js";
 import { SynthPlayer } from "../synth/synth-player.js";
 import { separateChannels, withChannels } from "./track-channels.js";
 import { WorkerRenderer } from "../rendering/worker-renderer.js";
@@ -26,11 +26,11 @@ export class PageApi extends alphaTab.AlphaTabApi {
   #preparedMode = alphaTab.PlayerMode.Disabled;
   #wantedMode = alphaTab.PlayerMode.EnabledSynthesizer;
   #playerStarted = false;
-  /** @type {import("../backing-track/recordings.js").Recording | null} the score's own, where it can be heard */
-  recording = null;
+  /** @type {import("../backing-track/backing-tracks.js").BackingTrack | null} the score's own, where it can be heard */
+  backingTrack = null;
   /** Plays it while it is chosen in the synthesizer's place. */
-  recordingPlayer = new RecordingPlayer();
-  /** @type {import("@coderline/alphatab").synth.BackingTrackSyncPoint[]} where the score's time lies in its recording */
+  backingTrackPlayer = new BackingTrackPlayer();
+  /** @type {import("@coderline/alphatab").synth.BackingTrackSyncPoint[]} where the score's time lies in its backing track */
   syncPoints = [];
   /** @type {Map<number, import("./track-channels.js").Channels>} what each track plays on, by its index */
   trackChannels = new Map();
@@ -53,9 +53,9 @@ export class PageApi extends alphaTab.AlphaTabApi {
     this.notation = notation;
     this.uiFacade.beginInvoke = nextFrame();
     this.uiFacade.createWorkerPlayer = () => (this.synth = new SynthPlayer(this.settings)).player;
-    this.recordingPlayer.heard.on((ms) => this.#media?.updatePosition(ms));
-    // A recording may end before the last bar does.
-    this.recordingPlayer.ended.on(() => this.stop());
+    this.backingTrackPlayer.heard.on((ms) => this.#media?.updatePosition(ms));
+    // A backing track may end before the last bar does.
+    this.backingTrackPlayer.ended.on(() => this.stop());
     this.workerRenderer = new WorkerRenderer(renderWorker, viewport);
     this.workerRenderer.updateSettings(this.settings);
     const renderer = /** @type {{ instance: import("@coderline/alphatab").rendering.IScoreRenderer }} */ (
@@ -129,35 +129,35 @@ export class PageApi extends alphaTab.AlphaTabApi {
       this.trackChannels = separateChannels(tracks);
       try {
         withChannels(tracks, this.trackChannels, () => super.loadMidiForScore());
-        this.#loadRecording();
+        this.#loadBackingTrack();
       } catch (reason) {
         this.preparationFailed.trigger(reason);
       }
     }
   }
 
-  /** Whether the score's own recording plays. */
-  get playsRecording() {
+  /** Whether the score's backing track plays. */
+  get playsBackingTrack() {
     return this.actualPlayerMode === alphaTab.PlayerMode.EnabledExternalMedia;
   }
 
-  /** Where alphaTab is told how far the recording is; null while the synthesizer plays. */
+  /** Where alphaTab is told how far the backing track is; null while the synthesizer plays. */
   get #media() {
-    const output = this.playsRecording ? this.player?.output : null;
+    const output = this.playsBackingTrack ? this.player?.output : null;
     return /** @type {import("@coderline/alphatab").synth.IExternalMediaSynthOutput | null | undefined} */ (output) ?? null;
   }
 
-  #loadRecording() {
+  #loadBackingTrack() {
     const media = this.#media;
-    if (!this.recording) {
-      this.recordingPlayer.load(null);
+    if (!this.backingTrack) {
+      this.backingTrackPlayer.load(null);
     } else if (media && this.player) {
-      const { player, recordingPlayer: recording } = this;
+      const { player, backingTrackPlayer: backingTrack } = this;
       const { timePosition } = player;
-      recording.load(this.recording);
-      recording.playbackRate = this.playbackSpeed;
-      recording.masterVolume = this.masterVolume;
-      media.handler = recording;
+      backingTrack.load(this.backingTrack);
+      backingTrack.playbackRate = this.playbackSpeed;
+      backingTrack.masterVolume = this.masterVolume;
+      media.handler = backingTrack;
       player.updateSyncPoints(this.syncPoints);
       player.timePosition = timePosition;
     }

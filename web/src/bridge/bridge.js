@@ -18,7 +18,7 @@
  * @property {(on: number) => void} setCountIn 1 or 0.
  * @property {(volume: number, sound: string, accent: boolean, mode: string) => void} configMetronome
  * @property {() => void} previewMetronome
- * @property {(synthesized: boolean) => void} setSoundSource false plays the file's own recording where it has one.
+ * @property {(synthesized: boolean) => void} setSoundSource false plays the file's backing track where it has one.
  * @property {(layout: string) => void} setLayout "page" or "horizontal".
  * @property {(zoom: number) => void} setZoom 1 is the engraved size.
  * @property {(trackIds: number[]) => void} renderTracks

@@ -13,7 +13,7 @@ import { recordingTime } from "../timing/recording-time.js";
  * and through seeks, repeats and changes of tempo, which clicks timed by the page could not be. What sounds is
  * chosen without touching the notes: a channel is muted or not, and transposed to the key of the chosen sound.
  *
- * A score's own recording plays without the synthesizer; its player mixes the clicks in where they fall in it.
+ * A score's backing track plays without the synthesizer; its player mixes the clicks in where they fall in it.
  *
  * @typedef {{ volume: number, sound: string, accent: boolean, mode: string }} Configuration volume from 0 to 1
  */
@@ -105,8 +105,8 @@ export class Metronome {
     const { volume, accent, mode } = this.#configuration;
     const sound = soundNamed(this.#configuration.sound);
     const audible = this.#on ? audibleLevels(mode) : 0;
-    if (this.#api.playsRecording) {
-      this.#api.recordingPlayer.setTicking({ levels: audible, sound, accent, volume });
+    if (this.#api.playsBackingTrack) {
+      this.#api.backingTrackPlayer.setTicking({ levels: audible, sound, accent, volume });
     }
     /** @type {(offset: number, heard: boolean, accented: boolean) => void} */
     const set = (offset, heard, accented) => {
@@ -138,8 +138,8 @@ export class Metronome {
     this.#firstChannel = highestChannel(notes.events) + 1;
     const pattern = clicksOf(bars, midi.division);
     const points = this.#playback.syncPoints;
-    if (this.#api.playsRecording) {
-      this.#api.recordingPlayer.setClicks(
+    if (this.#api.playsBackingTrack) {
+      this.#api.backingTrackPlayer.setClicks(
         pattern.map(({ tick, level }) => ({ ms: recordingTime(points, this.#playback.timeline.msAt(tick)), level })),
       );
     }

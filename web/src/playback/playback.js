@@ -73,9 +73,9 @@ export class Playback {
     return this.#timeline;
   }
 
-  /** Where the score's time lies in its recording. */
+  /** Where the score's time lies in its backing track. */
   get syncPoints() {
-    return this.#syncPoints.map(({ synthTime, syncTime }) => ({ score: synthTime, recording: syncTime }));
+    return this.#syncPoints.map(({ synthTime, syncTime }) => ({ score: synthTime, backingTrack: syncTime }));
   }
 
   /** What is played over and over; null while nothing is. @returns {TickRange | null} */
@@ -202,7 +202,7 @@ export class Playback {
   setLooping(on) {
     this.#api.isLooping = Boolean(on);
     this.#applyRange();
-    this.#loopRecording();
+    this.#loopBackingTrack();
   }
 
   /** @param {boolean} on */
@@ -214,7 +214,7 @@ export class Playback {
   }
 
   /**
-   * Has the synthesizer count before its next start, or count again when it is just counting. A recording has no
+   * Has the synthesizer count before its next start, or count again when it is just counting. A backing track has no
    * synthesizer and is not counted in.
    *
    * @param {number} tick where the music will start
@@ -234,16 +234,16 @@ export class Playback {
   setRange(range) {
     this.#range = range;
     this.#applyRange();
-    this.#loopRecording();
+    this.#loopBackingTrack();
   }
 
-  /** The recording's player starts over by itself, from one sample to the next. */
-  #loopRecording() {
+  /** The backing track's player starts over by itself, from one sample to the next. */
+  #loopBackingTrack() {
     const points = this.syncPoints;
     const { startTick, endTick } = this.#range ?? { startTick: 0, endTick: this.#timeline.tickAt(this.endTime) - this.#tickShift };
     /** @type {(tick: number) => number} */
     const place = (tick) => Math.max(recordingTime(points, this.#timeline.msAt(tick + this.#tickShift)), 0);
-    this.#api.recordingPlayer.setLoop(this.#api.isLooping ? { from: place(startTick), to: place(endTick) } : null);
+    this.#api.backingTrackPlayer.setLoop(this.#api.isLooping ? { from: place(startTick), to: place(endTick) } : null);
   }
 
   /** To be called before another player takes over: it starts at this place, and goes on playing if this one did. */
@@ -310,7 +310,7 @@ export class Playback {
     this.#synchronize();
   }
 
-  /** Finds the sync points of the score's recording. A score without any runs together with it. */
+  /** Finds the sync points of the score's backing track. A score without any runs together with it. */
   #synchronize() {
     const { score } = this.#api;
     const { MidiFileGenerator } = alphaTab.midi;
@@ -322,7 +322,7 @@ export class Playback {
       point.syncTime = own.length > 0 ? point.syncTime : point.synthTime;
     }
     this.#api.syncPoints = this.#syncPoints;
-    this.#loopRecording();
+    this.#loopBackingTrack();
   }
 
   #onReady() {

@@ -36,7 +36,7 @@ import { anchorIn, viewAt } from "./scroll-anchor.js";
  *   | { kind: "failed", message: string }} Answer
  */
 
-/** Longer files, which carry recordings, are read once: the worker gets the score. In bytes. */
+/** Longer files, which carry backing tracks, are read once: the worker gets the score. In bytes. */
 const longestFileReadTwice = 4 << 20;
 
 /** @implements {IScoreRenderer} @typedef {import("@coderline/alphatab").rendering.IScoreRenderer} IScoreRenderer */
@@ -345,7 +345,7 @@ export class WorkerRenderer {
 /** @param {Score} score */
 function handedOver(score) {
   const values = alphaTab.model.JsonConverter.scoreToJsObject(score);
-  // A recording is not drawn.
+  // A backing track is not drawn.
   values?.delete("backingtrack");
   return values;
 }

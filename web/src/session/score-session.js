@@ -1,7 +1,7 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { renderWorkerReady } from "../rendering/render-worker-start.js";
-import { Recordings } from "../backing-track/recordings.js";
+import { BackingTracks } from "../backing-track/backing-tracks.js";
 import { scoreOrder } from "../playback/score-order.js";
 import { CallOrder } from "./call-order.js";
 import { fetchBytes } from "../shared/resources.js";
@@ -26,7 +26,7 @@ export class ScoreSession {
   #pointerInput;
   #scoreView;
   #post;
-  #recordings = new Recordings();
+  #backingTracks = new BackingTracks();
   #preferSynthesizer = false;
   #calls = new CallOrder();
 
@@ -76,8 +76,8 @@ export class ScoreSession {
       renderer.recognize(reading.score, file);
     }
     this.#calls.succeed(call);
-    if (this.#recordings.isWaiting(reading.score)) {
-      await this.#recordings.prepare(reading.score);
+    if (this.#backingTracks.isWaiting(reading.score)) {
+      await this.#backingTracks.prepare(reading.score);
     }
     if (this.#calls.counts(call)) {
       try {
@@ -99,13 +99,13 @@ export class ScoreSession {
     }
   }
 
-  /** The recording of the open score cannot be heard after all: the synthesizer takes its place. */
-  giveUpRecording() {
+  /** The backing track of the open score cannot be heard after all: the synthesizer takes its place. */
+  giveUpBackingTrack() {
     const score = this.#api.score;
-    if (!score || !this.#recordings.of(score)) {
+    if (!score || !this.#backingTracks.of(score)) {
       return;
     }
-    this.#recordings.giveUp(score);
+    this.#backingTracks.giveUp(score);
     // The tracks stay what they are, with what the mixer did to them.
     this.#post({ type: "score", title: score.title, artist: score.artist, hasBackingTrack: false });
     this.#playback.repeatPosition();
@@ -144,7 +144,7 @@ export class ScoreSession {
       title: score.title,
       artist: score.artist,
       tracks: score.tracks.map((track) => ({ index: track.index, name: track.name })),
-      hasBackingTrack: this.#recordings.of(score) !== null,
+      hasBackingTrack: this.#backingTracks.of(score) !== null,
     });
     if (scoreOrder(score).tooLong) {
       this.#post({ type: "error", message: "The score's repeats have no end in sight: it plays straight through." });
@@ -158,8 +158,8 @@ export class ScoreSession {
    */
   #choosePlayer(score) {
     const { EnabledExternalMedia, EnabledSynthesizer } = alphaTab.PlayerMode;
-    this.#api.recording = this.#recordings.of(score);
-    const mode = this.#api.recording && !this.#preferSynthesizer ? EnabledExternalMedia : EnabledSynthesizer;
+    this.#api.backingTrack = this.#backingTracks.of(score);
+    const mode = this.#api.backingTrack && !this.#preferSynthesizer ? EnabledExternalMedia : EnabledSynthesizer;
     return this.#api.choosePlayer(mode);
   }
 }

@@ -52,7 +52,7 @@ export class Tidying {
   #api;
 
   /**
-   * @param {Pick<import("../alphatab/page-api.js").PageApi, "workerRenderer" | "playerReady" | "playerStateChanged" | "recordingPlayer" | "synth">} api
+   * @param {Pick<import("../alphatab/page-api.js").PageApi, "workerRenderer" | "playerReady" | "playerStateChanged" | "backingTrackPlayer" | "synth">} api
    * @param {{ readonly playing: boolean }} playback
    * @param {EventTarget} view where the reader's hands are felt
    */
@@ -102,7 +102,7 @@ export class Tidying {
     } else if (thread === "synth") {
       this.#api.synth?.tidy();
     } else if (thread === "sound") {
-      this.#api.recordingPlayer.tidy();
+      this.#api.backingTrackPlayer.tidy();
     } else {
       // While music plays the mark on the score moves between two notes, and is still while one sounds.
       requestIdleCallback(() => this.#collectHere(step), { timeout: idle });

@@ -1,5 +1,5 @@
 // The audio thread, without a loudspeaker: what it would play is returned.
-import { findAttacks } from "../../src/backing-track/decode/attacks.js";
+import { findOnsets } from "../../src/backing-track/decode/onsets.js";
 import { blocksOf, sampleRate } from "./sounds.mjs";
 
 let Processor;
@@ -9,7 +9,7 @@ globalThis.AudioWorkletProcessor = class {
   port = { postMessage: (report) => this.reports.push(report) };
 };
 globalThis.registerProcessor = (_, processor) => (Processor = processor);
-await import("../../src/backing-track/recording-processor.js");
+await import("../../src/backing-track/backing-track-processor.js");
 
 export class AudioThread {
   #processor = new Processor();
@@ -24,17 +24,17 @@ export class AudioThread {
     this.#processor.port.onmessage({ data: structuredClone(message) });
   }
 
-  /** @param {Int16Array[]} channels of a whole recording */
+  /** @param {Int16Array[]} channels of a whole backing track */
   load(...channels) {
     this.add(channels, { first: true, last: true });
   }
 
   /**
    * @param {Int16Array[]} channels of what comes next, in whole blocks
-   * @param {{ first?: boolean, last?: boolean, attacks?: Int32Array }} part
+   * @param {{ first?: boolean, last?: boolean, onsets?: Int32Array }} part
    */
-  add(channels, { first = false, last = false, attacks = findAttacks(channels, sampleRate) }) {
-    this.tell({ part: { first, blocks: channels.map(blocksOf), attacks, last } });
+  add(channels, { first = false, last = false, onsets = findOnsets(channels, sampleRate) }) {
+    this.tell({ part: { first, blocks: channels.map(blocksOf), onsets, last } });
   }
 
   /** @returns {Float32Array[]} left and right, of whole blocks */

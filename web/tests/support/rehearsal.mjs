@@ -47,8 +47,8 @@ export class Rehearsal {
     actualPlayerMode: alphaTab.PlayerMode.EnabledSynthesizer,
     isReadyForPlayback: true,
     masterVolume: 1,
-    playsRecording: false,
-    recordingPlayer: { setClicks: () => {}, setLoop: () => {} },
+    playsBackingTrack: false,
+    backingTrackPlayer: { setClicks: () => {}, setLoop: () => {} },
   };
 
   /** @param {import("../../src/shared/alphatab.js").Score} score */

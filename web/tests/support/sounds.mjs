@@ -1,6 +1,6 @@
 // Sounds made up for the tests, as 16-bit samples, and what is heard when they are stretched.
-import { findAttacks } from "../../src/backing-track/decode/attacks.js";
-import { RecordedSound } from "../../src/backing-track/stretch/recorded-sound.js";
+import { findOnsets } from "../../src/backing-track/decode/onsets.js";
+import { DecodedTrack } from "../../src/backing-track/stretch/decoded-track.js";
 import { blockLength } from "../../src/audio/samples.js";
 import { TimeStretch } from "../../src/backing-track/stretch/time-stretch.js";
 
@@ -32,9 +32,9 @@ export function strokes(seconds, times) {
 /** A player: renders in blocks as the audio thread does, and starts over at the end of a loop. */
 export class Player {
   /** @param {Int16Array[]} channels */
-  constructor(channels, { speed = 1, loop = null, attacks = findAttacks(channels, sampleRate) } = {}) {
-    const sound = new RecordedSound(channels.length, sampleRate);
-    sound.add({ first: true, blocks: channels.map(blocksOf), attacks, last: true });
+  constructor(channels, { speed = 1, loop = null, onsets = findOnsets(channels, sampleRate) } = {}) {
+    const sound = new DecodedTrack(channels.length, sampleRate);
+    sound.add({ first: true, blocks: channels.map(blocksOf), onsets, last: true });
     this.stretch = new TimeStretch(sound);
     this.stretch.speed = speed;
     this.stretch.loop = loop;

@@ -1,17 +1,17 @@
 // @ts-check
-import { Pieces } from "./pieces.js";
+import { OverlapAdd } from "./overlap-add.js";
 
 /**
- * Plays a recording slower or faster at its own pitch, and keeps its attacks sharp and in time.
+ * Plays a backing track slower or faster at its own pitch, and keeps its onsets sharp and in time.
  *
- * The sound is put together of pieces of the recording as it is, faded into each other where they are most alike:
+ * The sound is put together of segments of the backing track as it is, faded into each other where they are most alike:
  * waveform-similarity overlap-add, W. Verhelst and M. Roelands, "An overlap-add technique based on waveform similarity
- * (WSOLA) for high quality time-scale modification of speech", ICASSP 1993. Around an attack no piece ends: it is
+ * (WSOLA) for high quality time-scale modification of speech", ICASSP 1993. Around an onset no segment ends: it is
  * played as it is, and begins exactly when the even course of time says so, as S. Grofit and Y. Lavner propose in
  * "Time-Scale Modification of Audio Signals Using Enhanced WSOLA With Management of Transients", IEEE Transactions on
- * Audio, Speech, and Language Processing 16 (2008). What lies between two attacks makes up for it.
+ * Audio, Speech, and Language Processing 16 (2008). What lies between two onsets makes up for it.
  *
- * All places are frames of the recording. The place is where the even course of time is; the source is what is being
+ * All places are frames of the backing track. The place is where the even course of time is; the source is what is being
  * played, which is never far from it.
  *
  * @typedef {{ from: number, to: number }} Loop frames
@@ -21,24 +21,24 @@ import { Pieces } from "./pieces.js";
  * @property {number} length of that fade
  * @property {number} until frames until it is due
  * @property {number} shift what the fade adds to the source
- * @property {number} unheard what may not be heard before: no piece before the fade reaches it
- * @property {"attack" | "end" | "seam"} kind end: of the loop; seam: the beginning of its next pass
+ * @property {number} unheard what may not be heard before: no segment before the fade reaches it
+ * @property {"onset" | "end" | "seam"} kind end: of the loop; seam: the beginning of its next pass
  */
 
 /** All in seconds. How far the source may be from the place. */
 const tolerance = 0.013;
 
-/** How long one piece fades into the next, at most and at least. */
+/** How long one segment fades into the next, at most and at least. */
 const fadeTime = 0.01;
 const shortFadeTime = 0.0015;
 
-/** A piece is played for at least so long between two fades, in seconds, and is so far from the last, in tolerances. */
-const shortestPiece = 0.006;
+/** A segment is played for at least so long between two fades, in seconds, and is so far from the last, in tolerances. */
+const shortestSegment = 0.006;
 const shortestStep = 0.5;
 
-/** What is played as it is, before and after an attack begins. */
-const beforeAttack = 0.003;
-const afterAttack = 0.025;
+/** What is played as it is, before and after an onset begins. */
+const beforeOnset = 0.003;
+const afterOnset = 0.025;
 
 /** A loop is at least so long. */
 const shortestLoop = 0.02;
@@ -46,23 +46,23 @@ const shortestLoop = 0.02;
 /** A source is settled at most so long before it is due: what was heard just before would be heard again. */
 const longestLead = 0.026;
 
-/** A piece that is taken up behind an attack is so far behind that nothing of its beginning is heard again. */
-const pastAttack = 0.008;
+/** A segment that is taken up behind an onset is so far behind that nothing of its beginning is heard again. */
+const pastOnset = 0.008;
 
-/** Where no better piece may be taken up, it is tried again after this time. */
+/** Where no better segment may be taken up, it is tried again after this time. */
 const retry = 0.004;
 
 export class TimeStretch {
-  #pieces;
+  #overlapAdd;
   #sound;
-  #attacks;
+  #onsets;
   #speed = 1;
   /** @type {Loop | null} */
   #loop = null;
   #place = 0;
   /** Up to where it is played. */
   #end = 0;
-  /** The first attack that is neither past nor settled. */
+  /** The first onset that is neither past nor settled. */
   #next = 0;
   /** For how many frames to come the source is left as it is. */
   #held = 0;
@@ -72,29 +72,29 @@ export class TimeStretch {
   #settled = "";
   #frames;
 
-  /** @param {import("./recorded-sound.js").RecordedSound} sound */
+  /** @param {import("./decoded-track.js").DecodedTrack} sound */
   constructor(sound) {
     /** @type {(seconds: number) => number} */
     const frames = (seconds) => Math.max(Math.round(seconds * sound.sampleRate), 1);
-    this.#pieces = new Pieces(sound.channels, sound.sampleRate, 2 * tolerance);
+    this.#overlapAdd = new OverlapAdd(sound.channels, sound.sampleRate, 2 * tolerance);
     this.#sound = sound;
-    this.#attacks = sound.attacks;
+    this.#onsets = sound.onsets;
     this.#frames = {
       tolerance: frames(tolerance),
       fade: frames(fadeTime),
       shortFade: frames(shortFadeTime),
-      piece: frames(shortestPiece),
-      before: frames(beforeAttack),
-      after: frames(afterAttack),
+      segment: frames(shortestSegment),
+      before: frames(beforeOnset),
+      after: frames(afterOnset),
       lead: frames(longestLead),
       shortestLoop: frames(shortestLoop),
-      past: frames(pastAttack),
+      past: frames(pastOnset),
       retry: frames(retry),
     };
     this.jump(0);
   }
 
-  /** Where in the recording the next frame is. */
+  /** Where in the backing track the next frame is. */
   get place() {
     return this.#place;
   }
@@ -103,7 +103,7 @@ export class TimeStretch {
     return this.#speed;
   }
 
-  /** @param {number} speed frames of the recording for each frame that is played, above 0 */
+  /** @param {number} speed frames of the backing track for each frame that is played, above 0 */
   set speed(speed) {
     this.#speed = speed;
     this.#pin = undefined;
@@ -125,26 +125,26 @@ export class TimeStretch {
     return this.#loop !== null && Math.min(this.#loop.to, this.#sound.length) - this.#loop.from > this.#frames.shortestLoop;
   }
 
-  /** How many frames there are up to the end of the loop, or of the recording. */
+  /** How many frames there are up to the end of the loop, or of the backing track. */
   get framesLeft() {
     return Math.max(Math.ceil((this.#end - this.#place) / this.#speed), 0);
   }
 
-  /** A place behind the loop is played to the end of the recording. */
+  /** A place behind the loop is played to the end of the backing track. */
   #findEnd() {
     const to = this.#loop?.to ?? this.#sound.length;
     this.#end = this.#place < to ? Math.min(to, this.#sound.length) : this.#sound.length;
     this.#pin = undefined;
   }
 
-  /** To be called when more of the recording has come. */
+  /** To be called when more of the backing track has come. */
   grow() {
     this.#findEnd();
   }
 
   /** @param {number} place where to go on, at once: what sounds is broken off */
   jump(place) {
-    this.#pieces.begin(Math.round(place));
+    this.#overlapAdd.begin(Math.round(place));
     this.#goOn(place);
   }
 
@@ -164,7 +164,7 @@ export class TimeStretch {
     this.#settled = "";
     this.#findEnd();
     this.#held = this.#frames.after;
-    this.#next = firstAtLeast(this.#attacks, Math.max(place, this.#pieces.source));
+    this.#next = firstAtLeast(this.#onsets, Math.max(place, this.#overlapAdd.source));
   }
 
   /**
@@ -180,7 +180,7 @@ export class TimeStretch {
         this.#decide();
         continue;
       }
-      this.#pieces.play(left, right, at + done, steps);
+      this.#overlapAdd.play(left, right, at + done, steps);
       done += steps;
       this.#place += steps * this.#speed;
       this.#held -= steps;
@@ -192,8 +192,8 @@ export class TimeStretch {
   }
 
   #untilDecision() {
-    if (this.#pieces.fadeLeft > 0) {
-      return this.#pieces.fadeLeft;
+    if (this.#overlapAdd.fadeLeft > 0) {
+      return this.#overlapAdd.fadeLeft;
     }
     const pin = this.#nextPin();
     const free = Math.max(this.#untilOff(), this.#held, 0);
@@ -202,7 +202,7 @@ export class TimeStretch {
 
   /** For how many frames the source is near enough to the place when nothing is done. */
   #untilOff() {
-    const ahead = this.#pieces.source - this.#place;
+    const ahead = this.#overlapAdd.source - this.#place;
     const drift = 1 - this.#speed;
     if (this.#settled || drift === 0) {
       return Infinity;
@@ -232,10 +232,10 @@ export class TimeStretch {
   /** @param {Pin} pin */
   #settle({ kind, shift, length, until }) {
     if (shift !== 0) {
-      this.#fadeTo(this.#pieces.source + shift, length);
+      this.#fadeTo(this.#overlapAdd.source + shift, length);
     }
     this.#held = Math.max(until, 0) + this.#frames.after;
-    if (kind === "attack") {
+    if (kind === "onset") {
       this.#next++;
     } else {
       this.#settled = kind;
@@ -250,17 +250,17 @@ export class TimeStretch {
     return this.#pin;
   }
 
-  /** @returns {Pin | null} for the next attack or the end of the loop, whichever is first */
+  /** @returns {Pin | null} for the next onset or the end of the loop, whichever is first */
   #findPin() {
     const seam = this.#seam();
-    while (this.#next < this.#attacks.length) {
-      const attack = this.#attacks[this.#next];
-      const until = Math.round((attack - this.#place) / this.#speed);
+    while (this.#next < this.#onsets.length) {
+      const onset = this.#onsets[this.#next];
+      const until = Math.round((onset - this.#place) / this.#speed);
       if (seam && until > seam.until - this.#frames.fade) {
         break;
       }
-      if (Math.min(until, attack - this.#pieces.source) >= this.#frames.before + this.#frames.shortFade) {
-        return this.#pinTo("attack", attack, until, attack);
+      if (Math.min(until, onset - this.#overlapAdd.source) >= this.#frames.before + this.#frames.shortFade) {
+        return this.#pinTo("onset", onset, until, onset);
       }
       this.#next++;
     }
@@ -275,21 +275,21 @@ export class TimeStretch {
     }
     const untilEnd = (loop.to - this.#place) / this.#speed;
     if (loop.from < this.#frames.lead + this.#frames.tolerance) {
-      // Before the recording there is nothing that could fade in.
+      // Before the backing track there is nothing that could fade in.
       return this.#pinTo("end", Math.round(loop.to), Math.round(untilEnd), loop.to);
     }
-    // An attack that is meant by the beginning of the loop, and is not quite there, is heard when it is due itself.
-    const meant = this.#attackAt(loop.from);
-    const unheard = Math.min(this.#attackAt(loop.to), loop.to);
+    // An onset that is meant by the beginning of the loop, and is not quite there, is heard when it is due itself.
+    const meant = this.#onsetAt(loop.from);
+    const unheard = Math.min(this.#onsetAt(loop.to), loop.to);
     return this.#pinTo("seam", meant, Math.round(untilEnd + (meant - loop.from) / this.#speed), unheard);
   }
 
   /**
    * @param {number} place
-   * @returns {number} the attack that is meant by it; the place itself where there is none
+   * @returns {number} the onset that is meant by it; the place itself where there is none
    */
-  #attackAt(place) {
-    const near = this.#attacks[firstAtLeast(this.#attacks, place - this.#frames.tolerance)];
+  #onsetAt(place) {
+    const near = this.#onsets[firstAtLeast(this.#onsets, place - this.#frames.tolerance)];
     return near !== undefined && near <= place + this.#frames.tolerance ? near : Math.round(place);
   }
 
@@ -302,30 +302,30 @@ export class TimeStretch {
    */
   #pinTo(kind, wanted, until, unheard) {
     const { before, fade, shortFade } = this.#frames;
-    const shift = wanted - until - this.#pieces.source;
-    const latest = Math.min(until, Math.floor(unheard) - this.#pieces.source) - before;
+    const shift = wanted - until - this.#overlapAdd.source;
+    const latest = Math.min(until, Math.floor(unheard) - this.#overlapAdd.source) - before;
     const length = Math.max(Math.min(fade, latest), shortFade);
     return { wait: latest - length, length, until, shift, unheard, kind };
   }
 
   /**
-   * Goes on with the piece near the place that is most like what would follow.
+   * Goes on with the segment near the place that is most like what would follow.
    *
    * @param {Pin | null} pin what comes next
    * @returns {boolean} whether there is one
    */
   #takeUpLikest(pin) {
-    const { tolerance, fade, piece, past, before } = this.#frames;
+    const { tolerance, fade, segment, past, before } = this.#frames;
     const drift = 1 - this.#speed;
-    const used = Math.min(Math.max(Math.abs(drift) * (fade + piece), shortestStep * tolerance), 2 * tolerance);
-    const last = this.#attacks[this.#next - 1] ?? -Infinity;
-    const latest = pin ? pin.unheard - before - fade - piece : Infinity;
+    const used = Math.min(Math.max(Math.abs(drift) * (fade + segment), shortestStep * tolerance), 2 * tolerance);
+    const last = this.#onsets[this.#next - 1] ?? -Infinity;
+    const latest = pin ? pin.unheard - before - fade - segment : Infinity;
     const low = Math.ceil(Math.max(this.#place - tolerance + (drift < 0 ? used : 0), last + past));
     const high = Math.floor(Math.min(this.#place + tolerance - (drift > 0 ? used : 0), latest));
-    if (low > high || (low <= this.#pieces.source && this.#pieces.source <= high)) {
+    if (low > high || (low <= this.#overlapAdd.source && this.#overlapAdd.source <= high)) {
       return false;
     }
-    this.#fadeTo(this.#pieces.likest(low, high), fade);
+    this.#fadeTo(this.#overlapAdd.likest(low, high), fade);
     return true;
   }
 
@@ -334,7 +334,7 @@ export class TimeStretch {
    * @param {number} length of the fade
    */
   #fadeTo(source, length) {
-    this.#pieces.fadeTo(source, length);
+    this.#overlapAdd.fadeTo(source, length);
     this.#pin = undefined;
   }
 }

@@ -1,11 +1,11 @@
 // @ts-check
-import { bordersOf } from "./cut-borders.js";
+import { boundariesOf } from "./segment-boundaries.js";
 
 /**
- * Cuts MP3 files at their frames (ISO/IEC 11172-3 and 13818-3, layer III). A frame may hold bytes of those that follow,
+ * SegmentedFile MP3 files at their frames (ISO/IEC 11172-3 and 13818-3, layer III). A frame may hold bytes of those that follow,
  * and what it sounds like depends on the frame before, so that decoding begins some frames early.
  *
- * @typedef {import("./recording-cuts.js").Cuts} Cuts
+ * @typedef {import("./segments.js").SegmentedFile} SegmentedFile
  *
  * @typedef {object} Head what a frame begins with
  * @property {number} kind the bits that are the same in all frames of a file
@@ -31,7 +31,7 @@ const sampleRates = [44100, 48000, 32000];
 /** Bytes of earlier frames that a frame may go back to. */
 const reservoir = { mpeg1: 511, mpeg2: 255 };
 
-/** Frames that have to be whole before a part is, and one that a decoder may take to find its way. */
+/** Frames that have to be whole before a segment is, and one that a decoder may take to find its way. */
 const frameLead = 3;
 
 /** So many frames on end are no accident. */
@@ -45,9 +45,9 @@ const decoderDelay = 529;
 
 /**
  * @param {Uint8Array} bytes
- * @returns {Cuts | null}
+ * @returns {SegmentedFile | null}
  */
-export function cutMpeg(bytes) {
+export function mpegSegments(bytes) {
   const start = firstFrame(bytes);
   const first = start >= 0 ? headAt(bytes, start) : null;
   if (!first) {
@@ -58,21 +58,21 @@ export function cutMpeg(bytes) {
   const count = frames.length - 1;
   const padding = info?.frames === count ? info.padding : { before: info?.padding.before ?? 0, after: 0 };
   const { sampleRate, samples } = first;
-  const borders = bordersOf(count, sampleRate, (index) => index * samples);
-  const parts = borders.slice(1).map((border, index) => {
-    const own = borders[index];
+  const boundaries = boundariesOf(count, sampleRate, (index) => index * samples);
+  const segments = boundaries.slice(1).map((boundary, index) => {
+    const own = boundaries[index];
     const first = leadTo(bytes, frames, own);
-    const after = border === count ? padding.after : 0;
+    const after = boundary === count ? padding.after : 0;
     return {
-      // The frame that tells of the others goes with the first part, and makes its decoder leave out the padding.
+      // The frame that tells of the others goes with the first segment, and makes its decoder leave out the padding.
       from: own === 0 ? start : frames[first],
-      to: frames[border],
-      length: (border - own) * samples - after - (own === 0 ? padding.before : 0),
+      to: frames[boundary],
+      length: (boundary - own) * samples - after - (own === 0 ? padding.before : 0),
       lead: (own - first) * samples,
       after,
     };
   });
-  return { sampleRate, parts, fileOf: ({ from, to }) => bytes.slice(from, to) };
+  return { sampleRate, segments, fileOf: ({ from, to }) => bytes.slice(from, to) };
 }
 
 /**

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { decodeRecording } from "../src/backing-track/decode/recording-decoder.js";
+import { decodeBackingTrack } from "../src/backing-track/decode/backing-track-decoder.js";
 import { joined, noise, text, wave } from "./support/audio-files.mjs";
 import { onsets, strokes } from "./support/sounds.mjs";
 
@@ -55,15 +55,15 @@ const decodedLengths = [];
 
 async function decoded(bytes, wanted = rate) {
   decodedLengths.length = 0;
-  const parts = [];
-  for await (const part of decodeRecording(bytes, wanted)) {
-    parts.push(part);
+  const chunks = [];
+  for await (const chunk of decodeBackingTrack(bytes, wanted)) {
+    chunks.push(chunk);
   }
   assert.equal(Worker.running, 0);
-  assert.deepEqual(parts.map(({ first }) => first), parts.map((_, index) => index === 0));
-  assert.deepEqual(parts.map(({ last }) => last), parts.map((_, index) => index === parts.length - 1));
-  const channels = parts[0].blocks.map((_, channel) => Int16Array.from(parts.flatMap(({ blocks }) => blocks[channel].flatMap((block) => [...block]))));
-  return { parts, channels, attacks: parts.flatMap((part) => [...part.attacks]) };
+  assert.deepEqual(chunks.map(({ first }) => first), chunks.map((_, index) => index === 0));
+  assert.deepEqual(chunks.map(({ last }) => last), chunks.map((_, index) => index === chunks.length - 1));
+  const channels = chunks[0].blocks.map((_, channel) => Int16Array.from(chunks.flatMap(({ blocks }) => blocks[channel].flatMap((block) => [...block]))));
+  return { chunks, channels, onsets: chunks.flatMap((chunk) => [...chunk.onsets]) };
 }
 
 const bytesOf = (samples) => new Uint8Array(samples.buffer, samples.byteOffset, samples.byteLength);
@@ -71,14 +71,14 @@ const beats = Array.from({ length: 90 }, (_, beat) => 0.4 + beat * 0.5);
 const played = strokes(46, beats);
 const mono = (samples) => wave({ channels: 1, data: bytesOf(samples) });
 
-test("a recording comes out part by part as it is", async () => {
-  const { parts, channels, attacks } = await decoded(mono(played));
-  assert.ok(parts.length > 2);
+test("a backing track comes out chunk by chunk as it is", async () => {
+  const { chunks, channels, onsets } = await decoded(mono(played));
+  assert.ok(chunks.length > 2);
   assert.ok(Math.max(...decodedLengths) < 20 * rate * 2);
   assert.equal(channels.length, 1);
   assert.deepEqual(channels[0], played);
-  assert.equal(attacks.length, beats.length);
-  assert.ok(parts.every(({ blocks }) => blocks[0].every((block, index) => block.length === 65536 || index === blocks[0].length - 1)));
+  assert.equal(onsets.length, beats.length);
+  assert.ok(chunks.every(({ blocks }) => blocks[0].every((block, index) => block.length === 65536 || index === blocks[0].length - 1)));
 });
 
 test("both channels come out as they are, and of more than two the first", async () => {
@@ -92,14 +92,14 @@ test("both channels come out as they are, and of more than two the first", async
   assert.equal(many.channels.length, 2);
 });
 
-test("a recording of another rate is brought to the wanted one, with its beats in time", async () => {
-  const { channels, attacks } = await decoded(mono(played), 48000);
+test("a backing track of another rate is brought to the wanted one, with its beats in time", async () => {
+  const { channels, onsets } = await decoded(mono(played), 48000);
   assert.equal(channels[0].length, (played.length * 48000) / rate);
-  assert.equal(attacks.length, beats.length);
-  attacks.forEach((frame, beat) => assert.ok(Math.abs(frame / 48000 - beats[beat]) < 0.001, `${frame / 48000} instead of ${beats[beat]}`));
+  assert.equal(onsets.length, beats.length);
+  onsets.forEach((frame, beat) => assert.ok(Math.abs(frame / 48000 - beats[beat]) < 0.001, `${frame / 48000} instead of ${beats[beat]}`));
 });
 
-test("parts that nobody can decode are silent, and the rest is where it belongs", async () => {
+test("chunks that nobody can decode are silent, and the rest is where it belongs", async () => {
   for (const place of [1, 10, 45]) {
     const bytes = mono(played);
     bytes.set(broken, 44 + place * rate * 2);
@@ -116,13 +116,13 @@ test("parts that nobody can decode are silent, and the rest is where it belongs"
 test("what cannot be cut is decoded as a whole", async () => {
   const bytes = joined(mono(played));
   bytes.set([2, 0], 20); // says that its frames are packed
-  const { parts, channels } = await decoded(bytes);
-  assert.equal(parts.length, 1);
+  const { chunks, channels } = await decoded(bytes);
+  assert.equal(chunks.length, 1);
   assert.deepEqual(channels[0], played);
   assert.deepEqual(decodedLengths, [bytes.length]);
 });
 
-test("a recording of which nothing can be decoded is an error, and leaves nothing behind", async () => {
+test("a backing track of which nothing can be decoded is an error, and leaves nothing behind", async () => {
   for (const bytes of [noise(100000), wave({ channels: 1, data: joined(broken, noise(1000)) })]) {
     await assert.rejects(decoded(bytes), /Unable to decode/);
     assert.equal(Worker.running, 0);
@@ -130,8 +130,8 @@ test("a recording of which nothing can be decoded is an error, and leaves nothin
 });
 
 test("nobody has to listen to the end", async () => {
-  for await (const part of decodeRecording(mono(played), rate)) {
-    assert.ok(part.first);
+  for await (const chunk of decodeBackingTrack(mono(played), rate)) {
+    assert.ok(chunk.first);
     break;
   }
   assert.equal(Worker.running, 0);

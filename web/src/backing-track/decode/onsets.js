@@ -1,9 +1,9 @@
 // @ts-check
 /**
- * Finds the attacks in a recording: plucks, strokes, beats, everything that begins at one moment. Stretched time keeps
+ * Finds the onsets in a backing track: plucks, strokes, beats, everything that begins at one moment. Stretched time keeps
  * these sharp and puts them where they belong, so what counts is where they begin, to a millisecond or better.
  *
- * An attack is where the energy of some milliseconds is a multiple of what it was in the time before. The energy is
+ * An onset is where the energy of some milliseconds is a multiple of what it was in the time before. The energy is
  * taken of the sound itself, for what is low, and of its slope, which weighs higher tones more and so hears a new
  * string through those that ring on. Compare J. P. Bello et al., "A Tutorial on Onset Detection in Music Signals", IEEE
  * Transactions on Speech and Audio Processing 13 (2005), on energy and its high-frequency weighting.
@@ -14,30 +14,30 @@ const hop = 0.0015;
 const hopsSummed = 4;
 const hopsBefore = 24;
 
-/** By what an attack exceeds the energy of the time before: the sound's own, and that of its slope. */
+/** By what an onset exceeds the energy of the time before: the sound's own, and that of its slope. */
 const rises = { sound: 4, slope: 2.5 };
 
-/** Energy below this part of the loudest so far is no attack, and neither is what is below a step of 16-bit samples. */
+/** Energy below this part of the loudest so far is no onset, and neither is what is below a step of 16-bit samples. */
 const faintest = 1e-4;
 
-/** Two attacks are at least so far from each other, in seconds. */
+/** Two onsets are at least so far from each other, in seconds. */
 export const closest = 0.05;
 
-/** How far an attack stands out from what was before, and which part of its peak counts as its beginning. */
+/** How far an onset stands out from what was before, and which part of its peak counts as its beginning. */
 const standsOut = 1.25;
 const beginning = 0.05;
 
 /** How many hops before a place decide on it; one more, because the slope of the very first sample is not known. */
 const lookBack = hopsBefore + 1;
 
-/** Looks for the attacks of a recording that comes piece by piece; wherever it was cut, it finds the same. */
-export class AttackFinder {
+/** Looks for the onsets of a backing track that comes piece by piece; wherever it was cut, it finds the same. */
+export class OnsetDetector {
   #step;
   #apart;
   /** @type {Int16Array[]} what may still be looked at, from hop #begin on */
   #window = [];
   #begin = 0;
-  /** The first hop that was not decided on, and that of the last attack. */
+  /** The first hop that was not decided on, and that of the last onset. */
   #next = 0;
   #last;
   /** The most that each energy was before #next. */
@@ -52,7 +52,7 @@ export class AttackFinder {
 
   /**
    * @param {Int16Array[]} channels what comes next, of equal length
-   * @returns {number[]} frames of the recording, in rising order: attacks that are certain by now
+   * @returns {number[]} frames of the backing track, in rising order: onsets that are certain by now
    */
   push(channels) {
     this.#window = channels.map((samples, channel) => joined(this.#window[channel], samples));
@@ -107,9 +107,9 @@ export class AttackFinder {
  * @param {number} sampleRate samples a second
  * @returns {Int32Array} frames, in rising order
  */
-export function findAttacks(channels, sampleRate) {
-  const finder = new AttackFinder(sampleRate);
-  return Int32Array.from([...finder.push(channels), ...finder.finish()]);
+export function findOnsets(channels, sampleRate) {
+  const detector = new OnsetDetector(sampleRate);
+  return Int32Array.from([...detector.push(channels), ...detector.finish()]);
 }
 
 /**
@@ -202,7 +202,7 @@ function strongest({ sound, slope }, at, around) {
 
 /**
  * @param {Int16Array[]} channels
- * @param {number} at near the attack
+ * @param {number} at near the onset
  * @param {number} step
  * @param {boolean} bySound whether the sound rose, or its slope
  * @returns {number} the frame in which it begins

@@ -1,13 +1,13 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { RecordingClicks } from "../src/backing-track/recording-clicks.js";
+import { BackingTrackClicks } from "../src/backing-track/backing-track-clicks.js";
 
 const first = Float32Array.of(1, 0.5);
 const others = Float32Array.of(0.25);
 
 /** A click every 1000 frames, the first of four higher. */
 function clicking(levels = 2) {
-  const clicks = new RecordingClicks(44100);
+  const clicks = new BackingTrackClicks(44100);
   const places = Float64Array.from({ length: 40 }, (_, click) => 1000 * click);
   clicks.setPattern({ places, levels: Uint8Array.from(places, (_, click) => (click % 4 === 0 ? 0 : 1)) }, 0);
   clicks.ticking = { levels, first, others };
@@ -27,7 +27,7 @@ function heard(clicks, place, frames, speed, block = 128) {
 
 const loud = (samples) => [...samples.entries()].filter(([, sample]) => sample !== 0).map(([at]) => at);
 
-test("clicks fall where the recording comes to them", () => {
+test("clicks fall where the backing track comes to them", () => {
   for (const speed of [0.25, 0.5, 1, 1.7, 2]) {
     const samples = heard(clicking(), 0, 6000, speed);
     const beats = loud(samples).filter((at) => samples[at] !== 0.5);

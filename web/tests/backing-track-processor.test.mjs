@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { findAttacks } from "../src/backing-track/decode/attacks.js";
+import { findOnsets } from "../src/backing-track/decode/onsets.js";
 import { AudioThread } from "./support/audio-thread.mjs";
 import { watchCollections } from "./support/collections.mjs";
 import { levels, onsets, sampleRate, sharpest, sound, strokes } from "./support/sounds.mjs";
@@ -10,7 +10,7 @@ const clicks = { times: Float64Array.from(beats, (beat) => beat * 1000), levels:
 const click = Float32Array.of(0.5, 0.4, 0.3, 0.2, 0.1);
 const tone = sound(9, (t) => 0.5 * Math.sin(2 * Math.PI * 220 * t));
 
-/** A recording that is about to be played. */
+/** A backing track that is about to be played. */
 function loaded(samples, message = {}) {
   const thread = new AudioThread();
   thread.tell({ seek: { place: 0, turn: 1 }, ...message });
@@ -35,7 +35,7 @@ test("clicks and strokes are one, at any speed and from pass to pass of a loop",
   }
 });
 
-test("what was asked for before the recording came counts", () => {
+test("what was asked for before the backing track came counts", () => {
   const thread = new AudioThread();
   thread.tell({ playing: true, speed: 0.5, seek: { place: 900, turn: 3 } });
   assert.ok(thread.listen(0.2)[0].every((sample) => sample === 0));
@@ -69,20 +69,20 @@ test("the end is reported when it is heard", () => {
   assert.ok(Math.abs(last.place - 1000) < 1);
 });
 
-test("a pause, a start, a seek and a new recording do not click", () => {
+test("a pause, a start, a seek and a new backing track do not click", () => {
   const thread = loaded(tone);
   const actions = [{ playing: true }, { seek: { place: 3003, turn: 2 } }, { playing: false }, { playing: true }, { seek: { place: 1.7, turn: 3 } }, { sound: null }];
-  const parts = actions.map((action) => {
+  const chunks = actions.map((action) => {
     thread.tell(action);
     return thread.listen(0.1)[0];
   });
   // A fade of some samples bends, but a break would bend by half of full scale.
-  assert.ok(sharpest(Float32Array.from(parts.flatMap((part) => [...part]))) < 0.06);
-  assert.ok(Math.max(...levels(parts[2].subarray(512), 20)) < -100);
-  assert.ok(Math.max(...levels(parts[5].subarray(512), 20)) < -100);
+  assert.ok(sharpest(Float32Array.from(chunks.flatMap((chunk) => [...chunk]))) < 0.06);
+  assert.ok(Math.max(...levels(chunks[2].subarray(512), 20)) < -100);
+  assert.ok(Math.max(...levels(chunks[5].subarray(512), 20)) < -100);
 });
 
-test("a recording is played while it is still being decoded, and waited for where it is not there yet", () => {
+test("a backing track is played while it is still being decoded, and waited for where it is not there yet", () => {
   const block = 1 << 16;
   const beginning = tone.slice(0, 2 * block);
   const thread = new AudioThread();
@@ -101,7 +101,7 @@ test("a recording is played while it is still being decoded, and waited for wher
   assert.ok(thread.reports[length].place < 5100);
 });
 
-test("a recording that is played faster than it comes is broken off and taken up again", () => {
+test("a backing track that is played faster than it comes is broken off and taken up again", () => {
   const block = 1 << 16;
   const thread = new AudioThread();
   thread.tell({ playing: true, seek: { place: 0, turn: 1 } });
@@ -116,25 +116,25 @@ test("a recording that is played faster than it comes is broken off and taken up
   assert.ok(Math.min(...levels(second.subarray(512), 20)) > -12);
 });
 
-test("attacks that come with a later part are kept in time", () => {
+test("onsets that come with a later chunk are kept in time", () => {
   const block = 1 << 16;
   const samples = strokes(9, beats);
-  const attacks = [...findAttacks([samples], sampleRate)];
+  const onsets = [...findOnsets([samples], sampleRate)];
   const thread = new AudioThread();
   thread.tell({ speed: 0.5, playing: true, seek: { place: 0, turn: 1 } });
   const listened = [];
   for (let at = 0; at < samples.length; at += block) {
-    const own = Int32Array.from(attacks.filter((frame) => frame >= at && frame < at + block));
-    thread.add([samples.slice(at, at + block)], { first: at === 0, last: at + block >= samples.length, attacks: own });
+    const own = Int32Array.from(onsets.filter((frame) => frame >= at && frame < at + block));
+    thread.add([samples.slice(at, at + block)], { first: at === 0, last: at + block >= samples.length, onsets: own });
     listened.push(thread.listen(0.01)[0]);
   }
   listened.push(thread.listen(17)[0]);
-  const heard = onsets(Float32Array.from(listened.flatMap((part) => [...part])));
+  const heard = onsets(Float32Array.from(listened.flatMap((chunk) => [...chunk])));
   assert.equal(heard.length, beats.length);
   heard.forEach((at, beat) => assert.ok(Math.abs(at - 2000 * beats[beat]) < 0.3, `${at} instead of ${2000 * beats[beat]}`));
 });
 
-test("the memory of a recording is given back when it is not played any more", () => {
+test("the memory of a backing track is given back when it is not played any more", () => {
   const bytes = (thread) => thread.reports.flatMap(({ memory }) => memory ?? []).reduce((sum, { byteLength }) => sum + byteLength, 0);
   const thread = loaded(tone);
   thread.tell({ playing: true });

@@ -2,19 +2,19 @@
 import { clickSamples } from "../clicks/click-sounds.js";
 import { Emitter } from "../shared/emitter.js";
 import { turnOfSound, watchHearingDelay } from "../audio/hearing-delay.js";
-import { decodeRecording } from "./decode/recording-decoder.js";
+import { decodeBackingTrack } from "./decode/backing-track-decoder.js";
 import { collectGarbage } from "../shared/garbage.js";
 
 /**
- * The page's side of a recording that plays: has it decoded, and speaks to the audio thread. To alphaTab it is a medium
- * that plays beside it. Times are milliseconds of the recording.
+ * The page's side of a backing track that plays: has it decoded, and speaks to the audio thread. To alphaTab it is a medium
+ * that plays beside it. Times are milliseconds of the backing track.
  *
  * @typedef {import("@coderline/alphatab").synth.IExternalMediaHandler} MediaHandler
- * @typedef {import("./recordings.js").Recording} Recording
- * @typedef {import("./recording-processor.js").FromPage} FromPage
- * @typedef {import("./recording-processor.js").ToPage} ToPage
- * @typedef {import("./recording-processor.js").Returned} Returned
- * @typedef {import("./stretch/recorded-sound.js").Part} Part
+ * @typedef {import("./backing-tracks.js").BackingTrack} BackingTrack
+ * @typedef {import("./backing-track-processor.js").FromPage} FromPage
+ * @typedef {import("./backing-track-processor.js").ToPage} ToPage
+ * @typedef {import("./backing-track-processor.js").Returned} Returned
+ * @typedef {import("./stretch/decoded-track.js").Chunk} Chunk
  * @typedef {{ from: number, to: number }} Loop
  * @typedef {{ ms: number, level: number }} TimedClick
  *
@@ -41,14 +41,14 @@ const sameTime = 1;
 const endOfLoop = 2;
 
 /** @implements {MediaHandler} */
-export class RecordingPlayer {
+export class BackingTrackPlayer {
   /** @type {Emitter<number>} what is heard while playing; at each pass of a loop its very end too */
   heard = new Emitter();
-  /** @type {Emitter<void>} the recording is over */
+  /** @type {Emitter<void>} the backing track is over */
   ended = new Emitter();
   /** @type {Emitter<string>} why there is nothing to hear */
   failed = new Emitter();
-  /** alphaTab asks for it only behind the last place where score and recording are known to meet. */
+  /** alphaTab asks for it only behind the last place where score and backing track are known to meet. */
   backingTrackDuration = Infinity;
   /** @type {AudioContext | undefined} */
   #context;
@@ -56,10 +56,10 @@ export class RecordingPlayer {
   #gain;
   /** @type {AudioWorkletNode | undefined} */
   #node;
-  /** @type {Part[]} what the audio thread gets once it listens */
-  #parts = [];
-  /** @type {Recording | null} */
-  #recording = null;
+  /** @type {Chunk[]} what the audio thread gets once it listens */
+  #chunks = [];
+  /** @type {BackingTrack | null} */
+  #backingTrack = null;
   #playing = false;
   #speed = 1;
   #volume = 1;
@@ -75,14 +75,14 @@ export class RecordingPlayer {
   #startingOver = false;
   #sleep = 0;
 
-  /** @param {Recording | null} recording null for silence */
-  load(recording) {
-    if (recording !== this.#recording) {
-      this.#recording = recording;
-      this.#parts = [];
+  /** @param {BackingTrack | null} backingTrack null for silence */
+  load(backingTrack) {
+    if (backingTrack !== this.#backingTrack) {
+      this.#backingTrack = backingTrack;
+      this.#chunks = [];
       this.#tell({ sound: null });
-      if (recording) {
-        void this.#decode(recording);
+      if (backingTrack) {
+        void this.#decode(backingTrack);
       }
     }
   }
@@ -180,19 +180,19 @@ export class RecordingPlayer {
     return { levels, first: click(accent), others: click(false) };
   }
 
-  /** @param {Recording} recording */
-  async #decode(recording) {
+  /** @param {BackingTrack} backingTrack */
+  async #decode(backingTrack) {
     try {
-      for await (const part of decodeRecording(recording.file, this.#open().sampleRate)) {
-        if (recording !== this.#recording) {
+      for await (const chunk of decodeBackingTrack(backingTrack.file, this.#open().sampleRate)) {
+        if (backingTrack !== this.#backingTrack) {
           return;
         }
-        this.#hand(part);
+        this.#hand(chunk);
       }
       // What the decoder wrote is many times what is kept of it.
       collectGarbage();
     } catch (reason) {
-      if (recording === this.#recording) {
+      if (backingTrack === this.#backingTrack) {
         this.failed.trigger(`The recording cannot be played: ${reason instanceof Error ? reason.message : reason}`);
       }
     }
@@ -214,8 +214,8 @@ export class RecordingPlayer {
    * @param {GainNode} gain
    */
   async #connect(context, gain) {
-    await context.audioWorklet.addModule(new URL("./recording-processor.js", import.meta.url));
-    const node = new AudioWorkletNode(context, "quaverly-recording", { numberOfInputs: 0, outputChannelCount: [2] });
+    await context.audioWorklet.addModule(new URL("./backing-track-processor.js", import.meta.url));
+    const node = new AudioWorkletNode(context, "quaverly-backing-track", { numberOfInputs: 0, outputChannelCount: [2] });
     node.port.onmessage = (/** @type {MessageEvent<ToPage | Returned>} */ { data }) => {
       if ("turn" in data) {
         this.#listen(data);
@@ -231,18 +231,18 @@ export class RecordingPlayer {
       ticking: this.#clickSounds(context),
       playing: this.#playing,
     });
-    for (const part of this.#parts.splice(0)) {
-      this.#hand(part);
+    for (const chunk of this.#chunks.splice(0)) {
+      this.#hand(chunk);
     }
     watchHearingDelay(context, (delay) => this.#tell({ delay }));
   }
 
-  /** @param {Part} part of the recording */
-  #hand(part) {
+  /** @param {Chunk} chunk of the backing track */
+  #hand(chunk) {
     if (this.#node) {
-      this.#tell({ part }, [part.attacks.buffer, ...part.blocks.flat().map(({ buffer }) => buffer)]);
+      this.#tell({ chunk }, [chunk.onsets.buffer, ...chunk.blocks.flat().map(({ buffer }) => buffer)]);
     } else {
-      this.#parts.push(part);
+      this.#chunks.push(chunk);
     }
   }
 

@@ -1,12 +1,12 @@
 // @ts-check
-import { bordersOf } from "./cut-borders.js";
+import { boundariesOf } from "./segment-boundaries.js";
 
 /**
- * Cuts Ogg files with Vorbis or Opus in them, page by page. A page tells in its head how many samples there are up to
+ * SegmentedFile Ogg files with Vorbis or Opus in them, page by page. A page tells in its head how many samples there are up to
  * the end of the last packet that ends in it. See RFC 3533 for pages, the description of Vorbis I (4.3, A.2) and RFC 7845
  * for what is in them.
  *
- * @typedef {import("./recording-cuts.js").Cuts} Cuts
+ * @typedef {import("./segments.js").SegmentedFile} SegmentedFile
  *
  * @typedef {object} Page
  * @property {number} from its first byte
@@ -14,7 +14,7 @@ import { bordersOf } from "./cut-borders.js";
  * @property {number} end samples of the stream up to its end
  */
 
-/** Decoding begins so long before a part: until the decoder has forgotten that it began in the middle. In seconds. */
+/** Decoding begins so long before a segment: until the decoder has forgotten that it began in the middle. In seconds. */
 const lead = { vorbis: 0.4, opus: 1 };
 
 const pageHeadLength = 27;
@@ -25,9 +25,9 @@ const firstOfStream = 2;
 
 /**
  * @param {Uint8Array} bytes
- * @returns {Cuts | null}
+ * @returns {SegmentedFile | null}
  */
-export function cutOgg(bytes) {
+export function oggSegments(bytes) {
   const codec = codecOf(bytes);
   const stream = codec && pagesOf(bytes, codec.headers);
   if (!codec || !stream) {
@@ -37,25 +37,25 @@ export function cutOgg(bytes) {
   const { sampleRate } = codec;
   /** @type {(index: number) => number} */
   const endBefore = (index) => (index > 0 ? pages[index - 1].end : 0);
-  const borders = bordersOf(pages.length, sampleRate, endBefore);
-  const parts = borders.slice(1).map((border, index) => {
-    const start = borders[index];
+  const boundaries = boundariesOf(pages.length, sampleRate, endBefore);
+  const segments = boundaries.slice(1).map((boundary, index) => {
+    const start = boundaries[index];
     let first = start;
     while (first > 0 && (first > start - 2 || endBefore(start) - endBefore(first) < codec.lead * sampleRate)) {
       first--;
     }
     return {
       from: pages[first].from,
-      to: pages[border - 1].to,
+      to: pages[boundary - 1].to,
       // The first page may begin anywhere.
-      length: start > 0 ? Math.max(endBefore(border) - endBefore(start), 0) : 0,
+      length: start > 0 ? Math.max(endBefore(boundary) - endBefore(start), 0) : 0,
       lead: 0,
       after: 0,
       // The last packet lasts longer than the stream, and is heard to its end.
-      ...(border === pages.length && start > 0 ? { leadTo: pages[start].from } : {}),
+      ...(boundary === pages.length && start > 0 ? { leadTo: pages[start].from } : {}),
     };
   });
-  return { sampleRate, parts, fileOf: ({ from, to }) => joined(head, bytes.subarray(from, to)) };
+  return { sampleRate, segments, fileOf: ({ from, to }) => joined(head, bytes.subarray(from, to)) };
 }
 
 /** @param {Uint8Array} bytes */

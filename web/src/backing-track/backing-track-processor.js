@@ -1,35 +1,35 @@
 // @ts-check
 import { HeardTime } from "../timing/heard-time.js";
-import { RecordedSound } from "./stretch/recorded-sound.js";
-import { RecordingClicks } from "./recording-clicks.js";
+import { DecodedTrack } from "./stretch/decoded-track.js";
+import { BackingTrackClicks } from "./backing-track-clicks.js";
 import { collectThoroughly } from "../shared/garbage.js";
 import { TimeStretch } from "./stretch/time-stretch.js";
 
 /**
- * Plays a recording in the audio thread, with the metronome beside it. Everything is counted in samples of one stream:
+ * Plays a backing track in the audio thread, with the metronome beside it. Everything is counted in samples of one stream:
  * clicks, loops and changes of speed fall where they belong whatever the page is busy with.
  *
- * @typedef {object} FromPage times are milliseconds of the recording
+ * @typedef {object} FromPage times are milliseconds of the backing track
  * @property {null} [sound] there is none any more
- * @property {import("./stretch/recorded-sound.js").Part} [part] of a recording; playing waits for the part that it starts in
+ * @property {import("./stretch/decoded-track.js").Chunk} [chunk] of a backing track; playing waits for the chunk that it starts in
  * @property {boolean} [playing]
  * @property {{ place: number, turn: number }} [seek] turn: what reports are told apart by from then on
  * @property {number} [speed]
  * @property {{ from: number, to: number } | null} [loop]
  * @property {{ times: Float64Array, levels: Uint8Array }} [clicks]
- * @property {import("./recording-clicks.js").Ticking} [ticking]
+ * @property {import("./backing-track-clicks.js").Ticking} [ticking]
  * @property {boolean} [tidy] whether garbage is to be collected
  * @property {number} [delay] in seconds: by how much later than here a sample is heard than what is reported of it is
  *     seen; below zero when it is heard first
  *
  * @typedef {object} ToPage
  * @property {number} turn
- * @property {number} place what is heard now, in milliseconds of the recording
+ * @property {number} place what is heard now, in milliseconds of the backing track
  * @property {boolean} startsOver whether the loop did since the last report
- * @property {boolean} ended whether the recording is over
+ * @property {boolean} ended whether the backing track is over
  *
  * @typedef {object} Returned
- * @property {ArrayBuffer[]} memory of a recording that is not played any more
+ * @property {ArrayBuffer[]} memory of a backing track that is not played any more
  */
 
 /** After how many frames the page is told again what is heard. */
@@ -41,24 +41,24 @@ const fadeIn = 32;
 
 const { AudioWorkletProcessor, registerProcessor, sampleRate } = /** @type {any} */ (globalThis);
 
-class RecordingProcessor extends AudioWorkletProcessor {
-  /** @type {RecordedSound | null} */
+class BackingTrackProcessor extends AudioWorkletProcessor {
+  /** @type {DecodedTrack | null} */
   #sound = null;
   /** @type {TimeStretch | null} */
   #stretch = null;
-  #clicks = new RecordingClicks(sampleRate);
+  #clicks = new BackingTrackClicks(sampleRate);
   #heardTime = new HeardTime(sampleRate);
   #playing = false;
   /** Whether what comes next has not been decoded yet. */
   #waiting = true;
   #turn = 0;
-  /** Frames of the recording: where it starts when it comes, and afterwards whatever seek was last. */
+  /** Frames of the backing track: where it starts when it comes, and afterwards whatever seek was last. */
   #start = 0;
   #speed = 1;
   /** @type {import("./stretch/time-stretch.js").Loop | null} */
   #loop = null;
   #delay = 0;
-  /** Frames played since the last seek, and after how many of them the recording was over. */
+  /** Frames played since the last seek, and after how many of them the backing track was over. */
   #played = 0;
   #end = Infinity;
   #sinceReport = 0;
@@ -72,7 +72,7 @@ class RecordingProcessor extends AudioWorkletProcessor {
   }
 
   /** @param {FromPage} message */
-  #listen({ sound, part, playing, seek, speed, loop, clicks, ticking, tidy, delay }) {
+  #listen({ sound, chunk, playing, seek, speed, loop, clicks, ticking, tidy, delay }) {
     this.#delay = delay !== undefined ? Math.round(delay * sampleRate) : this.#delay;
     if (ticking) {
       this.#clicks.ticking = ticking;
@@ -93,11 +93,11 @@ class RecordingProcessor extends AudioWorkletProcessor {
     if (sound !== undefined) {
       this.#load(sound);
     }
-    if (part) {
-      if (part.first) {
-        this.#load(new RecordedSound(part.blocks.length, sampleRate));
+    if (chunk) {
+      if (chunk.first) {
+        this.#load(new DecodedTrack(chunk.blocks.length, sampleRate));
       }
-      this.#sound?.add(part);
+      this.#sound?.add(chunk);
       this.#stretch?.grow();
     }
     if (seek) {
@@ -113,7 +113,7 @@ class RecordingProcessor extends AudioWorkletProcessor {
     }
   }
 
-  /** @param {RecordedSound | null} sound */
+  /** @param {DecodedTrack | null} sound */
   #load(sound) {
     this.#breakOff();
     this.#giveBack();
@@ -288,4 +288,4 @@ function milliseconds(place) {
   return (place * 1000) / sampleRate;
 }
 
-registerProcessor("quaverly-recording", RecordingProcessor);
+registerProcessor("quaverly-backing-track", BackingTrackProcessor);

@@ -2,23 +2,23 @@
 import { Samples } from "../../audio/samples.js";
 
 /**
- * A recording that is still being decoded while it is played already.
+ * A backing track that is still being decoded while it is played already.
  *
- * @typedef {object} Part what comes next of it
- * @property {boolean} first whether another recording begins with it
+ * @typedef {object} Chunk what comes next of it
+ * @property {boolean} first whether another backing track begins with it
  * @property {Int16Array[][]} blocks of each channel, one or two, as Samples takes them
- * @property {Int32Array} attacks frames of the recording, in rising order; all but those of the last moments
+ * @property {Int32Array} onsets frames of the backing track, in rising order; all but those of the last moments
  * @property {boolean} last
  */
 
-/** How far behind what is known an attack may still be found, in seconds. More than attacks.js looks around. */
+/** How far behind what is known an onset may still be found, in seconds. More than onsets.js looks around. */
 const unsure = 0.25;
 
-export class RecordedSound {
+export class DecodedTrack {
   /** One or two, of equal length. */
   channels;
   /** Frames, in rising order. @type {number[]} */
-  attacks = [];
+  onsets = [];
   sampleRate;
   #complete = false;
 
@@ -44,15 +44,15 @@ export class RecordedSound {
     return this.#complete || place < this.channels[0].length - unsure * this.sampleRate;
   }
 
-  /** @param {Part} part */
-  add({ blocks, attacks, last }) {
+  /** @param {Chunk} chunk */
+  add({ blocks, onsets, last }) {
     this.channels.forEach((samples, channel) => {
       for (const block of blocks[channel]) {
         samples.append(block);
       }
     });
-    for (const attack of attacks) {
-      this.attacks.push(attack);
+    for (const onset of onsets) {
+      this.onsets.push(onset);
     }
     this.#complete = last;
   }

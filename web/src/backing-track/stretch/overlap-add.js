@@ -1,20 +1,20 @@
 // @ts-check
 /**
- * A recording played in pieces: each is copied as it is, and fades into the next. Places are frames of the recording;
+ * A backing track played in segments: each is copied as it is, and fades into the next. Places are frames of the backing track;
  * before its beginning and behind its end there is silence.
  *
  * @typedef {import("../../audio/samples.js").Samples} Samples
  */
 
-/** Over how long two pieces are compared, in seconds. */
+/** Over how long two segments are compared, in seconds. */
 const comparedTime = 0.016;
 
-/** Pieces are compared coarsely first, by the mean of so many samples. */
+/** OverlapAdd are compared coarsely first, by the mean of so many samples. */
 const coarse = 4;
 
 const full = 32768;
 
-export class Pieces {
+export class OverlapAdd {
   #channels;
   #source = 0;
   /** What fades out: its source, how long it did, how long it takes, and how alike the two are. */
@@ -28,7 +28,7 @@ export class Pieces {
   /**
    * @param {Samples[]} channels one or two, of equal length
    * @param {number} sampleRate samples a second
-   * @param {number} range within how long the likest piece is looked for, in seconds
+   * @param {number} range within how long the likest segment is looked for, in seconds
    */
   constructor(channels, sampleRate, range) {
     this.#channels = channels;
@@ -65,7 +65,7 @@ export class Pieces {
   }
 
   /**
-   * Goes on with the present piece.
+   * Goes on with the present segment.
    *
    * @param {Float32Array} left
    * @param {Float32Array} right

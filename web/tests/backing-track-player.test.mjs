@@ -3,12 +3,12 @@ import { test } from "node:test";
 import { contexts, settled, told, volumes } from "./support/audio-context.mjs";
 import "./support/clock.mjs";
 
-const { RecordingPlayer } = await import("../src/backing-track/recording-player.js");
+const { BackingTrackPlayer } = await import("../src/backing-track/backing-track-player.js");
 
 const ticking = { levels: 2, sound: "woodblock", accent: true, volume: 0.5 };
 
-test("without a recording nothing is opened; when one is about to play the audio thread hears how things are", async () => {
-  const player = new RecordingPlayer();
+test("without a backing track nothing is opened; when one is about to play the audio thread hears how things are", async () => {
+  const player = new BackingTrackPlayer();
   for (const volume of [0.25, 0.5]) {
     player.load(null);
     player.setTicking({ ...ticking, volume });
@@ -39,7 +39,7 @@ test("without a recording nothing is opened; when one is about to play the audio
 });
 
 test("a volume set while nothing plays holds from the first sample on, and one set while it plays does not click", () => {
-  const player = new RecordingPlayer();
+  const player = new BackingTrackPlayer();
   volumes.length = 0;
   player.masterVolume = 0.5;
   player.play();

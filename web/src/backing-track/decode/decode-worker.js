@@ -1,18 +1,18 @@
 // @ts-check
-import { AttackFinder } from "./attacks.js";
+import { OnsetDetector } from "./onsets.js";
 import { Resampler } from "../../audio/resampler.js";
 import { blockLength } from "../../audio/samples.js";
 
 /**
- * The worker that prepares a recording for being played, as it is decoded part by part: it is brought to the sample rate
- * it is played at, samples of 16 bits take half the memory, and attacks are looked for once.
+ * The worker that prepares a backing track for being played, as it is decoded chunk by chunk: it is brought to the sample rate
+ * it is played at, samples of 16 bits take half the memory, and onsets are looked for once.
  *
  * @typedef {object} Decoded what comes next
  * @property {number} silent frames of silence that come first: nobody could decode them
  * @property {Float32Array[]} channels of equal length; none where nothing comes but silence
  * @property {number} from the first frame in there that is meant
  * @property {number} length frames that are meant; silent where they are missing
- * @property {number} sampleRate whole samples a second, the same for all parts
+ * @property {number} sampleRate whole samples a second, the same for all chunks
  * @property {number} wantedRate
  * @property {boolean} last
  */
@@ -68,8 +68,8 @@ class Channel {
 
 /** @type {Channel[]} */
 let channels = [];
-/** @type {AttackFinder | undefined} */
-let finder;
+/** @type {OnsetDetector | undefined} */
+let detector;
 
 /** @param {Float32Array[]} pieces */
 function narrow(pieces) {
@@ -99,15 +99,15 @@ function meant({ silent, channels, from, length }, channel) {
 
 addEventListener("message", (/** @type {MessageEvent<Decoded>} */ { data }) => {
   const { sampleRate, wantedRate, last } = data;
-  const first = !finder;
-  if (!finder) {
-    finder = new AttackFinder(wantedRate);
+  const first = !detector;
+  if (!detector) {
+    detector = new OnsetDetector(wantedRate);
     channels = data.channels.map(() => new Channel(sampleRate, wantedRate));
   }
   const narrowed = channels.map((channel, index) => channel.resample(meant(data, index), last));
-  const attacks = Int32Array.from([...finder.push(narrowed), ...(last ? finder.finish() : [])]);
+  const onsets = Int32Array.from([...detector.push(narrowed), ...(last ? detector.finish() : [])]);
   const blocks = channels.map((channel, index) => channel.fill(narrowed[index], last));
-  /** @type {import("../stretch/recorded-sound.js").Part} */
-  const part = { first, blocks, attacks, last };
-  postMessage(part, { transfer: [attacks.buffer, ...blocks.flat().map(({ buffer }) => buffer)] });
+  /** @type {import("../stretch/decoded-track.js").Chunk} */
+  const chunk = { first, blocks, onsets, last };
+  postMessage(chunk, { transfer: [onsets.buffer, ...blocks.flat().map(({ buffer }) => buffer)] });
 });

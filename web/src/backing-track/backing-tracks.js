@@ -2,22 +2,22 @@
 import { decodingContext } from "../audio/decoding-context.js";
 
 /**
- * The recordings that some scores carry: which of them can be heard.
+ * The backing tracks that some scores carry: which of them can be heard.
  *
  * @typedef {import("../shared/alphatab.js").Score} Score
  */
 
 /**
- * How much of a recording is decoded to see whether the rest can be, in bytes. What comes later in a file does not change
+ * How much of a backing track is decoded to see whether the rest can be, in bytes. What comes later in a file does not change
  * its kind.
  */
 const taste = 1 << 18;
 
 /** An audio file that is decoded once. Its score keeps it, so that it can be written out again. */
-export class Recording {
+export class BackingTrack {
   #score;
 
-  /** @param {Score} score whose recording it is */
+  /** @param {Score} score whose backing track it is */
   constructor(score) {
     this.#score = score;
   }
@@ -28,8 +28,8 @@ export class Recording {
   }
 }
 
-export class Recordings {
-  /** @type {WeakMap<Score, Recording | null>} null for a recording that cannot be played */
+export class BackingTracks {
+  /** @type {WeakMap<Score, BackingTrack | null>} null for a backing track that cannot be played */
   #playable = new WeakMap();
 
   /**
@@ -41,23 +41,23 @@ export class Recordings {
   }
 
   /**
-   * Finds out whether the score's recording can be heard. Never fails: a score whose recording nobody can read has none.
+   * Finds out whether the score's backing track can be heard. Never fails: a score whose backing track nobody can read has none.
    *
    * @param {Score} score
    */
   async prepare(score) {
     const bytes = /** @type {Uint8Array<ArrayBuffer>} */ (score.backingTrack?.rawAudioFile ?? new Uint8Array());
-    this.#playable.set(score, (await canBeDecoded(bytes)) ? new Recording(score) : null);
+    this.#playable.set(score, (await canBeDecoded(bytes)) ? new BackingTrack(score) : null);
   }
 
-  /** @param {Score} score whose recording cannot be heard after all */
+  /** @param {Score} score whose backing track cannot be heard after all */
   giveUp(score) {
     this.#playable.set(score, null);
   }
 
   /**
    * @param {Score} score
-   * @returns {Recording | null} null without a playable recording
+   * @returns {BackingTrack | null} null without a playable backing track
    */
   of(score) {
     return this.#playable.get(score) ?? null;

@@ -2,10 +2,10 @@
 import { firstAtLeast } from "./stretch/time-stretch.js";
 
 /**
- * The metronome's clicks beside a recording, mixed in where the recording has come to them.
+ * The metronome's clicks beside a backing track, mixed in where the backing track has come to them.
  *
  * @typedef {object} Pattern
- * @property {Float64Array} places frames of the recording, in rising order
+ * @property {Float64Array} places frames of the backing track, in rising order
  * @property {Uint8Array} levels of each place: 0 for the first beat of a bar, higher for finer parts
  *
  * @typedef {object} Ticking
@@ -17,7 +17,7 @@ import { firstAtLeast } from "./stretch/time-stretch.js";
 /** A start so little behind a click is meant for it, in seconds: alphaTab takes a tick more for each thing it is told. */
 const slack = 0.003;
 
-export class RecordingClicks {
+export class BackingTrackClicks {
   #slack;
   /** @type {Pattern} */
   #pattern = { places: new Float64Array(0), levels: new Uint8Array(0) };
@@ -39,14 +39,14 @@ export class RecordingClicks {
 
   /**
    * @param {Pattern} pattern
-   * @param {number} place where the recording is
+   * @param {number} place where the backing track is
    */
   setPattern(pattern, place) {
     this.#pattern = pattern;
     this.goTo(place);
   }
 
-  /** @param {number} place where the recording goes on */
+  /** @param {number} place where the backing track goes on */
   goTo(place) {
     this.#next = firstAtLeast(this.#pattern.places, place - this.#slack);
   }
@@ -61,8 +61,8 @@ export class RecordingClicks {
    * @param {Float32Array} right
    * @param {number} at the first frame to mix to
    * @param {number} count
-   * @param {number} place of the recording at that frame
-   * @param {number} speed frames of the recording for each frame
+   * @param {number} place of the backing track at that frame
+   * @param {number} speed frames of the backing track for each frame
    */
   mix(left, right, at, count, place, speed) {
     const { places, levels } = this.#pattern;

@@ -1,10 +1,10 @@
 // @ts-check
-import { bordersOf } from "./cut-borders.js";
+import { boundariesOf } from "./segment-boundaries.js";
 
 /**
- * Cuts WAVE files: any frame is a place to cut at, as long as each takes the same number of bytes.
+ * SegmentedFile WAVE files: any frame is a place to cut at, as long as each takes the same number of bytes.
  *
- * @typedef {import("./recording-cuts.js").Cuts} Cuts
+ * @typedef {import("./segments.js").SegmentedFile} SegmentedFile
  */
 
 /** Formats whose samples stand side by side: whole numbers, floating-point, A-law, mu-law and what is told elsewhere. */
@@ -18,9 +18,9 @@ const chunkHeadLength = 8;
 
 /**
  * @param {Uint8Array} bytes
- * @returns {Cuts | null}
+ * @returns {SegmentedFile | null}
  */
-export function cutWave(bytes) {
+export function waveSegments(bytes) {
   const chunks = chunksOf(bytes);
   const format = chunks.get("fmt ");
   const data = chunks.get("data");
@@ -39,12 +39,12 @@ export function cutWave(bytes) {
   const start = data.byteOffset - bytes.byteOffset;
   /** @type {(index: number) => number} */
   const frameAt = (index) => Math.min(index * grain, frames);
-  const borders = bordersOf(Math.ceil(frames / grain), sampleRate, frameAt);
-  const parts = borders.slice(1).map((border, index) => {
-    const [from, to] = [frameAt(borders[index]), frameAt(border)];
+  const boundaries = boundariesOf(Math.ceil(frames / grain), sampleRate, frameAt);
+  const segments = boundaries.slice(1).map((boundary, index) => {
+    const [from, to] = [frameAt(boundaries[index]), frameAt(boundary)];
     return { from: start + from * frameLength, to: start + to * frameLength, length: to - from, lead: 0, after: 0 };
   });
-  return { sampleRate, parts, fileOf: ({ from, to }) => waveFile(format, bytes.subarray(from, to)) };
+  return { sampleRate, segments, fileOf: ({ from, to }) => waveFile(format, bytes.subarray(from, to)) };
 }
 
 /**

@@ -1,14 +1,14 @@
 // @ts-check
 import { decodingContext } from "../../audio/decoding-context.js";
-import { cutRecording } from "./recording-cuts.js";
+import { segmentsOf } from "./segments.js";
 
 /**
- * Decodes a recording part by part where its file can be cut, so that it can be heard after the first part, and memory
+ * Decodes a backing track chunk by chunk where its file can be cut, so that it can be heard after the first chunk, and memory
  * never holds more than a few of them as the decoder writes them; as a whole where it cannot.
  *
- * @typedef {import("../stretch/recorded-sound.js").Part} Part
- * @typedef {import("./recording-worker.js").Decoded} Decoded
- * @typedef {import("./recording-cuts.js").Cut} Cut
+ * @typedef {import("../stretch/decoded-track.js").Chunk} Chunk
+ * @typedef {import("./decode-worker.js").Decoded} Decoded
+ * @typedef {import("./segments.js").Segment} Segment
  */
 
 /** As many as there are ears. */
@@ -16,20 +16,20 @@ const mostChannels = 2;
 
 /**
  * @param {Uint8Array<ArrayBuffer>} bytes an audio file; what cannot be decoded in its midst is silent
- * @param {number} sampleRate that the recording is wanted at, in samples a second
- * @returns {AsyncGenerator<Part, void>} throws when nothing can be decoded
+ * @param {number} sampleRate that the backing track is wanted at, in samples a second
+ * @returns {AsyncGenerator<Chunk, void>} throws when nothing can be decoded
  */
-export async function* decodeRecording(bytes, sampleRate) {
-  const worker = new Worker(new URL("./recording-worker.js", import.meta.url), { type: "module" });
+export async function* decodeBackingTrack(bytes, sampleRate) {
+  const worker = new Worker(new URL("./decode-worker.js", import.meta.url), { type: "module" });
   try {
-    /** @type {Promise<Part> | null} */
+    /** @type {Promise<Chunk> | null} */
     let underWay = null;
     for await (const decoded of decode(bytes, sampleRate)) {
-      // While the worker was at one part, the next one has been decoded.
-      const part = await underWay;
+      // While the worker was at one chunk, the next one has been decoded.
+      const chunk = await underWay;
       underWay = prepare(worker, decoded);
-      if (part) {
-        yield part;
+      if (chunk) {
+        yield chunk;
       }
     }
     if (underWay) {
@@ -46,8 +46,8 @@ export async function* decodeRecording(bytes, sampleRate) {
  * @returns {AsyncGenerator<Decoded, void>}
  */
 async function* decode(bytes, wantedRate) {
-  const cuts = cutRecording(bytes);
-  if (!cuts || !(yield* decodeCuts(cuts, wantedRate))) {
+  const segmented = segmentsOf(bytes);
+  if (!segmented || !(yield* decodeSegments(segmented, wantedRate))) {
     const buffer = await decodedWith(decodingContext(wantedRate), bytes.slice());
     const channels = channelsOf(buffer);
     yield { silent: 0, channels, from: 0, length: buffer.length, sampleRate: wantedRate, wantedRate, last: true };
@@ -55,36 +55,36 @@ async function* decode(bytes, wantedRate) {
 }
 
 /**
- * @param {import("./recording-cuts.js").Cuts} cuts
+ * @param {import("./segments.js").SegmentedFile} segmented
  * @param {number} wantedRate
  * @returns {AsyncGenerator<Decoded, boolean>} whether anything could be decoded
  */
-async function* decodeCuts({ sampleRate, parts, fileOf }, wantedRate) {
+async function* decodeSegments({ sampleRate, segments, fileOf }, wantedRate) {
   // At the file's own rate nothing is resampled, which would tell where the file was cut.
   const context = decodingContext(sampleRate);
   const rates = { sampleRate, wantedRate };
-  /** @type {(cut: Cut, end: number) => Promise<number>} */
-  const beginningOf = async (cut, end) => {
-    if (cut.leadTo !== undefined) {
-      const lead = await decodedWith(context, fileOf({ ...cut, to: cut.leadTo })).catch(() => null);
+  /** @type {(segment: Segment, end: number) => Promise<number>} */
+  const beginningOf = async (segment, end) => {
+    if (segment.leadTo !== undefined) {
+      const lead = await decodedWith(context, fileOf({ ...segment, to: segment.leadTo })).catch(() => null);
       return Math.min(lead?.length ?? 0, end);
     }
-    // Of a damaged part the end is missing.
-    return end - cut.length >= cut.lead ? end - cut.length : Math.min(cut.lead, end);
+    // Of a damaged chunk the end is missing.
+    return end - segment.length >= segment.lead ? end - segment.length : Math.min(segment.lead, end);
   };
   let heard = false;
   let silent = 0;
-  for (const [index, cut] of parts.entries()) {
-    const buffer = await decodedWith(context, fileOf(cut)).catch(() => null);
+  for (const [index, segment] of segments.entries()) {
+    const buffer = await decodedWith(context, fileOf(segment)).catch(() => null);
     if (buffer) {
-      const end = Math.max(buffer.length - cut.after, 0);
-      const from = index === 0 ? 0 : await beginningOf(cut, end);
-      const length = index === 0 || cut.leadTo !== undefined ? Math.max(end - from, cut.length) : cut.length;
-      yield { silent, channels: channelsOf(buffer), from, length, ...rates, last: index === parts.length - 1 };
+      const end = Math.max(buffer.length - segment.after, 0);
+      const from = index === 0 ? 0 : await beginningOf(segment, end);
+      const length = index === 0 || segment.leadTo !== undefined ? Math.max(end - from, segment.length) : segment.length;
+      yield { silent, channels: channelsOf(buffer), from, length, ...rates, last: index === segments.length - 1 };
       heard = true;
       silent = 0;
     } else {
-      silent += cut.length;
+      silent += segment.length;
     }
   }
   if (heard && silent > 0) {
@@ -109,16 +109,16 @@ function channelsOf(buffer) {
 /**
  * @param {Worker} worker
  * @param {Decoded} decoded loses its samples
- * @returns {Promise<Part>}
+ * @returns {Promise<Chunk>}
  */
 function prepare(worker, decoded) {
-  /** @type {Promise<Part>} */
+  /** @type {Promise<Chunk>} */
   const prepared = new Promise((resolve, reject) => {
     worker.onmessage = ({ data }) => resolve(data);
     worker.onerror = ({ message }) => reject(new Error(message));
     worker.postMessage(decoded, decoded.channels.map(({ buffer }) => buffer));
   });
-  // Whether it failed is asked when the next part has been decoded.
+  // Whether it failed is asked when the next chunk has been decoded.
   prepared.catch(() => {});
   return prepared;
 }
