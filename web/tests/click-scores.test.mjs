@@ -22,7 +22,7 @@ function clicksIn(rehearsal, mode) {
   const firstChannel = top - 5;
   return notes
     .filter(({ channel }) => channel >= firstChannel && channel - firstChannel < audibleLevels(mode))
-    .map(({ tick, channel }) => ({ tick: tick - midi.tickShift, ms: playback.timeline.msAt(tick), first: channel === firstChannel }));
+    .map(({ tick, channel }) => ({ tick: tick - midi.tickShift, ms: playback.tempoMap.msAt(tick), first: channel === firstChannel }));
 }
 
 const ticks = (clicks) => clicks.map(({ tick }) => tick);

@@ -3,7 +3,7 @@ import { readFile } from "node:fs/promises";
 import { dirname, join } from "node:path";
 import { test } from "node:test";
 import { buildClickBank } from "../src/clicks/click-bank.js";
-import { HeardTime } from "../src/timing/heard-time.js";
+import { PresentationTimeMap } from "../src/timing/presentation-time-map.js";
 import { Rehearsal, onsets, sampleRate, scoreOf } from "./support/rehearsal.mjs";
 
 // The tracks are silent here: no instruments are loaded. What sounds are the metronome's clicks.
@@ -198,7 +198,7 @@ test("the metronome changes with its next click, the stream without a break", ()
 });
 
 test("what is heard is told apart from what was rendered", () => {
-  const time = new HeardTime(1000);
+  const time = new PresentationTimeMap(1000);
   assert.equal(time.at(0), null);
   time.add({ frame: 0, place: 500, speed: 0, startsOver: false });
   time.add({ frame: 100, place: 500, speed: 2, startsOver: false });

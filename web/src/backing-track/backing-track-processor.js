@@ -1,5 +1,5 @@
 // @ts-check
-import { HeardTime } from "../timing/heard-time.js";
+import { PresentationTimeMap } from "../timing/presentation-time-map.js";
 import { DecodedTrack } from "./stretch/decoded-track.js";
 import { BackingTrackClicks } from "./backing-track-clicks.js";
 import { collectThoroughly } from "../shared/garbage.js";
@@ -47,7 +47,7 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
   /** @type {TimeStretch | null} */
   #stretch = null;
   #clicks = new BackingTrackClicks(sampleRate);
-  #heardTime = new HeardTime(sampleRate);
+  #presentationTimes = new PresentationTimeMap(sampleRate);
   #playing = false;
   /** Whether what comes next has not been decoded yet. */
   #waiting = true;
@@ -152,7 +152,7 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
     this.#start = place;
     this.#stretch?.jump(place);
     this.#clicks.goTo(place);
-    this.#heardTime.clear();
+    this.#presentationTimes.clear();
     this.#played = 0;
     this.#end = Infinity;
     this.#mark(false);
@@ -161,7 +161,7 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
   /** @param {boolean} startsOver */
   #mark(startsOver) {
     const place = milliseconds(this.#stretch?.place ?? this.#start);
-    this.#heardTime.add({ frame: this.#played, place, speed: this.#speed, startsOver });
+    this.#presentationTimes.add({ frame: this.#played, place, speed: this.#speed, startsOver });
   }
 
   /** A sound that ends at once clicks: a little of what would have come fades out. */
@@ -244,7 +244,7 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
     stretch.startOver();
     this.#clicks.goTo(stretch.place);
     const place = milliseconds(stretch.place);
-    this.#heardTime.add({ frame: this.#played + done, place, speed: this.#speed, startsOver: true });
+    this.#presentationTimes.add({ frame: this.#played + done, place, speed: this.#speed, startsOver: true });
   }
 
   /** @param {number} count frames that went by */
@@ -255,7 +255,7 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
     }
     this.#sinceReport = 0;
     const now = Math.max(this.#played - this.#delay, 0);
-    const heard = this.#heardTime.at(Math.min(now, this.#end));
+    const heard = this.#presentationTimes.at(Math.min(now, this.#end));
     if (heard) {
       /** @type {ToPage} */
       const report = { turn: this.#turn, ...heard, ended: now >= this.#end };

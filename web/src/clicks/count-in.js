@@ -13,15 +13,15 @@
 
 /**
  * @param {MeteredBar[]} bars in rising order
- * @param {import("../timing/timeline.js").Timeline} timeline
+ * @param {import("../timing/tempo-map.js").TempoMap} tempoMap
  * @param {number} tick where the music starts; also in the middle of a bar a whole one is counted
  * @param {number} ticksPerQuarter
  * @returns {Count | null} null where there is no bar
  */
-export function countInAt(bars, timeline, tick, ticksPerQuarter) {
+export function countInAt(bars, tempoMap, tick, ticksPerQuarter) {
   const bar = bars.filter(({ start }) => start <= tick).at(-1) ?? bars[0];
   if (!bar) {
     return null;
   }
-  return { beats: bar.numerator, beatLength: ((ticksPerQuarter * 4) / bar.denominator) * timeline.msPerTickAt(tick) };
+  return { beats: bar.numerator, beatLength: ((ticksPerQuarter * 4) / bar.denominator) * tempoMap.msPerTickAt(tick) };
 }

@@ -5,7 +5,7 @@ import { audibleLevels, clicksOf, levels } from "../clicks/click-pattern.js";
 import { ClickPlayer } from "./click-player.js";
 import { countInAt } from "../clicks/count-in.js";
 import { soundNamed } from "../clicks/click-sounds.js";
-import { recordingTime } from "../timing/recording-time.js";
+import { backingTrackMs } from "../timing/sync-point-map.js";
 
 /**
  * The metronome. Its clicks are written into the playback itself as notes on channels of their own, one channel for
@@ -84,7 +84,7 @@ export class Metronome {
    * @returns {import("../synth/practice-synth.js").CountIn | null} what the synthesizer counts before; null without a score
    */
   countInAt(tick) {
-    const count = countInAt(this.#bars, this.#playback.timeline, tick + this.#tickShift, this.#division);
+    const count = countInAt(this.#bars, this.#playback.tempoMap, tick + this.#tickShift, this.#division);
     return (
       count && {
         ...count,
@@ -140,7 +140,7 @@ export class Metronome {
     const points = this.#playback.syncPoints;
     if (this.#api.playsBackingTrack) {
       this.#api.backingTrackPlayer.setClicks(
-        pattern.map(({ tick, level }) => ({ ms: recordingTime(points, this.#playback.timeline.msAt(tick)), level })),
+        pattern.map(({ tick, level }) => ({ ms: backingTrackMs(points, this.#playback.tempoMap.msAt(tick)), level })),
       );
     }
     const clicks = pattern.map(({ tick, level }) => note(tick, this.#firstChannel + level));

@@ -1,8 +1,8 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { PositionFeed } from "./position-feed.js";
-import { recordingTime } from "../timing/recording-time.js";
-import { Timeline } from "../timing/timeline.js";
+import { backingTrackMs } from "../timing/sync-point-map.js";
+import { TempoMap } from "../timing/tempo-map.js";
 
 /**
  * The transport: plays the open score, and reports how far it has come.
@@ -17,8 +17,8 @@ export class Playback {
   #api;
   #post;
   #feed;
-  #timeline = new Timeline([], 0, 960);
-  /** How far the ticks of the timeline are ahead of those of the score. */
+  #tempoMap = new TempoMap([], 0, 960);
+  /** How far the ticks of the tempo map are ahead of those of the score. */
   #tickShift = 0;
   /** @type {import("@coderline/alphatab").synth.BackingTrackSyncPoint[]} */
   #syncPoints = [];
@@ -60,7 +60,7 @@ export class Playback {
 
   /** Milliseconds of score time; 0 without a score. */
   get endTime() {
-    return this.#timeline.endMs;
+    return this.#tempoMap.endMs;
   }
 
   /** The place in the score as alphaTab last reported it. */
@@ -69,13 +69,13 @@ export class Playback {
   }
 
   /** Where the ticks of the score lie in time. */
-  get timeline() {
-    return this.#timeline;
+  get tempoMap() {
+    return this.#tempoMap;
   }
 
   /** Where the score's time lies in its backing track. */
   get syncPoints() {
-    return this.#syncPoints.map(({ synthTime, syncTime }) => ({ score: synthTime, backingTrack: syncTime }));
+    return this.#syncPoints.map(({ synthTime, syncTime }) => ({ scoreMs: synthTime, backingTrackMs: syncTime }));
   }
 
   /** What is played over and over; null while nothing is. @returns {TickRange | null} */
@@ -90,8 +90,8 @@ export class Playback {
    * @returns {number} milliseconds
    */
   msUntil(tick) {
-    const timeline = this.#timeline;
-    return (timeline.msAt(tick + this.#tickShift) - timeline.msAt(this.#tick + this.#tickShift)) / this.#speed;
+    const tempoMap = this.#tempoMap;
+    return (tempoMap.msAt(tick + this.#tickShift) - tempoMap.msAt(this.#tick + this.#tickShift)) / this.#speed;
   }
 
   get atStart() {
@@ -134,7 +134,7 @@ export class Playback {
 
   /** Tells once more what was told last. */
   repeatPosition() {
-    this.#feed.jump({ currentTime: this.#timeline.msAt(this.#tick + this.#tickShift), endTime: this.endTime });
+    this.#feed.jump({ currentTime: this.#tempoMap.msAt(this.#tick + this.#tickShift), endTime: this.endTime });
   }
 
   playPause() {
@@ -171,7 +171,7 @@ export class Playback {
       this.#awaitedTick = null;
       const place = Math.min(Math.max(ms, 0), this.endTime);
       this.#api.timePosition = place / this.#speed;
-      this.#prepareCountIn(this.#timeline.tickAt(place) - this.#tickShift);
+      this.#prepareCountIn(this.#tempoMap.tickAt(place) - this.#tickShift);
     }
   }
 
@@ -240,9 +240,9 @@ export class Playback {
   /** The backing track's player starts over by itself, from one sample to the next. */
   #loopBackingTrack() {
     const points = this.syncPoints;
-    const { startTick, endTick } = this.#range ?? { startTick: 0, endTick: this.#timeline.tickAt(this.endTime) - this.#tickShift };
+    const { startTick, endTick } = this.#range ?? { startTick: 0, endTick: this.#tempoMap.tickAt(this.endTime) - this.#tickShift };
     /** @type {(tick: number) => number} */
-    const place = (tick) => Math.max(recordingTime(points, this.#timeline.msAt(tick + this.#tickShift)), 0);
+    const place = (tick) => Math.max(backingTrackMs(points, this.#tempoMap.msAt(tick + this.#tickShift)), 0);
     this.#api.backingTrackPlayer.setLoop(this.#api.isLooping ? { from: place(startTick), to: place(endTick) } : null);
   }
 
@@ -290,14 +290,14 @@ export class Playback {
   #giveUp(reason) {
     this.#problem = `The score cannot be played (${reason instanceof Error ? reason.message : reason}).`;
     this.#startWhenReady = false;
-    this.#timeline = new Timeline([], 0, 960);
+    this.#tempoMap = new TempoMap([], 0, 960);
     this.#syncPoints = [];
     this.#post({ type: "error", message: this.#problem });
   }
 
   /** @param {import("../shared/alphatab.js").MidiFile} midi */
   #measure(midi) {
-    /** @type {import("../timing/timeline.js").TempoChange[]} */
+    /** @type {import("../timing/tempo-map.js").TempoChange[]} */
     const changes = [];
     const events = midi.events;
     this.#tickShift = midi.tickShift;
@@ -306,7 +306,7 @@ export class Playback {
         changes.push({ tick: event.tick, bpm: event.beatsPerMinute });
       }
     }
-    this.#timeline = new Timeline(changes, events.length > 0 ? events[events.length - 1].tick : 0, midi.division);
+    this.#tempoMap = new TempoMap(changes, events.length > 0 ? events[events.length - 1].tick : 0, midi.division);
     this.#synchronize();
   }
 
@@ -318,7 +318,7 @@ export class Playback {
     this.#syncPoints = score && own.length === 0 ? MidiFileGenerator.generateSyncPoints(score, true) : own;
     for (const point of this.#syncPoints) {
       // alphaTab counts whole milliseconds from point to point, which adds up.
-      point.synthTime = this.#timeline.msAt(point.synthTick + this.#tickShift);
+      point.synthTime = this.#tempoMap.msAt(point.synthTick + this.#tickShift);
       point.syncTime = own.length > 0 ? point.syncTime : point.synthTime;
     }
     this.#api.syncPoints = this.#syncPoints;

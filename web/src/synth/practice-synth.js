@@ -1,7 +1,7 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { fullScale } from "../audio/full-scale.js";
-import { HeardTime } from "../timing/heard-time.js";
+import { PresentationTimeMap } from "../timing/presentation-time-map.js";
 import { Instruments } from "./instruments.js";
 
 /**
@@ -92,7 +92,7 @@ function silentOutput(/** @type {number} */ sampleRate, /** @type {Line} */ line
 
 export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   #sampleRate;
-  #heardTime;
+  #presentationTimes;
   #instruments;
   /** Samples rendered since the stream began. */
   #rendered = 0;
@@ -127,7 +127,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     const clear = () => this.#clear(line);
     super(silentOutput(sampleRate, { ...line, clear }), 0);
     this.#sampleRate = sampleRate;
-    this.#heardTime = new HeardTime(sampleRate);
+    this.#presentationTimes = new PresentationTimeMap(sampleRate);
     const synthesizer = this.#synthesizer;
     this.#instruments = new Instruments(synthesizer);
     this.#dispatch = synthesizer.dispatchEvent.bind(synthesizer);
@@ -300,7 +300,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     if (this.state !== alphaTab.synth.PlayerState.Playing) {
       return;
     }
-    const heard = this.#heardTime.at(frame);
+    const heard = this.#presentationTimes.at(frame);
     if (heard) {
       this.#heardPlace = heard.place;
       const noteBegins = this.#notes[0] <= frame;
@@ -476,7 +476,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   /** @param {boolean} startsOver */
   #mark(startsOver) {
     const speed = this.#countIn ? 0 : this.#sequencer.playbackSpeed;
-    this.#heardTime.add({ frame: this.#rendered, place: this.#renderedPlace, speed, startsOver });
+    this.#presentationTimes.add({ frame: this.#rendered, place: this.#renderedPlace, speed, startsOver });
   }
 
   /**
@@ -493,7 +493,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   /** @param {Line} line */
   #clear(line) {
     line.clear();
-    this.#heardTime.clear();
+    this.#presentationTimes.clear();
     this.#rendered = 0;
     this.#notes = [];
     this.#heardPlace = this.#renderedPlace;

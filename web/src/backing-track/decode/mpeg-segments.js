@@ -2,7 +2,7 @@
 import { boundariesOf } from "./segment-boundaries.js";
 
 /**
- * SegmentedFile MP3 files at their frames (ISO/IEC 11172-3 and 13818-3, layer III). A frame may hold bytes of those that follow,
+ * Cuts MP3 files at their frames (ISO/IEC 11172-3 and 13818-3, layer III). A frame may hold bytes of those that follow,
  * and what it sounds like depends on the frame before, so that decoding begins some frames early.
  *
  * @typedef {import("./segments.js").SegmentedFile} SegmentedFile

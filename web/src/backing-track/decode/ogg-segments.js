@@ -2,7 +2,7 @@
 import { boundariesOf } from "./segment-boundaries.js";
 
 /**
- * SegmentedFile Ogg files with Vorbis or Opus in them, page by page. A page tells in its head how many samples there are up to
+ * Cuts Ogg files with Vorbis or Opus in them, page by page. A page tells in its head how many samples there are up to
  * the end of the last packet that ends in it. See RFC 3533 for pages, the description of Vorbis I (4.3, A.2) and RFC 7845
  * for what is in them.
  *

@@ -7,7 +7,7 @@ import { waveSegments } from "./wave-segments.js";
  * Where audio files can be cut so that each segment can be decoded by itself, and all of them together are, sample by
  * sample, what the whole file is decoded to.
  *
- * @typedef {object} Segment a segment of a file
+ * @typedef {object} Segment a range of a file
  * @property {number} from its first byte; a decoder may need to begin before the segment does
  * @property {number} to
  * @property {number} length frames that are the segment's own, counted from the end of what is decoded. Of the first segment

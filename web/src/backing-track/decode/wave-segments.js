@@ -2,7 +2,7 @@
 import { boundariesOf } from "./segment-boundaries.js";
 
 /**
- * SegmentedFile WAVE files: any frame is a place to cut at, as long as each takes the same number of bytes.
+ * Cuts WAVE files: any frame is a place to cut at, as long as each takes the same number of bytes.
  *
  * @typedef {import("./segments.js").SegmentedFile} SegmentedFile
  */

@@ -8,7 +8,7 @@
 /** Before its first tempo mark a score runs at this many quarter notes a minute. */
 const initialTempo = 120;
 
-export class Timeline {
+export class TempoMap {
   /** @type {{ tick: number, ms: number, ticksPerMinute: number }[]} */
   #stretches;
   #endTick;
