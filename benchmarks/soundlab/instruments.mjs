@@ -15,7 +15,7 @@ globalThis.alphaTab = createRequire(import.meta.url)(join(page, "vendor/alphaTab
 const { PracticeSynth } = await import(join(top, "web/src/synth/practice-synth.js"));
 const { finePreset } = await import(join(top, "web/src/soundfont/fine-preset.js"));
 const { fullScale } = await import(join(top, "web/src/audio/full-scale.js"));
-const { readSoundFile, wordsOf, zonesFor } = await import(join(top, "web/src/soundfont/sound-file.js"));
+const { readSoundFile, to16BitSamples, zonesFor } = await import(join(top, "web/src/soundfont/sound-file.js"));
 
 /** That of the weighting's coefficients. */
 const sampleRate = 48000;
@@ -59,7 +59,7 @@ function streamDecoder() {
     const samples = parsed.decodeSamples(0, stream.length, true);
     // It keeps what it has decoded, by place and length.
     Object.values(parsed).filter((part) => part instanceof Map).forEach((decoded) => decoded.clear());
-    return wordsOf(samples, frames);
+    return to16BitSamples(samples, frames);
   };
 }
 

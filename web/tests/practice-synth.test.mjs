@@ -109,8 +109,8 @@ test("the position waits while a bar is counted in", () => {
   rehearsal.playback.playPause();
   rehearsal.listen(4);
   places.length = 0;
-  rehearsal.synth.heard(1.9 * sampleRate);
-  rehearsal.synth.heard(2.5 * sampleRate);
+  rehearsal.synth.presented(1.9 * sampleRate);
+  rehearsal.synth.presented(2.5 * sampleRate);
   assert.equal(places[0], 0);
   assert.ok(Math.abs(places[1] - 500) < 1, String(places[1]));
 });
@@ -121,7 +121,7 @@ test("a pause in the count-in leaves the place alone, and the next start counts 
   rehearsal.playback.seekToTick(960);
   rehearsal.playback.playPause();
   rehearsal.listen(1.2);
-  rehearsal.synth.heard(sampleRate);
+  rehearsal.synth.presented(sampleRate);
   rehearsal.synth.pause();
   assert.ok(Math.abs(rehearsal.synth.timePosition - 500) < 2);
   assert.equal(rehearsal.synth.render(512), null);
@@ -142,7 +142,7 @@ test("a pause stays at what was heard", () => {
   const rehearsal = rehearse(`\\tempo 120 ${bar} ${bar}`);
   rehearsal.playback.playPause();
   rehearsal.listen(1);
-  rehearsal.synth.heard(0.8 * sampleRate);
+  rehearsal.synth.presented(0.8 * sampleRate);
   rehearsal.synth.pause();
   assert.ok(Math.abs(rehearsal.synth.timePosition - 800) < 1);
 });
@@ -156,7 +156,7 @@ test("a place is reported when a note begins, and otherwise now and then", () =>
   const notes = new Set();
   for (let frame = 0; frame <= 1.1 * sampleRate; frame += sampleRate / 1000) {
     notes.add(rehearsal.synth.nextNote);
-    rehearsal.synth.heard(frame);
+    rehearsal.synth.presented(frame);
   }
   const beats = [...notes].filter((frame) => frame % (sampleRate / 2) === 0);
   assert.deepEqual(beats, [0, 0.5, 1].map((seconds) => seconds * sampleRate));
@@ -168,8 +168,8 @@ test("a pause stays at what was heard since the last report", () => {
   const rehearsal = rehearse(`\\tempo 120 ${bar} ${bar}`);
   rehearsal.playback.playPause();
   rehearsal.listen(1);
-  rehearsal.synth.heard(0.8 * sampleRate);
-  rehearsal.synth.heard(0.81 * sampleRate);
+  rehearsal.synth.presented(0.8 * sampleRate);
+  rehearsal.synth.presented(0.81 * sampleRate);
   rehearsal.synth.pause();
   assert.ok(Math.abs(rehearsal.synth.timePosition - 810) < 1);
 });

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { readSoundFile, wordsOf } from "../src/soundfont/sound-file.js";
+import { readSoundFile, to16BitSamples } from "../src/soundfont/sound-file.js";
 
 test("a file is its description and its streams", () => {
   const description = { name: "Ö", zones: [], samples: [{ at: 0, length: 2 }, { at: 2, length: 3 }] };
@@ -12,6 +12,6 @@ test("a file is its description and its streams", () => {
 });
 
 test("what a decoder adds at the end is left out, and what is too loud is cut off", () => {
-  assert.deepEqual(wordsOf(Float32Array.of(0, 0.5, -1, 1.5, -1.5, 0.25, 0.25), 5), Int16Array.of(0, 16383, -32767, 32767, -32767));
-  assert.deepEqual(wordsOf(Float32Array.of(1), 5), Int16Array.of(32767));
+  assert.deepEqual(to16BitSamples(Float32Array.of(0, 0.5, -1, 1.5, -1.5, 0.25, 0.25), 5), Int16Array.of(0, 16383, -32767, 32767, -32767));
+  assert.deepEqual(to16BitSamples(Float32Array.of(1), 5), Int16Array.of(32767));
 });

@@ -67,8 +67,8 @@ class Stage {
   }
 
   answer() {
-    const { stream, want } = this.questions.at(-1) ?? {};
-    const count = Math.min(want - this.sent, this.most);
+    const { stream, wanted } = this.questions.at(-1) ?? {};
+    const count = Math.min(wanted - this.sent, this.most);
     if (stream === this.stream && count > 0) {
       const samples = Float32Array.from({ length: 2 * count }, (_, i) => this.sent + 1 + (i >> 1));
       this.sent += count;
@@ -122,7 +122,7 @@ test("more is kept ahead while the page is busy, and after a stutter", () => {
   const stage = new Stage();
   stage.synth({ playing: true });
   stage.listen(2);
-  stage.page({ brace: 10 * turn });
+  stage.page({ busyFrames: 10 * turn });
   stage.listen(2);
   assert.ok(stage.sent - 3 * turn >= 8192);
   stage.listen(40);

@@ -1,4 +1,4 @@
 // @ts-check
 
-/** What is 1 in samples that are words of 16 bits, as alphaTab has it. */
+/** What is 1 in 16-bit samples, as alphaTab has it. */
 export const fullScale = 32767;

@@ -1,7 +1,7 @@
 // @ts-check
 import { clickSamples } from "../clicks/click-sounds.js";
 import { Emitter } from "../shared/emitter.js";
-import { turnOfSound, watchHearingDelay } from "../audio/hearing-delay.js";
+import { callbackSeconds, watchOutputLatency } from "../audio/output-latency.js";
 import { decodeBackingTrack } from "./decode/backing-track-decoder.js";
 import { collectGarbage } from "../shared/garbage.js";
 
@@ -200,7 +200,7 @@ export class BackingTrackPlayer {
 
   #open() {
     if (!this.#context) {
-      this.#context = new AudioContext({ latencyHint: turnOfSound });
+      this.#context = new AudioContext({ latencyHint: callbackSeconds });
       this.#gain = new GainNode(this.#context, { gain: this.#volume });
       this.#gain.connect(this.#context.destination);
       void this.#connect(this.#context, this.#gain);
@@ -234,7 +234,7 @@ export class BackingTrackPlayer {
     for (const chunk of this.#chunks.splice(0)) {
       this.#hand(chunk);
     }
-    watchHearingDelay(context, (delay) => this.#tell({ delay }));
+    watchOutputLatency(context, (delay) => this.#tell({ delay }));
   }
 
   /** @param {Chunk} chunk of the backing track */

@@ -52,10 +52,10 @@ export function zonesFor(zones, { softest, loudest }) {
  * @param {number} frames how many of them there are in the stream
  * @returns {Int16Array} at half the size
  */
-export function wordsOf(samples, frames) {
-  const words = new Int16Array(Math.min(samples.length, frames));
-  for (let at = 0; at < words.length; at++) {
-    words[at] = Math.max(-1, Math.min(1, samples[at])) * fullScale;
+export function to16BitSamples(samples, frames) {
+  const narrowed = new Int16Array(Math.min(samples.length, frames));
+  for (let at = 0; at < narrowed.length; at++) {
+    narrowed[at] = Math.max(-1, Math.min(1, samples[at])) * fullScale;
   }
-  return words;
+  return narrowed;
 }

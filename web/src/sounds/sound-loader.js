@@ -1,6 +1,6 @@
 // @ts-check
 import { fetchBytes } from "../shared/resources.js";
-import { readSoundFile, wordsOf, zonesFor } from "../soundfont/sound-file.js";
+import { readSoundFile, to16BitSamples, zonesFor } from "../soundfont/sound-file.js";
 
 /**
  * The worker that loads sounds of the fine bank. It lives as long as that takes: what is read and decoded on the way is
@@ -43,7 +43,7 @@ async function decode(stream, { rate, frames }) {
   if (!samples) {
     throw new Error("a stream in it cannot be decoded");
   }
-  return wordsOf(samples, frames);
+  return to16BitSamples(samples, frames);
 }
 
 /**

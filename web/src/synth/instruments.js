@@ -6,7 +6,7 @@ import { soundsInUse } from "../soundfont/sounds-in-use.js";
  * The sounds of a synthesizer: which of them the score plays, and how others take their place in the middle of playing.
  * A voice keeps the sound that it began with; the next note has the new one.
  *
- * All samples are 16-bit words, so that what is rendered of them is to be divided by fullScale.
+ * All samples are 16-bit samples, so that what is rendered of them is to be divided by fullScale.
  *
  * @typedef {import("../soundfont/sounds-in-use.js").SoundInUse} SoundInUse
  * @typedef {import("../soundfont/sounds-in-use.js").ChannelEvent} ChannelEvent
@@ -25,7 +25,7 @@ export class Instruments {
   /** @param {PresetMaker} synthesizer */
   constructor(synthesizer) {
     this.#synthesizer = synthesizer;
-    keepWords(synthesizer);
+    keep16BitSamples(synthesizer);
   }
 
   /** @param {ChannelEvent[]} events what is played from now on */
@@ -97,11 +97,11 @@ function gaps(low, high, covers) {
 
 /**
  * alphaTab makes floating-point copies of a bank's samples, twice the size, and keeps them as long as the bank. The
- * samples are words of 16 bits in the bank as it is, little-endian like every processor that Chromium runs on.
+ * samples have 16 bits in the bank as it is, little-endian like every processor that Chromium runs on.
  *
  * @param {PresetMaker} synthesizer
  */
-function keepWords(synthesizer) {
+function keep16BitSamples(synthesizer) {
   const { loadPresets } = synthesizer;
   synthesizer.loadPresets = (bank, ...others) => {
     const { buffer, byteOffset } = bank.sampleData;

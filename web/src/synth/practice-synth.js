@@ -8,11 +8,11 @@ import { Instruments } from "./instruments.js";
  * alphaTab's synthesizer, as a musician who practises needs it. Runs in a worker. What is different:
  *
  * - A note begins at its own sample. alphaTab lets it begin with the step of 64 samples that it falls into.
- * - A loop starts over from one sample to the next. alphaTab waits until the last sample has been heard.
+ * - A loop starts over from one sample to the next. alphaTab waits until the last sample has been presented.
  * - A bar is counted in by the synthesizer itself, so that its clicks and the first note are of one stream.
  * - A change of speed goes on from where the sound is. alphaTab seeks, which cuts off every note.
- * - A pause stays at what was heard last, not at what was rendered last.
- * - The place it reports is the place that is heard.
+ * - A pause stays at what was presented last, not at what was rendered last.
+ * - The position it reports is the position that is presented.
  * - Its sounds can be replaced while it plays.
  *
  * @typedef {object} CountIn
@@ -24,10 +24,10 @@ import { Instruments } from "./instruments.js";
  * @property {number} velocity 0 to 1
  * @property {{ number: number, program: number }} bank where the click is found
  *
- * @typedef {object} Line where the samples go
+ * @typedef {object} SampleOutput where the samples go
  * @property {() => void} start
  * @property {() => void} stop
- * @property {() => void} clear what was sent and not heard yet is not wanted any more
+ * @property {() => void} clear what was sent and not presented yet is not wanted any more
  *
  * The parts of alphaTab that are relied on without being in its declarations:
  *
@@ -59,7 +59,7 @@ import { Instruments } from "./instruments.js";
 /** alphaTab hands over events in steps of this many samples. */
 const step = 64;
 
-/** How often the place is reported while no note begins, a second. */
+/** How often the position is reported while no note begins, a second. */
 const reportsPerSecond = 15;
 
 /** What still sounds at a seam fades out over this many samples. */
@@ -69,7 +69,7 @@ const fadeLength = 480;
 const longestEnd = 1.5;
 
 /** An output as alphaTab's base class wants it. This synthesizer is asked for samples by other means. */
-function silentOutput(/** @type {number} */ sampleRate, /** @type {Line} */ line) {
+function silentOutput(/** @type {number} */ sampleRate, /** @type {SampleOutput} */ output) {
   const never = { on: () => () => {}, off: () => {} };
   /** @type {(() => void)[]} */
   const waiting = [];
@@ -80,11 +80,11 @@ function silentOutput(/** @type {number} */ sampleRate, /** @type {Line} */ line
       samplesPlayed: never,
       sampleRequest: never,
       open: () => waiting.forEach((ready) => ready()),
-      destroy: () => line.stop(),
-      play: () => line.start(),
-      pause: () => line.stop(),
+      destroy: () => output.stop(),
+      play: () => output.start(),
+      pause: () => output.stop(),
       addSamples: () => {},
-      resetSamples: () => line.clear(),
+      resetSamples: () => output.clear(),
       activate: () => {},
     })
   );
@@ -96,11 +96,11 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   #instruments;
   /** Samples rendered since the stream began. */
   #rendered = 0;
-  /** The samples with which notes begin that have not been heard yet. */
+  /** The samples with which notes begin that have not been presented yet. */
   #notes = /** @type {number[]} */ ([]);
   #samples = new Float32Array(0);
   /** Milliseconds of score time. */
-  #heardPlace = 0;
+  #presentedMs = 0;
   #reportedFrame = -Infinity;
   /** @type {number | null} the sample after which there is nothing more to hear */
   #end = null;
@@ -121,11 +121,11 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
 
   /**
    * @param {number} sampleRate samples a second
-   * @param {Line} line
+   * @param {SampleOutput} output
    */
-  constructor(sampleRate, line) {
-    const clear = () => this.#clear(line);
-    super(silentOutput(sampleRate, { ...line, clear }), 0);
+  constructor(sampleRate, output) {
+    const clear = () => this.#clear(output);
+    super(silentOutput(sampleRate, { ...output, clear }), 0);
     this.#sampleRate = sampleRate;
     this.#presentationTimes = new PresentationTimeMap(sampleRate);
     const synthesizer = this.#synthesizer;
@@ -159,7 +159,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   }
 
   /** Where rendering has come to, in milliseconds of score time. */
-  get #renderedPlace() {
+  get #renderedMs() {
     return this.#sequencer.currentTime * this.#sequencer.playbackSpeed;
   }
 
@@ -207,7 +207,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     }
   }
 
-  /** On the way to this place the score chose sounds that were not there yet. */
+  /** On the way to this position the score chose sounds that were not there yet. */
   #comeHereAgain() {
     const sequencer = this.#sequencer;
     const { currentTime, mainPlaybackRange } = sequencer;
@@ -230,12 +230,12 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   /** @override */
   pause() {
     const playing = this.state === alphaTab.synth.PlayerState.Playing;
-    const heard = this.#heardPlace;
+    const presentedMs = this.#presentedMs;
     this.#countIn = null;
     super.pause();
     if (playing) {
-      // Back from what was rendered to what was heard.
-      this.timePosition = heard / this.#sequencer.playbackSpeed;
+      // Back from what was rendered to what was presented.
+      this.timePosition = presentedMs / this.#sequencer.playbackSpeed;
     }
   }
 
@@ -251,8 +251,8 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
    */
   updatePlaybackSpeed(speed) {
     this.#sequencer.playbackSpeed = speed;
-    this.#mark(false);
-    this.#report(this.#heardPlace, true);
+    this.#addPosition(false);
+    this.#report(this.#presentedMs, true);
   }
 
   /**
@@ -286,30 +286,30 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     return this.#samples.fill(0, 0, length);
   }
 
-  /** The frame of the stream with which the next note begins; undefined when none was rendered that was not heard. */
+  /** The frame of the stream with which the next note begins; undefined when none was rendered that was not presented. */
   get nextNote() {
     return /** @type {number | undefined} */ (this.#notes[0]);
   }
 
   /**
-   * Reports the place where a note begins, and in between now and then.
+   * Reports the position where a note begins, and in between now and then.
    *
-   * @param {number} frame of the stream that is heard now
+   * @param {number} frame of the stream that is presented now
    */
-  heard(frame) {
+  presented(frame) {
     if (this.state !== alphaTab.synth.PlayerState.Playing) {
       return;
     }
-    const heard = this.#presentationTimes.at(frame);
-    if (heard) {
-      this.#heardPlace = heard.place;
+    const presented = this.#presentationTimes.at(frame);
+    if (presented) {
+      this.#presentedMs = presented.position;
       const noteBegins = this.#notes[0] <= frame;
       while (this.#notes[0] <= frame) {
         this.#notes.shift();
       }
-      if (noteBegins || heard.startsOver || frame - this.#reportedFrame >= this.#sampleRate / reportsPerSecond) {
+      if (noteBegins || presented.startsOver || frame - this.#reportedFrame >= this.#sampleRate / reportsPerSecond) {
         this.#reportedFrame = frame;
-        this.#report(heard.place, heard.startsOver);
+        this.#report(presented.position, presented.startsOver);
       }
     }
     if (this.#end !== null && frame >= this.#end) {
@@ -347,7 +347,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
    * @param {number} count at most `step`
    */
   #renderScore(samples, at, count) {
-    const begin = this.#renderedPlace;
+    const begin = this.#renderedMs;
     const perFrame = (1000 / this.#sampleRate) * this.#sequencer.playbackSpeed;
     /** @type {SynthEvent[]} */
     const events = [];
@@ -400,7 +400,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     this.#synthesizer.synthesizeSilent(step);
     this.#fading = fading;
     this.#ringingOut = 0;
-    this.#mark(true);
+    this.#addPosition(true);
     if (this.#framesLeft() < 1) {
       // A range without length would start over for ever.
       this.#end = this.#rendered;
@@ -444,7 +444,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     this.#countIn = this.#nextCountIn && this.#nextCountIn.beats > 0 ? this.#nextCountIn : null;
     this.#countedIn = 0;
     this.#clicks = 0;
-    this.#mark(false);
+    this.#addPosition(false);
   }
 
   /**
@@ -468,39 +468,39 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
       this.#clicks++;
     } else {
       this.#countIn = null;
-      this.#mark(false);
+      this.#addPosition(false);
     }
     return 0;
   }
 
   /** @param {boolean} startsOver */
-  #mark(startsOver) {
+  #addPosition(startsOver) {
     const speed = this.#countIn ? 0 : this.#sequencer.playbackSpeed;
-    this.#presentationTimes.add({ frame: this.#rendered, place: this.#renderedPlace, speed, startsOver });
+    this.#presentationTimes.add({ frame: this.#rendered, position: this.#renderedMs, speed, startsOver });
   }
 
   /**
-   * @param {number} place milliseconds of score time
+   * @param {number} scoreMs
    * @param {boolean} isSeek
    */
-  #report(place, isSeek) {
+  #report(scoreMs, isSeek) {
     /** @type {{ updateTimePosition: (time: number, isSeek: boolean) => void }} */ (/** @type {unknown} */ (this)).updateTimePosition(
-      place / this.#sequencer.playbackSpeed,
+      scoreMs / this.#sequencer.playbackSpeed,
       isSeek,
     );
   }
 
-  /** @param {Line} line */
-  #clear(line) {
-    line.clear();
+  /** @param {SampleOutput} output */
+  #clear(output) {
+    output.clear();
     this.#presentationTimes.clear();
     this.#rendered = 0;
     this.#notes = [];
-    this.#heardPlace = this.#renderedPlace;
+    this.#presentedMs = this.#renderedMs;
     this.#reportedFrame = -Infinity;
     this.#end = null;
     this.#ringingOut = 0;
     this.#fading = null;
-    this.#mark(false);
+    this.#addPosition(false);
   }
 }

@@ -2,18 +2,18 @@
 import { SampleRing } from "../audio/sample-ring.js";
 
 /**
- * The last station before the loudspeaker, in the audio thread. It asks the synthesizer's worker for samples over a
+ * The last station before the audio output, in the audio thread. It asks the synthesizer's worker for samples over a
  * port of their own, so that nothing the page is busy with holds up the sound. While it plays it allocates next to
  * nothing and hears nothing: garbage to collect made it miss its turn once in ten minutes.
  *
- * @typedef {{ port?: MessagePort | null, ring?: SharedArrayBuffer | null, latency?: number, brace?: number }} FromPage
+ * @typedef {{ port?: MessagePort | null, ring?: SharedArrayBuffer | null, latency?: number, busyFrames?: number }} FromPage
  *     port: to the synthesizer that is heard from now on, null for none; ring: where the samples come, if memory can be
  *     shared; latency in frames: by how much later than here a sample is heard than what is reported of it is seen, below
- *     zero when it is heard first; brace: for how many frames the page will keep the processor busy
+ *     zero when it is heard first; busyFrames: for how many frames the page will keep the processor busy
  * @typedef {{ stream: number, samples?: Float32Array, playing?: boolean }} FromSynth samples: where memory cannot be
  *     shared
- * @typedef {{ stream: number, want: number, heard?: number, at: number }} ToSynth want, heard: up to which frame of the
- *     stream samples are wanted, and which one is heard (not begun yet below zero) at the time `at` of Date
+ * @typedef {{ stream: number, wanted: number, presented?: number, at: number }} ToSynth wanted, presented: up to which frame of the
+ *     stream samples are wanted, and which one is presented (not begun yet below zero) at the time `at` of Date
  */
 
 /** How many frames are kept ahead. The more, the longer a mute takes to be heard; the fewer, the sooner it stutters. */
@@ -36,9 +36,9 @@ const reportEvery = 1536;
  * The calls of one turn of the sound system come at once, one behind the other. After so many milliseconds another turn
  * has begun.
  */
-const pause = 2;
+const callbackGapMs = 2;
 
-/** How many calls are remembered: more than the latency of the slowest loudspeaker, half a second. */
+/** How many calls are remembered: more than the latency of the slowest audio output, half a second. */
 const memory = 256;
 
 /** How long a sound that is broken off takes to fade, in frames. */
@@ -48,22 +48,22 @@ const { AudioWorkletProcessor, registerProcessor } = /** @type {any} */ (globalT
 
 class SoundProcessor extends AudioWorkletProcessor {
   #ring = new SampleRing(null);
-  #ahead = least;
+  #lookAhead = least;
   #playing = false;
   /** Counts the streams: a seek begins a new one, and what comes of the one before is dropped. */
   #stream = 0;
   /** Frames of the stream that were asked for, and that came. */
-  #asked = 0;
+  #requested = 0;
   #taken = 0;
   #latency = 0;
   /** For how many frames to come as much as possible is kept ahead. */
-  #braced = 0;
+  #busyFrames = 0;
   /** Calls since the stream's first frame, and how many frames had been taken before each of the last ones. */
   #calls = 0;
   #before = new Int32Array(memory);
   /** With which of them the turn began, and when this and the last call came, in milliseconds. */
-  #turn = 0;
-  #turnTime = 0;
+  #callback = 0;
+  #callbackTime = 0;
   #lastTime = 0;
   #sinceReport = 0;
   #fadeLeft = new Float32Array(fadeLength);
@@ -75,31 +75,31 @@ class SoundProcessor extends AudioWorkletProcessor {
   constructor() {
     super();
     this.port.onmessage = (/** @type {MessageEvent<FromPage>} */ event) => {
-      const { port, ring, latency, brace } = event.data;
+      const { port, ring, latency, busyFrames } = event.data;
       if (port !== undefined) {
-        this.#hear(port);
+        this.#connect(port);
       }
       this.#ring = ring ? new SampleRing(ring) : this.#ring;
       this.#latency = latency ?? this.#latency;
-      this.#braced = brace ?? this.#braced;
+      this.#busyFrames = busyFrames ?? this.#busyFrames;
     };
   }
 
   /** @param {MessagePort | null} synth */
-  #hear(synth) {
+  #connect(synth) {
     this.#breakOff();
     this.#synth?.close();
     this.#synth = synth;
     this.#stream = 0;
     this.#playing = false;
-    this.#ahead = least;
+    this.#lookAhead = least;
     if (synth) {
-      synth.onmessage = (message) => this.#listen(message.data);
+      synth.onmessage = (message) => this.#receive(message.data);
     }
   }
 
   /** @param {FromSynth} message */
-  #listen({ stream, samples, playing }) {
+  #receive({ stream, samples, playing }) {
     if (stream > this.#stream) {
       this.#breakOff();
       this.#stream = stream;
@@ -107,7 +107,7 @@ class SoundProcessor extends AudioWorkletProcessor {
     if (playing !== undefined) {
       if (!playing) {
         this.#breakOff();
-      } else if (this.#asked === 0) {
+      } else if (this.#requested === 0) {
         // A synthesizer that was heard before this one may have answered its last question late.
         this.#ring.clear();
       }
@@ -131,7 +131,7 @@ class SoundProcessor extends AudioWorkletProcessor {
       this.#faded = 0;
     }
     this.#ring.clear();
-    this.#asked = 0;
+    this.#requested = 0;
     this.#taken = 0;
     this.#calls = 0;
     this.#sinceReport = 0;
@@ -145,45 +145,45 @@ class SoundProcessor extends AudioWorkletProcessor {
     const left = outputs[0][0];
     const right = outputs[0][1];
     if (this.#playing) {
-      this.#noticeTurn();
+      this.#noticeCallback();
       const taken = this.#ring.take(left, right);
       if (taken < left.length && taken > 0) {
-        this.#ahead = Math.min(this.#ahead + increase, most);
+        this.#lookAhead = Math.min(this.#lookAhead + increase, most);
       }
       if (taken > 0 || this.#calls > 0) {
         this.#before[this.#calls++ % memory] = this.#taken;
       }
       this.#taken += taken;
-      this.#braced = Math.max(this.#braced - left.length, 0);
+      this.#busyFrames = Math.max(this.#busyFrames - left.length, 0);
       this.#sinceReport += left.length;
-      this.#tell(left.length);
+      this.#post(left.length);
     }
     this.#mixFade(left, right);
     return true;
   }
 
-  #noticeTurn() {
+  #noticeCallback() {
     const now = Date.now();
-    if (now - this.#lastTime >= pause || this.#calls === 0) {
-      this.#turn = this.#calls;
-      this.#turnTime = now;
+    if (now - this.#lastTime >= callbackGapMs || this.#calls === 0) {
+      this.#callback = this.#calls;
+      this.#callbackTime = now;
     }
     this.#lastTime = now;
   }
 
   /** @param {number} length frames of a call */
-  #tell(length) {
-    const missing = (this.#braced > 0 ? most : this.#ahead) - (this.#asked - this.#taken);
+  #post(length) {
+    const missing = (this.#busyFrames > 0 ? most : this.#lookAhead) - (this.#requested - this.#taken);
     if (missing <= 0 && this.#sinceReport < reportEvery) {
       return;
     }
     if (missing > 0) {
       // The first time exactly what is to be kept ahead: from then on the questions come when a turn begins.
-      this.#asked += this.#asked === 0 ? missing : Math.ceil(missing / portion) * portion;
+      this.#requested += this.#requested === 0 ? missing : Math.ceil(missing / portion) * portion;
     }
     this.#sinceReport = 0;
-    const heard = this.#calls > 0 ? this.#heardFrame(length) : undefined;
-    this.#synth?.postMessage({ stream: this.#stream, want: this.#asked, heard, at: this.#turnTime });
+    const presented = this.#calls > 0 ? this.#presentedFrame(length) : undefined;
+    this.#synth?.postMessage({ stream: this.#stream, wanted: this.#requested, presented, at: this.#callbackTime });
   }
 
   /**
@@ -191,14 +191,14 @@ class SoundProcessor extends AudioWorkletProcessor {
    *
    * @param {number} length frames of a call
    */
-  #heardFrame(length) {
+  #presentedFrame(length) {
     const back = Math.min(Math.round(this.#latency / length), memory - 1);
-    const call = this.#turn - back;
+    const call = this.#callback - back;
     if (call <= 0) {
       return call * length;
     }
     // What has not been taken yet is heard one call behind the other from now on.
-    const known = Math.min(call, this.#turn);
+    const known = Math.min(call, this.#callback);
     return this.#before[known % memory] + (call - known) * length;
   }
 

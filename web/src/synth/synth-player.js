@@ -1,59 +1,59 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { Emitter } from "../shared/emitter.js";
-import { Loudspeaker } from "./loudspeaker.js";
+import { AudioOutput } from "./audio-output.js";
 
 /**
- * The page's side of the synthesizer: starts its worker, and joins it to the loudspeaker.
+ * The page's side of the synthesizer: starts its worker, and joins it to the audio output.
  *
  * @typedef {import("@coderline/alphatab").synth.IAlphaSynth} Player
  */
 
-/** @type {Loudspeaker | null} there as soon as something is to sound */
-let loudspeaker = null;
+/** @type {AudioOutput | null} there as soon as something is to sound */
+let audioOutput = null;
 
-/** What alphaTab knows of the loudspeaker, for one synthesizer. */
-class SoundOutput {
+/** What alphaTab knows of the audio output, for one synthesizer. */
+class SynthOutput {
   /** @type {Emitter<void>} */
   ready = new Emitter();
   /** Never triggered: the audio thread and the synthesizer's worker settle these between themselves. */
   samplesPlayed = new Emitter();
   sampleRequest = new Emitter();
-  #loudspeaker;
-  #line;
+  #audioOutput;
+  #port;
 
   /**
-   * @param {Loudspeaker} loudspeaker
-   * @param {MessagePort} line the audio thread's end of the line to the worker
+   * @param {AudioOutput} audioOutput
+   * @param {MessagePort} port the audio thread's end of the channel to the worker
    */
-  constructor(loudspeaker, line) {
-    this.#loudspeaker = loudspeaker;
-    this.#line = line;
+  constructor(audioOutput, port) {
+    this.#audioOutput = audioOutput;
+    this.#port = port;
   }
 
   get sampleRate() {
-    return this.#loudspeaker.sampleRate;
+    return this.#audioOutput.sampleRate;
   }
 
   open() {
-    this.#loudspeaker.connect(this.#line);
+    this.#audioOutput.connect(this.#port);
     this.ready.trigger();
   }
 
   activate() {
-    this.#loudspeaker.wake(this.#line);
+    this.#audioOutput.wake(this.#port);
   }
 
   play() {
-    this.#loudspeaker.wake(this.#line);
+    this.#audioOutput.wake(this.#port);
   }
 
   pause() {
-    this.#loudspeaker.fallAsleep(this.#line);
+    this.#audioOutput.fallAsleep(this.#port);
   }
 
   destroy() {
-    this.#loudspeaker.disconnect(this.#line);
+    this.#audioOutput.disconnect(this.#port);
   }
 
   addSamples() {}
@@ -87,7 +87,7 @@ function newWorker() {
 }
 
 export class SynthPlayer {
-  #talk;
+  #worker;
 
   /** Gets the next synthesizer its worker: to be called while the page has time for that. */
   static prepare() {
@@ -98,14 +98,14 @@ export class SynthPlayer {
   constructor(settings) {
     const worker = spare ?? newWorker();
     spare = null;
-    const line = new MessageChannel();
-    const talk = new MessageChannel();
-    loudspeaker ??= new Loudspeaker();
-    const { ring } = loudspeaker;
-    worker.postMessage({ cmd: "serve", page: talk.port2, loudspeaker: line.port2, ring }, [talk.port2, line.port2]);
-    this.#talk = Object.assign(talk.port1, { terminate: () => worker.terminate() });
-    this.player = new WorkerPlayer(new SoundOutput(loudspeaker, line.port1), settings, this.#talk);
-    this.#talk.start();
+    const toAudioThread = new MessageChannel();
+    const toPage = new MessageChannel();
+    audioOutput ??= new AudioOutput();
+    const { ring } = audioOutput;
+    worker.postMessage({ cmd: "serve", page: toPage.port2, audioThread: toAudioThread.port2, ring }, [toPage.port2, toAudioThread.port2]);
+    this.#worker = Object.assign(toPage.port1, { terminate: () => worker.terminate() });
+    this.player = new WorkerPlayer(new SynthOutput(audioOutput, toAudioThread.port1), settings, this.#worker);
+    this.#worker.start();
   }
 
   /**
@@ -114,13 +114,13 @@ export class SynthPlayer {
    */
   loadBanks(banks) {
     const buffers = banks.map((bank) => bank.buffer);
-    this.#talk.postMessage({ cmd: "alphaSynth.loadBanks", banks }, buffers);
+    this.#worker.postMessage({ cmd: "alphaSynth.loadBanks", banks }, buffers);
   }
 
   /** @returns {Promise<import("../soundfont/sounds-in-use.js").SoundInUse[]>} those that the score plays */
   soundsInUse() {
     const { port1, port2 } = new MessageChannel();
-    this.#talk.postMessage({ cmd: "alphaSynth.tellSoundsInUse", answer: port2 }, [port2]);
+    this.#worker.postMessage({ cmd: "alphaSynth.postSoundsInUse", answer: port2 }, [port2]);
     return new Promise((resolve) => {
       port1.onmessage = ({ data }) => {
         port1.close();
@@ -137,16 +137,16 @@ export class SynthPlayer {
    */
   replaceSound(index, sound) {
     const samples = sound.samples.map((sample) => sample.samples.buffer);
-    this.#talk.postMessage({ cmd: "alphaSynth.replaceSound", index, sound }, samples);
+    this.#worker.postMessage({ cmd: "alphaSynth.replaceSound", index, sound }, samples);
   }
 
   /** Has the worker collect its garbage. */
   tidy() {
-    this.#talk.postMessage({ cmd: "alphaSynth.tidy" });
+    this.#worker.postMessage({ cmd: "alphaSynth.tidy" });
   }
 
   /** @param {import("./practice-synth.js").CountIn | null} countIn what the next start begins with */
   setCountIn(countIn) {
-    this.#talk.postMessage({ cmd: "alphaSynth.setCountIn", countIn });
+    this.#worker.postMessage({ cmd: "alphaSynth.setCountIn", countIn });
   }
 }

@@ -1,7 +1,7 @@
 // @ts-check
 import "../../vendor/alphaTab.min.js";
 import { alphaTab } from "../shared/alphatab.js";
-import { HeardClock } from "./heard-clock.js";
+import { PlaybackClock } from "./playback-clock.js";
 import { PracticeSynth } from "./practice-synth.js";
 import { SampleRing } from "../audio/sample-ring.js";
 import { collectThoroughly } from "../shared/garbage.js";
@@ -44,19 +44,19 @@ const operations = {
   resetChannelStates: (synth) => synth.resetChannelStates(),
   applyTranspositionPitches: (synth, { transpositionPitches }) => synth.applyTranspositionPitches(transpositionPitches),
   setCountIn: (synth, { countIn }) => synth.setCountIn(countIn),
-  tellSoundsInUse: (synth, { answer }) => answer.postMessage(synth.instruments.inUse()),
+  postSoundsInUse: (synth, { answer }) => answer.postMessage(synth.instruments.inUse()),
   tidy: () => collectThoroughly(),
   replaceSound: (synth, { index, sound }) => synth.instruments.replace(index, sound),
 };
 
 /** The way to the audio thread. */
-class Line {
+class SamplePort {
   #port;
   #ring;
   #stream = 0;
   /** Frames of the stream that are on their way. */
   #sent = 0;
-  /** @type {HeardClock | undefined} */
+  /** @type {PlaybackClock | undefined} */
   #clock;
 
   /**
@@ -86,14 +86,14 @@ class Line {
 
   /** @param {PracticeSynth} synth who answers */
   serve(synth) {
-    const clock = new HeardClock(synth);
+    const clock = new PlaybackClock(synth);
     this.#clock = clock;
     this.#port.onmessage = ({ data }) => {
-      const { stream, want, heard, at } = /** @type {import("./sound-processor.js").ToSynth} */ (data);
+      const { stream, wanted, presented, at } = /** @type {import("./sound-processor.js").ToSynth} */ (data);
       if (stream !== this.#stream) {
         return;
       }
-      const samples = want > this.#sent ? synth.render(want - this.#sent) : null;
+      const samples = wanted > this.#sent ? synth.render(wanted - this.#sent) : null;
       if (samples) {
         this.#sent += samples.length / 2;
         if (this.#ring) {
@@ -102,8 +102,8 @@ class Line {
           this.#send({ samples });
         }
       }
-      if (heard !== undefined) {
-        clock.set(heard, at);
+      if (presented !== undefined) {
+        clock.set(presented, at);
       }
     };
   }
@@ -120,25 +120,25 @@ class Line {
  */
 function report(synth, page) {
   /** @type {(cmd: string, details?: object) => void} */
-  const tell = (cmd, details) => page.postMessage({ cmd: `alphaSynth.${cmd}`, ...details });
-  synth.positionChanged.on((args) => tell("positionChanged", { args }));
-  synth.stateChanged.on(({ state, stopped }) => tell("playerStateChanged", { state, stopped }));
-  synth.soundFontLoaded.on(() => tell("soundFontLoaded"));
-  synth.soundFontLoadFailed.on((error) => tell("soundFontLoadFailed", { error }));
-  synth.midiLoaded.on((args) => tell("midiLoaded", { args }));
-  synth.midiLoadFailed.on((error) => tell("midiLoadFailed", { error }));
-  synth.readyForPlayback.on(() => tell("readyForPlayback"));
-  synth.playbackRangeChanged.on(({ playbackRange }) => tell("playbackRangeChanged", { playbackRange }));
-  tell("ready");
+  const post = (cmd, details) => page.postMessage({ cmd: `alphaSynth.${cmd}`, ...details });
+  synth.positionChanged.on((args) => post("positionChanged", { args }));
+  synth.stateChanged.on(({ state, stopped }) => post("playerStateChanged", { state, stopped }));
+  synth.soundFontLoaded.on(() => post("soundFontLoaded"));
+  synth.soundFontLoadFailed.on((error) => post("soundFontLoadFailed", { error }));
+  synth.midiLoaded.on((args) => post("midiLoaded", { args }));
+  synth.midiLoadFailed.on((error) => post("midiLoadFailed", { error }));
+  synth.readyForPlayback.on(() => post("readyForPlayback"));
+  synth.playbackRangeChanged.on(({ playbackRange }) => post("playbackRangeChanged", { playbackRange }));
+  post("ready");
 }
 
 /**
  * @param {MessagePort} page
- * @param {MessagePort} loudspeaker
+ * @param {MessagePort} audioThread
  * @param {SharedArrayBuffer | null} ring
  */
-export function serve(page, loudspeaker, ring) {
-  const line = new Line(loudspeaker, ring);
+export function serve(page, audioThread, ring) {
+  const output = new SamplePort(audioThread, ring);
   /** @type {PracticeSynth | undefined} */
   let synth;
   page.onmessage = ({ data }) => {
@@ -148,16 +148,16 @@ export function serve(page, loudspeaker, ring) {
       alphaTab.Logger.logLevel = command.logLevel;
       synth = new PracticeSynth(command.sampleRate, {
         start: () => {
-          line.start();
+          output.start();
           page.postMessage({ cmd: "alphaSynth.output.play" });
         },
         stop: () => {
-          line.stop();
+          output.stop();
           page.postMessage({ cmd: "alphaSynth.output.pause" });
         },
-        clear: () => line.clear(),
+        clear: () => output.clear(),
       });
-      line.serve(synth);
+      output.serve(synth);
       report(synth, page);
     } else if (name === "destroy") {
       synth?.destroy();

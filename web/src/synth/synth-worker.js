@@ -8,6 +8,6 @@
 addEventListener("message", async ({ data }) => {
   if (data.cmd === "serve") {
     const { serve } = await import("./synth-service.js");
-    serve(data.page, data.loudspeaker, data.ring);
+    serve(data.page, data.audioThread, data.ring);
   }
 });

@@ -1,4 +1,4 @@
-// The audio thread, without a loudspeaker: what it would play is returned.
+// The audio thread, without a audio output: what it would play is returned.
 import { findOnsets } from "../../src/backing-track/decode/onsets.js";
 import { blocksOf, sampleRate } from "./sounds.mjs";
 

@@ -33,7 +33,7 @@ export function scoreOf(text) {
   return alphaTab.importer.ScoreLoader.loadAlphaTex(text, new alphaTab.Settings());
 }
 
-/** A synthesizer with a score in it and the metronome beside it; everything but the page and the loudspeaker. */
+/** A synthesizer with a score in it and the metronome beside it; everything but the page and the audio output. */
 export class Rehearsal {
   streams = 0;
   messages = [];

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { HeardClock } from "../src/synth/heard-clock.js";
+import { PlaybackClock } from "../src/synth/playback-clock.js";
 import { pass } from "./support/clock.mjs";
 
 /** A synthesizer with notes at some frames, at a thousand frames a second. */
@@ -12,7 +12,7 @@ function synth(...notes) {
     get nextNote() {
       return notes[0];
     },
-    heard(frame) {
+    presented(frame) {
       told.push(frame);
       while (notes[0] <= frame) {
         notes.shift();
@@ -23,7 +23,7 @@ function synth(...notes) {
 
 test("a note is told of when it is heard, between two reports of the audio thread", () => {
   const one = synth(35, 47);
-  const clock = new HeardClock(one);
+  const clock = new PlaybackClock(one);
   clock.set(10, Date.now());
   pass(24);
   assert.deepEqual(one.told, [10]);
@@ -37,7 +37,7 @@ test("what the report took on its way counts", () => {
   const one = synth(35);
   const at = Date.now();
   pass(5);
-  new HeardClock(one).set(10, at);
+  new PlaybackClock(one).set(10, at);
   assert.deepEqual(one.told, [15]);
   pass(20);
   assert.deepEqual(one.told, [15, 35]);
@@ -45,7 +45,7 @@ test("what the report took on its way counts", () => {
 
 test("before the first sample is heard nothing is told, and then its note", () => {
   const one = synth(0);
-  new HeardClock(one).set(-40, Date.now());
+  new PlaybackClock(one).set(-40, Date.now());
   pass(39);
   assert.deepEqual(one.told, []);
   pass(1);
@@ -54,7 +54,7 @@ test("before the first sample is heard nothing is told, and then its note", () =
 
 test("what is heard never goes back, and a note far ahead waits for the next report", () => {
   const one = synth(200);
-  const clock = new HeardClock(one);
+  const clock = new PlaybackClock(one);
   clock.set(100, Date.now());
   pass(10);
   clock.set(95, Date.now());
@@ -65,7 +65,7 @@ test("what is heard never goes back, and a note far ahead waits for the next rep
 
 test("a stream that was broken off is told of no more", () => {
   const one = synth(30);
-  const clock = new HeardClock(one);
+  const clock = new PlaybackClock(one);
   clock.set(10, Date.now());
   clock.stop();
   pass(100);

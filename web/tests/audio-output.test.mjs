@@ -3,9 +3,9 @@ import { test } from "node:test";
 import { contexts, settled, told } from "./support/audio-context.mjs";
 import { pass } from "./support/clock.mjs";
 
-const { Loudspeaker } = await import("../src/synth/loudspeaker.js");
+const { AudioOutput } = await import("../src/synth/audio-output.js");
 
-const loudspeaker = new Loudspeaker();
+const audioOutput = new AudioOutput();
 
 /** The ports that the audio thread was told of, in order. */
 async function ports() {
@@ -15,12 +15,12 @@ async function ports() {
 
 test("it sleeps when there has been nothing to hear for a while", () => {
   const line = {};
-  loudspeaker.connect(line);
-  loudspeaker.wake(line);
+  audioOutput.connect(line);
+  audioOutput.wake(line);
   assert.equal(contexts.state, "running");
   pass(60000);
   assert.equal(contexts.state, "running");
-  loudspeaker.fallAsleep(line);
+  audioOutput.fallAsleep(line);
   pass(14000);
   assert.equal(contexts.state, "running");
   pass(2000);
@@ -29,19 +29,19 @@ test("it sleeps when there has been nothing to hear for a while", () => {
 
 test("a synthesizer that another one has taken the place of has no say any more", async () => {
   const [first, second] = [{ name: "first" }, { name: "second" }];
-  loudspeaker.connect(first);
-  loudspeaker.connect(second);
-  loudspeaker.wake(second);
-  loudspeaker.fallAsleep(first);
-  loudspeaker.disconnect(first);
+  audioOutput.connect(first);
+  audioOutput.connect(second);
+  audioOutput.wake(second);
+  audioOutput.fallAsleep(first);
+  audioOutput.disconnect(first);
   pass(60000);
   assert.equal(contexts.state, "running");
   assert.deepEqual((await ports()).slice(-2), [first, second]);
-  loudspeaker.disconnect(second);
+  audioOutput.disconnect(second);
   assert.equal((await ports()).at(-1), null);
   pass(60000);
   assert.equal(contexts.state, "suspended");
-  loudspeaker.wake(first);
+  audioOutput.wake(first);
   assert.equal(contexts.state, "suspended");
   assert.equal(contexts.made, 1);
 });

@@ -1,5 +1,5 @@
 // @ts-check
-import { turnOfSound, watchHearingDelay } from "../audio/hearing-delay.js";
+import { callbackSeconds, watchOutputLatency } from "../audio/output-latency.js";
 import { SampleRing } from "../audio/sample-ring.js";
 
 /**
@@ -7,20 +7,20 @@ import { SampleRing } from "../audio/sample-ring.js";
  * nothing to hear. There is one for all of them, as a closed context keeps part of its memory.
  */
 
-/** How long after the last sound the line to the sound system is kept open, in milliseconds. */
-const patience = 15000;
+/** How long after the last sound the audio context is suspended. */
+const suspendDelayMs = 15000;
 
 /** What announces that the page will be busy drawing, and for how long more sound is kept ahead then, in seconds. */
 const busySigns = ["resize", "wheel"];
-const busyTime = 2;
+const busySeconds = 2;
 
-export class Loudspeaker {
+export class AudioOutput {
   /** Where the synthesizer puts its samples; null where threads cannot share memory. */
   ring = SampleRing.sharedMemory();
-  #context = new AudioContext({ latencyHint: turnOfSound });
+  #context = new AudioContext({ latencyHint: callbackSeconds });
   #node = this.#build();
   /** @type {MessagePort | null} to the synthesizer that is heard; what another one wishes no longer counts */
-  #line = null;
+  #port = null;
   #sleep = 0;
 
   /** In samples a second. */
@@ -28,35 +28,35 @@ export class Loudspeaker {
     return this.#context.sampleRate;
   }
 
-  /** @param {MessagePort} line the audio thread's end of the line to a synthesizer, handed over: that one is heard now */
-  connect(line) {
-    this.#line = line;
-    void this.#tell({ port: line }, [line]);
-    this.fallAsleep(line);
+  /** @param {MessagePort} port the audio thread's end of a channel to a synthesizer, handed over: that one is heard now */
+  connect(port) {
+    this.#port = port;
+    void this.#post({ port }, [port]);
+    this.fallAsleep(port);
   }
 
-  /** @param {MessagePort} line */
-  disconnect(line) {
-    if (line === this.#line) {
-      this.fallAsleep(line);
-      this.#line = null;
-      void this.#tell({ port: null });
+  /** @param {MessagePort} port */
+  disconnect(port) {
+    if (port === this.#port) {
+      this.fallAsleep(port);
+      this.#port = null;
+      void this.#post({ port: null });
     }
   }
 
-  /** @param {MessagePort} line of the synthesizer that is about to sound */
-  wake(line) {
-    if (line === this.#line) {
+  /** @param {MessagePort} port of the synthesizer that is about to sound */
+  wake(port) {
+    if (port === this.#port) {
       clearTimeout(this.#sleep);
       void this.#context.resume();
     }
   }
 
-  /** @param {MessagePort} line of the synthesizer that is silent for now */
-  fallAsleep(line) {
-    if (line === this.#line) {
+  /** @param {MessagePort} port of the synthesizer that is silent for now */
+  fallAsleep(port) {
+    if (port === this.#port) {
       clearTimeout(this.#sleep);
-      this.#sleep = setTimeout(() => void this.#context.suspend(), patience);
+      this.#sleep = setTimeout(() => void this.#context.suspend(), suspendDelayMs);
     }
   }
 
@@ -67,9 +67,9 @@ export class Loudspeaker {
     node.connect(context.destination);
     node.port.postMessage({ ring: this.ring });
     for (const sign of busySigns) {
-      addEventListener(sign, () => void this.#tell({ brace: Math.round(busyTime * context.sampleRate) }), { passive: true });
+      addEventListener(sign, () => void this.#post({ busyFrames: Math.round(busySeconds * context.sampleRate) }), { passive: true });
     }
-    watchHearingDelay(context, (seconds) => {
+    watchOutputLatency(context, (seconds) => {
       node.port.postMessage({ latency: Math.round(seconds * context.sampleRate) });
     });
     return node;
@@ -79,7 +79,7 @@ export class Loudspeaker {
    * @param {import("./sound-processor.js").FromPage} message
    * @param {Transferable[]} [transfer]
    */
-  async #tell(message, transfer = []) {
+  async #post(message, transfer = []) {
     (await this.#node).port.postMessage(message, transfer);
   }
 }
