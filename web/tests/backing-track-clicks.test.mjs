@@ -8,18 +8,18 @@ const others = Float32Array.of(0.25);
 /** A click every 1000 frames, the first of four higher. */
 function clicking(levels = 2) {
   const clicks = new BackingTrackClicks(44100);
-  const places = Float64Array.from({ length: 40 }, (_, click) => 1000 * click);
-  clicks.setPattern({ places, levels: Uint8Array.from(places, (_, click) => (click % 4 === 0 ? 0 : 1)) }, 0);
+  const positions = Float64Array.from({ length: 40 }, (_, click) => 1000 * click);
+  clicks.setPattern({ positions, levels: Uint8Array.from(positions, (_, click) => (click % 4 === 0 ? 0 : 1)) }, 0);
   clicks.ticking = { levels, first, others };
   return clicks;
 }
 
-/** @returns {Float32Array} what is heard from a place on, in blocks */
-function heard(clicks, place, frames, speed, block = 128) {
+/** @returns {Float32Array} what is heard from a position on, in blocks */
+function heard(clicks, position, frames, speed, block = 128) {
   const left = new Float32Array(frames);
   const right = new Float32Array(frames);
   for (let at = 0; at < frames; at += block) {
-    clicks.mix(left, right, at, Math.min(block, frames - at), place + at * speed, speed);
+    clicks.mix(left, right, at, Math.min(block, frames - at), position + at * speed, speed);
   }
   assert.deepEqual(left, right);
   return left;

@@ -22,10 +22,10 @@ test("without a backing track nothing is opened; when one is about to play the a
   player.play();
   await settled();
   assert.equal(contexts.made, 1);
-  const [first, ...others] = told.filter((message) => !("delay" in message));
+  const [first, ...others] = told.filter((message) => !("latency" in message));
   assert.deepEqual(others, []);
   const { clicks, ticking: sounds, ...rest } = first;
-  assert.deepEqual(rest, { seek: { place: 300, turn: 1 }, speed: 0.5, loop: { from: 0, to: 500 }, playing: true });
+  assert.deepEqual(rest, { seek: { position: 300, generation: 1 }, speed: 0.5, loop: { from: 0, to: 500 }, playing: true });
   assert.deepEqual([...clicks.times, ...clicks.levels], [500, 1]);
   assert.equal(sounds.levels, 2);
   assert.ok(sounds.first.some((sample) => sample !== 0) && sounds.others.some((sample) => sample !== 0));

@@ -13,7 +13,7 @@ const tone = sound(9, (t) => 0.5 * Math.sin(2 * Math.PI * 220 * t));
 /** A backing track that is about to be played. */
 function loaded(samples, message = {}) {
   const thread = new AudioThread();
-  thread.tell({ seek: { place: 0, turn: 1 }, ...message });
+  thread.tell({ seek: { position: 0, generation: 1 }, ...message });
   thread.load(samples);
   return thread;
 }
@@ -22,12 +22,12 @@ test("clicks and strokes are one, at any speed and from pass to pass of a loop",
   for (const speed of [0.25, 0.5, 1, 2]) {
     const loop = { from: 1000, to: 3000 };
     // The strokes come from the left alone, the clicks from both sides.
-    const thread = loaded(strokes(9, beats), { speed, loop, clicks, ticking: { levels: 2, first: click, others: click }, seek: { place: 900, turn: 1 } });
+    const thread = loaded(strokes(9, beats), { speed, loop, clicks, ticking: { levels: 2, first: click, others: click }, seek: { position: 900, generation: 1 } });
     thread.tell({ playing: true });
     const [left] = thread.listen(7.8 / speed);
     const wanted = Array.from({ length: 16 }, (_, beat) => (100 + 500 * beat) / speed);
     assert.deepEqual(onsets(left).map(Math.round), wanted.map(Math.round));
-    const silent = loaded(new Int16Array(9 * sampleRate), { speed, loop, clicks, ticking: { levels: 2, first: click, others: click }, seek: { place: 900, turn: 1 } });
+    const silent = loaded(new Int16Array(9 * sampleRate), { speed, loop, clicks, ticking: { levels: 2, first: click, others: click }, seek: { position: 900, generation: 1 } });
     silent.tell({ playing: true });
     const ticks = onsets(silent.listen(7.8 / speed)[0]);
     assert.equal(ticks.length, wanted.length);
@@ -37,21 +37,21 @@ test("clicks and strokes are one, at any speed and from pass to pass of a loop",
 
 test("what was asked for before the backing track came counts", () => {
   const thread = new AudioThread();
-  thread.tell({ playing: true, speed: 0.5, seek: { place: 900, turn: 3 } });
+  thread.tell({ playing: true, speed: 0.5, seek: { position: 900, generation: 3 } });
   assert.ok(thread.listen(0.2)[0].every((sample) => sample === 0));
   assert.equal(thread.reports.length, 0);
   thread.load(strokes(9, beats));
   assert.ok(Math.abs(onsets(thread.listen(0.5)[0])[0] - 200) < 0.2);
-  assert.equal(thread.reports[0].turn, 3);
+  assert.equal(thread.reports[0].generation, 3);
 });
 
 test("the place that is heard is reported, through changes of speed and loops", () => {
-  const thread = loaded(tone, { delay: 0.05, loop: { from: 1000, to: 2000 }, seek: { place: 1000, turn: 1 } });
+  const thread = loaded(tone, { latency: 0.05, loop: { from: 1000, to: 2000 }, seek: { position: 1000, generation: 1 } });
   thread.tell({ playing: true });
   thread.listen(0.5);
   thread.tell({ speed: 0.5 });
   thread.listen(1.2);
-  const places = thread.reports.map(({ place }) => place);
+  const places = thread.reports.map(({ position }) => position);
   // Half a second at full speed, then half of a second and a bit: that is behind the end of the loop.
   assert.ok(Math.abs(places.at(-1) - (1000 + 500 + 600 - 1000 - 25)) < 12, String(places.at(-1)));
   assert.equal(thread.reports.filter(({ startsOver }) => startsOver).length, 1);
@@ -59,19 +59,19 @@ test("the place that is heard is reported, through changes of speed and loops", 
 });
 
 test("the end is reported when it is heard", () => {
-  const thread = loaded(sound(1, () => 0.5), { delay: 0.1 });
+  const thread = loaded(sound(1, () => 0.5), { latency: 0.1 });
   thread.tell({ playing: true });
   thread.listen(1.05);
   assert.ok(thread.reports.every(({ ended }) => !ended));
   thread.listen(0.1);
   const last = thread.reports.at(-1);
   assert.ok(last.ended);
-  assert.ok(Math.abs(last.place - 1000) < 1);
+  assert.ok(Math.abs(last.position - 1000) < 1);
 });
 
 test("a pause, a start, a seek and a new backing track do not click", () => {
   const thread = loaded(tone);
-  const actions = [{ playing: true }, { seek: { place: 3003, turn: 2 } }, { playing: false }, { playing: true }, { seek: { place: 1.7, turn: 3 } }, { sound: null }];
+  const actions = [{ playing: true }, { seek: { position: 3003, generation: 2 } }, { playing: false }, { playing: true }, { seek: { position: 1.7, generation: 3 } }, { sound: null }];
   const chunks = actions.map((action) => {
     thread.tell(action);
     return thread.listen(0.1)[0];
@@ -86,11 +86,11 @@ test("a backing track is played while it is still being decoded, and waited for 
   const block = 1 << 16;
   const beginning = tone.slice(0, 2 * block);
   const thread = new AudioThread();
-  thread.tell({ playing: true, seek: { place: 0, turn: 1 } });
+  thread.tell({ playing: true, seek: { position: 0, generation: 1 } });
   thread.add([beginning], { first: true });
   const [heard] = thread.listen(1);
   assert.ok(Math.min(...levels(heard.subarray(2000), 20)) > -12);
-  thread.tell({ seek: { place: 5000, turn: 2 } });
+  thread.tell({ seek: { position: 5000, generation: 2 } });
   const [waiting] = thread.listen(0.5);
   assert.ok(sharpest(waiting) < 0.06);
   assert.ok(Math.max(...levels(waiting.subarray(512), 20)) < -100);
@@ -98,13 +98,13 @@ test("a backing track is played while it is still being decoded, and waited for 
   thread.add([tone.slice(2 * block)], { last: true });
   const [, right] = thread.listen(0.2);
   assert.deepEqual(right.subarray(64), Float32Array.from(tone.subarray(5 * sampleRate + 64, 5 * sampleRate + right.length), (sample) => sample / 32768));
-  assert.ok(thread.reports[length].place < 5100);
+  assert.ok(thread.reports[length].position < 5100);
 });
 
 test("a backing track that is played faster than it comes is broken off and taken up again", () => {
   const block = 1 << 16;
   const thread = new AudioThread();
-  thread.tell({ playing: true, seek: { place: 0, turn: 1 } });
+  thread.tell({ playing: true, seek: { position: 0, generation: 1 } });
   thread.add([tone.slice(0, block)], { first: true });
   const [first] = thread.listen(2);
   const loud = levels(first, 10).filter((level) => level > -12).length / 100;
@@ -121,7 +121,7 @@ test("onsets that come with a later chunk are kept in time", () => {
   const samples = strokes(9, beats);
   const onsets = [...findOnsets([samples], sampleRate)];
   const thread = new AudioThread();
-  thread.tell({ speed: 0.5, playing: true, seek: { place: 0, turn: 1 } });
+  thread.tell({ speed: 0.5, playing: true, seek: { position: 0, generation: 1 } });
   const listened = [];
   for (let at = 0; at < samples.length; at += block) {
     const own = Int32Array.from(onsets.filter((frame) => frame >= at && frame < at + block));
@@ -155,6 +155,6 @@ test("garbage is collected when the page asks for it", () => {
   watchCollections(() => collected++);
   const thread = loaded(tone);
   assert.equal(collected, 0);
-  thread.tell({ tidy: true });
+  thread.tell({ collect: true });
   assert.equal(collected, 1);
 });

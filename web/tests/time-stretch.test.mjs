@@ -77,7 +77,7 @@ test("a change of speed neither jumps nor clicks", () => {
   const all = Float32Array.from(chunks.flatMap((chunk) => [...chunk]));
   const bend = (2 * Math.PI * 330 / sampleRate) ** 2 * 0.8 * (30000 / 32768);
   assert.ok(sharpest(all) < bend * 1.5 + 6 / 32768, `${sharpest(all)} instead of ${bend}`);
-  assert.ok(Math.abs(player.stretch.place / sampleRate - 0.713 * (0.5 + 1 + 0.25 + 2 + 1)) < 0.001);
+  assert.ok(Math.abs(player.stretch.position / sampleRate - 0.713 * (0.5 + 1 + 0.25 + 2 + 1)) < 0.001);
 });
 
 test("strokes stay in time through changes of speed", () => {
@@ -86,8 +86,8 @@ test("strokes stay in time through changes of speed", () => {
   player.stretch.speed = 1.5;
   player.listen(1.9);
   player.stretch.speed = 1;
-  const place = player.stretch.place / sampleRate;
-  const wanted = beats.filter((beat) => beat > place + 0.05).map((beat) => (beat - place) * 1000);
+  const position = player.stretch.position / sampleRate;
+  const wanted = beats.filter((beat) => beat > position + 0.05).map((beat) => (beat - position) * 1000);
   const heard = onsets(player.listen(20)[0]).filter((at) => at > 50);
   assert.equal(heard.length, wanted.length);
   heard.forEach((at, index) => assert.ok(Math.abs(at - wanted[index]) < 0.2, `${at} instead of ${wanted[index]}`));

@@ -53,7 +53,7 @@ export class PageApi extends alphaTab.AlphaTabApi {
     this.notation = notation;
     this.uiFacade.beginInvoke = nextFrame();
     this.uiFacade.createWorkerPlayer = () => (this.synth = new SynthPlayer(this.settings)).player;
-    this.backingTrackPlayer.heard.on((ms) => this.#media?.updatePosition(ms));
+    this.backingTrackPlayer.presented.on((ms) => this.#media?.updatePosition(ms));
     // A backing track may end before the last bar does.
     this.backingTrackPlayer.ended.on(() => this.stop());
     this.workerRenderer = new WorkerRenderer(renderWorker, viewport);

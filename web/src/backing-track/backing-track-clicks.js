@@ -5,8 +5,8 @@ import { firstAtLeast } from "./stretch/time-stretch.js";
  * The metronome's clicks beside a backing track, mixed in where the backing track has come to them.
  *
  * @typedef {object} Pattern
- * @property {Float64Array} places frames of the backing track, in rising order
- * @property {Uint8Array} levels of each place: 0 for the first beat of a bar, higher for finer parts
+ * @property {Float64Array} positions frames of the backing track, in rising order
+ * @property {Uint8Array} levels of each position: 0 for the first beat of a bar, higher for finer parts
  *
  * @typedef {object} Ticking
  * @property {number} levels clicks of a lower level than this are heard
@@ -15,12 +15,12 @@ import { firstAtLeast } from "./stretch/time-stretch.js";
  */
 
 /** A start so little behind a click is meant for it, in seconds: alphaTab takes a tick more for each thing it is told. */
-const slack = 0.003;
+const slackSeconds = 0.003;
 
 export class BackingTrackClicks {
   #slack;
   /** @type {Pattern} */
-  #pattern = { places: new Float64Array(0), levels: new Uint8Array(0) };
+  #pattern = { positions: new Float64Array(0), levels: new Uint8Array(0) };
   /** @type {Ticking} */
   #ticking = { levels: 0, first: new Float32Array(0), others: new Float32Array(0) };
   #next = 0;
@@ -29,7 +29,7 @@ export class BackingTrackClicks {
 
   /** @param {number} sampleRate samples a second */
   constructor(sampleRate) {
-    this.#slack = slack * sampleRate;
+    this.#slack = slackSeconds * sampleRate;
   }
 
   /** @param {Ticking} ticking from the next click on */
@@ -39,16 +39,16 @@ export class BackingTrackClicks {
 
   /**
    * @param {Pattern} pattern
-   * @param {number} place where the backing track is
+   * @param {number} position where the backing track is
    */
-  setPattern(pattern, place) {
+  setPattern(pattern, position) {
     this.#pattern = pattern;
-    this.goTo(place);
+    this.goTo(position);
   }
 
-  /** @param {number} place where the backing track goes on */
-  goTo(place) {
-    this.#next = firstAtLeast(this.#pattern.places, place - this.#slack);
+  /** @param {number} position where the backing track goes on */
+  goTo(position) {
+    this.#next = firstAtLeast(this.#pattern.positions, position - this.#slack);
   }
 
   /** No click is heard any more. */
@@ -61,15 +61,15 @@ export class BackingTrackClicks {
    * @param {Float32Array} right
    * @param {number} at the first frame to mix to
    * @param {number} count
-   * @param {number} place of the backing track at that frame
+   * @param {number} position of the backing track at that frame
    * @param {number} speed frames of the backing track for each frame
    */
-  mix(left, right, at, count, place, speed) {
-    const { places, levels } = this.#pattern;
-    for (; this.#next < places.length && places[this.#next] < place + count * speed; this.#next++) {
+  mix(left, right, at, count, position, speed) {
+    const { positions, levels } = this.#pattern;
+    for (; this.#next < positions.length && positions[this.#next] < position + count * speed; this.#next++) {
       if (levels[this.#next] < this.#ticking.levels) {
         const samples = levels[this.#next] === 0 ? this.#ticking.first : this.#ticking.others;
-        this.#sounding.push({ samples, from: Math.max(Math.round((places[this.#next] - place) / speed), 0) });
+        this.#sounding.push({ samples, from: Math.max(Math.round((positions[this.#next] - position) / speed), 0) });
       }
     }
     let kept = 0;

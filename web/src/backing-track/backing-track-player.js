@@ -25,25 +25,25 @@ import { collectGarbage } from "../shared/garbage.js";
  * @property {number} volume 0 to 1
  */
 
-/** How long after the last sound the line to the sound system is kept open, in milliseconds. */
-const patience = 15000;
+/** How long after the last sound the audio context is suspended. */
+const suspendDelayMs = 15000;
 
 /** How long a change of volume takes to a third, in seconds: none at all would click. */
-const volumeTime = 0.005;
+const volumeSeconds = 0.005;
 
 /** A seek to what is heard already is none, in milliseconds. */
-const sameTime = 1;
+const sameMs = 1;
 
 /**
  * So long before the end of the loop alphaTab is kept in it, in milliseconds: the stream starts over by itself. What
  * is reported early for the sake of drawing would otherwise be behind the end.
  */
-const endOfLoop = 2;
+const loopEndMarginMs = 2;
 
 /** @implements {MediaHandler} */
 export class BackingTrackPlayer {
-  /** @type {Emitter<number>} what is heard while playing; at each pass of a loop its very end too */
-  heard = new Emitter();
+  /** @type {Emitter<number>} what is presented while playing; at each pass of a loop its very end too */
+  presented = new Emitter();
   /** @type {Emitter<void>} the backing track is over */
   ended = new Emitter();
   /** @type {Emitter<string>} why there is nothing to hear */
@@ -70,8 +70,8 @@ export class BackingTrackPlayer {
   /** @type {Ticking} */
   #ticking = { levels: 0, sound: "woodblock", accent: true, volume: 0 };
   /** Counts the seeks: what was reported before the last one is stale. */
-  #turn = 0;
-  #heard = 0;
+  #generation = 0;
+  #presentedMs = 0;
   #startingOver = false;
   #sleep = 0;
 
@@ -80,7 +80,7 @@ export class BackingTrackPlayer {
     if (backingTrack !== this.#backingTrack) {
       this.#backingTrack = backingTrack;
       this.#chunks = [];
-      this.#tell({ sound: null });
+      this.#post({ sound: null });
       if (backingTrack) {
         void this.#decode(backingTrack);
       }
@@ -93,7 +93,7 @@ export class BackingTrackPlayer {
 
   set playbackRate(speed) {
     this.#speed = speed;
-    this.#tell({ speed });
+    this.#post({ speed });
   }
 
   get masterVolume() {
@@ -107,7 +107,7 @@ export class BackingTrackPlayer {
     }
     const { gain } = this.#gain;
     if (this.#playing) {
-      gain.setTargetAtTime(volume, this.#context.currentTime, volumeTime);
+      gain.setTargetAtTime(volume, this.#context.currentTime, volumeSeconds);
     } else {
       // What begins now, or when the context wakes, would begin with the change.
       gain.cancelScheduledValues(0);
@@ -117,39 +117,39 @@ export class BackingTrackPlayer {
 
   /** @param {number} ms */
   seekTo(ms) {
-    if (this.#startingOver || (this.#playing && Math.abs(ms - this.#heard) < sameTime)) {
+    if (this.#startingOver || (this.#playing && Math.abs(ms - this.#presentedMs) < sameMs)) {
       return;
     }
-    this.#heard = ms;
-    this.#turn++;
-    this.#tell({ seek: this.#seek });
+    this.#presentedMs = ms;
+    this.#generation++;
+    this.#post({ seek: this.#seek });
   }
 
   play() {
     clearTimeout(this.#sleep);
     this.#playing = true;
     void this.#open().resume();
-    this.#tell({ playing: true });
+    this.#post({ playing: true });
   }
 
   pause() {
     this.#playing = false;
-    this.#tell({ playing: false });
+    this.#post({ playing: false });
     // Back from what was handed over to what was heard.
-    this.seekTo(this.#heard);
+    this.seekTo(this.#presentedMs);
     this.#fallAsleep();
   }
 
   /** @param {Loop | null} loop what is played over and over */
   setLoop(loop) {
     this.#loop = loop;
-    this.#tell({ loop });
+    this.#post({ loop });
   }
 
   /** @param {TimedClick[]} clicks in rising order of time */
   setClicks(clicks) {
     this.#clicks = clicks;
-    this.#tell({ clicks: placesOf(clicks) });
+    this.#post({ clicks: timesOf(clicks) });
   }
 
   /** @param {Ticking} ticking */
@@ -159,17 +159,17 @@ export class BackingTrackPlayer {
     const { levels, sound, accent, volume } = ticking;
     const same = levels === before.levels && sound === before.sound && accent === before.accent && volume === before.volume;
     if (this.#context && !same) {
-      this.#tell({ ticking: this.#clickSounds(this.#context) });
+      this.#post({ ticking: this.#clickSounds(this.#context) });
     }
   }
 
   /** Has the audio thread collect its garbage, for which nobody may be listening. */
   tidy() {
-    this.#tell({ tidy: true });
+    this.#post({ collect: true });
   }
 
   get #seek() {
-    return { place: Math.max(this.#heard, 0), turn: this.#turn };
+    return { position: Math.max(this.#presentedMs, 0), generation: this.#generation };
   }
 
   /** @param {AudioContext} context */
@@ -187,7 +187,7 @@ export class BackingTrackPlayer {
         if (backingTrack !== this.#backingTrack) {
           return;
         }
-        this.#hand(chunk);
+        this.#handOver(chunk);
       }
       // What the decoder wrote is many times what is kept of it.
       collectGarbage();
@@ -217,30 +217,30 @@ export class BackingTrackPlayer {
     await context.audioWorklet.addModule(new URL("./backing-track-processor.js", import.meta.url));
     const node = new AudioWorkletNode(context, "quaverly-backing-track", { numberOfInputs: 0, outputChannelCount: [2] });
     node.port.onmessage = (/** @type {MessageEvent<ToPage | Returned>} */ { data }) => {
-      if ("turn" in data) {
-        this.#listen(data);
+      if ("generation" in data) {
+        this.#receive(data);
       }
     };
     node.connect(gain);
     this.#node = node;
-    this.#tell({
+    this.#post({
       seek: this.#seek,
       speed: this.#speed,
       loop: this.#loop,
-      clicks: placesOf(this.#clicks),
+      clicks: timesOf(this.#clicks),
       ticking: this.#clickSounds(context),
       playing: this.#playing,
     });
     for (const chunk of this.#chunks.splice(0)) {
-      this.#hand(chunk);
+      this.#handOver(chunk);
     }
-    watchOutputLatency(context, (delay) => this.#tell({ delay }));
+    watchOutputLatency(context, (latency) => this.#post({ latency }));
   }
 
   /** @param {Chunk} chunk of the backing track */
-  #hand(chunk) {
+  #handOver(chunk) {
     if (this.#node) {
-      this.#tell({ chunk }, [chunk.onsets.buffer, ...chunk.blocks.flat().map(({ buffer }) => buffer)]);
+      this.#post({ chunk }, [chunk.onsets.buffer, ...chunk.blocks.flat().map(({ buffer }) => buffer)]);
     } else {
       this.#chunks.push(chunk);
     }
@@ -252,25 +252,25 @@ export class BackingTrackPlayer {
    * @param {FromPage} message
    * @param {Transferable[]} [transfer]
    */
-  #tell(message, transfer = []) {
+  #post(message, transfer = []) {
     this.#node?.port.postMessage(message, transfer);
   }
 
   /** @param {ToPage} report */
-  #listen({ turn, place, startsOver, ended }) {
-    if (turn !== this.#turn || !this.#playing) {
+  #receive({ generation, position, startsOver, ended }) {
+    if (generation !== this.#generation || !this.#playing) {
       return;
     }
     const loop = this.#loop;
     if (startsOver && loop) {
       // alphaTab goes back to the beginning of the loop when it hears of its end; the sound is there already.
       this.#startingOver = true;
-      this.heard.trigger(loop.to);
+      this.presented.trigger(loop.to);
       this.#startingOver = false;
     }
-    const inLoop = loop !== null && (startsOver || this.#heard < loop.to);
-    this.#heard = inLoop ? Math.min(place, loop.to - endOfLoop) : place;
-    this.heard.trigger(this.#heard);
+    const inLoop = loop !== null && (startsOver || this.#presentedMs < loop.to);
+    this.#presentedMs = inLoop ? Math.min(position, loop.to - loopEndMarginMs) : position;
+    this.presented.trigger(this.#presentedMs);
     if (ended) {
       this.ended.trigger();
     }
@@ -278,11 +278,11 @@ export class BackingTrackPlayer {
 
   #fallAsleep() {
     clearTimeout(this.#sleep);
-    this.#sleep = setTimeout(() => void this.#context?.suspend(), patience);
+    this.#sleep = setTimeout(() => void this.#context?.suspend(), suspendDelayMs);
   }
 }
 
 /** @param {TimedClick[]} clicks */
-function placesOf(clicks) {
+function timesOf(clicks) {
   return { times: Float64Array.from(clicks, ({ ms }) => ms), levels: Uint8Array.from(clicks, ({ level }) => level) };
 }

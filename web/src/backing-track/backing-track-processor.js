@@ -13,18 +13,18 @@ import { TimeStretch } from "./stretch/time-stretch.js";
  * @property {null} [sound] there is none any more
  * @property {import("./stretch/decoded-track.js").Chunk} [chunk] of a backing track; playing waits for the chunk that it starts in
  * @property {boolean} [playing]
- * @property {{ place: number, turn: number }} [seek] turn: what reports are told apart by from then on
+ * @property {{ position: number, generation: number }} [seek] generation: what reports are told apart by from then on
  * @property {number} [speed]
  * @property {{ from: number, to: number } | null} [loop]
  * @property {{ times: Float64Array, levels: Uint8Array }} [clicks]
  * @property {import("./backing-track-clicks.js").Ticking} [ticking]
- * @property {boolean} [tidy] whether garbage is to be collected
- * @property {number} [delay] in seconds: by how much later than here a sample is heard than what is reported of it is
+ * @property {boolean} [collect] whether garbage is to be collected
+ * @property {number} [latency] in seconds: by how much later than here a sample is heard than what is reported of it is
  *     seen; below zero when it is heard first
  *
  * @typedef {object} ToPage
- * @property {number} turn
- * @property {number} place what is heard now, in milliseconds of the backing track
+ * @property {number} generation
+ * @property {number} position what is presented now, in milliseconds of the backing track
  * @property {boolean} startsOver whether the loop did since the last report
  * @property {boolean} ended whether the backing track is over
  *
@@ -51,13 +51,13 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
   #playing = false;
   /** Whether what comes next has not been decoded yet. */
   #waiting = true;
-  #turn = 0;
+  #generation = 0;
   /** Frames of the backing track: where it starts when it comes, and afterwards whatever seek was last. */
   #start = 0;
   #speed = 1;
   /** @type {import("./stretch/time-stretch.js").Loop | null} */
   #loop = null;
-  #delay = 0;
+  #latency = 0;
   /** Frames played since the last seek, and after how many of them the backing track was over. */
   #played = 0;
   #end = Infinity;
@@ -68,18 +68,18 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
 
   constructor() {
     super();
-    this.port.onmessage = (/** @type {MessageEvent<FromPage>} */ { data }) => this.#listen(data);
+    this.port.onmessage = (/** @type {MessageEvent<FromPage>} */ { data }) => this.#receive(data);
   }
 
   /** @param {FromPage} message */
-  #listen({ sound, chunk, playing, seek, speed, loop, clicks, ticking, tidy, delay }) {
-    this.#delay = delay !== undefined ? Math.round(delay * sampleRate) : this.#delay;
+  #receive({ sound, chunk, playing, seek, speed, loop, clicks, ticking, collect, latency }) {
+    this.#latency = latency !== undefined ? Math.round(latency * sampleRate) : this.#latency;
     if (ticking) {
       this.#clicks.ticking = ticking;
     }
     if (clicks) {
-      const places = clicks.times.map(frames);
-      this.#clicks.setPattern({ places, levels: clicks.levels }, this.#stretch?.place ?? this.#start);
+      const positions = clicks.times.map(frames);
+      this.#clicks.setPattern({ positions, levels: clicks.levels }, this.#stretch?.position ?? this.#start);
     }
     if (loop !== undefined) {
       this.#loop = loop && { from: frames(loop.from), to: frames(loop.to) };
@@ -101,14 +101,14 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
       this.#stretch?.grow();
     }
     if (seek) {
-      this.#turn = seek.turn;
-      this.#goTo(frames(seek.place));
+      this.#generation = seek.generation;
+      this.#goTo(frames(seek.position));
     }
     if (playing !== undefined && playing !== this.#playing) {
       this.#breakOff();
       this.#playing = playing;
     }
-    if (tidy) {
+    if (collect) {
       collectThoroughly();
     }
   }
@@ -141,27 +141,27 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
     this.#speed = speed;
     if (this.#stretch) {
       this.#stretch.speed = speed;
-      this.#mark(false);
+      this.#addPosition(false);
     }
   }
 
-  /** @param {number} place */
-  #goTo(place) {
+  /** @param {number} position */
+  #goTo(position) {
     this.#breakOff();
     this.#waiting = true;
-    this.#start = place;
-    this.#stretch?.jump(place);
-    this.#clicks.goTo(place);
+    this.#start = position;
+    this.#stretch?.jump(position);
+    this.#clicks.goTo(position);
     this.#presentationTimes.clear();
     this.#played = 0;
     this.#end = Infinity;
-    this.#mark(false);
+    this.#addPosition(false);
   }
 
   /** @param {boolean} startsOver */
-  #mark(startsOver) {
-    const place = milliseconds(this.#stretch?.place ?? this.#start);
-    this.#presentationTimes.add({ frame: this.#played, place, speed: this.#speed, startsOver });
+  #addPosition(startsOver) {
+    const position = milliseconds(this.#stretch?.position ?? this.#start);
+    this.#presentationTimes.add({ frame: this.#played, position, speed: this.#speed, startsOver });
   }
 
   /** A sound that ends at once clicks: a little of what would have come fades out. */
@@ -171,9 +171,9 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
       left.fill(0);
       right.fill(0);
       const count = Math.min(fadeOut, this.#stretch.framesLeft);
-      const { place } = this.#stretch;
+      const { position } = this.#stretch;
       this.#stretch.render(left, right, 0, count);
-      this.#clicks.mix(left, right, 0, fadeOut, place, this.#speed);
+      this.#clicks.mix(left, right, 0, fadeOut, position, this.#speed);
       for (let i = 0; i < fadeOut; i++) {
         left[i] *= 1 - i / fadeOut;
         right[i] *= 1 - i / fadeOut;
@@ -202,7 +202,7 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
 
   /** What has not been decoded yet is waited for. */
   #wait() {
-    const waiting = !this.#stretch || !this.#sound?.reaches(this.#stretch.place);
+    const waiting = !this.#stretch || !this.#sound?.reaches(this.#stretch.position);
     if (waiting && !this.#waiting) {
       this.#breakOff();
     }
@@ -221,13 +221,13 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
         this.#startOver(stretch, done);
         continue;
       }
-      const { place } = stretch;
+      const { position } = stretch;
       stretch.render(left, right, done, count);
       if (count === 0) {
         this.#end = Math.min(this.#end, this.#played + done);
         count = left.length - done;
       }
-      this.#clicks.mix(left, right, done, count, place, this.#speed);
+      this.#clicks.mix(left, right, done, count, position, this.#speed);
       done += count;
     }
     for (let i = 0; this.#fadedIn < fadeIn && i < left.length; i++, this.#fadedIn++) {
@@ -242,9 +242,9 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
    */
   #startOver(stretch, done) {
     stretch.startOver();
-    this.#clicks.goTo(stretch.place);
-    const place = milliseconds(stretch.place);
-    this.#presentationTimes.add({ frame: this.#played + done, place, speed: this.#speed, startsOver: true });
+    this.#clicks.goTo(stretch.position);
+    const position = milliseconds(stretch.position);
+    this.#presentationTimes.add({ frame: this.#played + done, position, speed: this.#speed, startsOver: true });
   }
 
   /** @param {number} count frames that went by */
@@ -254,11 +254,11 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
       return;
     }
     this.#sinceReport = 0;
-    const now = Math.max(this.#played - this.#delay, 0);
-    const heard = this.#presentationTimes.at(Math.min(now, this.#end));
-    if (heard) {
+    const now = Math.max(this.#played - this.#latency, 0);
+    const presented = this.#presentationTimes.at(Math.min(now, this.#end));
+    if (presented) {
       /** @type {ToPage} */
-      const report = { turn: this.#turn, ...heard, ended: now >= this.#end };
+      const report = { generation: this.#generation, ...presented, ended: now >= this.#end };
       this.port.postMessage(report);
     }
   }
@@ -283,9 +283,9 @@ function frames(ms) {
   return (ms * sampleRate) / 1000;
 }
 
-/** @param {number} place in frames */
-function milliseconds(place) {
-  return (place * 1000) / sampleRate;
+/** @param {number} position in frames */
+function milliseconds(position) {
+  return (position * 1000) / sampleRate;
 }
 
 registerProcessor("quaverly-backing-track", BackingTrackProcessor);

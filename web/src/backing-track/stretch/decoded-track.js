@@ -37,11 +37,11 @@ export class DecodedTrack {
   }
 
   /**
-   * @param {number} place in frames
+   * @param {number} position in frames
    * @returns {boolean} whether everything is known that may be played there next, or may be looked at for it
    */
-  reaches(place) {
-    return this.#complete || place < this.channels[0].length - unsure * this.sampleRate;
+  reaches(position) {
+    return this.#complete || position < this.channels[0].length - unsure * this.sampleRate;
   }
 
   /** @param {Chunk} chunk */

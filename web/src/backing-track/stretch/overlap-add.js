@@ -1,6 +1,6 @@
 // @ts-check
 /**
- * A backing track played in segments: each is copied as it is, and fades into the next. Places are frames of the backing track;
+ * A backing track played in segments: each is copied as it is, and fades into the next. Positions are frames of the backing track;
  * before its beginning and behind its end there is silence.
  *
  * @typedef {import("../../audio/samples.js").Samples} Samples

@@ -11,7 +11,7 @@ import { OverlapAdd } from "./overlap-add.js";
  * "Time-Scale Modification of Audio Signals Using Enhanced WSOLA With Management of Transients", IEEE Transactions on
  * Audio, Speech, and Language Processing 16 (2008). What lies between two onsets makes up for it.
  *
- * All places are frames of the backing track. The place is where the even course of time is; the source is what is being
+ * All positions are frames of the backing track. The position is where the even course of time is; the source is what is being
  * played, which is never far from it.
  *
  * @typedef {{ from: number, to: number }} Loop frames
@@ -25,7 +25,7 @@ import { OverlapAdd } from "./overlap-add.js";
  * @property {"onset" | "end" | "seam"} kind end: of the loop; seam: the beginning of its next pass
  */
 
-/** All in seconds. How far the source may be from the place. */
+/** All in seconds. How far the source may be from the position. */
 const tolerance = 0.013;
 
 /** How long one segment fades into the next, at most and at least. */
@@ -59,7 +59,7 @@ export class TimeStretch {
   #speed = 1;
   /** @type {Loop | null} */
   #loop = null;
-  #place = 0;
+  #position = 0;
   /** Up to where it is played. */
   #end = 0;
   /** The first onset that is neither past nor settled. */
@@ -95,8 +95,8 @@ export class TimeStretch {
   }
 
   /** Where in the backing track the next frame is. */
-  get place() {
-    return this.#place;
+  get position() {
+    return this.#position;
   }
 
   get speed() {
@@ -113,7 +113,7 @@ export class TimeStretch {
   set loop(loop) {
     if (this.#settled === "seam") {
       // What is heard is the beginning of a pass that may not come.
-      this.#fadeTo(Math.round(this.#place), this.#frames.shortFade);
+      this.#fadeTo(Math.round(this.#position), this.#frames.shortFade);
     }
     this.#settled = "";
     this.#loop = loop;
@@ -127,13 +127,13 @@ export class TimeStretch {
 
   /** How many frames there are up to the end of the loop, or of the backing track. */
   get framesLeft() {
-    return Math.max(Math.ceil((this.#end - this.#place) / this.#speed), 0);
+    return Math.max(Math.ceil((this.#end - this.#position) / this.#speed), 0);
   }
 
-  /** A place behind the loop is played to the end of the backing track. */
+  /** A position behind the loop is played to the end of the backing track. */
   #findEnd() {
     const to = this.#loop?.to ?? this.#sound.length;
-    this.#end = this.#place < to ? Math.min(to, this.#sound.length) : this.#sound.length;
+    this.#end = this.#position < to ? Math.min(to, this.#sound.length) : this.#sound.length;
     this.#pin = undefined;
   }
 
@@ -142,29 +142,29 @@ export class TimeStretch {
     this.#findEnd();
   }
 
-  /** @param {number} place where to go on, at once: what sounds is broken off */
-  jump(place) {
-    this.#overlapAdd.begin(Math.round(place));
-    this.#goOn(place);
+  /** @param {number} position where to go on, at once: what sounds is broken off */
+  jump(position) {
+    this.#overlapAdd.begin(Math.round(position));
+    this.#goOn(position);
   }
 
   /** Goes on at the beginning of the loop. To be called when no frames are left and there is a loop. */
   startOver() {
     const from = this.#loop?.from ?? 0;
-    const place = from + Math.max(this.#place - this.#end, 0);
+    const position = from + Math.max(this.#position - this.#end, 0);
     if (this.#settled !== "seam") {
-      this.#fadeTo(Math.round(place), this.#frames.shortFade);
+      this.#fadeTo(Math.round(position), this.#frames.shortFade);
     }
-    this.#goOn(place);
+    this.#goOn(position);
   }
 
-  /** @param {number} place */
-  #goOn(place) {
-    this.#place = place;
+  /** @param {number} position */
+  #goOn(position) {
+    this.#position = position;
     this.#settled = "";
     this.#findEnd();
     this.#held = this.#frames.after;
-    this.#next = firstAtLeast(this.#onsets, Math.max(place, this.#overlapAdd.source));
+    this.#next = firstAtLeast(this.#onsets, Math.max(position, this.#overlapAdd.source));
   }
 
   /**
@@ -182,7 +182,7 @@ export class TimeStretch {
       }
       this.#overlapAdd.play(left, right, at + done, steps);
       done += steps;
-      this.#place += steps * this.#speed;
+      this.#position += steps * this.#speed;
       this.#held -= steps;
       if (this.#pin) {
         this.#pin.wait -= steps;
@@ -200,9 +200,9 @@ export class TimeStretch {
     return pin ? Math.max(Math.min(pin.wait, free), 0) : free;
   }
 
-  /** For how many frames the source is near enough to the place when nothing is done. */
+  /** For how many frames the source is near enough to the position when nothing is done. */
   #untilOff() {
-    const ahead = this.#overlapAdd.source - this.#place;
+    const ahead = this.#overlapAdd.source - this.#position;
     const drift = 1 - this.#speed;
     if (this.#settled || drift === 0) {
       return Infinity;
@@ -255,7 +255,7 @@ export class TimeStretch {
     const seam = this.#seam();
     while (this.#next < this.#onsets.length) {
       const onset = this.#onsets[this.#next];
-      const until = Math.round((onset - this.#place) / this.#speed);
+      const until = Math.round((onset - this.#position) / this.#speed);
       if (seam && until > seam.until - this.#frames.fade) {
         break;
       }
@@ -273,7 +273,7 @@ export class TimeStretch {
     if (!loop || !this.hasLoop || this.#end !== loop.to) {
       return null;
     }
-    const untilEnd = (loop.to - this.#place) / this.#speed;
+    const untilEnd = (loop.to - this.#position) / this.#speed;
     if (loop.from < this.#frames.lead + this.#frames.tolerance) {
       // Before the backing track there is nothing that could fade in.
       return this.#pinTo("end", Math.round(loop.to), Math.round(untilEnd), loop.to);
@@ -285,12 +285,12 @@ export class TimeStretch {
   }
 
   /**
-   * @param {number} place
-   * @returns {number} the onset that is meant by it; the place itself where there is none
+   * @param {number} position
+   * @returns {number} the onset that is meant by it; the position itself where there is none
    */
-  #onsetAt(place) {
-    const near = this.#onsets[firstAtLeast(this.#onsets, place - this.#frames.tolerance)];
-    return near !== undefined && near <= place + this.#frames.tolerance ? near : Math.round(place);
+  #onsetAt(position) {
+    const near = this.#onsets[firstAtLeast(this.#onsets, position - this.#frames.tolerance)];
+    return near !== undefined && near <= position + this.#frames.tolerance ? near : Math.round(position);
   }
 
   /**
@@ -309,7 +309,7 @@ export class TimeStretch {
   }
 
   /**
-   * Goes on with the segment near the place that is most like what would follow.
+   * Goes on with the segment near the position that is most like what would follow.
    *
    * @param {Pin | null} pin what comes next
    * @returns {boolean} whether there is one
@@ -320,8 +320,8 @@ export class TimeStretch {
     const used = Math.min(Math.max(Math.abs(drift) * (fade + segment), shortestStep * tolerance), 2 * tolerance);
     const last = this.#onsets[this.#next - 1] ?? -Infinity;
     const latest = pin ? pin.unheard - before - fade - segment : Infinity;
-    const low = Math.ceil(Math.max(this.#place - tolerance + (drift < 0 ? used : 0), last + past));
-    const high = Math.floor(Math.min(this.#place + tolerance - (drift > 0 ? used : 0), latest));
+    const low = Math.ceil(Math.max(this.#position - tolerance + (drift < 0 ? used : 0), last + past));
+    const high = Math.floor(Math.min(this.#position + tolerance - (drift > 0 ? used : 0), latest));
     if (low > high || (low <= this.#overlapAdd.source && this.#overlapAdd.source <= high)) {
       return false;
     }
