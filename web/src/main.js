@@ -17,7 +17,7 @@ import { scoreOrder } from "./playback/score-order.js";
 import { PointerInput } from "./score-view/pointer-input.js";
 import { ScoreView } from "./score-view/score-view.js";
 import { SoundBank } from "./sounds/sound-bank.js";
-import { Tidying } from "./session/tidying.js";
+import { IdleCollection } from "./session/idle-collection.js";
 
 /** Wires the page together: every call of the program goes to the one module that answers for it. */
 
@@ -51,7 +51,7 @@ new AutoScroll(api, playback, viewport);
 new Cursor(api);
 const session = new ScoreSession({ api, playback, mixer, pointerInput, scoreView, post });
 new SoundBank(api, post);
-new Tidying(api, playback, document);
+new IdleCollection(api, playback, document);
 
 // What fails in a task of its own reaches nobody else.
 addEventListener("error", ({ message }) => post({ type: "error", message: `Something in the page failed (${message}).` }));

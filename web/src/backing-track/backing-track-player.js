@@ -164,7 +164,7 @@ export class BackingTrackPlayer {
   }
 
   /** Has the audio thread collect its garbage, for which nobody may be listening. */
-  tidy() {
+  collectGarbage() {
     this.#post({ collect: true });
   }
 

@@ -66,7 +66,7 @@ function answer(request) {
     case "paint":
       paint(request.id);
       break;
-    case "tidy":
+    case "collect":
       collectThoroughly();
       break;
   }

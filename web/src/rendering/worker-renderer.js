@@ -27,7 +27,7 @@ import { anchorIn, viewAt } from "./scroll-anchor.js";
  *   | { cmd: "resume" }
  *   | { cmd: "stop" }
  *   | { cmd: "paint", id: string }
- *   | { cmd: "tidy" }} Request
+ *   | { cmd: "collect" }} Request
  *
  * @typedef {{ kind: "drawn", renderId: number, batch: LayoutBatch }
  *   | { kind: "painted", renderId: number, partial: Partial }
@@ -237,8 +237,8 @@ export class WorkerRenderer {
   }
 
   /** Has the worker collect its garbage. */
-  tidy() {
-    this.#post({ cmd: "tidy" });
+  collectGarbage() {
+    this.#post({ cmd: "collect" });
   }
 
   destroy() {

@@ -141,8 +141,8 @@ export class SynthPlayer {
   }
 
   /** Has the worker collect its garbage. */
-  tidy() {
-    this.#worker.postMessage({ cmd: "alphaSynth.tidy" });
+  collectGarbage() {
+    this.#worker.postMessage({ cmd: "alphaSynth.collect" });
   }
 
   /** @param {import("./practice-synth.js").CountIn | null} countIn what the next start begins with */

@@ -45,7 +45,7 @@ const operations = {
   applyTranspositionPitches: (synth, { transpositionPitches }) => synth.applyTranspositionPitches(transpositionPitches),
   setCountIn: (synth, { countIn }) => synth.setCountIn(countIn),
   postSoundsInUse: (synth, { answer }) => answer.postMessage(synth.instruments.inUse()),
-  tidy: () => collectThoroughly(),
+  collect: () => collectThoroughly(),
   replaceSound: (synth, { index, sound }) => synth.instruments.replace(index, sound),
 };
 

@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { Emitter } from "../src/shared/emitter.js";
-import { Tidying } from "../src/session/tidying.js";
+import { IdleCollection } from "../src/session/idleTimeoutMs-collection.js";
 import { pass } from "./support/clock.mjs";
 import { watchCollections } from "./support/collections.mjs";
 
@@ -12,19 +12,19 @@ function page() {
   watchCollections(() => collected.push("page thoroughly"));
   globalThis.requestIdleCallback = (callback) => callback();
   const api = {
-    drawing: { batchShown: new Emitter(), tidy: () => collected.push("drawing") },
+    workerRenderer: { batchShown: new Emitter(), collectGarbage: () => collected.push("renderer") },
     playerReady: new Emitter(),
     playerStateChanged: new Emitter(),
-    backingTrackPlayer: { tidy: () => collected.push("sound") },
-    synth: { tidy: () => collected.push("synth") },
+    backingTrackPlayer: { collectGarbage: () => collected.push("sound") },
+    synth: { collectGarbage: () => collected.push("synth") },
   };
   const playback = { playing: false };
   const view = new EventTarget();
-  const tidying = new Tidying(api, playback, view);
+  const tidying = new IdleCollection(api, playback, view);
   return { collected, api, playback, view, tidying };
 }
 
-const all = ["drawing", "synth", "sound", "page", "page", "page", "page thoroughly"];
+const all = ["renderer", "synth", "sound", "page", "page", "page", "page thoroughly"];
 
 test("the threads collect one after the other when nothing has happened for a while, the page once more after a quiet time", () => {
   const { collected, api } = page();
@@ -36,7 +36,7 @@ test("the threads collect one after the other when nothing has happened for a wh
   pass(5000);
   assert.deepEqual(collected, []);
   pass(1100);
-  assert.deepEqual(collected, ["drawing"]);
+  assert.deepEqual(collected, ["renderer"]);
   pass(2000);
   assert.deepEqual(collected, all.slice(0, 5));
   pass(5000);
@@ -66,7 +66,7 @@ test("while the music plays the threads that are heard do not collect; they do w
   playback.playing = true;
   api.playerStateChanged.trigger();
   pass(20000);
-  const others = ["drawing", "page", "page", "page"];
+  const others = ["renderer", "page", "page", "page"];
   assert.deepEqual(collected, others);
   playback.playing = false;
   api.playerStateChanged.trigger();
@@ -76,12 +76,12 @@ test("while the music plays the threads that are heard do not collect; they do w
 
 test("music that begins before the page has time to collect thoroughly is let play", () => {
   const { collected, api, playback } = page();
-  const idle = [];
+  const idleTimeoutMs = [];
   const passIdly = (milliseconds) => {
     pass(milliseconds);
-    idle.splice(0).forEach((callback) => callback());
+    idleTimeoutMs.splice(0).forEach((callback) => callback());
   };
-  globalThis.requestIdleCallback = (callback) => idle.push(callback);
+  globalThis.requestIdleCallback = (callback) => idleTimeoutMs.push(callback);
   api.workerRenderer.batchShown.trigger();
   pass(20000);
   playback.playing = true;
@@ -95,13 +95,13 @@ test("music that begins before the page has time to collect thoroughly is let pl
 
 test("the page collects when it has nothing else to do", () => {
   const { collected, api } = page();
-  const idle = [];
-  globalThis.requestIdleCallback = (callback) => idle.push(callback);
+  const idleTimeoutMs = [];
+  globalThis.requestIdleCallback = (callback) => idleTimeoutMs.push(callback);
   api.workerRenderer.batchShown.trigger();
   pass(8000);
-  assert.deepEqual(collected, ["drawing", "synth", "sound"]);
+  assert.deepEqual(collected, ["renderer", "synth", "sound"]);
   pass(20000);
-  idle.forEach((callback) => callback());
+  idleTimeoutMs.forEach((callback) => callback());
   assert.deepEqual(collected, all);
 });
 

@@ -10,41 +10,41 @@ import { collectGarbage, collectThoroughly } from "../shared/garbage.js";
  * How long nothing may have happened, in milliseconds. V8 gives up its room for new objects only when it has seen next to
  * none for five seconds.
  */
-const rest = 6000;
+const inactivityDelayMs = 6000;
 
 /** From one collection to the next, in milliseconds: two threads together would take each other's processor. */
-const apart = 500;
+const nextStepDelayMs = 500;
 
 /** From the second collection of the page to its third, in milliseconds. */
-const quiet = 5500;
+const thirdCollectionDelayMs = 5500;
 
 /** For how long a collection waits at most until the page has nothing else to do, in milliseconds. */
-const idle = 1000;
+const idleTimeoutMs = 1000;
 
 /** A page that is just being read or scrolled would stumble. */
 const gestures = ["wheel", "pointermove", "pointerdown", "keydown", "touchmove"];
 
 /**
  * @typedef {object} Step
- * @property {"drawing" | "synth" | "sound" | "page"} thread that collects
+ * @property {"renderer" | "synth" | "sound" | "page"} thread that collects
  * @property {boolean} [inSilence] whether the music would stumble, and has to have stopped
  * @property {number} wait for so many milliseconds since the step before
  */
 
 /** @type {Step[]} */
 const steps = [
-  { thread: "drawing", wait: apart },
-  { thread: "synth", inSilence: true, wait: apart },
-  { thread: "sound", inSilence: true, wait: apart },
+  { thread: "renderer", wait: nextStepDelayMs },
+  { thread: "synth", inSilence: true, wait: nextStepDelayMs },
+  { thread: "sound", inSilence: true, wait: nextStepDelayMs },
   // By halves, so that it never stands still for long while music plays: the first time leaves what the second finds, and
   // the room for new objects is given up when the time since the last collection was a quiet one.
-  { thread: "page", wait: apart },
-  { thread: "page", wait: apart },
-  { thread: "page", wait: quiet },
-  { thread: "page", inSilence: true, wait: apart },
+  { thread: "page", wait: nextStepDelayMs },
+  { thread: "page", wait: nextStepDelayMs },
+  { thread: "page", wait: thirdCollectionDelayMs },
+  { thread: "page", inSilence: true, wait: nextStepDelayMs },
 ];
 
-export class Tidying {
+export class IdleCollection {
   #playback;
   #timer = 0;
   /** @type {Step[]} */
@@ -61,11 +61,11 @@ export class Tidying {
     this.#api = api;
     const disturbed = () => {
       this.#left = [...steps];
-      this.#wait(rest);
+      this.#wait(inactivityDelayMs);
     };
     api.workerRenderer.batchShown.on(disturbed);
     api.playerReady.on(disturbed);
-    const later = () => this.#wait(rest);
+    const later = () => this.#wait(inactivityDelayMs);
     api.playerStateChanged.on(later);
     for (const gesture of gestures) {
       view.addEventListener(gesture, later, { capture: true, passive: true });
@@ -81,11 +81,11 @@ export class Tidying {
   #wait(milliseconds) {
     clearTimeout(this.#timer);
     if (this.#next) {
-      this.#timer = setTimeout(() => this.#tidy(), milliseconds);
+      this.#timer = setTimeout(() => this.#collectGarbage(), milliseconds);
     }
   }
 
-  #tidy() {
+  #collectGarbage() {
     const step = this.#next;
     if (step) {
       this.#left = this.#left.filter((other) => other !== step);
@@ -97,15 +97,15 @@ export class Tidying {
   /** @param {Step} step */
   #collect(step) {
     const { thread } = step;
-    if (thread === "drawing") {
-      this.#api.workerRenderer.tidy();
+    if (thread === "renderer") {
+      this.#api.workerRenderer.collectGarbage();
     } else if (thread === "synth") {
-      this.#api.synth?.tidy();
+      this.#api.synth?.collectGarbage();
     } else if (thread === "sound") {
-      this.#api.backingTrackPlayer.tidy();
+      this.#api.backingTrackPlayer.collectGarbage();
     } else {
-      // While music plays the mark on the score moves between two notes, and is still while one sounds.
-      requestIdleCallback(() => this.#collectHere(step), { timeout: idle });
+      // While music plays the cursor moves between two notes, and is still while one sounds.
+      requestIdleCallback(() => this.#collectHere(step), { timeout: idleTimeoutMs });
     }
   }
 
