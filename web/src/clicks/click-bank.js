@@ -1,4 +1,5 @@
 // @ts-check
+import { fullScale } from "../audio/full-scale.js";
 import { clickSamples, sampleRate, soundNames } from "./click-sounds.js";
 
 /**
@@ -34,7 +35,7 @@ export function buildClickBank() {
   const headers = [];
   let offset = 0;
   for (const { name, samples } of zones) {
-    pcm.set(Array.from(samples, (value) => Math.round(value * 32767)), offset);
+    pcm.set(Array.from(samples, (value) => Math.round(value * fullScale)), offset);
     headers.push(sampleHeader(name, offset, offset + samples.length));
     offset += samples.length + gap;
   }

@@ -9,7 +9,7 @@ import { fetchBytes } from "../shared/resources.js";
  */
 
 /** How long the page may be busy before the sounds are loaded all the same, in milliseconds. */
-const patience = 2000;
+const idleTimeoutMs = 2000;
 
 export class FineInstruments {
   #api;
@@ -46,7 +46,7 @@ export class FineInstruments {
       this.#ready = false;
       const upgrade = ++this.#upgrade;
       this.#loader?.terminate();
-      requestIdleCallback(() => void this.#replaceAll(upgrade), { timeout: patience });
+      requestIdleCallback(() => void this.#replaceAll(upgrade), { timeout: idleTimeoutMs });
     }
   }
 
@@ -71,12 +71,12 @@ export class FineInstruments {
   #load(sounds, synth) {
     const loader = new Worker(new URL("./sound-loader.js", import.meta.url), { type: "module", name: "sounds" });
     /** @type {(message: import("./sound-loader.js").ToLoader, handedOver?: ArrayBufferLike[]) => void} */
-    const tell = (message, handedOver = []) => loader.postMessage(message, { transfer: handedOver });
+    const post = (message, handedOver = []) => loader.postMessage(message, { transfer: handedOver });
     loader.onmessage = async ({ data }) => {
       const message = /** @type {import("./sound-loader.js").FromLoader} */ (data);
       if ("stream" in message) {
         const samples = await decode(message.stream, message.rate);
-        tell({ samples }, samples ? [samples.buffer] : []);
+        post({ samples }, samples ? [samples.buffer] : []);
       } else if ("index" in message) {
         synth.replaceSound(message.index, message.sound);
       } else if ("refused" in message) {
@@ -85,7 +85,7 @@ export class FineInstruments {
         loader.terminate();
       }
     };
-    tell({ sounds });
+    post({ sounds });
     this.#loader = loader;
   }
 }

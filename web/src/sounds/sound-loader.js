@@ -16,7 +16,7 @@ import { readSoundFile, to16BitSamples, zonesFor } from "../soundfont/sound-file
  */
 
 /** How long the processor is left to others after each stream, in milliseconds: music may be playing. */
-const rest = 10;
+const nextStreamDelayMs = 10;
 
 /** @type {(samples: Float32Array | null) => void} */
 let decoded = () => {};
@@ -25,7 +25,7 @@ let decoded = () => {};
  * @param {FromLoader} message
  * @param {ArrayBufferLike[]} [handedOver]
  */
-function tell(message, handedOver = []) {
+function post(message, handedOver = []) {
   postMessage(message, { transfer: handedOver });
 }
 
@@ -36,7 +36,7 @@ function tell(message, handedOver = []) {
  */
 async function decode(stream, { rate, frames }) {
   const copy = stream.slice();
-  tell({ stream: copy, rate }, [copy.buffer]);
+  post({ stream: copy, rate }, [copy.buffer]);
   const samples = await new Promise((resolve) => {
     decoded = resolve;
   });
@@ -59,7 +59,7 @@ async function load(notes) {
   for (const index of used) {
     const { rate, root, correction } = description.samples[index];
     samples.push({ samples: await decode(streamOf(index), description.samples[index]), rate, root, correction });
-    await new Promise((resolve) => setTimeout(resolve, rest));
+    await new Promise((resolve) => setTimeout(resolve, nextStreamDelayMs));
   }
   return { ...description, zones: zones.map((zone) => ({ ...zone, sample: used.indexOf(zone.sample) })), samples };
 }
@@ -69,12 +69,12 @@ async function loadAll(sounds) {
   for (const notes of sounds) {
     try {
       const sound = await load(notes);
-      tell({ index: notes.index, sound }, sound.samples.map(({ samples }) => samples.buffer));
+      post({ index: notes.index, sound }, sound.samples.map(({ samples }) => samples.buffer));
     } catch (error) {
-      tell({ refused: `${notes.bank}-${notes.program}: ${/** @type {Error} */ (error).message}` });
+      post({ refused: `${notes.bank}-${notes.program}: ${/** @type {Error} */ (error).message}` });
     }
   }
-  tell({ done: true });
+  post({ done: true });
 }
 
 addEventListener("message", ({ data }) => {

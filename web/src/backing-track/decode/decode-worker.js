@@ -1,5 +1,6 @@
 // @ts-check
 import { OnsetDetector } from "./onsets.js";
+import { fullScale } from "../../audio/full-scale.js";
 import { Resampler } from "../../audio/resampler.js";
 import { blockLength } from "../../audio/samples.js";
 
@@ -77,7 +78,7 @@ function narrow(pieces) {
   let to = 0;
   for (const piece of pieces) {
     for (let i = 0; i < piece.length; i++) {
-      narrowed[to++] = Math.round(Math.max(-1, Math.min(1, piece[i])) * 32767);
+      narrowed[to++] = Math.round(Math.max(-1, Math.min(1, piece[i])) * fullScale);
     }
   }
   return narrowed;

@@ -12,7 +12,7 @@ const comparedTime = 0.016;
 /** OverlapAdd are compared coarsely first, by the mean of so many samples. */
 const coarse = 4;
 
-const full = 32768;
+const fullScale = 32768;
 
 export class OverlapAdd {
   #channels;
@@ -78,7 +78,7 @@ export class OverlapAdd {
       const output = channel === 0 ? left : right;
       const samples = this.#channels[channel];
       for (let i = 0; i < count; i++) {
-        output[at + i] = samples.at(this.#source + i) / full;
+        output[at + i] = samples.at(this.#source + i) / fullScale;
       }
       if (fades) {
         this.#mixFading(output, samples, at, count);
@@ -108,7 +108,7 @@ export class OverlapAdd {
       const part = 0.5 - 0.5 * Math.cos((Math.PI * (done + i + 0.5)) / length);
       const rest = 1 - part;
       const level = 1 / Math.sqrt(part * part + rest * rest + 2 * part * rest * likeness);
-      output[at + i] = level * (part * output[at + i] + (rest * samples.at(source + i)) / full);
+      output[at + i] = level * (part * output[at + i] + (rest * samples.at(source + i)) / fullScale);
     }
   }
 
