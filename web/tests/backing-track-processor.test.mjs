@@ -1,5 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
+import { fullScale } from "../src/audio/full-scale.js";
 import { findOnsets } from "../src/backing-track/decode/onsets.js";
 import { AudioThread } from "./support/audio-thread.mjs";
 import { watchCollections } from "./support/collections.mjs";
@@ -45,20 +46,20 @@ test("what was asked for before the backing track came counts", () => {
   assert.equal(thread.reports[0].generation, 3);
 });
 
-test("the place that is heard is reported, through changes of speed and loops", () => {
+test("the presented position is reported, through changes of speed and loops", () => {
   const thread = loaded(tone, { latency: 0.05, loop: { from: 1000, to: 2000 }, seek: { position: 1000, generation: 1 } });
   thread.tell({ playing: true });
   thread.listen(0.5);
   thread.tell({ speed: 0.5 });
   thread.listen(1.2);
-  const places = thread.reports.map(({ position }) => position);
+  const positions = thread.reports.map(({ position }) => position);
   // Half a second at full speed, then half of a second and a bit: that is behind the end of the loop.
-  assert.ok(Math.abs(places.at(-1) - (1000 + 500 + 600 - 1000 - 25)) < 12, String(places.at(-1)));
+  assert.ok(Math.abs(positions.at(-1) - (1000 + 500 + 600 - 1000 - 25)) < 12, String(positions.at(-1)));
   assert.equal(thread.reports.filter(({ startsOver }) => startsOver).length, 1);
-  assert.ok(Math.max(...places) <= 2000 && Math.min(...places) >= 1000);
+  assert.ok(Math.max(...positions) <= 2000 && Math.min(...positions) >= 1000);
 });
 
-test("the end is reported when it is heard", () => {
+test("the end is reported when it is presented", () => {
   const thread = loaded(sound(1, () => 0.5), { latency: 0.1 });
   thread.tell({ playing: true });
   thread.listen(1.05);
@@ -97,7 +98,7 @@ test("a backing track is played while it is still being decoded, and waited for 
   const { length } = thread.reports;
   thread.add([tone.slice(2 * block)], { last: true });
   const [, right] = thread.listen(0.2);
-  assert.deepEqual(right.subarray(64), Float32Array.from(tone.subarray(5 * sampleRate + 64, 5 * sampleRate + right.length), (sample) => sample / 32768));
+  assert.deepEqual(right.subarray(64), Float32Array.from(tone.subarray(5 * sampleRate + 64, 5 * sampleRate + right.length), (sample) => sample / fullScale));
   assert.ok(thread.reports[length].position < 5100);
 });
 
@@ -119,12 +120,12 @@ test("a backing track that is played faster than it comes is broken off and take
 test("onsets that come with a later chunk are kept in time", () => {
   const block = 1 << 16;
   const samples = strokes(9, beats);
-  const onsets = [...findOnsets([samples], sampleRate)];
+  const found = [...findOnsets([samples], sampleRate)];
   const thread = new AudioThread();
   thread.tell({ speed: 0.5, playing: true, seek: { position: 0, generation: 1 } });
   const listened = [];
   for (let at = 0; at < samples.length; at += block) {
-    const own = Int32Array.from(onsets.filter((frame) => frame >= at && frame < at + block));
+    const own = Int32Array.from(found.filter((frame) => frame >= at && frame < at + block));
     thread.add([samples.slice(at, at + block)], { first: at === 0, last: at + block >= samples.length, onsets: own });
     listened.push(thread.listen(0.01)[0]);
   }

@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { Emitter } from "../src/shared/emitter.js";
-import { IdleCollection } from "../src/session/idleTimeoutMs-collection.js";
+import { IdleCollection } from "../src/session/idle-collection.js";
 import { pass } from "./support/clock.mjs";
 import { watchCollections } from "./support/collections.mjs";
 

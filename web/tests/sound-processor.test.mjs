@@ -5,8 +5,8 @@ import { pass } from "./support/clock.mjs";
 
 const block = 128;
 /** Frames that the sound system takes at once. */
-const turn = 1024;
-/** So many of them are one millisecond: a turn is 21 of those and a third. */
+const callback = 1024;
+/** So many of them are one millisecond: a callback is 21 of those and a third. */
 const perMillisecond = 48;
 
 let Processor;
@@ -46,7 +46,7 @@ class Stage {
     const before = this.#port;
     this.#port = this.#line();
     this.page({ port: this.#port });
-    this.#ring?.write(new Float32Array(2 * turn).fill(9));
+    this.#ring?.write(new Float32Array(2 * callback).fill(9));
     this.stream = 0;
     this.sent = 0;
     return before;
@@ -84,14 +84,14 @@ class Stage {
   listen(turns) {
     const sound = [];
     for (let i = 0; i < turns; i++) {
-      for (let at = 0; at < turn; at += block) {
+      for (let at = 0; at < callback; at += block) {
         const [left, right] = [new Float32Array(block), new Float32Array(block)];
         this.#processor.process([], [[left, right]]);
         assert.deepEqual(left, right);
         sound.push(...left);
       }
       this.answer();
-      pass(turn / perMillisecond);
+      pass(callback / perMillisecond);
     }
     return sound;
   }
@@ -106,82 +106,82 @@ for (const shared of [true, false]) {
     assert.equal(stage.questions.length, 0);
     stage.synth({ playing: true });
     assert.ok(stage.listen(1).every((sample) => sample === 0));
-    assert.deepEqual(stage.listen(100), counting(1, 100 * turn));
+    assert.deepEqual(stage.listen(100), counting(1, 100 * callback));
   });
 }
 
-test("one question a turn, and no more is kept ahead than a mute may take", () => {
+test("one question a callback, and no more is kept ahead than a mute may take", () => {
   const stage = new Stage();
   stage.synth({ playing: true });
   stage.listen(50);
   assert.ok(stage.questions.length <= 51, String(stage.questions.length));
-  assert.equal(stage.sent - 49 * turn, 1536);
+  assert.equal(stage.sent - 49 * callback, 1536);
 });
 
 test("more is kept ahead while the page is busy, and after a stutter", () => {
   const stage = new Stage();
   stage.synth({ playing: true });
   stage.listen(2);
-  stage.page({ busyFrames: 10 * turn });
+  stage.page({ busyFrames: 10 * callback });
   stage.listen(2);
-  assert.ok(stage.sent - 3 * turn >= 8192);
+  assert.ok(stage.sent - 3 * callback >= 8192);
   stage.listen(40);
-  assert.equal(stage.sent - 43 * turn, 1536);
+  assert.equal(stage.sent - 43 * callback, 1536);
   stage.most = 700;
   stage.listen(10);
   stage.most = Infinity;
   stage.listen(20);
-  assert.ok(stage.sent - 73 * turn > 1536);
+  assert.ok(stage.sent - 73 * callback > 1536);
 });
 
-test("the frame that is heard is told as of the beginning of the turn", () => {
+test("the presented frame is reported as of the beginning of the audio callback", () => {
   const latency = 3000;
   const stage = new Stage({ latency });
   stage.synth({ playing: true });
   stage.listen(1);
   const began = Date.now();
   stage.listen(30);
-  const told = stage.questions.filter(({ heard }) => heard !== undefined);
+  const told = stage.questions.filter(({ presented }) => presented !== undefined);
   assert.ok(told.length >= 28);
-  for (const { heard, at } of told) {
-    assert.ok(Math.abs(heard - ((at - began) * perMillisecond - latency)) <= block, `${heard} at ${at - began}`);
+  for (const { presented, at } of told) {
+    assert.ok(Math.abs(presented - ((at - began) * perMillisecond - latency)) <= block, `${presented} at ${at - began}`);
   }
 });
 
-test("what is heard before it is seen is told ahead", () => {
+test("what is presented before it is drawn is reported ahead of time", () => {
   const stage = new Stage({ latency: -480 });
   stage.synth({ playing: true });
   stage.listen(1);
   const began = Date.now();
   stage.listen(10);
-  const { heard, at } = stage.questions.at(-1);
-  assert.ok(Math.abs(heard - ((at - began) * perMillisecond + 480)) <= block);
+  const { presented, at } = stage.questions.at(-1);
+  assert.ok(Math.abs(presented - ((at - began) * perMillisecond + 480)) <= block);
 });
 
-test("the end is heard when its sound has come as far as the ear", () => {
-  const stage = new Stage({ latency: 4 * turn });
+test("the end is presented when the output latency has passed", () => {
+  const stage = new Stage({ latency: 4 * callback });
   stage.synth({ playing: true });
   stage.listen(5);
   stage.most = 0;
   const last = stage.sent;
   stage.listen(4);
-  assert.ok(stage.questions.at(-1).heard < last);
+  assert.ok(stage.questions.at(-1).presented < last);
   stage.listen(4);
-  assert.equal(stage.questions.at(-1).heard, last);
+  assert.equal(stage.questions.at(-1).presented, last);
 });
 
 test("a seek fades out what was waiting, and what comes then is of the new stream", () => {
   const stage = new Stage();
   stage.synth({ playing: true });
   stage.listen(10);
-  const last = 9 * turn;
+  const last = 9 * callback;
   stage.seek();
   const after = stage.listen(2);
   assert.ok(Math.abs(after[0] - (last + 1)) < 1 && after[255] < after[0] / 100);
   after.slice(1, 256).forEach((sample, i) => assert.ok(sample < after[i], String(i)));
-  assert.ok(after.slice(256, turn).every((sample) => sample === 0));
-  assert.deepEqual(after.slice(turn), counting(1, turn));
-  assert.ok(stage.questions.filter(({ stream }) => stream === 1).every(({ heard }) => !(heard > turn)));
+  assert.ok(after.slice(256, callback).every((sample) => sample === 0));
+  assert.deepEqual(after.slice(callback), counting(1, callback));
+  assert.ok(stage.questions.filter(({ stream }) => stream === 1).every(({ presented }) => !(presented > callback)));
 });
 
 test("a pause is silent, and asks for nothing", () => {
@@ -194,7 +194,7 @@ test("a pause is silent, and asks for nothing", () => {
   assert.ok(stage.listen(10).slice(256).every((sample) => sample === 0));
   assert.equal(stage.questions.length, asked);
   stage.synth({ playing: true });
-  assert.deepEqual(stage.listen(5).slice(turn), counting(1, 4 * turn));
+  assert.deepEqual(stage.listen(5).slice(callback), counting(1, 4 * callback));
 });
 
 for (const shared of [true, false]) {
@@ -210,7 +210,7 @@ for (const shared of [true, false]) {
     assert.ok(stage.listen(5).slice(256).every((sample) => sample === 0));
     assert.equal(stage.questions.length, length);
     stage.synth({ playing: true });
-    assert.deepEqual(stage.listen(5).slice(turn), counting(1, 4 * turn));
+    assert.deepEqual(stage.listen(5).slice(callback), counting(1, 4 * callback));
   });
 }
 

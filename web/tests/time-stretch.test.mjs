@@ -1,5 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
+import { fullScale } from "../src/audio/full-scale.js";
 import { findOnsets } from "../src/backing-track/decode/onsets.js";
 import { Player, levels, onsets, pitch, sampleRate, sharpest, sound, strokes } from "./support/sounds.mjs";
 
@@ -17,8 +18,8 @@ test("at its own speed a backing track is played as it is", () => {
   const noise = sound(2, () => ((seed = (seed * 16807) % 2147483647) / 2147483647) * 2 - 1);
   const [left, right] = new Player([noise, noise.slice().reverse()]).listen(3);
   assert.equal(left.length, noise.length);
-  assert.deepEqual(left.map((sample) => sample * 32768), Float32Array.from(noise));
-  assert.deepEqual(right.map((sample) => sample * 32768), Float32Array.from(noise).reverse());
+  assert.deepEqual(left.map((sample) => Math.round(sample * fullScale)), Float32Array.from(noise));
+  assert.deepEqual(right.map((sample) => Math.round(sample * fullScale)), Float32Array.from(noise).reverse());
 });
 
 for (const speed of speeds) {
@@ -46,10 +47,10 @@ for (const speed of speeds) {
       const steady = left.subarray(0.2 * sampleRate);
       assert.ok(Math.abs(pitch(steady) / hertz - 1) < 0.0006, `${pitch(steady)} instead of ${hertz}`);
       const heard = levels(steady);
-      const own = 20 * Math.log10((0.8 * 30000) / 32768 / Math.SQRT2);
+      const own = 20 * Math.log10((0.8 * 30000) / fullScale / Math.SQRT2);
       assert.ok(Math.min(...heard) > own - 0.3 && Math.max(...heard) < own + 0.3, `${Math.min(...heard)} to ${Math.max(...heard)}`);
-      const bend = (2 * Math.PI * hertz / sampleRate) ** 2 * 0.8 * (30000 / 32768);
-      assert.ok(sharpest(left) < bend * 1.5 + 6 / 32768, `${hertz}: ${sharpest(left)} instead of ${bend}`);
+      const bend = (2 * Math.PI * hertz / sampleRate) ** 2 * 0.8 * (30000 / fullScale);
+      assert.ok(sharpest(left) < bend * 1.5 + 6 / fullScale, `${hertz}: ${sharpest(left)} instead of ${bend}`);
     }
   });
 }
@@ -75,8 +76,8 @@ test("a change of speed neither jumps nor clicks", () => {
     return player.listen(0.713)[0];
   });
   const all = Float32Array.from(chunks.flatMap((chunk) => [...chunk]));
-  const bend = (2 * Math.PI * 330 / sampleRate) ** 2 * 0.8 * (30000 / 32768);
-  assert.ok(sharpest(all) < bend * 1.5 + 6 / 32768, `${sharpest(all)} instead of ${bend}`);
+  const bend = (2 * Math.PI * 330 / sampleRate) ** 2 * 0.8 * (30000 / fullScale);
+  assert.ok(sharpest(all) < bend * 1.5 + 6 / fullScale, `${sharpest(all)} instead of ${bend}`);
   assert.ok(Math.abs(player.stretch.position / sampleRate - 0.713 * (0.5 + 1 + 0.25 + 2 + 1)) < 0.001);
 });
 

@@ -1,4 +1,4 @@
-// The audio thread, without a audio output: what it would play is returned.
+// The audio thread, without an audio output: what it would play is returned.
 import { findOnsets } from "../../src/backing-track/decode/onsets.js";
 import { blocksOf, sampleRate } from "./sounds.mjs";
 
@@ -31,10 +31,10 @@ export class AudioThread {
 
   /**
    * @param {Int16Array[]} channels of what comes next, in whole blocks
-   * @param {{ first?: boolean, last?: boolean, onsets?: Int32Array }} part
+   * @param {{ first?: boolean, last?: boolean, onsets?: Int32Array }} chunk
    */
   add(channels, { first = false, last = false, onsets = findOnsets(channels, sampleRate) }) {
-    this.tell({ part: { first, blocks: channels.map(blocksOf), onsets, last } });
+    this.tell({ chunk: { first, blocks: channels.map(blocksOf), onsets, last } });
   }
 
   /** @returns {Float32Array[]} left and right, of whole blocks */

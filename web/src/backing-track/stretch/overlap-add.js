@@ -1,4 +1,6 @@
 // @ts-check
+import { fullScale } from "../../audio/full-scale.js";
+
 /**
  * A backing track played in segments: each is copied as it is, and fades into the next. Positions are frames of the backing track;
  * before its beginning and behind its end there is silence.
@@ -9,10 +11,8 @@
 /** Over how long two segments are compared, in seconds. */
 const comparedTime = 0.016;
 
-/** OverlapAdd are compared coarsely first, by the mean of so many samples. */
+/** Segments are compared coarsely first, by the mean of so many samples. */
 const coarse = 4;
-
-const fullScale = 32768;
 
 export class OverlapAdd {
   #channels;
