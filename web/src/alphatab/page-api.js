@@ -7,16 +7,16 @@ import { SynthPlayer } from "../synth/synth-player.js";
 import { separateChannels, withChannels } from "./track-channels.js";
 import { WorkerRenderer } from "../rendering/worker-renderer.js";
 
-/** How long a score may keep its sound waiting when its first lines do not come, in milliseconds. */
+/** How long the sound waits for the first systems of a score. */
 const firstScreenTimeoutMs = 1000;
 
-/** How long after its start the page gets itself a player when nothing is opened, in milliseconds. */
+/** How long after its start the page makes a player when nothing is opened. */
 const idlePlayerDelayMs = 400;
 
 /**
- * alphaTab with the page's settings, its drawing done by a worker of the page's own. A score is seen first, then heard,
- * then drawn to its end: the player is started, and the score prepared for playing once, when its first lines can be
- * seen, and the drawing goes on when the score can be played. All three at once would take each other's processor.
+ * alphaTab with the page's settings, rendered by a worker of the page's own. A score is seen first, then ready to play,
+ * then rendered to its end: the player is started, and the score prepared for playing once, when its first systems can
+ * be seen, and rendering goes on when the score can be played. All three at once would take each other's processor.
  */
 export class PageApi extends alphaTab.AlphaTabApi {
   #soundHeldBack = false;
@@ -26,11 +26,16 @@ export class PageApi extends alphaTab.AlphaTabApi {
   #preparedMode = alphaTab.PlayerMode.Disabled;
   #wantedMode = alphaTab.PlayerMode.EnabledSynthesizer;
   #playerStarted = false;
-  /** @type {import("../backing-track/backing-tracks.js").BackingTrack | null} the score's own, where it can be heard */
+  /**
+   * @type {import("../backing-track/backing-tracks.js").BackingTrack | null} the score's own, where it can be played
+   */
   backingTrack = null;
-  /** Plays it while it is chosen in the synthesizer's place. */
+  /** Plays it while it is chosen instead of the synthesizer. */
   backingTrackPlayer = new BackingTrackPlayer();
-  /** @type {import("@coderline/alphatab").synth.BackingTrackSyncPoint[]} where the score's time lies in its backing track */
+  /**
+   * @type {import("@coderline/alphatab").synth.BackingTrackSyncPoint[]} where the score's time lies in its backing
+   *     track
+   */
   syncPoints = [];
   /** @type {Map<number, import("./track-channels.js").Channels>} what each track plays on, by its index */
   trackChannels = new Map();
@@ -141,7 +146,7 @@ export class PageApi extends alphaTab.AlphaTabApi {
     return this.actualPlayerMode === alphaTab.PlayerMode.EnabledExternalMedia;
   }
 
-  /** Where alphaTab is told how far the backing track is; null while the synthesizer plays. */
+  /** The output through which alphaTab learns the backing track's position; null while the synthesizer plays. */
   get #media() {
     const output = this.playsBackingTrack ? this.player?.output : null;
     return /** @type {import("@coderline/alphatab").synth.IExternalMediaSynthOutput | null | undefined} */ (output) ?? null;
@@ -198,8 +203,8 @@ function nextFrame() {
 }
 
 /**
- * Calls back when what was put on the page by now can be seen: the frame after the one with it in begins when that has been
- * painted. A hidden page paints nothing.
+ * Calls back when what was put on the page by now can be seen: the frame after the one with it in begins when that has
+ * been painted. A hidden page paints nothing.
  *
  * @param {() => void} callback
  */
@@ -232,7 +237,7 @@ function pageSettings() {
   return settings;
 }
 
-/** The page has lines of its own with the same contents. */
+/** The page has a score header of its own with the same contents. */
 function hideOwnScoreHeader(/** @type {import("../shared/alphatab.js").Settings} */ settings) {
   const element = alphaTab.NotationElement;
   for (const shown of [
@@ -255,7 +260,10 @@ function chooseFonts(resources) {
   const sans = ["Noto Sans", "Noto Sans CJK SC", "Noto Sans CJK JP", "sans-serif"];
   const { Plain, Italic } = alphaTab.model.FontStyle;
   const { Regular, Bold } = alphaTab.model.FontWeight;
-  /** @type {(families: string[], size: number, style?: number, weight?: number) => import("@coderline/alphatab").model.Font} */
+  /**
+   * @type {(families: string[], size: number, style?: number, weight?: number) =>
+   *     import("@coderline/alphatab").model.Font}
+   */
   const font = (families, size, style = Plain, weight = Regular) =>
     alphaTab.model.Font.withFamilyList([...families], size, style, weight);
   // Second voices are told apart by their stems; alphaTab's own light gray is hard to read.

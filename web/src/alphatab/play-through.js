@@ -2,8 +2,8 @@
 import { alphaTab } from "../shared/alphatab.js";
 
 /**
- * Has alphaTab play scores in an order of the page's own: its notes, its lookup of bars and beats by their ticks, and its
- * sync points all come from one walk through the score, whose order alphaTab finds itself and lets nobody choose.
+ * Has alphaTab play scores in an order of the page's own: its notes, its lookup of bars and beats by their ticks, and
+ * its sync points all come from one walk through the score, whose order alphaTab finds itself and lets nobody choose.
  *
  * That walk is a static method of MidiFileGenerator which is not declared and has another name in each build. It is the
  * only one with six parameters, and is replaced by one of the same contract.
@@ -13,11 +13,11 @@ import { alphaTab } from "../shared/alphatab.js";
  * @typedef {import("@coderline/alphatab").model.Automation} Automation
  * @typedef {import("@coderline/alphatab").synth.BackingTrackSyncPoint} SyncPoint
  *
- * @typedef {(bar: MasterBar, previous: MasterBar | null, tick: number, bpm: number, occurrence: number) => void} BarBegins
- *     `bpm` before the bar; `occurrence` counted from 0
+ * @typedef {(bar: MasterBar, previous: MasterBar | null, tick: number, bpm: number, occurrence: number) => void}
+ *     BarBegins `bpm` before the bar; `occurrence` counted from 0
  * @typedef {(index: number, tick: number, bpm: number) => void} BarPlays
- * @typedef {Record<string, (score: Score, syncPoints: SyncPoint[], createNew: boolean, barBegins: BarBegins, barPlays: BarPlays,
- *     finish: (endTick: number) => void) => { automationToSyncPoint: Map<Automation, SyncPoint> }>} Statics
+ * @typedef {Record<string, (score: Score, syncPoints: SyncPoint[], createNew: boolean, barBegins: BarBegins, barPlays:
+ *     BarPlays, finish: (endTick: number) => void) => { automationToSyncPoint: Map<Automation, SyncPoint> }>} Statics
  */
 
 const ticksPerQuarter = 960;
@@ -92,18 +92,18 @@ class Walk {
       this.#add(bar, occurrence, 0);
     }
     const synced = this.#createNew ? [] : (bar.syncPoints ?? []);
-    const marks = [...bar.tempoAutomations, ...synced].sort((a, b) => a.ratioPosition - b.ratioPosition);
-    for (const mark of marks) {
-      const { syncPointValue } = mark;
-      this.#advance(start + mark.ratioPosition * duration);
+    const tempos = [...bar.tempoAutomations, ...synced].sort((a, b) => a.ratioPosition - b.ratioPosition);
+    for (const tempo of tempos) {
+      const { syncPointValue } = tempo;
+      this.#advance(start + tempo.ratioPosition * duration);
       if (!syncPointValue) {
-        const changes = mark.value !== this.bpm;
-        this.bpm = mark.value;
+        const changes = tempo.value !== this.bpm;
+        this.bpm = tempo.value;
         if (changes && this.#createNew) {
           this.#add(bar, occurrence, this.#ms);
         }
       } else if (syncPointValue.barOccurence === occurrence) {
-        this.automationToSyncPoint.set(mark, this.#add(bar, occurrence, syncPointValue.millisecondOffset));
+        this.automationToSyncPoint.set(tempo, this.#add(bar, occurrence, syncPointValue.millisecondOffset));
       }
     }
     this.#advance(start + duration);
@@ -122,7 +122,7 @@ class Walk {
     for (const bar of this.#score.masterBars) {
       for (const automation of bar.syncPoints ?? []) {
         if (!this.automationToSyncPoint.has(automation)) {
-          // For a time that the bar is never played. alphaTab asks for each of them when it writes a file.
+          // For a time that the bar is never played. alphaTab looks up each of them when it writes a file.
           this.automationToSyncPoint.set(automation, this.#pointAt(bar, 0, automation.syncPointValue?.millisecondOffset ?? 0));
         }
       }

@@ -1,4 +1,4 @@
 // @ts-check
 
-/** What is 1 in 16-bit samples, as alphaTab has it. */
+/** Full scale of 16-bit samples: what stands for 1, as in alphaTab. */
 export const fullScale = 32767;

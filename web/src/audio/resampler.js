@@ -1,6 +1,6 @@
 // @ts-check
 /**
- * Brings sound from one sample rate to another, piece by piece: what comes out is the same wherever the sound was cut.
+ * Brings sound from one sample rate to another, chunk by chunk: what comes out is the same wherever the chunks meet.
  * Each sample is the sum of its neighbours, weighted by a windowed sinc; see J. O. Smith, "Digital Audio Resampling",
  * https://ccrma.stanford.edu/~jos/resample/, and for the window J. F. Kaiser, "Nonrecursive Digital Filter Design Using
  * the I0-sinh Window Function", ISCAS 1974.
@@ -19,12 +19,12 @@ export class Resampler {
   #up;
   #down;
   #half;
-  /** @type {Float32Array[]} the weights for each place that a sample can have between two others */
+  /** @type {Float32Array[]} the weights for each position that a sample can have between two others */
   #phases;
   /** What of the sound is still needed, from frame #begin on. Before the beginning there is silence. */
   #held;
   #begin;
-  /** The next sample to come out lies behind frame #index by #phase parts of the distance to the one after. */
+  /** The next sample to come out lies behind frame #index by #phase fractions of the distance to the one after. */
   #index = 0;
   #phase = 0;
 
@@ -45,7 +45,7 @@ export class Resampler {
 
   /**
    * @param {Float32Array} samples
-   * @returns {Float32Array} all that can be told by now
+   * @returns {Float32Array} all that is certain by now
    */
   push(samples) {
     const held = new Float32Array(this.#held.length + samples.length);
@@ -59,7 +59,7 @@ export class Resampler {
     return output;
   }
 
-  /** @returns {Float32Array} the rest: behind the end there is silence */
+  /** @returns {Float32Array} what is left: behind the end there is silence */
   finish() {
     const end = this.#begin + this.#held.length;
     const held = new Float32Array(this.#held.length + this.#half);
@@ -74,7 +74,7 @@ export class Resampler {
   #resample(held, end) {
     const up = this.#up;
     const whole = Math.floor(this.#down / up);
-    const part = this.#down % up;
+    const fraction = this.#down % up;
     const left = (end - this.#index) * up - this.#phase;
     const output = new Float32Array(Math.max(Math.ceil(left / this.#down), 0));
     for (let i = 0; i < output.length; i++) {
@@ -85,7 +85,7 @@ export class Resampler {
         sum += taps[tap] * held[first + tap];
       }
       output[i] = sum;
-      this.#phase += part;
+      this.#phase += fraction;
       const carry = this.#phase >= up ? 1 : 0;
       this.#phase -= carry * up;
       this.#index += whole + carry;

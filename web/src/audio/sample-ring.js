@@ -4,7 +4,7 @@
  * memory nothing is allocated on the way, so that the reader, which must never be late, has no garbage to collect.
  */
 
-/** How many frames there is room for: a power of two, so that places follow from counts even when those overflow. */
+/** How many frames there is room for: a power of two, so that indices follow from counts even when those overflow. */
 const capacity = 16384;
 
 /** Where the memory holds how many frames were ever written and read, both modulo 2^32; samples follow. */
@@ -33,7 +33,7 @@ export class SampleRing {
     return (Atomics.load(this.#counts, written) - Atomics.load(this.#counts, taken)) | 0;
   }
 
-  /** @param {Float32Array} samples left and right in turn; what there is no room for is lost */
+  /** @param {Float32Array} samples left and right alternately; what there is no room for is lost */
   write(samples) {
     const count = Math.min(samples.length / 2, capacity - this.length);
     const begin = Atomics.load(this.#counts, written);

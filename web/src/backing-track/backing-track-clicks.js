@@ -6,15 +6,15 @@ import { firstAtLeast } from "./stretch/time-stretch.js";
  *
  * @typedef {object} Pattern
  * @property {Float64Array} positions frames of the backing track, in rising order
- * @property {Uint8Array} levels of each position: 0 for the first beat of a bar, higher for finer parts
+ * @property {Uint8Array} levels of each position: 0 for the first beat of a bar, higher for finer levels
  *
  * @typedef {object} Ticking
- * @property {number} levels clicks of a lower level than this are heard
+ * @property {number} levels clicks of a lower level than this sound
  * @property {Float32Array} first what the first beat of a bar sounds like
  * @property {Float32Array} others
  */
 
-/** A start so little behind a click is meant for it, in seconds: alphaTab takes a tick more for each thing it is told. */
+/** A start so little behind a click is meant for it, in seconds: alphaTab takes a tick more for each call. */
 const slackSeconds = 0.003;
 
 export class BackingTrackClicks {
@@ -24,7 +24,9 @@ export class BackingTrackClicks {
   /** @type {Ticking} */
   #ticking = { levels: 0, first: new Float32Array(0), others: new Float32Array(0) };
   #next = 0;
-  /** @type {{ samples: Float32Array, from: number }[]} from: at which of the next frames it begins; negative when it has */
+  /**
+   * @type {{ samples: Float32Array, from: number }[]} from: at which of the next frames it begins; negative when it has
+   */
   #sounding = [];
 
   /** @param {number} sampleRate samples a second */
@@ -51,7 +53,7 @@ export class BackingTrackClicks {
     this.#next = firstAtLeast(this.#pattern.positions, position - this.#slack);
   }
 
-  /** No click is heard any more. */
+  /** Ends all clicks. */
   silence() {
     this.#sounding.length = 0;
   }

@@ -6,8 +6,8 @@ import { decodeBackingTrack } from "./decode/backing-track-decoder.js";
 import { collectGarbage } from "../shared/garbage.js";
 
 /**
- * The page's side of a backing track that plays: has it decoded, and speaks to the audio thread. To alphaTab it is a medium
- * that plays beside it. Times are milliseconds of the backing track.
+ * The page's side of a backing track that plays: has it decoded, and posts to the audio thread. To alphaTab it is a
+ * medium that plays beside it. Times are milliseconds of the backing track.
  *
  * @typedef {import("@coderline/alphatab").synth.IExternalMediaHandler} MediaHandler
  * @typedef {import("./backing-tracks.js").BackingTrack} BackingTrack
@@ -19,7 +19,7 @@ import { collectGarbage } from "../shared/garbage.js";
  * @typedef {{ ms: number, level: number }} TimedClick
  *
  * @typedef {object} Ticking
- * @property {number} levels clicks of a lower level than this are heard
+ * @property {number} levels clicks of a lower level than this sound
  * @property {import("../clicks/click-sounds.js").SoundName} sound
  * @property {boolean} accent whether the first beat of a bar sounds otherwise
  * @property {number} volume 0 to 1
@@ -31,12 +31,12 @@ const suspendDelayMs = 15000;
 /** How long a change of volume takes to a third, in seconds: none at all would click. */
 const volumeSeconds = 0.005;
 
-/** A seek to what is heard already is none, in milliseconds. */
+/** A seek that is no longer than this does nothing, in milliseconds. */
 const sameMs = 1;
 
 /**
  * So long before the end of the loop alphaTab is kept in it, in milliseconds: the stream starts over by itself. What
- * is reported early for the sake of drawing would otherwise be behind the end.
+ * is reported early because drawing takes time would otherwise be behind the end.
  */
 const loopEndMarginMs = 2;
 
@@ -46,9 +46,9 @@ export class BackingTrackPlayer {
   presented = new Emitter();
   /** @type {Emitter<void>} the backing track is over */
   ended = new Emitter();
-  /** @type {Emitter<string>} why there is nothing to hear */
+  /** @type {Emitter<string>} why nothing can be played */
   failed = new Emitter();
-  /** alphaTab asks for it only behind the last place where score and backing track are known to meet. */
+  /** alphaTab asks for it only behind the last position where score and backing track are known to meet. */
   backingTrackDuration = Infinity;
   /** @type {AudioContext | undefined} */
   #context;
@@ -56,7 +56,7 @@ export class BackingTrackPlayer {
   #gain;
   /** @type {AudioWorkletNode | undefined} */
   #node;
-  /** @type {Chunk[]} what the audio thread gets once it listens */
+  /** @type {Chunk[]} what the audio thread gets once it runs */
   #chunks = [];
   /** @type {BackingTrack | null} */
   #backingTrack = null;
@@ -135,7 +135,7 @@ export class BackingTrackPlayer {
   pause() {
     this.#playing = false;
     this.#post({ playing: false });
-    // Back from what was handed over to what was heard.
+    // Back from what was handed over to what was presented.
     this.seekTo(this.#presentedMs);
     this.#fallAsleep();
   }
@@ -247,7 +247,7 @@ export class BackingTrackPlayer {
   }
 
   /**
-   * As soon as the audio thread listens it is told how things are.
+   * Posts to the audio thread; before that runs nothing is posted, and it begins with the present state.
    *
    * @param {FromPage} message
    * @param {Transferable[]} [transfer]
@@ -263,7 +263,7 @@ export class BackingTrackPlayer {
     }
     const loop = this.#loop;
     if (startsOver && loop) {
-      // alphaTab goes back to the beginning of the loop when it hears of its end; the sound is there already.
+      // alphaTab goes back to the beginning of the loop when its end is reported; the sound is there already.
       this.#startingOver = true;
       this.presented.trigger(loop.to);
       this.#startingOver = false;

@@ -6,21 +6,21 @@ import { collectThoroughly } from "../shared/garbage.js";
 import { TimeStretch } from "./stretch/time-stretch.js";
 
 /**
- * Plays a backing track in the audio thread, with the metronome beside it. Everything is counted in samples of one stream:
- * clicks, loops and changes of speed fall where they belong whatever the page is busy with.
+ * Plays a backing track in the audio thread, with the metronome beside it. Everything is counted in samples of one
+ * stream: clicks, loops and changes of speed fall where they belong whatever the page is busy with.
  *
  * @typedef {object} FromPage times are milliseconds of the backing track
  * @property {null} [sound] there is none any more
- * @property {import("./stretch/decoded-track.js").Chunk} [chunk] of a backing track; playing waits for the chunk that it starts in
+ * @property {import("./stretch/decoded-track.js").Chunk} [chunk] of a backing track; playing waits for the chunk that
+ *     it starts in
  * @property {boolean} [playing]
- * @property {{ position: number, generation: number }} [seek] generation: what reports are told apart by from then on
+ * @property {{ position: number, generation: number }} [seek] generation: what tells reports apart from then on
  * @property {number} [speed]
  * @property {{ from: number, to: number } | null} [loop]
  * @property {{ times: Float64Array, levels: Uint8Array }} [clicks]
  * @property {import("./backing-track-clicks.js").Ticking} [ticking]
  * @property {boolean} [collect] whether garbage is to be collected
- * @property {number} [latency] in seconds: by how much later than here a sample is heard than what is reported of it is
- *     seen; below zero when it is heard first
+ * @property {number} [latency] in seconds: output latency minus drawing time; below zero when drawing is slower
  *
  * @typedef {object} ToPage
  * @property {number} generation
@@ -32,7 +32,7 @@ import { TimeStretch } from "./stretch/time-stretch.js";
  * @property {ArrayBuffer[]} memory of a backing track that is not played any more
  */
 
-/** After how many frames the page is told again what is heard. */
+/** After how many frames the presented position is posted again. */
 const reportEvery = 768;
 
 /** How long what is broken off fades out, and what begins somewhere fades in, in frames. */

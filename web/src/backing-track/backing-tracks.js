@@ -2,14 +2,14 @@
 import { decodingContext } from "../audio/decoding-context.js";
 
 /**
- * The backing tracks that some scores carry: which of them can be heard.
+ * The backing tracks that some scores carry: which of them can be played.
  *
  * @typedef {import("../shared/alphatab.js").Score} Score
  */
 
 /**
- * How much of a backing track is decoded to see whether the rest can be, in bytes. What comes later in a file does not change
- * its kind.
+ * How much of a backing track is decoded to see whether the rest can be, in bytes. What comes later in a file does not
+ * change its kind.
  */
 const taste = 1 << 18;
 
@@ -41,7 +41,8 @@ export class BackingTracks {
   }
 
   /**
-   * Finds out whether the score's backing track can be heard. Never fails: a score whose backing track nobody can read has none.
+   * Finds out whether the score's backing track can be played. Never fails: a score whose backing track nobody can read
+   * has none.
    *
    * @param {Score} score
    */
@@ -50,7 +51,7 @@ export class BackingTracks {
     this.#playable.set(score, (await canBeDecoded(bytes)) ? new BackingTrack(score) : null);
   }
 
-  /** @param {Score} score whose backing track cannot be heard after all */
+  /** @param {Score} score whose backing track cannot be played after all */
   giveUp(score) {
     this.#playable.set(score, null);
   }

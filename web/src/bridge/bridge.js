@@ -29,7 +29,7 @@
  *
  * @typedef {{ index: number, name: string }} TrackEntry
  * @typedef {{ title: string, artist: string, tracks?: TrackEntry[], hasBackingTrack: boolean }} ScoreFacts Without tracks
- *     those that were told last stay as they are.
+ *     those of the last message stay as they are.
  *
  * @typedef {{ type: "ready" }
  *   | { type: "playerReady" }

@@ -1,7 +1,7 @@
 // @ts-check
-/** The metronome's sounds, computed: none of them needs a recording. */
+/** The metronome's sounds, computed: none of them needs a file. */
 
-/** Samples a second where nothing else is asked for. */
+/** Samples a second where nothing else is given. */
 export const sampleRate = 44100;
 
 export const soundNames = /** @type {const} */ (["woodblock", "beep", "click", "tick"]);
@@ -14,7 +14,10 @@ export const soundNames = /** @type {const} */ (["woodblock", "beep", "click", "
  * @typedef {{ hertz: number, level: number, decay: number }} Partial decay is the time in seconds to fall to a third
  */
 
-/** @type {Record<SoundName, { seconds: number, partials: Partial[], noise: number, noiseDecay: number, attack: number }>} */
+/**
+ * @type {Record<SoundName, { seconds: number, partials: Partial[], noise: number, noiseDecay: number, attack: number
+ *     }>}
+ */
 const recipes = {
   woodblock: {
     seconds: 0.12,

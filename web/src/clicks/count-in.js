@@ -1,6 +1,6 @@
 // @ts-check
 /**
- * What is counted before the music starts: one whole bar, in the metre and at the tempo of the place it starts from.
+ * The count-in: one whole bar before the music starts, in the metre and at the tempo of the position it starts from.
  *
  * @typedef {object} MeteredBar a bar in the order of playing, repeats written out
  * @property {number} start tick

@@ -15,7 +15,7 @@ export class ClickPlayer {
   /** @type {AudioContext | undefined} */
   #context;
 
-  /** @param {Sounding} sounding what is heard at once */
+  /** @param {Sounding} sounding the click that sounds at once */
   play({ sound, accent, volume }) {
     this.#context ??= new AudioContext();
     const context = this.#context;

@@ -42,7 +42,8 @@ export class Metronome {
 
   /**
    * @param {import("../alphatab/page-api.js").PageApi} api
-   * @param {import("../playback/playback.js").Playback} playback made before this, so that it knows a score's times first
+   * @param {import("../playback/playback.js").Playback} playback made before this, so that it knows a score's times
+   *     first
    */
   constructor(api, playback) {
     this.#api = api;
@@ -81,7 +82,8 @@ export class Metronome {
 
   /**
    * @param {number} tick where the music will start
-   * @returns {import("../synth/practice-synth.js").CountIn | null} what the synthesizer counts before; null without a score
+   * @returns {import("../synth/practice-synth.js").CountIn | null} what the synthesizer counts before; null without a
+   *     score
    */
   countInAt(tick) {
     const count = countInAt(this.#bars, this.#playback.tempoMap, tick + this.#tickShift, this.#division);
@@ -108,10 +110,10 @@ export class Metronome {
     if (this.#api.playsBackingTrack) {
       this.#api.backingTrackPlayer.setTicking({ levels: audible, sound, accent, volume });
     }
-    /** @type {(offset: number, heard: boolean, accented: boolean) => void} */
-    const set = (offset, heard, accented) => {
+    /** @type {(offset: number, sounds: boolean, accented: boolean) => void} */
+    const set = (offset, sounds, accented) => {
       const channel = this.#firstChannel + offset;
-      player.setChannelMute(channel, !heard);
+      player.setChannelMute(channel, !sounds);
       player.setChannelSolo(channel, this.#besideSolo);
       player.setChannelVolume(channel, volume);
       player.setChannelTranspositionPitch(channel, clickKey(sound, accented) - writtenKey);

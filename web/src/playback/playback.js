@@ -10,7 +10,7 @@ import { TempoMap } from "../timing/tempo-map.js";
  * @typedef {{ startTick: number, endTick: number }} TickRange
  */
 
-/** Two ticks this close are the same place: alphaTab rounds each way between ticks and milliseconds. */
+/** Two ticks this close are the same position: alphaTab rounds each way between ticks and milliseconds. */
 const sameTick = 8;
 
 export class Playback {
@@ -18,7 +18,7 @@ export class Playback {
   #post;
   #feed;
   #tempoMap = new TempoMap([], 0, 960);
-  /** How far the ticks of the tempo map are ahead of those of the score. */
+  /** How far the ticks of the tempo map exceed those of the score. */
   #tickShift = 0;
   /** @type {import("@coderline/alphatab").synth.BackingTrackSyncPoint[]} */
   #syncPoints = [];
@@ -51,7 +51,8 @@ export class Playback {
     this.#feed = new PositionFeed((position) => post({ type: "position", ...position }), () => performance.now());
     api.midiLoad.on((midi) => this.#measure(midi));
     api.preparationFailed.on((reason) => this.#giveUp(reason));
-    // Listened to on the element: subscribing on the object asks the player for its last answer, which recurses for ever.
+    // Subscribed on the element: subscribing on the object requests from the player its last answer, which recurses for
+    // ever.
     api.notation.addEventListener("alphaTab.midiFileLoaded", () => this.#onLoaded());
     api.playerReady.on(() => this.#onReady());
     api.playerStateChanged.on((event) => this.#onState(event));
@@ -63,7 +64,7 @@ export class Playback {
     return this.#tempoMap.endMs;
   }
 
-  /** The place in the score as alphaTab last reported it. */
+  /** The position in the score as alphaTab last reported it. */
   get tick() {
     return this.#tick;
   }
@@ -84,7 +85,7 @@ export class Playback {
   }
 
   /**
-   * How long it takes to play on to a place, at the speed that is set.
+   * How long it takes to play on to a position, at the speed that is set.
    *
    * @param {number} tick
    * @returns {number} milliseconds
@@ -106,7 +107,10 @@ export class Playback {
     return this.#speed;
   }
 
-  /** @param {(tick: number) => import("../synth/practice-synth.js").CountIn | null} countInAt what is counted before a place */
+  /**
+   * @param {(tick: number) => import("../synth/practice-synth.js").CountIn | null} countInAt what is counted before a
+   *     position
+   */
   countWith(countInAt) {
     this.#countInAt = countInAt;
   }
@@ -114,7 +118,7 @@ export class Playback {
   /** To be called before another score is handed to alphaTab. */
   leaveScore() {
     if (this.#playing) {
-      // The next score reaches the player only when its first lines are on the score page.
+      // The next score reaches the player only when its first systems are on the score page.
       this.#api.pause();
     }
     this.#stale = true;
@@ -127,12 +131,12 @@ export class Playback {
     this.#setPlaying(false);
   }
 
-  /** Tells the length of the score just handed to alphaTab. */
+  /** Posts the length of the score just handed to alphaTab. */
   announceLength() {
     this.#feed.jump({ currentTime: 0, endTime: this.endTime });
   }
 
-  /** Tells once more what was told last. */
+  /** Posts the last position once more. */
   repeatPosition() {
     this.#feed.jump({ currentTime: this.#tempoMap.msAt(this.#tick + this.#tickShift), endTime: this.endTime });
   }
@@ -169,9 +173,9 @@ export class Playback {
   seekToTime(ms) {
     if (this.#api.score && Number.isFinite(ms)) {
       this.#awaitedTick = null;
-      const place = Math.min(Math.max(ms, 0), this.endTime);
-      this.#api.timePosition = place / this.#speed;
-      this.#prepareCountIn(this.#tempoMap.tickAt(place) - this.#tickShift);
+      const scoreMs = Math.min(Math.max(ms, 0), this.endTime);
+      this.#api.timePosition = scoreMs / this.#speed;
+      this.#prepareCountIn(this.#tempoMap.tickAt(scoreMs) - this.#tickShift);
     }
   }
 
@@ -242,11 +246,11 @@ export class Playback {
     const points = this.syncPoints;
     const { startTick, endTick } = this.#range ?? { startTick: 0, endTick: this.#tempoMap.tickAt(this.endTime) - this.#tickShift };
     /** @type {(tick: number) => number} */
-    const place = (tick) => Math.max(backingTrackMs(points, this.#tempoMap.msAt(tick + this.#tickShift)), 0);
-    this.#api.backingTrackPlayer.setLoop(this.#api.isLooping ? { from: place(startTick), to: place(endTick) } : null);
+    const inTrack = (tick) => Math.max(backingTrackMs(points, this.#tempoMap.msAt(tick + this.#tickShift)), 0);
+    this.#api.backingTrackPlayer.setLoop(this.#api.isLooping ? { from: inTrack(startTick), to: inTrack(endTick) } : null);
   }
 
-  /** To be called before another player takes over: it starts at this place, and goes on playing if this one did. */
+  /** To be called before another player takes over: it starts at this position, and goes on playing if this one did. */
   handOver() {
     this.#resumeTick = this.#tick;
     this.#startWhenReady ||= this.#playing;
@@ -276,7 +280,7 @@ export class Playback {
       this.#resumeTick = null;
       this.#tick = tick;
       this.#applyRange();
-      // A player that took over reports the beginning before it is where it was told to be.
+      // A player that took over reports the beginning before it has reached its position.
       this.#awaitedTick = tick;
       this.#api.tickPosition = tick;
     }
@@ -378,9 +382,9 @@ export class Playback {
       this.#awaitedTick = null;
     }
     this.#tick = event.currentTick;
-    // alphaTab counts in time as played, which stretches with the speed. Its own end tells by how much.
-    const part = Math.min(Math.max(event.currentTime / event.endTime, 0), 1);
-    const position = { currentTime: part * this.endTime, endTime: this.endTime };
+    // alphaTab counts in time as played, which stretches with the speed. Its own end shows by how much.
+    const share = Math.min(Math.max(event.currentTime / event.endTime, 0), 1);
+    const position = { currentTime: share * this.endTime, endTime: this.endTime };
     if (event.isSeek) {
       this.#feed.jump(position);
     } else {

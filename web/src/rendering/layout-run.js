@@ -3,9 +3,10 @@ import { alphaTab } from "../shared/alphatab.js";
 import { viewAt } from "./scroll-anchor.js";
 
 /**
- * One drawing of a score, laid out a few bars at a time. alphaTab lays out a whole score or, after an edit, all from
- * one bar on; here each step shows it some bars more and has it go on from the last line, which was not full yet. The
- * first layout batch covers what can be seen, so that it is on the score page long before the end is known.
+ * One render pass of a score, laid out a few bars at a time. alphaTab lays out a whole score or, after an edit, all
+ * from one bar on; here each step shows it some bars more and has it go on from the last staff system, which was not
+ * full yet. The first layout batch covers what can be seen, so that it is on the score page long before the end is
+ * known.
  *
  * @typedef {import("@coderline/alphatab").rendering.ScoreRenderer} ScoreRenderer
  * @typedef {import("@coderline/alphatab").rendering.RenderFinishedEventArgs} Partial
@@ -14,10 +15,10 @@ import { viewAt } from "./scroll-anchor.js";
  * @typedef {import("./scroll-anchor.js").ScrollAnchor} ScrollAnchor
  *
  * @typedef {object} LayoutBatch
- * @property {boolean} first whether what came before is of another drawing
+ * @property {boolean} first whether what came before is of another render pass
  * @property {boolean} last
  * @property {Partial[]} partials those in view with their picture
- * @property {Map<string, unknown>} bounds of the lines that the partials show
+ * @property {Map<string, unknown>} bounds of the staff systems that the partials show
  * @property {number} width of everything laid out until now, in CSS pixels
  * @property {number} height
  */
@@ -29,7 +30,7 @@ const firstBars = 80;
 const stepMs = 60;
 
 /**
- * How long the beginning of an endless line may wait for the rest, in milliseconds: higher notes far on move all staves
+ * How long the beginning of the endless system may wait for the rest of it: higher notes far on move all staves
  * down, which is better not seen.
  */
 const endlessSystemMs = 150;
@@ -77,13 +78,14 @@ export class LayoutRun {
   /**
    * Lays out some bars more.
    *
-   * @returns {LayoutBatch | null} null while what is laid out does not fill the view, or is better shown with what follows
+   * @returns {LayoutBatch | null} null while what is laid out does not fill the view, or is better shown with what
+   *     follows
    */
   step() {
     const total = this.#score.masterBars.length;
     const began = performance.now();
     const before = this.#bars;
-    // One endless line is laid out as a whole: its beginning for the view, then everything.
+    // One endless system is laid out as a whole: its beginning for the view, then everything.
     this.#bars = this.#sideways && before > 0 ? total : Math.min(before + this.#stepBars, total);
     this.finished = this.#bars === total;
     const { partials, width, height } = this.#layOut(before);
@@ -125,7 +127,8 @@ export class LayoutRun {
       renderer.partialLayoutFinished.on((partial) => {
         partials.push(partial);
         if (this.#sideways && renderer.boundsLookup) {
-          // Places in the line are known by now, all of them; alphaTab would find them out again with each partial.
+          // Positions in the system are known by now, all of them; alphaTab would find them out again with each
+          // partial.
           renderer.boundsLookup.isFinished = true;
         }
       }),
@@ -144,22 +147,22 @@ export class LayoutRun {
   }
 
   /**
-   * alphaTab tells of all partials at each step. New ones are taken, up to the last line: that is laid out anew by the
-   * next step, with the bars that follow it.
+   * alphaTab reports all partials at each step. New ones are taken, up to the last staff system: that is laid out anew
+   * by the next step, with the bars that follow it.
    *
    * @param {Partial[]} partials
    */
   #takeFresh(partials) {
     const systems = partials.filter((partial) => partial.firstMasterBarIndex >= 0);
-    const cut = this.finished || this.#sideways ? partials.length : partials.lastIndexOf(systems[systems.length - 1]);
+    const end = this.finished || this.#sideways ? partials.length : partials.lastIndexOf(systems[systems.length - 1]);
     if (this.#known.size > 0 && systems.length > 0 && !this.#known.has(systems[0].id)) {
-      // alphaTab began again at the first bar: what was told of before is no more.
+      // alphaTab began again at the first bar: what was reported before does not hold any more.
       this.#known.clear();
       this.#waiting = [];
       this.#systems = 0;
       this.#deliveredAny = false;
     }
-    const fresh = partials.slice(0, Math.max(cut, 0)).filter((partial) => !this.#known.has(partial.id));
+    const fresh = partials.slice(0, Math.max(end, 0)).filter((partial) => !this.#known.has(partial.id));
     for (const partial of fresh) {
       this.#known.add(partial.id);
     }
@@ -174,7 +177,7 @@ export class LayoutRun {
   #batch(width, height) {
     const partials = this.#waiting;
     for (const partial of partials) {
-      // What the page has in its place is of another drawing.
+      // What the page has in its place is of another render pass.
       partial.reuseViewport = false;
       if (this.#inView(partial)) {
         this.#renderer.renderResult(partial.id);
@@ -187,12 +190,12 @@ export class LayoutRun {
   }
 
   /**
-   * Moves the view to the place where it will be. What is laid out may be too short to scroll there: then more is seen
+   * Moves the view to where it will be. What is laid out may be too short to scroll there: then more is seen
    * before it or, at the beginning, behind it.
    *
    * @param {number} width of what is laid out
    * @param {number} height
-   * @returns {boolean} whether the place is known
+   * @returns {boolean} whether the anchor has been laid out
    */
   #findAnchor(width, height) {
     const anchor = this.#anchor;

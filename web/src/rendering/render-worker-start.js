@@ -6,13 +6,13 @@
 export const renderWorker = new Worker(new URL("./render-worker.js", import.meta.url), { type: "module", name: "renderer" });
 
 /**
- * Kept when the worker hears at once what it is asked. Until the page knows that the worker has run its script, requests
+ * Resolves when the worker receives requests at once. Until the page knows that the worker has run its script, requests
  * wait on the page's side: for as long, too, as the page reads a file that the worker should be reading meanwhile.
  *
  * @type {Promise<void>}
  */
 export const renderWorkerReady = new Promise((resolve) => {
   renderWorker.addEventListener("message", () => resolve(), { once: true });
-  // The renderer, too, hears of the fault, and tells.
+  // The renderer receives the fault too, and reports it.
   renderWorker.addEventListener("error", () => resolve(), { once: true });
 });

@@ -9,8 +9,8 @@ import { collectThoroughly } from "../shared/garbage.js";
  * Draws scores beside the page. It reads a score's file itself, at the same time as the page does: handing the read
  * score over would take longer than reading it again. Both number beats and notes alike, as they read the same bytes.
  *
- * Between two steps of a drawing the worker hears what the page asks for next: paintings of what came into view, or
- * another drawing, which takes the place of the one under way.
+ * Between two steps of a render pass the worker receives what the page requests next: partials that came into view, or
+ * another render pass, which replaces the one under way.
  *
  * @typedef {import("./worker-renderer.js").Request} Request
  * @typedef {import("./worker-renderer.js").Answer} Answer
@@ -21,10 +21,10 @@ import { collectThoroughly } from "../shared/garbage.js";
 const warmUpScore = `\\title "" \\track \\staff {score tabs} :8 3.3 5.3{h} :4 7.2{b (0 4)} (0.1 2.2 2.3) r |
   :16 3.3 5.3{h} 2.4{sl} 4.4 :2 0.6{v} :8 3.5 3.5 | \\track \\staff {score} \\clef F4 :4 c3 :8 e3 g3 :2 c4 | :1 c3`;
 
-/** How long the rest of a drawing is held back at most, in milliseconds. */
+/** How long the remainder of a render pass is held back at most. */
 const remainderTimeoutMs = 2000;
 
-/** The page's settings; a drawing under way keeps those it began with. */
+/** The page's settings; a render pass under way keeps those it began with. */
 let settings = new alphaTab.Settings();
 const renderer = new alphaTab.rendering.ScoreRenderer(settings);
 /** @typedef {{ file: number, score: Score }} ReadFile @type {ReadFile | null} what is drawn */
@@ -93,7 +93,7 @@ function draw(request) {
   renderer.width = request.width;
   run = new LayoutRun(renderer, held.score, request.tracks, request.view, request.anchor, request.atOnce);
   if (request.atOnce) {
-    // Another zoom may have been asked for already.
+    // Another zoom may have been requested already.
     clearTimeout(next);
     next = setTimeout(proceed);
   } else {
@@ -101,7 +101,9 @@ function draw(request) {
   }
 }
 
-/** Takes one step of the drawing, and the next one when the page has been heard, or has time for the rest. */
+/**
+ * Takes one step of the render pass, and the next one after the messages that wait, or when the page has time for it.
+ */
 function proceed() {
   clearTimeout(next);
   const current = run;
@@ -149,7 +151,7 @@ function fail(reason) {
   post({ kind: "failed", message: reason instanceof Error ? reason.message : String(reason) });
 }
 
-/** Goes through a drawing once, so that the code of the first one is ready to run. */
+/** Renders once, so that the code of the first real rendering is compiled. */
 function warmUp() {
   const settings = new alphaTab.Settings();
   settings.core.engine = "svg";

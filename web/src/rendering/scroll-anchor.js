@@ -1,7 +1,7 @@
 // @ts-check
 /**
- * Where readers are in a score. Drawn anew, larger or in other lines, it is put so that they look at the same notes, at the
- * same place on the screen. Lengths are CSS pixels.
+ * Where readers are in a score. Drawn anew, larger or in other staff systems, it is put so that they look at the same
+ * notes, at the same point of the screen. Lengths are CSS pixels.
  *
  * @typedef {import("@coderline/alphatab").rendering.BoundsLookup} BoundsLookup
  * @typedef {{ x: number, y: number, w: number, h: number }} Box
@@ -15,7 +15,7 @@
  * @typedef {object} ScrollAnchor a point of a bar, and where in the view it is
  * @property {number} bar its index
  * @property {number} x from 0 for the bar's left end to 1 for its right end
- * @property {number} y from 0 for the top of its line to 1 for the bottom
+ * @property {number} y from 0 for the top of its staff system to 1 for the bottom
  * @property {number} left from the left edge of the view
  * @property {number} top from the top edge of the view
  */
@@ -26,7 +26,7 @@ const seenShare = 1 / 3;
 /**
  * @param {BoundsLookup} bounds
  * @param {View} view
- * @param {number | null} cursorBar the bar that is marked, which is what readers look at while they see it
+ * @param {number | null} cursorBar the bar with the cursor, which is what readers look at while they see it
  * @returns {ScrollAnchor | null} null when nothing is seen of the score
  */
 export function anchorIn(bounds, view, cursorBar) {
@@ -44,9 +44,9 @@ export function anchorIn(bounds, view, cursorBar) {
 
 /**
  * @param {ScrollAnchor} anchor
- * @param {BoundsLookup} bounds of the new drawing
+ * @param {BoundsLookup} bounds of the new render pass
  * @param {View} view as it is
- * @param {boolean} sideways whether there is one endless line; on pages only the height counts
+ * @param {boolean} sideways whether there is one endless system; on pages only the height counts
  * @returns {View | null} as it is to be; null while the bar has not been laid out
  */
 export function viewAt(anchor, bounds, view, sideways) {

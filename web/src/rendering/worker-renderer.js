@@ -15,15 +15,16 @@ import { anchorIn, viewAt } from "./scroll-anchor.js";
  * @typedef {import("./scroll-anchor.js").ScrollAnchor} ScrollAnchor
  * @typedef {import("@coderline/alphatab").rendering.BoundsLookup} BoundsLookup
  *
- * @typedef {{ anchor: ScrollAnchor, left: number, top: number, cursorBar: number | null }} Return how far the viewport was scrolled, and
- *   what was marked
+ * @typedef {{ anchor: ScrollAnchor, left: number, top: number, cursorBar: number | null }} Return how far the viewport was
+ *   scrolled, and where the cursor was
  *
  * Requests are told apart by "cmd", as alphaTab's own workers, which live in the same script, look for it.
  *
  * @typedef {{ cmd: "settings", settings: Map<string, unknown> | null }
  *   | { cmd: "read", file: number, bytes: Uint8Array }
  *   | { cmd: "draw", renderId: number, file: number, score: Map<string, unknown> | null, tracks: number[], width: number,
- *       view: View, anchor: ScrollAnchor | null, textWidths: Map<string, unknown>, remainderHeld: boolean, atOnce: boolean }
+ *       view: View, anchor: ScrollAnchor | null, textWidths: Map<string, unknown>, remainderHeld: boolean, atOnce:
+ *       boolean }
  *   | { cmd: "resume" }
  *   | { cmd: "stop" }
  *   | { cmd: "paint", id: string }
@@ -53,14 +54,17 @@ export class WorkerRenderer {
   postRenderFinished = new Emitter();
   /** @type {Emitter<Error>} */
   error = new Emitter();
-  /** @type {Emitter<LayoutBatch>} what can be seen is on the score page (its first layout batch), or all is laid out (its last) */
+  /**
+   * @type {Emitter<LayoutBatch>} what can be seen is on the score page (its first layout batch), or all is laid out
+   *     (its last)
+   */
   batchShown = new Emitter();
 
   /** @type {BoundsLookup | null} */
   boundsLookup = null;
   width = 0;
 
-  /** @type {number | null} the bar that is marked on the score page, by its index */
+  /** @type {number | null} the bar with the cursor, by its index */
   cursorBar = null;
   /** Whether the score drawn last was on the score page before. */
   drewAgain = false;
@@ -68,9 +72,9 @@ export class WorkerRenderer {
   /** Whether the score is to be drawn as nothing on the score page shows it yet. */
   awaited = false;
 
-  /** Whether lines go on for ever, whatever the width. */
+  /** Whether there is one endless system, whatever the width. */
   #sideways = false;
-  /** Whether the worker has been asked for the score as it is to be drawn now. */
+  /** Whether the score has been requested as it is to be drawn now. */
   #requested = false;
 
   #worker;
@@ -124,19 +128,19 @@ export class WorkerRenderer {
     this.#fileOf.set(score, file);
   }
 
-  /** Nothing more will be heard of the drawing under way. */
+  /** Ends the render pass under way: nothing more of it is shown. */
   abandon() {
     this.#renderId++;
     this.awaited = false;
     this.#post({ cmd: "stop" });
   }
 
-  /** From now on drawings stop after what can be seen, until resume(). */
+  /** From now on render passes stop after what can be seen, until resume(). */
   holdRemainder() {
     this.#remainderHeld = true;
   }
 
-  /** Has the drawing under way go on to its end, and those to come not stop. */
+  /** Has the render pass under way go on to its end, and those to come not stop. */
   resume() {
     if (this.#remainderHeld) {
       this.#remainderHeld = false;
@@ -153,7 +157,8 @@ export class WorkerRenderer {
   }
 
   /**
-   * Changes the score page for a score that is to be drawn anew. Until it is, what is on the score page stays where it is.
+   * Changes the score page for a score that is to be drawn anew. Until it is, what is on the score page stays where it
+   * is.
    *
    * @param {() => void} change
    */
@@ -167,9 +172,9 @@ export class WorkerRenderer {
   }
 
   /**
-   * Readers will be where they are now when the score has been drawn anew. Those at the very beginning stay there. Those
-   * who have not moved since they came to a place by themselves are still at that place, even if it is no longer the first
-   * thing to be seen: smaller and larger again leads back.
+   * Readers will be where they are now when the score has been drawn anew. Those at the very beginning stay there.
+   * Those who have not moved since they scrolled somewhere themselves are still there, even if it is no longer the
+   * first thing to be seen: smaller and larger again leads back.
    */
   #holdAnchor() {
     if (this.#anchor || !this.boundsLookup || this.#shown.score !== this.#score) {
@@ -218,13 +223,13 @@ export class WorkerRenderer {
         anchor: this.#anchor,
         textWidths: textWidths(),
         remainderHeld: this.#remainderHeld,
-        // Who reads far on in the line would be lost with its beginning alone.
+        // A reader far on in the system would be lost with its beginning alone.
         atOnce: this.#sideways && this.#shown.sideways && this.#shown.score === score,
       });
     }
   }
 
-  /** A line that goes on for ever makes the notation wider itself, and is not drawn again for that. */
+  /** The endless system makes the notation container wider itself, and is not drawn again for that. */
   resizeRender() {
     if (!this.#sideways || !this.#requested) {
       this.render();
@@ -263,7 +268,7 @@ export class WorkerRenderer {
       this.#anchor = null;
       this.error.trigger(new Error(answer.message));
     } else if (answer.kind === "ready" || answer.renderId !== this.#renderId) {
-      // Nothing drawn, or of a drawing that another has taken the place of.
+      // Nothing drawn, or of a render pass that another has replaced.
     } else if (answer.kind === "painted") {
       this.partialRenderFinished.trigger(answer.partial);
     } else if (answer.kind === "drawn") {
@@ -313,7 +318,7 @@ export class WorkerRenderer {
 
   /** @param {LayoutBatch} batch */
   #sizeOf({ last, width, height }) {
-    // A score drawn anew keeps its length until the new one is known: the reader stays at the same place.
+    // A score drawn anew keeps its length until the new one is known: the reader stays where they are.
     const atLeast = !last && this.#shown.score === this.#score ? this.#shown.height : 0;
     const size = new alphaTab.rendering.RenderFinishedEventArgs();
     size.totalWidth = width;
@@ -322,7 +327,7 @@ export class WorkerRenderer {
     return size;
   }
 
-  /** @param {Map<string, unknown>} bounds of further lines */
+  /** @param {Map<string, unknown>} bounds of further staff systems */
   #addBounds(bounds) {
     const all = this.boundsLookup;
     const more = this.#score && alphaTab.rendering.BoundsLookup.fromJson(bounds, this.#score);

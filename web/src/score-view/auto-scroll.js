@@ -21,7 +21,7 @@ const lookAheadMs = 1000;
 /** Room kept between the edge of the view and what is kept in view, in CSS pixels. */
 const margin = 24;
 
-/** In one endless line: where the beat is put, and how far it may wander, as parts of the view's width. */
+/** In the endless system: where the beat is put, and how far it may move, as shares of the view's width. */
 const sidewaysHome = 0.25;
 const sidewaysLimit = 0.7;
 
@@ -44,7 +44,9 @@ export class AutoScroll {
   #readerScrolled = false;
   #soon = 0;
   #lookAheadTimer = 0;
-  /** @type {{ system: number, top: number } | null} the staff system that has made room for the next, and where it was */
+  /**
+   * @type {{ system: number, top: number } | null} the staff system that has made room for the next, and where it was
+   */
   #madeRoom = null;
   /** @type {{ y: number, h: number } | null} the staff system that was kept in view last */
   #system = null;
@@ -96,7 +98,7 @@ export class AutoScroll {
   }
 
   /**
-   * Called when the place was changed otherwise than by playing on.
+   * Called when the position was changed otherwise than by playing on.
    *
    * @param {BeatBounds} beat
    */
@@ -106,7 +108,7 @@ export class AutoScroll {
   }
 
   /**
-   * Called by alphaTab at each beat while playing, and when it has put its cursor into a new workerRenderer.
+   * Called by alphaTab at each beat while playing, and when it has put its cursor into a new render pass.
    *
    * @param {BeatBounds} beat
    * @param {BeatBounds | undefined} _next
@@ -124,7 +126,7 @@ export class AutoScroll {
     }
   }
 
-  /** alphaTab puts its cursor to a new place within the next frames. */
+  /** alphaTab puts its cursor to a new position within the next frames. */
   #showCursorSoon() {
     clearTimeout(this.#soon);
     clearTimeout(this.#lookAheadTimer);
@@ -144,7 +146,7 @@ export class AutoScroll {
 
   /** @param {Event} event */
   #noticeReader(event) {
-    // A press on the score itself chooses a place; one on the viewport's edge is the scroll bar being taken.
+    // A press on the score itself chooses a position; one on the viewport's edge is the scroll bar being taken.
     const scrolls =
       event instanceof KeyboardEvent ? scrollKeys.has(event.key) : event.type !== "mousedown" || event.target === this.#viewport;
     if (scrolls) {
@@ -172,7 +174,7 @@ export class AutoScroll {
     const viewport = this.#viewport;
     const system = beat.barBounds.masterBarBounds.visualBounds;
     const target = this.#target;
-    // A system that is higher than the view keeps to the place that the one before had before it made room.
+    // A system that is higher than the view keeps to the top that the one before had before it made room.
     const top = isTooHigh(system.h, viewport.clientHeight) ? (this.#madeRoom?.top ?? target.top) : target.top;
     this.#madeRoom = null;
     const { x, y } = this.#notationAt({ left: target.left, top });
@@ -340,6 +342,6 @@ export function sidewaysStep(beatX, viewWidth, nextX = beatX) {
     return 0;
   }
   const home = beatX - viewWidth * sidewaysHome;
-  // A beat wider than the rest of the view goes further to the left, yet not out of it.
+  // A beat wider than what is left of the view goes further to the left, yet not out of it.
   return Math.max(home, Math.min(nextX - viewWidth + margin, beatX - margin));
 }

@@ -1,8 +1,8 @@
 // @ts-check
 /**
- * Shows what is presented: the bar, and in it the notes, behind a band that leaves them legible. The band steps from note to
- * note. It could glide, but then the page, the window and the display would draw thirty times a second for it, and each
- * frame's delay would show the cursor elsewhere than the sound.
+ * Shows what is presented: the bar, and in it the notes, behind a band that leaves them legible. The band steps from
+ * note to note. It could glide, but then the page, the window and the display would draw thirty times a second for it,
+ * and each frame's delay would show the cursor elsewhere than the sound.
  *
  * @typedef {import("@coderline/alphatab").rendering.BeatBounds} BeatBounds
  * @typedef {NonNullable<import("../alphatab/page-api.js").PageApi["customCursorHandler"]>} CursorHandler
@@ -21,8 +21,8 @@ export class Cursor {
   constructor(api) {
     this.#api = api;
     this.#cursors = api.uiFacade.createCursors();
-    // alphaTab makes cursors together with a player, which comes after the first lines of a score, and takes them away
-    // with it: it gets these, and they stay.
+    // alphaTab makes cursors together with a player, which comes after the first systems of a score, and takes them
+    // away with it: it gets these, and they stay.
     api.uiFacade.createCursors = () => this.#cursors;
     api.uiFacade.destroyCursors = () => {};
     api.customCursorHandler = this;

@@ -8,7 +8,7 @@
  * @typedef {{ startTick: number, endTick: number }} Loop
  */
 
-/** How many bars ahead another staff system is looked for. */
+/** How many bars on another staff system is looked for. */
 const farthest = 64;
 
 /**

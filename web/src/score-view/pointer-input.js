@@ -23,7 +23,10 @@ const edge = 36;
 /** How fast at most, in CSS pixels a second. */
 const edgeSpeed = 900;
 
-/** @typedef {{ beat: Beat, x: number, y: number, dragging: boolean, extending: boolean }} Press where it was, in the view */
+/**
+ * @typedef {{ beat: Beat, x: number, y: number, dragging: boolean, extending: boolean }} Press where it was, in the
+ *     view
+ */
 
 export class PointerInput {
   #api;
@@ -96,7 +99,7 @@ export class PointerInput {
   #onMove(event) {
     const press = this.#press;
     if (press && (event.buttons & 1) === 0) {
-      // Released where nobody told the page.
+      // Released where the page does not notice it.
       this.#cancel();
     } else if (press) {
       this.#pointer = { x: event.clientX, y: event.clientY };
@@ -254,7 +257,7 @@ export class PointerInput {
   }
 
   /**
-   * One box for each line of the score that the range covers.
+   * One box for each staff system that the range covers.
    *
    * @param {Beat} first
    * @param {Beat} last
@@ -283,15 +286,15 @@ export class PointerInput {
 }
 
 /**
- * How far into the edge of the view a place is.
+ * How far into the edge of the view a point is.
  *
- * @param {number} place from the view's beginning
+ * @param {number} point from the view's beginning
  * @param {number} length of the view
  * @returns {number} -1 at its beginning and beyond, 1 at its end and beyond, 0 away from both
  */
-export function edgePart(place, length) {
-  if (place < edge) {
-    return Math.max(place - edge, -edge) / edge;
+export function edgePart(point, length) {
+  if (point < edge) {
+    return Math.max(point - edge, -edge) / edge;
   }
-  return place > length - edge ? Math.min(place - length + edge, edge) / edge : 0;
+  return point > length - edge ? Math.min(point - length + edge, edge) / edge : 0;
 }

@@ -5,10 +5,10 @@ import { alphaTab } from "../shared/alphatab.js";
  * The score page with the notation on it: which tracks it shows, how they are laid out, how large they are drawn.
  */
 
-/** Width of the score page at zoom 1, in CSS pixels: about five bars of guitar to a line. */
+/** Width of the score page at zoom 1, in CSS pixels: about five bars of guitar to a system. */
 const pageWidth = 1180;
 
-/** How long a finished drawing may keep its visible partial waiting before it is reported all the same, in milliseconds. */
+/** How long a finished rendering waits for its visible partials before it is reported all the same. */
 const paintTimeoutMs = 2000;
 
 export class ScoreView {
@@ -24,7 +24,7 @@ export class ScoreView {
    * @param {HTMLElement} scorePage
    * @param {HTMLElement} viewport what scrolls
    * @param {import("./score-header.js").ScoreHeader} scoreHeader
-   * @param {() => void} onRendered called when what can be seen of a finished drawing is on the score page
+   * @param {() => void} onRendered called when what can be seen of a finished rendering is on the score page
    */
   constructor(api, scorePage, viewport, scoreHeader, onRendered) {
     this.#api = api;
@@ -98,7 +98,7 @@ export class ScoreView {
   }
 
   /**
-   * Smaller notation on the same page would make lines too long to read, larger notation lines of two bars.
+   * Smaller notation on the same page would make systems too long to read, larger notation systems of two bars.
    *
    * @param {number} zoom
    */
@@ -115,7 +115,7 @@ export class ScoreView {
     }
   }
 
-  /** A layout is finished before its lines are painted: they are painted as they come into view. */
+  /** A layout is finished before its systems are painted: they are painted as they come into view. */
   #reportWhenVisible() {
     const renderId = this.#renderId;
     const deadline = performance.now() + paintTimeoutMs;

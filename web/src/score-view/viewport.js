@@ -1,6 +1,6 @@
 // @ts-check
 /**
- * What scrolls, with the notation in it.
+ * The viewport: it scrolls, with the notation in it.
  *
  * @typedef {import("../rendering/scroll-anchor.js").View} View
  */

@@ -2,13 +2,13 @@
 import { collectGarbage, collectThoroughly } from "../shared/garbage.js";
 
 /**
- * Collects the garbage that opening and drawing a score leaves, 70 MB with nine tracks, once nothing has happened for a
- * while. Nothing else would: left to itself V8 does it three times over, about when the music has begun to play.
+ * Collects the garbage that opening and rendering a score leaves, 70 MB with nine tracks, once nothing has happened for
+ * a while. Nothing else would: left to itself V8 does it three times over, about when the music has begun to play.
  */
 
 /**
- * How long nothing may have happened, in milliseconds. V8 gives up its room for new objects only when it has seen next to
- * none for five seconds.
+ * How long nothing may have happened, in milliseconds. V8 gives up its room for new objects only when it has seen next
+ * to none for five seconds.
  */
 const inactivityDelayMs = 6000;
 
@@ -36,8 +36,8 @@ const steps = [
   { thread: "renderer", wait: nextStepDelayMs },
   { thread: "synth", inSilence: true, wait: nextStepDelayMs },
   { thread: "sound", inSilence: true, wait: nextStepDelayMs },
-  // By halves, so that it never stands still for long while music plays: the first time leaves what the second finds, and
-  // the room for new objects is given up when the time since the last collection was a quiet one.
+  // By halves, so that it never stands still for long while music plays: the first time leaves what the second finds,
+  // and the room for new objects is given up when the time since the last collection was without new objects.
   { thread: "page", wait: nextStepDelayMs },
   { thread: "page", wait: nextStepDelayMs },
   { thread: "page", wait: thirdCollectionDelayMs },
@@ -52,7 +52,8 @@ export class IdleCollection {
   #api;
 
   /**
-   * @param {Pick<import("../alphatab/page-api.js").PageApi, "workerRenderer" | "playerReady" | "playerStateChanged" | "backingTrackPlayer" | "synth">} api
+   * @param {Pick<import("../alphatab/page-api.js").PageApi, "workerRenderer" | "playerReady" | "playerStateChanged" |
+   *     "backingTrackPlayer" | "synth">} api
    * @param {{ readonly playing: boolean }} playback
    * @param {EventTarget} view where the reader's hands are felt
    */

@@ -99,7 +99,7 @@ export class ScoreSession {
     }
   }
 
-  /** The backing track of the open score cannot be heard after all: the synthesizer takes its place. */
+  /** The backing track of the open score cannot be played after all: the synthesizer replaces it. */
   giveUpBackingTrack() {
     const score = this.#api.score;
     if (!score || !this.#backingTracks.of(score)) {

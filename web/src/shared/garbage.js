@@ -3,8 +3,8 @@
 const tooLarge = 2 ** 35 - 1;
 
 /**
- * Collects all that can be collected and packs what is left, at the price of four collections in a row: 0.4 s for a score
- * of nine tracks, 0.1 to 0.2 s in the page. After it the layout of such a score takes 10 MB less than after
+ * Collects all that can be collected and packs what is left, at the price of four collections in a row: 0.4 s for a
+ * score of nine tracks, 0.1 to 0.2 s in the page. After it the layout of such a score takes 10 MB less than after
  * collectGarbage(), however often, and the room for new objects is given up at once.
  */
 export function collectThoroughly() {

@@ -25,9 +25,9 @@ const keys = 128;
 
 /**
  * @param {ChannelEvent[]} events of a playback, in the order of time
- * @param {Preset[]} presets of the synthesizer; of two with the same number the later one is heard
+ * @param {Preset[]} presets of the synthesizer; of two with the same number the later one sounds
  * @param {Map<number, number>} transpositions semitones, by channel
- * @returns {SoundInUse[]} in the order in which they are heard first
+ * @returns {SoundInUse[]} in the order in which they first sound
  */
 export function soundsInUse(events, presets, transpositions) {
   /** @type {Map<number, SoundInUse>} */

@@ -3,14 +3,14 @@ import { callbackSeconds, watchOutputLatency } from "../audio/output-latency.js"
 import { SampleRing } from "../audio/sample-ring.js";
 
 /**
- * The page's side of the place where synthesizers sound, one after the other: an audio context that sleeps when there is
- * nothing to hear. There is one for all of them, as a closed context keeps part of its memory.
+ * The page's side of the audio output, which synthesizers use one after the other: an audio context that is suspended
+ * when nothing sounds. There is one for all of them, as a closed context keeps part of its memory.
  */
 
 /** How long after the last sound the audio context is suspended. */
 const suspendDelayMs = 15000;
 
-/** What announces that the page will be busy drawing, and for how long more sound is kept ahead then, in seconds. */
+/** What announces that the page will be busy rendering, and for how long the look-ahead is longer then. */
 const busySigns = ["resize", "wheel"];
 const busySeconds = 2;
 
@@ -19,7 +19,7 @@ export class AudioOutput {
   ring = SampleRing.sharedMemory();
   #context = new AudioContext({ latencyHint: callbackSeconds });
   #node = this.#build();
-  /** @type {MessagePort | null} to the synthesizer that is heard; what another one wishes no longer counts */
+  /** @type {MessagePort | null} to the synthesizer that sounds; posts of another one no longer count */
   #port = null;
   #sleep = 0;
 
@@ -28,7 +28,9 @@ export class AudioOutput {
     return this.#context.sampleRate;
   }
 
-  /** @param {MessagePort} port the audio thread's end of a channel to a synthesizer, handed over: that one is heard now */
+  /**
+   * @param {MessagePort} port the audio thread's end of a channel to a synthesizer, handed over: that one sounds now
+   */
   connect(port) {
     this.#port = port;
     void this.#post({ port }, [port]);

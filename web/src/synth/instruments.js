@@ -48,7 +48,7 @@ export class Instruments {
   }
 
   /**
-   * @param {number} index as inUse() told
+   * @param {number} index as inUse() has it
    * @param {import("../soundfont/fine-preset.js").FineSound} sound
    */
   replace(index, sound) {

@@ -1,7 +1,7 @@
 // @ts-check
 /**
- * Has the synthesizer know what is presented: each time that the audio thread posts it, and in between when a note begins, which
- * is when the cursor has to move.
+ * Has the synthesizer know what is presented: each time that the audio thread posts it, and in between when a note
+ * begins, which is when the cursor has to move.
  */
 
 /** How far ahead a note is waited for; the audio thread posts again before that. */
@@ -36,7 +36,10 @@ export class PlaybackClock {
     this.#reported = 0;
   }
 
-  /** @param {number} least what is presented at least: the note that was waited for, as timers are no finer than milliseconds */
+  /**
+   * @param {number} least what is presented at least: the note that was waited for, as timers are no finer than
+   *     milliseconds
+   */
   #report(least) {
     clearTimeout(this.#timer);
     const perMillisecond = this.#synth.sampleRate / 1000;

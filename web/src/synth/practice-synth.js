@@ -68,7 +68,7 @@ const fadeLength = 480;
 /** How long the last notes of a score may ring on, in seconds. */
 const longestEnd = 1.5;
 
-/** An output as alphaTab's base class wants it. This synthesizer is asked for samples by other means. */
+/** An output as alphaTab's base class wants it. Samples are requested from this synthesizer by other means. */
 function silentOutput(/** @type {number} */ sampleRate, /** @type {SampleOutput} */ output) {
   const never = { on: () => () => {}, off: () => {} };
   /** @type {(() => void)[]} */
@@ -102,7 +102,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   /** Milliseconds of score time. */
   #presentedMs = 0;
   #reportedFrame = -Infinity;
-  /** @type {number | null} the sample after which there is nothing more to hear */
+  /** @type {number | null} the sample after which nothing sounds any more */
   #end = null;
   #ringingOut = 0;
   /** @type {CountIn | null} the one to begin with */
@@ -168,7 +168,9 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     return super.isReadyForPlayback && !this.#banksToCome;
   }
 
-  /** @param {CountIn | null} countIn what the next start begins with; while one is under way it starts over with this */
+  /**
+   * @param {CountIn | null} countIn what the next start begins with; while one is under way it starts over with this
+   */
   setCountIn(countIn) {
     this.#nextCountIn = countIn;
     if (this.#countIn) {
@@ -195,7 +197,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   }
 
   /**
-   * @param {Uint8Array[]} banks in place of those before; of two with the same sound the later one's is heard
+   * @param {Uint8Array[]} banks in place of those before; of two with the same sound the later one's sounds
    */
   loadBanks(banks) {
     banks.forEach((bank, index) => {
@@ -257,8 +259,8 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
 
   /**
    * @param {number} least how many frames are wanted
-   * @returns {Float32Array | null} at least as many, left and right in turn, until the next call; null when there is
-   *     nothing more to play
+   * @returns {Float32Array | null} at least as many, left and right alternately, until the next call; null when there
+   *     is nothing more to play
    */
   render(least) {
     if (this.state !== alphaTab.synth.PlayerState.Playing || this.#end !== null) {
@@ -286,7 +288,9 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     return this.#samples.fill(0, 0, length);
   }
 
-  /** The frame of the stream with which the next note begins; undefined when none was rendered that was not presented. */
+  /**
+   * The frame of the stream with which the next note begins; undefined when none was rendered that was not presented.
+   */
   get nextNote() {
     return /** @type {number | undefined} */ (this.#notes[0]);
   }

@@ -2,21 +2,21 @@
 import { SampleRing } from "../audio/sample-ring.js";
 
 /**
- * The last station before the audio output, in the audio thread. It asks the synthesizer's worker for samples over a
+ * The synthesizer's AudioWorklet, in the audio thread. It requests samples from the synthesizer's worker over a
  * port of their own, so that nothing the page is busy with holds up the sound. While it plays it allocates next to
- * nothing and hears nothing: garbage to collect made it miss its turn once in ten minutes.
+ * nothing and receives nothing: garbage collection made it miss its callback once in ten minutes.
  *
  * @typedef {{ port?: MessagePort | null, ring?: SharedArrayBuffer | null, latency?: number, busyFrames?: number }} FromPage
- *     port: to the synthesizer that is heard from now on, null for none; ring: where the samples come, if memory can be
- *     shared; latency in frames: by how much later than here a sample is heard than what is reported of it is seen, below
- *     zero when it is heard first; busyFrames: for how many frames the page will keep the processor busy
+ *     port: to the synthesizer that sounds from now on, null for none; ring: where the samples come, if memory can be
+ *     shared; latency in frames: output latency minus drawing time, below zero when drawing is slower; busyFrames: for
+ *     how many frames the page will keep the processor busy
  * @typedef {{ stream: number, samples?: Float32Array, playing?: boolean }} FromSynth samples: where memory cannot be
  *     shared
  * @typedef {{ stream: number, wanted: number, presented?: number, at: number }} ToSynth wanted, presented: up to which frame of the
  *     stream samples are wanted, and which one is presented (not begun yet below zero) at the time `at` of Date
  */
 
-/** How many frames are kept ahead. The more, the longer a mute takes to be heard; the fewer, the sooner it stutters. */
+/** The look-ahead, in frames. The more, the longer a mute takes to sound; the fewer, the sooner there are dropouts. */
 const least = 1536;
 const most = 8192;
 
@@ -24,17 +24,17 @@ const most = 8192;
 const increase = 512;
 
 /**
- * How many frames at the least are asked for at a time: as many as the sound system takes in one turn, as the
- * synthesizer's thread wakes up for each question.
+ * How many frames at the least are requested at a time: as many as the sound system takes in one callback, as the
+ * synthesizer's thread wakes up for each request.
  */
 const portion = 1024;
 
-/** After how many frames the synthesizer is told again what is heard. */
+/** After how many frames the presented frame is posted again. */
 const reportEvery = 1536;
 
 /**
- * The calls of one turn of the sound system come at once, one behind the other. After so many milliseconds another turn
- * has begun.
+ * The render quanta of one audio callback come at once, one behind the other. After so many milliseconds another
+ * callback has begun.
  */
 const callbackGapMs = 2;
 
@@ -52,16 +52,18 @@ class SoundProcessor extends AudioWorkletProcessor {
   #playing = false;
   /** Counts the streams: a seek begins a new one, and what comes of the one before is dropped. */
   #stream = 0;
-  /** Frames of the stream that were asked for, and that came. */
+  /** Frames of the stream that were requested, and that came. */
   #requested = 0;
   #taken = 0;
   #latency = 0;
-  /** For how many frames to come as much as possible is kept ahead. */
+  /** For how many frames to come the look-ahead is the longest. */
   #busyFrames = 0;
   /** Calls since the stream's first frame, and how many frames had been taken before each of the last ones. */
   #calls = 0;
   #before = new Int32Array(memory);
-  /** With which of them the turn began, and when this and the last call came, in milliseconds. */
+  /**
+   * The render quantum with which the audio callback began, and when that and the last quantum came, in milliseconds.
+   */
   #callback = 0;
   #callbackTime = 0;
   #lastTime = 0;
@@ -108,7 +110,7 @@ class SoundProcessor extends AudioWorkletProcessor {
       if (!playing) {
         this.#breakOff();
       } else if (this.#requested === 0) {
-        // A synthesizer that was heard before this one may have answered its last question late.
+        // A synthesizer that sounded before this one may have answered its last request late.
         this.#ring.clear();
       }
       this.#playing = playing;
@@ -178,7 +180,7 @@ class SoundProcessor extends AudioWorkletProcessor {
       return;
     }
     if (missing > 0) {
-      // The first time exactly what is to be kept ahead: from then on the questions come when a turn begins.
+      // The first time exactly the look-ahead: from then on the requests come when a callback begins.
       this.#requested += this.#requested === 0 ? missing : Math.ceil(missing / portion) * portion;
     }
     this.#sinceReport = 0;
@@ -187,7 +189,7 @@ class SoundProcessor extends AudioWorkletProcessor {
   }
 
   /**
-   * Which frame of the stream was heard when the turn began.
+   * The frame of the stream that was presented when the audio callback began.
    *
    * @param {number} length frames of a call
    */
@@ -197,7 +199,7 @@ class SoundProcessor extends AudioWorkletProcessor {
     if (call <= 0) {
       return call * length;
     }
-    // What has not been taken yet is heard one call behind the other from now on.
+    // Frames that have not been taken yet are presented one quantum behind the other from now on.
     const known = Math.min(call, this.#callback);
     return this.#before[known % memory] + (call - known) * length;
   }

@@ -109,8 +109,8 @@ export class SynthPlayer {
   }
 
   /**
-   * @param {Uint8Array<ArrayBuffer>[]} banks in place of those before, handed over and not here any more; of two with the
-   *     same sound the later one's is heard
+   * @param {Uint8Array<ArrayBuffer>[]} banks in place of those before, handed over and not here any more; of two with
+   *     the same sound the later one's sounds
    */
   loadBanks(banks) {
     const buffers = banks.map((bank) => bank.buffer);
@@ -132,7 +132,7 @@ export class SynthPlayer {
   /**
    * Notes that begin from now on have another sound.
    *
-   * @param {number} index as soundsInUse() told, of the same score
+   * @param {number} index as soundsInUse() has it, of the same score
    * @param {import("../soundfont/fine-preset.js").FineSound} sound whose samples are handed over and not here any more
    */
   replaceSound(index, sound) {

@@ -7,8 +7,8 @@ import { SampleRing } from "../audio/sample-ring.js";
 import { collectThoroughly } from "../shared/garbage.js";
 
 /**
- * The synthesizer at work in its worker. It speaks alphaTab's own language with alphaTab's player on the page, and
- * answers the audio thread, which asks for samples over a port of their own.
+ * The synthesizer at work in its worker. It understands the messages of alphaTab's player on the page, and
+ * answers the audio thread, which requests samples over a port of their own.
  *
  * @typedef {{ cmd: string } & Record<string, any>} Command
  */
@@ -61,7 +61,8 @@ class SamplePort {
 
   /**
    * @param {MessagePort} port
-   * @param {SharedArrayBuffer | null} memory of the ring that the audio thread reads; null when samples are to be posted
+   * @param {SharedArrayBuffer | null} memory of the ring that the audio thread reads; null when samples are to be
+   *     posted
    */
   constructor(port, memory) {
     this.#port = port;

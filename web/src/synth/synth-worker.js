@@ -4,7 +4,7 @@
  * being only when the page has time for it, but reads beside whatever the page does.
  */
 
-// alphaTab listens here too, for commands of its own, none of which is this one.
+// alphaTab receives messages here too, for commands of its own, none of which is this one.
 addEventListener("message", async ({ data }) => {
   if (data.cmd === "serve") {
     const { serve } = await import("./synth-service.js");

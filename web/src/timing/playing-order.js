@@ -5,12 +5,14 @@ import { findRepeats } from "./repeats.js";
  * In which order the bars of a score are played: repeats, endings, and the directions that jump.
  *
  * The rules are those that players keep to:
- * - Repeats nest. An end sign closes the start sign opened last; without one it closes at the bar behind the last closed
+ * - Repeats nest. An end sign closes the start sign opened last; without one it closes at the bar behind the last
+ *   closed
  *   repeat. The number of an ending says in which passes it is played, whether it is closed by a sign or not.
  * - A jump (D.C., D.S. and their kin) is taken once, when the repeats around it have been played out.
  * - After a jump no repeat is taken up to where it started, and of several endings the last one is played. Behind that,
  *   and from the coda on, repeats are played again.
- * - "To Coda" and "Fine" are heeded only after a jump that asks for them. A plain jump asks for those between its target
+ * - "To Coda" and "Fine" are heeded only after a jump that asks for them. A plain jump asks for those between its
+ *   target
  *   and itself which no other jump asks for.
  *
  * @typedef {"Fine" | "Segno" | "SegnoSegno" | "Coda" | "DoubleCoda"} Mark
@@ -158,7 +160,8 @@ class Player {
 
   /**
    * @param {number} index
-   * @returns {number | null} where it goes on when the bar is in an ending for other passes; null when it is to be played
+   * @returns {number | null} where it goes on when the bar is in an ending for other passes; null when it is to be
+   *     played
    */
   #pastOtherEnding(index) {
     for (const round of this.#rounds) {

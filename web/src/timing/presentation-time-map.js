@@ -1,7 +1,7 @@
 // @ts-check
 /**
- * Which position of the score each frame belongs to. What is rendered now is presented later, and in between the score may
- * have been counted in, have changed its speed or have started over.
+ * Which position of the score each frame belongs to. What is rendered now is presented later, and in between the score
+ * may have been counted in, have changed its speed or have started over.
  *
  * @typedef {object} Span frames that belong to consecutive positions of the score
  * @property {number} frame the first of them, counted from the beginning of the stream
@@ -40,8 +40,8 @@ export class PresentationTimeMap {
 
   /**
    * @param {number} frame what is presented now; never less than the time before
-   * @returns {Presented | null} the position in the score, and whether it started over since the last time; null when nothing
-   *     was ever rendered
+   * @returns {Presented | null} the position in the score, and whether it started over since the last time; null when
+   *     nothing was ever rendered
    */
   at(frame) {
     let startsOver = false;

@@ -2,9 +2,9 @@
 /**
  * What the repeat signs and endings of a score enclose.
  *
- * An end sign closes the start sign opened last, or begins where the last repeat ended. Behind an ending that is closed,
- * an ending for another pass belongs to the same repeat. An ending reaches up to its end sign, to the next ending or to the
- * next start sign: in some files only its first bar carries its number.
+ * An end sign closes the start sign opened last, or begins where the last repeat ended. Behind an ending that is
+ * closed, an ending for another pass belongs to the same repeat. An ending reaches up to its end sign, to the next
+ * ending or to the next start sign: in some files only its first bar carries its number.
  *
  * @typedef {import("./playing-order.js").WrittenBar} WrittenBar
  *

@@ -5,7 +5,7 @@
  * @typedef {{ tick: number, bpm: number }} TempoChange quarter notes a minute from that tick on
  */
 
-/** Before its first tempo mark a score runs at this many quarter notes a minute. */
+/** Before its first tempo change a score runs at this many quarter notes a minute. */
 const initialTempo = 120;
 
 export class TempoMap {

@@ -3,8 +3,8 @@ import { decodingContext } from "../../audio/decoding-context.js";
 import { segmentsOf } from "./segments.js";
 
 /**
- * Decodes a backing track chunk by chunk where its file can be cut, so that it can be heard after the first chunk, and memory
- * never holds more than a few of them as the decoder writes them; as a whole where it cannot.
+ * Decodes a backing track chunk by chunk where its file can be cut, so that it can be played after the first chunk, and
+ * memory never holds more than a few of them as the decoder writes them; as a whole where it cannot.
  *
  * @typedef {import("../stretch/decoded-track.js").Chunk} Chunk
  * @typedef {import("./decode-worker.js").Decoded} Decoded
@@ -60,7 +60,7 @@ async function* decode(bytes, wantedRate) {
  * @returns {AsyncGenerator<Decoded, boolean>} whether anything could be decoded
  */
 async function* decodeSegments({ sampleRate, segments, fileOf }, wantedRate) {
-  // At the file's own rate nothing is resampled, which would tell where the file was cut.
+  // At the file's own rate nothing is resampled, which would show where the file was cut.
   const context = decodingContext(sampleRate);
   const rates = { sampleRate, wantedRate };
   /** @type {(segment: Segment, end: number) => Promise<number>} */
@@ -72,7 +72,7 @@ async function* decodeSegments({ sampleRate, segments, fileOf }, wantedRate) {
     // Of a damaged chunk the end is missing.
     return end - segment.length >= segment.lead ? end - segment.length : Math.min(segment.lead, end);
   };
-  let heard = false;
+  let decodedAny = false;
   let silent = 0;
   for (const [index, segment] of segments.entries()) {
     const buffer = await decodedWith(context, fileOf(segment)).catch(() => null);
@@ -81,16 +81,16 @@ async function* decodeSegments({ sampleRate, segments, fileOf }, wantedRate) {
       const from = index === 0 ? 0 : await beginningOf(segment, end);
       const length = index === 0 || segment.leadTo !== undefined ? Math.max(end - from, segment.length) : segment.length;
       yield { silent, channels: channelsOf(buffer), from, length, ...rates, last: index === segments.length - 1 };
-      heard = true;
+      decodedAny = true;
       silent = 0;
     } else {
       silent += segment.length;
     }
   }
-  if (heard && silent > 0) {
+  if (decodedAny && silent > 0) {
     yield { silent, channels: [], from: 0, length: 0, ...rates, last: true };
   }
-  return heard;
+  return decodedAny;
 }
 
 /**
@@ -118,7 +118,7 @@ function prepare(worker, decoded) {
     worker.onerror = ({ message }) => reject(new Error(message));
     worker.postMessage(decoded, decoded.channels.map(({ buffer }) => buffer));
   });
-  // Whether it failed is asked when the next chunk has been decoded.
+  // Whether it failed is looked at when the next chunk has been decoded.
   prepared.catch(() => {});
   return prepared;
 }

@@ -5,8 +5,8 @@ import { Resampler } from "../../audio/resampler.js";
 import { blockLength } from "../../audio/samples.js";
 
 /**
- * The worker that prepares a backing track for being played, as it is decoded chunk by chunk: it is brought to the sample rate
- * it is played at, samples of 16 bits take half the memory, and onsets are looked for once.
+ * The worker that prepares a backing track for being played, as it is decoded chunk by chunk: it is brought to the
+ * sample rate it is played at, samples of 16 bits take half the memory, and onsets are looked for once.
  *
  * @typedef {object} Decoded what comes next
  * @property {number} silent frames of silence that come first: nobody could decode them
@@ -38,11 +38,11 @@ class Channel {
    * @param {boolean} last
    */
   resample(samples, last) {
-    const pieces = this.#resampler ? [this.#resampler.push(samples)] : [samples];
+    const resampled = this.#resampler ? [this.#resampler.push(samples)] : [samples];
     if (this.#resampler && last) {
-      pieces.push(this.#resampler.finish());
+      resampled.push(this.#resampler.finish());
     }
-    return narrow(pieces);
+    return narrow(resampled);
   }
 
   /**
@@ -72,13 +72,13 @@ let channels = [];
 /** @type {OnsetDetector | undefined} */
 let detector;
 
-/** @param {Float32Array[]} pieces */
-function narrow(pieces) {
-  const narrowed = new Int16Array(pieces.reduce((length, piece) => length + piece.length, 0));
+/** @param {Float32Array[]} resampled */
+function narrow(resampled) {
+  const narrowed = new Int16Array(resampled.reduce((length, samples) => length + samples.length, 0));
   let to = 0;
-  for (const piece of pieces) {
-    for (let i = 0; i < piece.length; i++) {
-      narrowed[to++] = Math.round(Math.max(-1, Math.min(1, piece[i])) * fullScale);
+  for (const samples of resampled) {
+    for (let i = 0; i < samples.length; i++) {
+      narrowed[to++] = Math.round(Math.max(-1, Math.min(1, samples[i])) * fullScale);
     }
   }
   return narrowed;

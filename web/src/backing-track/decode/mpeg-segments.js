@@ -40,7 +40,7 @@ const convincing = 4;
 /** How far a file may be searched for its first frame, and for the next one behind damage, in bytes. */
 const searched = 1 << 16;
 
-/** What a decoder adds to the silence that an encoder tells of: its own delay. */
+/** What a decoder adds to the silence that an encoder declares: its own delay. */
 const decoderDelay = 529;
 
 /**
@@ -64,7 +64,7 @@ export function mpegSegments(bytes) {
     const first = leadTo(bytes, frames, own);
     const after = boundary === count ? padding.after : 0;
     return {
-      // The frame that tells of the others goes with the first segment, and makes its decoder leave out the padding.
+      // The frame that describes the others goes with the first segment, and makes its decoder leave out the padding.
       from: own === 0 ? start : frames[first],
       to: frames[boundary],
       length: (boundary - own) * samples - after - (own === 0 ? padding.before : 0),
@@ -202,7 +202,7 @@ function leadTo(bytes, frames, wanted) {
 }
 
 /**
- * The first frame of many files tells of the others and holds no sound.
+ * The first frame of many files describes the others and holds no sound.
  *
  * @param {Uint8Array} bytes
  * @param {number} at
@@ -236,6 +236,6 @@ function paddingAt(bytes, at) {
   }
   const [a, b, c] = bytes.subarray(at + 21, at + 24);
   const delay = (a << 4) | (b >> 4);
-  const rest = ((b & 15) << 8) | c;
-  return { before: delay + decoderDelay, after: Math.max(rest - decoderDelay, 0) };
+  const behind = ((b & 15) << 8) | c;
+  return { before: delay + decoderDelay, after: Math.max(behind - decoderDelay, 0) };
 }

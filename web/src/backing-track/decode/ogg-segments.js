@@ -2,9 +2,9 @@
 import { boundariesOf } from "./segment-boundaries.js";
 
 /**
- * Cuts Ogg files with Vorbis or Opus in them, page by page. A page tells in its head how many samples there are up to
- * the end of the last packet that ends in it. See RFC 3533 for pages, the description of Vorbis I (4.3, A.2) and RFC 7845
- * for what is in them.
+ * Cuts Ogg files with Vorbis or Opus in them, page by page. The header of a page says how many samples there are up to
+ * the end of the last packet that ends in it. See RFC 3533 for pages, the description of Vorbis I (4.3, A.2) and RFC
+ * 7845 for what is in them.
  *
  * @typedef {import("./segments.js").SegmentedFile} SegmentedFile
  *
@@ -14,7 +14,9 @@ import { boundariesOf } from "./segment-boundaries.js";
  * @property {number} end samples of the stream up to its end
  */
 
-/** Decoding begins so long before a segment: until the decoder has forgotten that it began in the middle. In seconds. */
+/**
+ * Decoding begins so long before a segment: until the decoder has forgotten that it began in the middle. In seconds.
+ */
 const lead = { vorbis: 0.4, opus: 1 };
 
 const pageHeadLength = 27;
@@ -51,7 +53,7 @@ export function oggSegments(bytes) {
       length: start > 0 ? Math.max(endBefore(boundary) - endBefore(start), 0) : 0,
       lead: 0,
       after: 0,
-      // The last packet lasts longer than the stream, and is heard to its end.
+      // The last packet lasts longer than the stream, and is played to its end.
       ...(boundary === pages.length && start > 0 ? { leadTo: pages[start].from } : {}),
     };
   });
@@ -73,8 +75,8 @@ function codecOf(bytes) {
 /**
  * @param {Uint8Array} bytes
  * @param {number} headers packets before the sound
- * @returns {{ head: Uint8Array, pages: Page[] } | null} the pages with sound, in each of which a packet ends; null where
- *     there is more than one stream
+ * @returns {{ head: Uint8Array, pages: Page[] } | null} the pages with sound, in each of which a packet ends; null
+ *     where there is more than one stream
  */
 function pagesOf(bytes, headers) {
   /** @type {Page[]} */
@@ -100,8 +102,8 @@ function pagesOf(bytes, headers) {
 
 /**
  * @param {Uint8Array} bytes
- * @returns {Generator<{ to: number, end: number, stream: number, isFirst: boolean, packets: number }>} end: -1 for a page
- *     in the midst of a packet; packets: how many end in it. What is damaged in between is left out.
+ * @returns {Generator<{ to: number, end: number, stream: number, isFirst: boolean, packets: number }>} end: -1 for a
+ *     page in the midst of a packet; packets: how many end in it. What is damaged in between is left out.
  */
 function* allPages(bytes) {
   const view = new DataView(bytes.buffer, bytes.byteOffset, bytes.length);
@@ -125,11 +127,11 @@ function* allPages(bytes) {
 
 /**
  * @param {Uint8Array} head
- * @param {Uint8Array} rest
+ * @param {Uint8Array} pages
  */
-function joined(head, rest) {
-  const file = new Uint8Array(head.length + rest.length);
+function joined(head, pages) {
+  const file = new Uint8Array(head.length + pages.length);
   file.set(head);
-  file.set(rest, head.length);
+  file.set(pages, head.length);
   return file;
 }

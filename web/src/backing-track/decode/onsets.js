@@ -1,15 +1,17 @@
 // @ts-check
 /**
- * Finds the onsets in a backing track: plucks, strokes, beats, everything that begins at one moment. Stretched time keeps
- * these sharp and puts them where they belong, so what counts is where they begin, to a millisecond or better.
+ * Finds the onsets in a backing track: plucks, strums, drum beats, everything that begins at one moment. Stretched time
+ * keeps these sharp and puts them where they belong, so what counts is where they begin, to a millisecond or better.
  *
  * An onset is where the energy of some milliseconds is a multiple of what it was in the time before. The energy is
- * taken of the sound itself, for what is low, and of its slope, which weighs higher tones more and so hears a new
+ * taken of the sound itself, for what is low, and of its slope, which weighs higher tones more and so finds a new
  * string through those that ring on. Compare J. P. Bello et al., "A Tutorial on Onset Detection in Music Signals", IEEE
  * Transactions on Speech and Audio Processing 13 (2005), on energy and its high-frequency weighting.
  */
 
-/** In seconds: how finely energy is looked at, over how long it is summed, and the time before that it is held against. */
+/**
+ * In seconds: how finely energy is looked at, over how long it is summed, and the time before that it is held against.
+ */
 const hop = 0.0015;
 const hopsSummed = 4;
 const hopsBefore = 24;
@@ -17,20 +19,20 @@ const hopsBefore = 24;
 /** By what an onset exceeds the energy of the time before: the sound's own, and that of its slope. */
 const rises = { sound: 4, slope: 2.5 };
 
-/** Energy below this part of the loudest so far is no onset, and neither is what is below a step of 16-bit samples. */
+/** Energy below this share of the loudest so far is no onset, and neither is what is below a step of 16-bit samples. */
 const faintest = 1e-4;
 
 /** Two onsets are at least so far from each other, in seconds. */
 export const closest = 0.05;
 
-/** How far an onset stands out from what was before, and which part of its peak counts as its beginning. */
+/** How far an onset stands out from what was before, and which share of its peak counts as its beginning. */
 const standsOut = 1.25;
 const beginning = 0.05;
 
-/** How many hops before a place decide on it; one more, because the slope of the very first sample is not known. */
+/** How many hops before a position decide on it; one more, because the slope of the very first sample is not known. */
 const lookBack = hopsBefore + 1;
 
-/** Looks for the onsets of a backing track that comes piece by piece; wherever it was cut, it finds the same. */
+/** Looks for the onsets of a backing track that comes chunk by chunk; wherever the chunks meet, it finds the same. */
 export class OnsetDetector {
   #step;
   #apart;

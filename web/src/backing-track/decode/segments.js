@@ -10,16 +10,17 @@ import { waveSegments } from "./wave-segments.js";
  * @typedef {object} Segment a range of a file
  * @property {number} from its first byte; a decoder may need to begin before the segment does
  * @property {number} to
- * @property {number} length frames that are the segment's own, counted from the end of what is decoded. Of the first segment
- *     everything is its own.
+ * @property {number} length frames that are the segment's own, counted from the end of what is decoded. Of the first
+ *     segment everything is its own.
  * @property {number} lead frames that are decoded before them, at least; they belong to the segment before
  * @property {number} after frames that are decoded behind them and belong to none
- * @property {number} [leadTo] for a segment whose length is not known exactly: up to this byte there is what comes before it
+ * @property {number} [leadTo] for a segment whose length is not known exactly: up to this byte there is what comes
+ *     before it
  *
  * @typedef {object} SegmentedFile
  * @property {number} sampleRate of the file, in samples a second
  * @property {Segment[]} segments in their order
- * @property {(cut: Segment) => Uint8Array<ArrayBuffer>} fileOf a file with nothing but that segment
+ * @property {(segment: Segment) => Uint8Array<ArrayBuffer>} fileOf a file with nothing but that segment
  */
 
 /** What Chromium decodes to, in samples a second. */

@@ -2,12 +2,15 @@
 import { boundariesOf } from "./segment-boundaries.js";
 
 /**
- * Cuts WAVE files: any frame is a place to cut at, as long as each takes the same number of bytes.
+ * Cuts WAVE files: any frame may be a boundary, as long as each takes the same number of bytes.
  *
  * @typedef {import("./segments.js").SegmentedFile} SegmentedFile
  */
 
-/** Formats whose samples stand side by side: whole numbers, floating-point, A-law, mu-law and what is told elsewhere. */
+/**
+ * Formats whose samples stand side by side: whole numbers, floating-point, A-law, mu-law and what another chunk
+ * declares.
+ */
 const plain = [0x0001, 0x0003, 0x0006, 0x0007, 0xfffe];
 
 /** Frames that are not taken apart. */

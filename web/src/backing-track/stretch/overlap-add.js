@@ -2,8 +2,8 @@
 import { fullScale } from "../../audio/full-scale.js";
 
 /**
- * A backing track played in segments: each is copied as it is, and fades into the next. Positions are frames of the backing track;
- * before its beginning and behind its end there is silence.
+ * A backing track played in segments: each is copied as it is, and fades into the next. Positions are frames of the
+ * backing track; before its beginning and behind its end there is silence.
  *
  * @typedef {import("../../audio/samples.js").Samples} Samples
  */
@@ -105,10 +105,10 @@ export class OverlapAdd {
   #mixFading(output, samples, at, count) {
     const { source, done, length, likeness } = this.#fading;
     for (let i = 0; i < count; i++) {
-      const part = 0.5 - 0.5 * Math.cos((Math.PI * (done + i + 0.5)) / length);
-      const rest = 1 - part;
-      const level = 1 / Math.sqrt(part * part + rest * rest + 2 * part * rest * likeness);
-      output[at + i] = level * (part * output[at + i] + (rest * samples.at(source + i)) / fullScale);
+      const share = 0.5 - 0.5 * Math.cos((Math.PI * (done + i + 0.5)) / length);
+      const other = 1 - share;
+      const level = 1 / Math.sqrt(share * share + other * other + 2 * share * other * likeness);
+      output[at + i] = level * (share * output[at + i] + (other * samples.at(source + i)) / fullScale);
     }
   }
 

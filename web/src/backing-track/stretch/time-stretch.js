@@ -11,17 +11,17 @@ import { OverlapAdd } from "./overlap-add.js";
  * "Time-Scale Modification of Audio Signals Using Enhanced WSOLA With Management of Transients", IEEE Transactions on
  * Audio, Speech, and Language Processing 16 (2008). What lies between two onsets makes up for it.
  *
- * All positions are frames of the backing track. The position is where the even course of time is; the source is what is being
- * played, which is never far from it.
+ * All positions are frames of the backing track. The position is where the even course of time is; the source is what
+ * is being played, which is never far from it.
  *
  * @typedef {{ from: number, to: number }} Loop frames
  *
- * @typedef {object} Pin a source that has to be reached in time for something to be heard when it is due
+ * @typedef {object} Pin a source that has to be reached in time for something to sound when it is due
  * @property {number} wait frames until the fade to it begins
  * @property {number} length of that fade
  * @property {number} until frames until it is due
  * @property {number} shift what the fade adds to the source
- * @property {number} unheard what may not be heard before: no segment before the fade reaches it
+ * @property {number} unheard what may not sound before: no segment before the fade reaches it
  * @property {"onset" | "end" | "seam"} kind end: of the loop; seam: the beginning of its next pass
  */
 
@@ -32,7 +32,9 @@ const tolerance = 0.013;
 const fadeTime = 0.01;
 const shortFadeTime = 0.0015;
 
-/** A segment is played for at least so long between two fades, in seconds, and is so far from the last, in tolerances. */
+/**
+ * A segment is played for at least so long between two fades, in seconds, and is so far from the last, in tolerances.
+ */
 const shortestSegment = 0.006;
 const shortestStep = 0.5;
 
@@ -43,10 +45,10 @@ const afterOnset = 0.025;
 /** A loop is at least so long. */
 const shortestLoop = 0.02;
 
-/** A source is settled at most so long before it is due: what was heard just before would be heard again. */
+/** A source is settled at most so long before it is due: what sounded just before would sound again. */
 const longestLead = 0.026;
 
-/** A segment that is taken up behind an onset is so far behind that nothing of its beginning is heard again. */
+/** A segment that is taken up behind an onset is so far behind that nothing of its beginning sounds again. */
 const pastOnset = 0.008;
 
 /** Where no better segment may be taken up, it is tried again after this time. */
@@ -112,7 +114,7 @@ export class TimeStretch {
   /** @param {Loop | null} loop what startOver() is going to be called for; null for none */
   set loop(loop) {
     if (this.#settled === "seam") {
-      // What is heard is the beginning of a pass that may not come.
+      // The beginning of a pass sounds that may not come.
       this.#fadeTo(Math.round(this.#position), this.#frames.shortFade);
     }
     this.#settled = "";
@@ -120,7 +122,7 @@ export class TimeStretch {
     this.#findEnd();
   }
 
-  /** Whether there is a loop with something to hear in it. */
+  /** Whether there is a loop that is long enough to be played. */
   get hasLoop() {
     return this.#loop !== null && Math.min(this.#loop.to, this.#sound.length) - this.#loop.from > this.#frames.shortestLoop;
   }
@@ -202,12 +204,12 @@ export class TimeStretch {
 
   /** For how many frames the source is near enough to the position when nothing is done. */
   #untilOff() {
-    const ahead = this.#overlapAdd.source - this.#position;
+    const lead = this.#overlapAdd.source - this.#position;
     const drift = 1 - this.#speed;
     if (this.#settled || drift === 0) {
       return Infinity;
     }
-    const room = drift > 0 ? this.#frames.tolerance - ahead : this.#frames.tolerance + ahead;
+    const room = drift > 0 ? this.#frames.tolerance - lead : this.#frames.tolerance + lead;
     return Math.max(Math.ceil(room / Math.abs(drift)), 0);
   }
 
@@ -278,7 +280,7 @@ export class TimeStretch {
       // Before the backing track there is nothing that could fade in.
       return this.#pinTo("end", Math.round(loop.to), Math.round(untilEnd), loop.to);
     }
-    // An onset that is meant by the beginning of the loop, and is not quite there, is heard when it is due itself.
+    // An onset that is meant by the beginning of the loop, and is not quite there, sounds when it is due itself.
     const meant = this.#onsetAt(loop.from);
     const unheard = Math.min(this.#onsetAt(loop.to), loop.to);
     return this.#pinTo("seam", meant, Math.round(untilEnd + (meant - loop.from) / this.#speed), unheard);
