@@ -138,7 +138,8 @@ private Q_SLOTS:
         m_session->call(BridgeCalls::playPause());
         QVERIFY(m_session->waitFor([&] { return m_session->position() > 1000; }));
         QVERIFY(lastIsHere());
-        QVERIFY(m_session->valueOf(u"document.getElementById('score-page').textContent"_s).toString().contains(u"Three"_s));
+        QVERIFY(
+            m_session->valueOf(u"document.getElementById('score-page').textContent"_s).toString().contains(u"Three"_s));
     }
 
     void theExportOpensAgain()

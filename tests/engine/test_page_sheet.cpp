@@ -124,7 +124,8 @@ private Q_SLOTS:
         m_session->call(u"document.getElementById('viewport').scrollTop = 1000"_s);
         QVERIFY(m_session->waitFor([&] { return firstBarInView() > 0; }));
         const int bar = firstBarInView();
-        m_session->call(u"document.getElementById('viewport').scrollBy(0, %1 - %2)"_s.arg(placeOfBar(bar).y()).arg(top));
+        m_session->call(
+            u"document.getElementById('viewport').scrollBy(0, %1 - %2)"_s.arg(placeOfBar(bar).y()).arg(top));
         QVERIFY(m_session->waitFor([&] { return qAbs(placeOfBar(bar).y() - top) < 2; }));
         const QStringList changes{ BridgeCalls::setZoom(1.75), BridgeCalls::setZoom(0.5), BridgeCalls::setLayout(true),
             BridgeCalls::setZoom(1.0), BridgeCalls::setLayout(false) };
@@ -376,12 +377,13 @@ private:
     /// Where the number of a bar is drawn; far away if it is not.
     QPointF placeOfBar(int number)
     {
-        const QVariantList place = m_session
-                                       ->valueOf(u"(() => { const text = [...document.querySelectorAll('#notation text')]"
-                                                 ".find((one) => one.textContent.trim() === '%1'); "
-                                                 "const { left, top } = text?.getBoundingClientRect() ?? {}; "
-                                                 "return text ? [left, top] : []; })()"_s.arg(number))
-                                       .toList();
+        const QVariantList place
+            = m_session
+                  ->valueOf(u"(() => { const text = [...document.querySelectorAll('#notation text')]"
+                            ".find((one) => one.textContent.trim() === '%1'); "
+                            "const { left, top } = text?.getBoundingClientRect() ?? {}; "
+                            "return text ? [left, top] : []; })()"_s.arg(number))
+                  .toList();
         return place.size() == 2 ? QPointF(place.at(0).toDouble(), place.at(1).toDouble()) : QPointF(-1e6, -1e6);
     }
 
