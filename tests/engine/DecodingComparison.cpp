@@ -7,12 +7,12 @@ namespace DecodingComparison {
 QString script(const QByteArray &file, int wholeRate, int partsRate)
 {
     return uR"(globalThis.compared = null; (async () => {
-    const { decodeRecording } = await import("qv-app://app/src/backing-track/decode/backing-track-decoder.js");
+    const { decodeBackingTrack } = await import("qv-app://app/src/backing-track/decode/backing-track-decoder.js");
     const bytes = Uint8Array.from(atob("%1"), (letter) => letter.charCodeAt(0));
     const whole = await new OfflineAudioContext(1, 1, %2).decodeAudioData(bytes.slice().buffer);
     const own = Array.from({ length: whole.numberOfChannels }, () => []);
     let parts = 0;
-    for await (const { blocks } of decodeRecording(bytes, %3)) {
+    for await (const { blocks } of decodeBackingTrack(bytes, %3)) {
         blocks.forEach((some, channel) => own[channel].push(...some));
         parts++;
     }

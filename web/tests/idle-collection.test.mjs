@@ -20,8 +20,8 @@ function page() {
   };
   const playback = { playing: false };
   const view = new EventTarget();
-  const tidying = new IdleCollection(api, playback, view);
-  return { collected, api, playback, view, tidying };
+  const collection = new IdleCollection(api, playback, view);
+  return { collected, api, playback, view, collection };
 }
 
 const all = ["renderer", "synth", "sound", "page", "page", "page", "page thoroughly"];
