@@ -197,16 +197,16 @@ test("the metronome changes with its next click, the stream without a break", ()
   assert.equal(rehearsal.streams, streams);
 });
 
-test("what is heard is told apart from what was rendered", () => {
+test("what is presented is told apart from what was rendered", () => {
   const time = new PresentationTimeMap(1000);
   assert.equal(time.at(0), null);
-  time.add({ frame: 0, place: 500, speed: 0, startsOver: false });
-  time.add({ frame: 100, place: 500, speed: 2, startsOver: false });
-  time.add({ frame: 300, place: 0, speed: 2, startsOver: true });
-  assert.deepEqual(time.at(50), { place: 500, startsOver: false });
-  assert.deepEqual(time.at(200), { place: 700, startsOver: false });
-  assert.deepEqual(time.at(301), { place: 2, startsOver: true });
-  assert.deepEqual(time.at(350), { place: 100, startsOver: false });
+  time.add({ frame: 0, position: 500, speed: 0, startsOver: false });
+  time.add({ frame: 100, position: 500, speed: 2, startsOver: false });
+  time.add({ frame: 300, position: 0, speed: 2, startsOver: true });
+  assert.deepEqual(time.at(50), { position: 500, startsOver: false });
+  assert.deepEqual(time.at(200), { position: 700, startsOver: false });
+  assert.deepEqual(time.at(301), { position: 2, startsOver: true });
+  assert.deepEqual(time.at(350), { position: 100, startsOver: false });
 });
 
 for (const range of [null, { startTick: 2 * 3840, endTick: 4 * 3840 }]) {
