@@ -34,6 +34,32 @@ test("messages posted before the channel stands arrive in order", () => {
   assert.deepEqual(received.map((message) => message.type), ["ready", "state", "rendered"]);
 });
 
+test("no time leaves the page that cannot be shown", () => {
+  const { scope, received, open } = heldChannel();
+  const post = connect(scope);
+  const longest = Number.MAX_SAFE_INTEGER;
+  const cases = [
+    [1500, 1500],
+    [NaN, 0],
+    [Infinity, longest],
+    [-Infinity, 0],
+    [1e300, longest],
+    [-3, 0],
+    [undefined, 0],
+  ];
+  post({ type: "position", currentTime: NaN, endTime: Infinity });
+  open();
+  assert.deepEqual(received.pop(), { type: "position", currentTime: 0, endTime: longest });
+  for (const [time, told] of cases) {
+    post({ type: "position", currentTime: time, endTime: 1000 });
+    post({ type: "position", currentTime: 1000, endTime: time });
+    assert.deepEqual(received.splice(0), [
+      { type: "position", currentTime: told, endTime: 1000 },
+      { type: "position", currentTime: 1000, endTime: told },
+    ]);
+  }
+});
+
 test("without a channel around the page messages go nowhere", () => {
   assert.doesNotThrow(() => connect({})({ type: "ready" }));
 });

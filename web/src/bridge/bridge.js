@@ -114,10 +114,27 @@ export function connect(scope = globalThis) {
     waiting = null;
   });
   return (message) => {
+    const bounded = message.type === "position" ? boundedPosition(message) : message;
     if (waiting) {
-      waiting.push(message);
+      waiting.push(bounded);
     } else {
-      receiver?.postMessage(message);
+      receiver?.postMessage(bounded);
     }
   };
+}
+
+/**
+ * The longest time that is told, in milliseconds: the largest number that counts them exactly. The program shows any time
+ * up to that, and has no answer to one that is none.
+ */
+const longestTime = Number.MAX_SAFE_INTEGER;
+
+/** @param {Extract<Message, { type: "position" }>} message */
+function boundedPosition({ type, currentTime, endTime }) {
+  return { type, currentTime: boundedTime(currentTime), endTime: boundedTime(endTime) };
+}
+
+/** @param {number} ms */
+function boundedTime(ms) {
+  return ms > 0 ? Math.min(ms, longestTime) : 0;
 }
