@@ -62,6 +62,45 @@ private Q_SLOTS:
         QVERIFY(drawnText().contains(u"Flute"_s) && drawnText().contains(u"Bass"_s));
     }
 
+    /// The range's tint and that of the bar would make a third one.
+    void aRangeReplacesTheTintOfTheBar()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({})));
+        const auto tinted = [this] {
+            return m_session->valueOf(u"getComputedStyle(document.querySelector('.at-cursor-bar')).opacity > 0"_s)
+                .toBool();
+        };
+        QVERIFY(tinted());
+        drag(beatAt(0, 0), beatAt(0, 3));
+        QVERIFY(m_session->waitFor([&] { return ranges() == 1 && !tinted(); }));
+        click(beatAt(1, 0));
+        QVERIFY(m_session->waitFor([&] { return ranges() == 0 && tinted(); }));
+    }
+
+    void theCopyrightStandsBelowEverythingElse()
+    {
+        const QByteArray score
+            = EngineScores::musicXml({}).replace("</creator>", "</creator><rights>2026 Nobody</rights>");
+        QVERIFY(m_session->open(score));
+        // alphaTab's lines come last in the notation, its partials may not be painted yet.
+        const auto below = [this] {
+            return m_session
+                ->valueOf(u"(() => { const lines = [...document.querySelectorAll('#score-footer p')];"
+                          "const tops = lines.map((line) => line.getBoundingClientRect().top);"
+                          "return lines.length === 2 && lines[0].textContent === '2026 Nobody'"
+                          "&& tops[1] > tops[0] + 10 && tops[0] >= document.getElementById('notation')"
+                          ".getBoundingClientRect().bottom && !drawnTexts().includes('2026 Nobody'); })()"_s)
+                .toBool();
+        };
+        m_session->call(u"window.drawnTexts = () => [...document.querySelectorAll('#notation text')]"
+                        ".map((text) => text.textContent)"_s);
+        QVERIFY(below());
+        redraw(BridgeCalls::setLayout(true));
+        QVERIFY(below());
+        QVERIFY(m_session->open(EngineScores::musicXml({})));
+        QCOMPARE(m_session->valueOf(u"document.getElementById('score-footer').textContent"_s).toString(), QString());
+    }
+
     void everyDrawingIsReported()
     {
         QVERIFY(m_session->open(threeParts()));

@@ -8,6 +8,7 @@ import { DrumChannels } from "./playback/drum-channels.js";
 import { PageApi } from "./alphatab/page-api.js";
 import { FineInstruments } from "./sounds/fine-instruments.js";
 import { AutoScroll } from "./score-view/auto-scroll.js";
+import { ScoreFooter } from "./score-view/score-footer.js";
 import { ScoreHeader } from "./score-view/score-header.js";
 import { Metronome } from "./metronome/metronome.js";
 import { Mixer } from "./playback/mixer.js";
@@ -42,7 +43,9 @@ const metronome = new Metronome(api, playback);
 playback.countWith((tick) => metronome.countInAt(tick));
 const mixer = new Mixer(api, channels, (anySolo) => metronome.setBesideSolo(anySolo));
 const instruments = new FineInstruments(api);
-const scoreView = new ScoreView(api, scorePage, viewport, new ScoreHeader(element("score-header")), () => {
+const scoreHeader = new ScoreHeader(element("score-header"));
+const scoreFooter = new ScoreFooter(element("score-footer"));
+const scoreView = new ScoreView(api, scorePage, viewport, scoreHeader, scoreFooter, () => {
   post({ type: "rendered" });
   instruments.scoreDrawn();
 });

@@ -237,7 +237,7 @@ function pageSettings() {
   return settings;
 }
 
-/** The page has a score header of its own with the same contents. */
+/** The page has a score header and a footer of its own with the same contents. */
 function hideOwnScoreHeader(/** @type {import("../shared/alphatab.js").Settings} */ settings) {
   const element = alphaTab.NotationElement;
   for (const shown of [
@@ -249,6 +249,8 @@ function hideOwnScoreHeader(/** @type {import("../shared/alphatab.js").Settings}
     element.ScoreMusic,
     element.ScoreWordsAndMusic,
     element.GuitarTuning,
+    element.EffectCapo,
+    element.ScoreCopyright,
   ]) {
     settings.notation.elements.set(shown, false);
   }

@@ -1,7 +1,9 @@
 // @ts-check
 import "../../vendor/alphaTab.min.js";
 import { alphaTab } from "../shared/alphatab.js";
+import { separateSectionMarks } from "./effect-bands.js";
 import { LayoutRun } from "./layout-run.js";
+import { arrangeStaffNames } from "./staff-names.js";
 import { readScore } from "../score-files/score-files.js";
 import { collectThoroughly } from "../shared/garbage.js";
 
@@ -23,6 +25,8 @@ const warmUpScore = `\\title "" \\track \\staff {score tabs} :8 3.3 5.3{h} :4 7.
 
 /** How long the remainder of a render pass is held back at most. */
 const remainderTimeoutMs = 2000;
+
+separateSectionMarks();
 
 /** The page's settings; a render pass under way keeps those it began with. */
 let settings = new alphaTab.Settings();
@@ -91,6 +95,7 @@ function draw(request) {
   setTextWidths(request.textWidths);
   renderer.updateSettings(settings);
   renderer.width = request.width;
+  arrangeStaffNames(held.score, request.tracks);
   run = new LayoutRun(renderer, held.score, request.tracks, request.view, request.anchor, request.atOnce);
   if (request.atOnce) {
     // Another zoom may have been requested already.

@@ -246,6 +246,7 @@ export class PointerInput {
 
   #draw() {
     const boxes = this.#range ? this.#boxesOf(this.#range.first, this.#range.last) : [];
+    this.#notation.classList.toggle("with-range", boxes.length > 0);
     this.#layer.replaceChildren(
       ...boxes.map(({ x, y, w, h }) => {
         const box = document.createElement("div");

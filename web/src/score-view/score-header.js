@@ -75,7 +75,16 @@ function tunings(tracks) {
 }
 
 /**
- * The strings from low to high where they are not in standard tuning, and the capo.
+ * alphaTab's "Guitar Dropped D Tuning" is the player's "Dropped D".
+ *
+ * @param {string} name
+ */
+function tuningName(name) {
+  return name.replace(/^(Guitar|Bass)\s/, "").replace(/\sTuning$/, "").trim();
+}
+
+/**
+ * The strings from low to high where they are not in standard tuning, with the tuning's name, and the capo.
  *
  * @param {Track} track
  */
@@ -88,7 +97,9 @@ function tuning(track) {
   const facts = [];
   if (!strings.isStandard) {
     const notes = strings.tunings.map((note) => alphaTab.model.Tuning.getTextForTuning(note, false));
-    facts.push(notes.reverse().join(" "));
+    const pitches = notes.reverse().join(" ");
+    const name = tuningName(strings.name);
+    facts.push(name ? `${name} (${pitches})` : pitches);
   }
   if (staff.capo > 0) {
     facts.push(`Capo ${staff.capo}`);

@@ -16,6 +16,7 @@ export class ScoreView {
   #scorePage;
   #viewport;
   #scoreHeader;
+  #scoreFooter;
   #onRendered;
   #renderId = 0;
 
@@ -24,19 +25,24 @@ export class ScoreView {
    * @param {HTMLElement} scorePage
    * @param {HTMLElement} viewport what scrolls
    * @param {import("./score-header.js").ScoreHeader} scoreHeader
+   * @param {import("./score-footer.js").ScoreFooter} scoreFooter
    * @param {() => void} onRendered called when what can be seen of a finished rendering is on the score page
    */
-  constructor(api, scorePage, viewport, scoreHeader, onRendered) {
+  constructor(api, scorePage, viewport, scoreHeader, scoreFooter, onRendered) {
     this.#api = api;
     this.#scorePage = scorePage;
     this.#viewport = viewport;
     this.#scoreHeader = scoreHeader;
+    this.#scoreFooter = scoreFooter;
     this.#onRendered = onRendered;
     this.#sizeScorePage(1);
     api.renderStarted.on(() => {
       this.#renderId++;
     });
-    api.workerRenderer.batchShown.on(({ last }) => {
+    api.workerRenderer.batchShown.on(({ first, last }) => {
+      if (first && api.score) {
+        scoreFooter.show(api.score);
+      }
       if (last) {
         this.#reportWhenVisible();
       }
@@ -46,6 +52,7 @@ export class ScoreView {
   /** To be called before another score is handed to alphaTab: what is being drawn of this one is abandoned. */
   leaveScore() {
     this.#renderId++;
+    this.#scoreFooter.clear();
     this.#api.workerRenderer.abandon();
   }
 
@@ -84,6 +91,8 @@ export class ScoreView {
   setLayout(layout) {
     const horizontal = layout === "horizontal";
     this.#api.workerRenderer.changeScorePage(() => this.#scorePage.classList.toggle("horizontal", horizontal));
+    // One endless system has no score header to tell of the capo.
+    this.#api.settings.notation.elements.set(alphaTab.NotationElement.EffectCapo, horizontal);
     this.#api.settings.display.layoutMode = horizontal ? alphaTab.LayoutMode.Horizontal : alphaTab.LayoutMode.Page;
     this.#redraw();
   }
