@@ -111,12 +111,36 @@ private Q_SLOTS:
         const QString reason = m_session->last(u"error"_s).value(u"message"_s).toString();
         QVERIFY2(reason.size() > 15 && reason.endsWith(u'.') && reason.at(0).isUpper(), qPrintable(reason));
         QCOMPARE(m_session->count(u"score"_s), 1);
+        QCOMPARE(notice(), reason);
 
         m_session->call(BridgeCalls::seekToTime(4000));
         QVERIFY(m_session->waitFor([&] { return qAbs(m_session->position() - 4000) < 20; }));
         QVERIFY(m_session->open(EngineScores::musicXml({ .title = u"The next one"_s })));
         QCOMPARE(m_session->last(u"score"_s).value(u"title"_s).toString(), u"The next one"_s);
         QCOMPARE(m_session->count(u"error"_s), 1);
+        QCOMPARE(notice(), QString());
+    }
+
+    void aFileThatTakesLongIsAnnounced()
+    {
+        // What the reader sees: the texts of the notice in each frame in which it is not transparent.
+        m_session->call(uR"((() => {
+            window.seen = new Set();
+            const notice = document.getElementById("notice");
+            const look = () => {
+                if (!notice.hidden && Number(getComputedStyle(notice).opacity) > 0) seen.add(notice.textContent);
+                requestAnimationFrame(look);
+            };
+            look();
+        })())"_s);
+        const auto seen = [this] { return m_session->valueOf(u"[...seen]"_s).toStringList(); };
+        QVERIFY(m_session->open(EngineScores::ferry(u"gp"_s)));
+        QStringList parts;
+        for (int part = 1; part <= 30; ++part)
+            parts << u"Part %1"_s.arg(part);
+        QVERIFY(m_session->open(EngineScores::musicXml({ .parts = parts, .bars = 120 })));
+        QCOMPARE(seen(), QStringList{ u"Opening the score…"_s });
+        QCOMPARE(notice(), QString());
     }
 
     void ofFilesInQuickSuccessionTheLastStays()
@@ -246,6 +270,15 @@ private Q_SLOTS:
 
 private:
     /// Opens the exported file: it is the same piece, the same tracks and as many bars.
+    /// What stands over the score; empty when nothing does.
+    QString notice()
+    {
+        return m_session
+            ->valueOf(u"(({ hidden, textContent }) => hidden ? '' : textContent)"
+                      "(document.getElementById('notice'))"_s)
+            .toString();
+    }
+
     void verifyExport(const QVariantMap &original, double length)
     {
         const QString data = m_session->last(u"gpData"_s).value(u"data"_s).toString();

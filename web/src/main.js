@@ -12,6 +12,7 @@ import { ScoreFooter } from "./score-view/score-footer.js";
 import { ScoreHeader } from "./score-view/score-header.js";
 import { Metronome } from "./metronome/metronome.js";
 import { Mixer } from "./playback/mixer.js";
+import { Notice } from "./score-view/notice.js";
 import { playInOrder } from "./alphatab/play-through.js";
 import { Playback } from "./playback/playback.js";
 import { scoreOrder } from "./playback/score-order.js";
@@ -52,7 +53,8 @@ const scoreView = new ScoreView(api, scorePage, viewport, scoreHeader, scoreFoot
 const pointerInput = new PointerInput(api, playback, viewport);
 new AutoScroll(api, playback, viewport);
 new Cursor(api);
-const session = new ScoreSession({ api, playback, mixer, pointerInput, scoreView, post });
+const notice = new Notice(element("notice"));
+const session = new ScoreSession({ api, playback, mixer, pointerInput, scoreView, notice, post });
 new SoundBank(api, post);
 new IdleCollection(api, playback, document);
 
@@ -61,7 +63,10 @@ addEventListener("error", ({ message }) => post({ type: "error", message: `Somet
 addEventListener("unhandledrejection", ({ reason }) =>
   post({ type: "error", message: `Something in the page failed (${reason instanceof Error ? reason.message : reason}).` }),
 );
-api.error.on((error) => post({ type: "error", message: error.message }));
+api.error.on((error) => {
+  notice.endOpening();
+  post({ type: "error", message: error.message });
+});
 api.backingTrackPlayer.failed.on((message) => {
   post({ type: "error", message });
   session.giveUpBackingTrack();

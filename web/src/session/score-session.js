@@ -17,6 +17,7 @@ import { readScore } from "../score-files/score-files.js";
  * @property {import("../playback/mixer.js").Mixer} mixer
  * @property {import("../score-view/pointer-input.js").PointerInput} pointerInput
  * @property {import("../score-view/score-view.js").ScoreView} scoreView
+ * @property {import("../score-view/notice.js").Notice} notice
  * @property {import("../bridge/bridge.js").Post} post
  */
 export class ScoreSession {
@@ -25,20 +26,23 @@ export class ScoreSession {
   #mixer;
   #pointerInput;
   #scoreView;
+  #notice;
   #post;
   #backingTracks = new BackingTracks();
   #preferSynthesizer = false;
   #calls = new CallOrder();
 
   /** @param {Dependencies} dependencies */
-  constructor({ api, playback, mixer, pointerInput, scoreView, post }) {
+  constructor({ api, playback, mixer, pointerInput, scoreView, notice, post }) {
     this.#api = api;
     this.#playback = playback;
     this.#mixer = mixer;
     this.#pointerInput = pointerInput;
     this.#scoreView = scoreView;
+    this.#notice = notice;
     this.#post = post;
     api.scorePrepared.on(() => playback.announceLength());
+    api.workerRenderer.batchShown.on(() => notice.endOpening());
   }
 
   /** @param {Uint8Array | null} bytes null when they could not be decoded */
@@ -52,7 +56,7 @@ export class ScoreSession {
     if (bytes) {
       await this.#open(bytes, call);
     } else {
-      this.#post({ type: "error", message: "The demo score cannot be loaded." });
+      this.#refuse("The demo score cannot be loaded.");
     }
   }
 
@@ -67,9 +71,13 @@ export class ScoreSession {
     }
     const renderer = this.#api.workerRenderer;
     const file = bytes && renderer.read(bytes);
+    await this.#notice.beginOpening(bytes?.length ?? 0);
+    if (!this.#calls.counts(call)) {
+      return;
+    }
     const reading = readScore(bytes, this.#api.settings);
     if ("problem" in reading) {
-      this.#post({ type: "error", message: reading.problem });
+      this.#refuse(reading.problem);
       return;
     }
     if (file !== null) {
@@ -84,9 +92,15 @@ export class ScoreSession {
         this.#show(reading.score);
       } catch (reason) {
         const message = reason instanceof Error ? reason.message : String(reason);
-        this.#post({ type: "error", message: `The score cannot be shown as a whole (${message}).` });
+        this.#refuse(`The score cannot be shown as a whole (${message}).`);
       }
     }
+  }
+
+  /** @param {string} sentence why a file cannot be opened: for the program's log, and for the reader */
+  #refuse(sentence) {
+    this.#notice.tellProblem(sentence);
+    this.#post({ type: "error", message: sentence });
   }
 
   /** @param {boolean} synthesized */
@@ -138,6 +152,7 @@ export class ScoreSession {
     this.#mixer.leaveScore();
     this.#choosePlayer(score);
     this.#scoreView.showPage();
+    this.#notice.continueOpening();
     this.#scoreView.scrollToTop();
     this.#post({
       type: "score",

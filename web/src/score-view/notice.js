@@ -1,0 +1,98 @@
+// @ts-check
+/**
+ * One line over the score, for what the reader waits for or has to know: that a score is being opened, and that a file
+ * could not be.
+ */
+
+/** How long a file may take before the page says that it is being opened. */
+const openingDelayMs = 300;
+
+/** How long a problem stays to be read. */
+const problemTimeMs = 9000;
+
+/** Shorter files are read faster than the delay. In bytes. */
+const longFile = 100_000;
+
+export class Notice {
+  #element;
+  #timer = 0;
+  #openedAt = 0;
+  #opening = false;
+
+  /** @param {HTMLElement} element an empty element over the score, hidden */
+  constructor(element) {
+    this.#element = element;
+  }
+
+  /**
+   * A file is about to be read, which holds up the page. What is on the screen before that can still appear: it is only
+   * faded in, which needs no script. Therefore a long file waits until it is there.
+   *
+   * @param {number} size of the file in bytes
+   */
+  async beginOpening(size) {
+    this.#openedAt = performance.now();
+    this.#opening = true;
+    this.#show("Opening the score…", "opening", openingDelayMs);
+    if (size >= longFile) {
+      await nextPaint();
+    }
+  }
+
+  /** The file has been read, and its score is being drawn. */
+  continueOpening() {
+    if (this.#opening) {
+      const left = openingDelayMs - (performance.now() - this.#openedAt);
+      this.#show("Opening the score…", "opening", Math.max(left, 0));
+    }
+  }
+
+  /** What was opened can be seen. */
+  endOpening() {
+    if (this.#opening) {
+      this.#hide();
+    }
+  }
+
+  /** @param {string} sentence why a file could not be opened */
+  tellProblem(sentence) {
+    this.#show(sentence, "problem", 0);
+    this.#timer = setTimeout(() => this.#hide(), problemTimeMs);
+  }
+
+  /**
+   * @param {string} text
+   * @param {string} kind
+   * @param {number} delay in milliseconds
+   */
+  #show(text, kind, delay) {
+    clearTimeout(this.#timer);
+    this.#opening = kind === "opening";
+    const element = this.#element;
+    if (element.hidden || element.className !== kind) {
+      element.hidden = false;
+      element.className = kind;
+      element.textContent = text;
+    }
+    element.style.animationDelay = `${delay}ms`;
+  }
+
+  #hide() {
+    clearTimeout(this.#timer);
+    this.#opening = false;
+    this.#element.hidden = true;
+  }
+}
+
+/** When what is on the page by now has been handed over to be painted; a hidden page paints nothing. */
+function nextPaint() {
+  return new Promise((resolve) => {
+    if (document.hidden) {
+      setTimeout(resolve);
+    } else {
+      requestAnimationFrame(() => setTimeout(resolve));
+      // A window that is covered has no frames.
+      setTimeout(resolve, 100);
+    }
+  });
+}
