@@ -32,3 +32,29 @@ function(quaverly_library name)
   target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
   target_link_libraries(${name} PUBLIC ${arg_LINKS} PRIVATE quaverly_options)
 endfunction()
+
+# quaverly_npm_packages(FOLDER STAMP FILES... [ARGUMENTS ...])
+#
+# Installs the npm packages of a lock file in FOLDER, beside the build, so that the sources stay clean, and again only
+# when the files change. Where there is no registry to ask, QUAVERLY_NODE_MODULES holds the packages already.
+set(QUAVERLY_NODE_MODULES "" CACHE PATH "A node_modules folder with the npm packages; else npm fetches them")
+function(quaverly_npm_packages folder stamp)
+  cmake_parse_arguments(arg "" "" "FILES;ARGUMENTS" ${ARGN})
+  if(QUAVERLY_NODE_MODULES)
+    get_filename_component(modules ${QUAVERLY_NODE_MODULES} ABSOLUTE BASE_DIR ${PROJECT_SOURCE_DIR})
+    set(install ${CMAKE_COMMAND} -E copy_directory ${modules} ${folder}/node_modules)
+  else()
+    find_program(QUAVERLY_NPM NAMES npm REQUIRED)
+    set(install ${CMAKE_COMMAND} -E chdir ${folder} ${CMAKE_COMMAND} -E env npm_config_update_notifier=false
+                ${QUAVERLY_NPM} ci ${arg_ARGUMENTS} --no-audit --no-fund --loglevel=error)
+  endif()
+  add_custom_command(
+    OUTPUT ${stamp}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
+    COMMAND ${CMAKE_COMMAND} -E copy ${arg_FILES} ${folder}
+    COMMAND ${install}
+    COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
+    DEPENDS ${arg_FILES}
+    COMMENT "Installing the npm packages of ${folder}"
+    VERBATIM)
+endfunction()
