@@ -27,7 +27,7 @@ int main(int argc, char *argv[])
 {
     QCoreApplication::setApplicationName(u"quaverly"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(QUAVERLY_VERSION));
-    QGuiApplication::setDesktopFileName(u"quaverly"_s);
+    QGuiApplication::setDesktopFileName(u"org.quaverly.Quaverly"_s);
 
     if (const std::optional<QString> answer = CommandLine::immediateAnswer(argc, argv)) {
         std::fputs(qPrintable(*answer), stdout);

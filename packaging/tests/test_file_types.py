@@ -21,12 +21,12 @@ KNOWN_EVERYWHERE = {"application/pdf"}
 
 def types_in_desktop_entry():
     entry = configparser.ConfigParser(interpolation=None)
-    entry.read(PACKAGING / "quaverly.desktop", encoding="utf-8")
+    entry.read(PACKAGING / "org.quaverly.Quaverly.desktop", encoding="utf-8")
     return [name for name in entry["Desktop Entry"]["MimeType"].split(";") if name]
 
 
 def types_in_metainfo():
-    root = ElementTree.parse(PACKAGING / "quaverly.metainfo.xml").getroot()
+    root = ElementTree.parse(PACKAGING / "org.quaverly.Quaverly.metainfo.xml").getroot()
     return [element.text for element in root.findall("provides/mediatype")]
 
 
@@ -35,7 +35,7 @@ def install(folder):
     mime = pathlib.Path(folder, "mime")
     packages = mime / "packages"
     packages.mkdir(parents=True)
-    shutil.copy(PACKAGING / "quaverly-mime.xml", packages / "quaverly.xml")
+    shutil.copy(PACKAGING / "quaverly-mime.xml", packages / "org.quaverly.Quaverly.xml")
     return subprocess.run(["update-mime-database", "-V", mime], env=dict(os.environ, XDG_DATA_HOME=str(folder)),
                           capture_output=True, text=True, check=False)
 
@@ -77,7 +77,7 @@ class WhatFilesAre(unittest.TestCase):
     def tearDownClass(cls):
         cls.room.cleanup()
 
-    def type_of(self, path):
+    def told(self, path, attribute):
         # Only what Debian itself knows counts beside our own definitions, not what other programs brought.
         system = self.folder / "system" / "mime" / "packages"
         if not system.exists():
@@ -86,9 +86,12 @@ class WhatFilesAre(unittest.TestCase):
             subprocess.run(["update-mime-database", system.parent], capture_output=True, check=True)
         surroundings = dict(os.environ, LC_ALL="C.UTF-8", XDG_DATA_HOME=str(self.folder / "data"),
                             XDG_DATA_DIRS=str(self.folder / "system"))
-        told = subprocess.run(["gio", "info", "-a", "standard::content-type", path], env=surroundings,
-                              capture_output=True, text=True, check=True)
-        return told.stdout.split("standard::content-type:")[1].split()[0]
+        said = subprocess.run(["gio", "info", "-a", attribute, path], env=surroundings, capture_output=True, text=True,
+                              check=True)
+        return said.stdout.split(attribute + ":")[1].splitlines()[0].strip()
+
+    def type_of(self, path):
+        return self.told(path, "standard::content-type")
 
     def made(self, name, content):
         path = self.folder / name
@@ -111,6 +114,12 @@ class WhatFilesAre(unittest.TestCase):
             self.assertEqual(self.type_of(copy), expected, kind)
         uncompressed = self.made("plain.gpx", b"BCFS" + bytes(200))
         self.assertEqual(self.type_of(uncompressed), "application/x-guitar-pro-6")
+
+    def test_scores_look_like_scores(self):
+        for kind, icon in {"gp5": "guitar-pro", "gpx": "guitar-pro", "gp": "guitar-pro", "mxl": "musicxml",
+                           "musicxml": "musicxml"}.items():
+            names = self.told(self.scores / f"ferry.{kind}", "standard::icon").split(", ")
+            self.assertIn(f"org.quaverly.Quaverly-{icon}", names, kind)
 
     def test_plotting_scripts_and_gps_tracks_keep_their_types(self):
         plot = self.made("plot.gp", b'# the tides\nset terminal png\nplot "tides.dat" using 1:2 with lines\n')
