@@ -15,7 +15,7 @@ add_test(NAME desktop_entry
   COMMAND ${CMAKE_COMMAND} -E env desktop-file-validate --warn-kde ${CMAKE_CURRENT_SOURCE_DIR}/${id}.desktop)
 set_tests_properties(desktop_entry PROPERTIES FAIL_REGULAR_EXPRESSION "warning|hint|error")
 
-foreach(name file_types metainfo version)
+foreach(name file_types metainfo flatpak version)
   add_test(NAME ${name} COMMAND Python3::Interpreter -B ${tests}/test_${name}.py)
   set_tests_properties(${name} PROPERTIES ENVIRONMENT
     "QUAVERLY_SCORES=${CMAKE_BINARY_DIR}/tests/scores;QUAVERLY_ICONS=${icons_made}")
