@@ -5,7 +5,7 @@ find_package(Python3 REQUIRED COMPONENTS Interpreter)
 set(tests ${CMAKE_CURRENT_SOURCE_DIR}/tests)
 
 add_test(NAME shell_scripts
-  COMMAND shellcheck run test bench lint screenshots package .ci/run packaging/build packaging/in-bare-root
+  COMMAND shellcheck run test bench lint screenshots package release .ci/run packaging/build packaging/in-bare-root
           packaging/install-dependencies packaging/run-unattended packaging/try-package packaging/check-package
           packaging/debian/make-changelog packaging/tests/test_run_unattended packaging/tests/test_installed
           packaging/tests/test_manual_page
@@ -15,7 +15,7 @@ add_test(NAME desktop_entry
   COMMAND ${CMAKE_COMMAND} -E env desktop-file-validate --warn-kde ${CMAKE_CURRENT_SOURCE_DIR}/${id}.desktop)
 set_tests_properties(desktop_entry PROPERTIES FAIL_REGULAR_EXPRESSION "warning|hint|error")
 
-foreach(name file_types metainfo flatpak version)
+foreach(name file_types metainfo flatpak release version)
   add_test(NAME ${name} COMMAND Python3::Interpreter -B ${tests}/test_${name}.py)
   set_tests_properties(${name} PROPERTIES ENVIRONMENT
     "QUAVERLY_SCORES=${CMAKE_BINARY_DIR}/tests/scores;QUAVERLY_ICONS=${icons_made}")
