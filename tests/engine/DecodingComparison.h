@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
-/// A recording decoded part by part, as the page does, beside the same decoded as a whole by Chromium.
+/// A backing track decoded chunk by chunk, as the page does, beside the same decoded as a whole by Chromium.
 namespace DecodingComparison {
 
 /// Begins the comparison in a page. When it is over, `globalThis.compared` is no longer null and tells how many parts

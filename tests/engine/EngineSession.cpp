@@ -148,7 +148,7 @@ double EngineSession::loudness() { return valueOf(u"loudness()"_s).toDouble(); }
 
 void EngineSession::failToDecodeWaveFiles()
 {
-    // Of a recording only the beginning is decoded before its score is shown.
+    // Of a backing track only the beginning is decoded before its score is shown.
     valueOf(uR"((() => {
             const decode = BaseAudioContext.prototype.decodeAudioData;
             let recordings = 0;

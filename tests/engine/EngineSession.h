@@ -55,7 +55,7 @@ public:
     QStringList complaints() const { return m_complaints; }
     WebEngineHost &host() { return *m_host; }
 
-    /// From now on what leaves the page for the loudspeakers can be measured with loudness().
+    /// From now on what leaves the page for the audio output can be measured with loudness().
     void listen();
     /// Peak of the last three quarters of a second, 0 to 1.
     double loudness();

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int tracks = 2;
 constexpr int beatsInABar = 4;
-const QString recordingPath = u"Content/Assets/recording"_s;
+const QString backingTrackPath = u"Content/Assets/recording"_s;
 
 QString automation(const QString &type, const QString &value)
 {
@@ -70,7 +70,7 @@ QByteArray notation(int bars)
                    track(0) + track(1), masterBars, staffBars, voices, beats, notes)
                .toUtf8()
         + u"<Rhythms><Rhythm id=\"0\"><NoteValue>Quarter</NoteValue></Rhythm></Rhythms><Assets><Asset id=\"0\">"
-          "<EmbeddedFilePath>%1</EmbeddedFilePath></Asset></Assets></GPIF>"_s.arg(recordingPath)
+          "<EmbeddedFilePath>%1</EmbeddedFilePath></Asset></Assets></GPIF>"_s.arg(backingTrackPath)
               .toUtf8();
 }
 
@@ -125,10 +125,10 @@ QByteArray encoded(const QString &name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-QByteArray score(const QByteArray &recording, int bars)
+QByteArray score(const QByteArray &backingTrack, int bars)
 {
     return zipped(
-        { { u"VERSION"_s, "7.0" }, { u"Content/score.gpif"_s, notation(bars) }, { recordingPath, recording } });
+        { { u"VERSION"_s, "7.0" }, { u"Content/score.gpif"_s, notation(bars) }, { backingTrackPath, backingTrack } });
 }
 
 } // namespace RecordedScores

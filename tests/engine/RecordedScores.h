@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
-/// Guitar Pro files with recordings of their own, made up on the spot.
+/// Guitar Pro files with backing tracks, made up on the spot.
 namespace RecordedScores {
 
 /// An even tone of a third of full scale, as a WAVE file in mono.
@@ -13,7 +13,7 @@ QByteArray tone(double seconds);
 QByteArray encoded(const QString &name);
 
 /// A score of two tracks with a note on each beat, at 120 beats a minute: `bars` bars of 2000 milliseconds, beside
-/// which the audio file `recording` plays from its beginning.
-QByteArray score(const QByteArray &recording, int bars);
+/// which the audio file `backingTrack` plays from its beginning.
+QByteArray score(const QByteArray &backingTrack, int bars);
 
 } // namespace RecordedScores

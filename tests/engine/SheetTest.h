@@ -15,7 +15,7 @@ protected:
     int ranges();
     /// How far the score is scrolled down, in CSS pixels.
     int scrolled();
-    /// Whether the marked bar begins in the upper half of the view.
+    /// Whether the bar with the cursor begins in the upper half of the view.
     bool cursorInView();
     /// Where a note head is drawn in the first line; all bars are alike, four quarter notes each.
     QPoint beatAt(int bar, int beat);

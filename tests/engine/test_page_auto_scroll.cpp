@@ -65,12 +65,12 @@ private Q_SLOTS:
         // view or of the line, whichever is less.
         m_session->call(uR"((() => {
             const viewport = document.getElementById("viewport");
-            const mark = document.querySelector(".at-cursor-bar");
+            const cursor = document.querySelector(".at-cursor-bar");
             window.seen = [];
             window.unseenFrames = 0;
             let scrolled = viewport.scrollTop, line = null;
             const look = () => {
-                const { top, bottom } = mark.getBoundingClientRect();
+                const { top, bottom } = cursor.getBoundingClientRect();
                 const height = viewport.clientHeight;
                 const visible = (shift) => Math.min(bottom + shift, height) - Math.max(top + shift, 0);
                 if (line !== null && Math.abs(top + viewport.scrollTop - line) > 50) {

@@ -79,7 +79,7 @@ private Q_SLOTS:
         QTest::newRow("not base64") << u"!!! not base64 !!!"_s;
         row("empty", {});
         row("plain text", "Dear reader, this is no score.\n");
-        row("the engine's own text language", "\\title \"Sneaky\"\n.\n3.3 4.3 5.3\n");
+        row("alphaTab's own text language", "\\title \"Sneaky\"\n.\n3.3 4.3 5.3\n");
         row("a head without a body",
             QByteArray("\x18"
                        "FICHIER GUITAR PRO v5.10")
@@ -197,7 +197,7 @@ private Q_SLOTS:
         QCOMPARE(m_session->count(u"error"_s), 2);
     }
 
-    void theExportKeepsTheRecording()
+    void theExportKeepsTheBackingTrack()
     {
         QVERIFY(m_session->open(RecordedScores::score(RecordedScores::tone(4), 2)));
         m_session->call(BridgeCalls::playPause());
@@ -205,11 +205,11 @@ private Q_SLOTS:
         m_session->call(BridgeCalls::stop());
         m_session->call(BridgeCalls::exportGp());
         QVERIFY(m_session->waitForCount(u"gpData"_s, 1));
-        const QString kept = u"globalThis.keptRecording"_s;
+        const QString kept = u"globalThis.keptBackingTrack"_s;
         m_session->valueOf(u"import('qv-app://app/src/score-files/score-files.js').then(({ readScore }) => { "
                            "const { score } = readScore(Uint8Array.from(atob('%1'), (c) => c.charCodeAt(0)), "
                            "new alphaTab.Settings()); "
-                           "globalThis.keptRecording = btoa(Array.from(score.backingTrack.rawAudioFile, "
+                           "globalThis.keptBackingTrack = btoa(Array.from(score.backingTrack.rawAudioFile, "
                            "(byte) => String.fromCharCode(byte)).join('')); }); 1"_s.arg(
                                m_session->last(u"gpData"_s).value(u"data"_s).toString()));
         QVERIFY(m_session->waitFor([&] { return m_session->valueOf(kept).isValid(); }));
@@ -223,7 +223,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("tracks");
         for (const char *kind : { "gp3", "gp4", "gp5", "gpx", "gp", "musicxml", "mxl" })
             QTest::newRow(kind) << EngineScores::ferry(QString::fromLatin1(kind)) << u"Ferry at Dusk"_s << 4;
-        QTest::newRow("gp with a recording")
+        QTest::newRow("gp with a backing track")
             << RecordedScores::score(RecordedScores::encoded(u"slow.ogg"_s), 8) << u"Recorded"_s << 2;
         if (!EngineScores::haveSamples())
             return;

@@ -210,26 +210,26 @@ private:
     }
 
     /// How much of the hand-made tone there is in the last three quarters of a second: its mean amplitude. Looked at
-    /// piece by piece, as each note begins the tone anew.
+    /// window by window, as each note begins the tone anew.
     double tone()
     {
         return m_session
             ->valueOf(uR"((() => {
                 const samples = new Float32Array(32768);
                 globalThis.tap?.getFloatTimeDomainData(samples);
-                const piece = 1024;
+                const window = 1024;
                 let sum = 0;
-                for (let from = 0; from < samples.length; from += piece) {
+                for (let from = 0; from < samples.length; from += window) {
                     let [real, imaginary] = [0, 0];
-                    samples.subarray(from, from + piece).forEach((sample, at) => {
-                        const hann = 1 - Math.cos((2 * Math.PI * at) / piece);
+                    samples.subarray(from, from + window).forEach((sample, at) => {
+                        const hann = 1 - Math.cos((2 * Math.PI * at) / window);
                         const angle = (2 * Math.PI * %1 * at) / globalThis.tap.context.sampleRate;
                         real += sample * hann * Math.cos(angle);
                         imaginary += sample * hann * Math.sin(angle);
                     });
-                    sum += (2 * Math.hypot(real, imaginary)) / piece;
+                    sum += (2 * Math.hypot(real, imaginary)) / window;
                 }
-                return (sum * piece) / samples.length;
+                return (sum * window) / samples.length;
             })())"_s.arg(toneFrequency))
             .toDouble();
     }

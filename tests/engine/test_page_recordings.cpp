@@ -4,7 +4,7 @@
 
 using namespace Qt::StringLiterals;
 
-/// What Chromium makes of recordings.
+/// What Chromium makes of backing tracks.
 class TestPageRecordings final : public QObject {
     Q_OBJECT
 
@@ -56,7 +56,7 @@ private Q_SLOTS:
             qPrintable(found.value(u"worst"_s).toString()));
     }
 
-    void aRecordingIsHeardToItsEndBehindDamage()
+    void aBackingTrackIsHeardToItsEndBehindDamage()
     {
         QByteArray damaged = RecordedScores::encoded(u"vorbis.ogg"_s);
         const qsizetype middle = damaged.size() / 2;

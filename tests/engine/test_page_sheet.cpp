@@ -6,7 +6,7 @@
 
 using namespace Qt::StringLiterals;
 
-/// The paper: layouts, sizes, tracks, the mouse.
+/// The score page: layouts, sizes, tracks, the mouse.
 class TestPageSheet final : public SheetTest {
     Q_OBJECT
 
@@ -21,26 +21,27 @@ private Q_SLOTS:
 
     void theFirstPictureShowsTheMarkAtTheFirstBeat()
     {
-        // The second score comes while the mark is far on in the first one.
+        // The second score comes while the cursor is far on in the first one.
         for (int turn = 0; turn < 2; ++turn) {
             m_session->call(
                 u"for (const drawn of document.querySelectorAll('#notation svg')) { drawn.dataset.before = ''; } "
-                "window.firstMarks = null; "
-                "window.marks = () => [...document.querySelectorAll('.at-cursor-bar, .at-cursor-beat')].flatMap((mark) "
+                "window.firstCursors = null; "
+                "window.cursors = () => [...document.querySelectorAll('.at-cursor-bar, "
+                ".at-cursor-beat')].flatMap((cursor) "
                 "=> "
-                "{ const { x, y, width, height } = mark.getBoundingClientRect(); return [x, y, width, height]; }); "
+                "{ const { x, y, width, height } = cursor.getBoundingClientRect(); return [x, y, width, height]; }); "
                 "const look = () => { if (document.querySelector('#notation svg:not([data-before])')) { "
-                "setTimeout(() => { firstMarks = marks(); }); } else { requestAnimationFrame(look); } }; look();"_s);
+                "setTimeout(() => { firstCursors = cursors(); }); } else { requestAnimationFrame(look); } }; look();"_s);
             QVERIFY(m_session->open(threeParts()));
-            const QVariantList first = m_session->valueOf(u"firstMarks"_s).toList();
-            const QVariantList last = m_session->valueOf(u"marks()"_s).toList();
+            const QVariantList first = m_session->valueOf(u"firstCursors"_s).toList();
+            const QVariantList last = m_session->valueOf(u"cursors()"_s).toList();
             QCOMPARE(first.size(), 8);
             QVERIFY(last.at(2).toDouble() > 50 && last.at(7).toDouble() > 50);
             for (qsizetype i = 0; i < first.size(); ++i)
                 QVERIFY2(qAbs(first.at(i).toDouble() - last.at(i).toDouble()) < 1.5,
                     qPrintable(u"%1: %2 %3"_s.arg(i).arg(first.at(i).toDouble()).arg(last.at(i).toDouble())));
             m_session->call(BridgeCalls::seekToTime(9000));
-            QVERIFY(m_session->waitFor([&] { return m_session->valueOf(u"marks()"_s).toList() != last; }));
+            QVERIFY(m_session->waitFor([&] { return m_session->valueOf(u"cursors()"_s).toList() != last; }));
         }
     }
 
@@ -139,20 +140,20 @@ private Q_SLOTS:
         // The line makes the sheet as wide as it is, which is no other room for it.
         QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 40 })));
         m_session->call(
-            u"window.drawings = 0; const { postMessage } = Worker.prototype; "
-            "Worker.prototype.postMessage = function (...given) { drawings += given[0].cmd === 'draw' ? 1 : 0; "
+            u"window.renderings = 0; const { postMessage } = Worker.prototype; "
+            "Worker.prototype.postMessage = function (...given) { renderings += given[0].cmd === 'draw' ? 1 : 0; "
             "return postMessage.apply(this, given); };"_s);
         redraw(BridgeCalls::setLayout(true));
         letThePageSettle();
-        QCOMPARE(m_session->valueOf(u"drawings"_s).toInt(), 1);
+        QCOMPARE(m_session->valueOf(u"renderings"_s).toInt(), 1);
         const int width = m_session->valueOf(u"innerWidth"_s).toInt();
         m_session->host().view()->resize(600, 800);
         QVERIFY(m_session->waitFor([&] { return m_session->valueOf(u"innerWidth"_s).toInt() < width; }));
         letThePageSettle();
-        QCOMPARE(m_session->valueOf(u"drawings"_s).toInt(), 1);
+        QCOMPARE(m_session->valueOf(u"renderings"_s).toInt(), 1);
         redraw(BridgeCalls::setLayout(false));
         QCOMPARE(scrollRoom(u"Width"_s), 0);
-        QCOMPARE(m_session->valueOf(u"drawings"_s).toInt(), 2);
+        QCOMPARE(m_session->valueOf(u"renderings"_s).toInt(), 2);
     }
 
     void readersStayWhereTheyAreWhenTheScoreIsDrawnAnew()
@@ -171,7 +172,7 @@ private Q_SLOTS:
         for (const QString &change : changes) {
             redraw(change);
             const QPointF place = placeOfBar(bar);
-            // The only line there is may be lower on the paper than any on pages was.
+            // The only line there is may be lower on the score page than any on pages was.
             const bool sideways = scrollRoom(u"Height"_s) == 0;
             QVERIFY2((sideways || qAbs(place.y() - top) < 10) && place.x() >= 0 && place.x() < 1200,
                 qPrintable(u"%1: %2 %3"_s.arg(change).arg(place.x()).arg(place.y())));
@@ -381,7 +382,7 @@ private:
         return EngineScores::musicXml({ .parts = { u"Flute"_s, u"Viola"_s, u"Bass"_s }, .bars = 12 });
     }
 
-    /// Waits for what follows a change of sizes: the engine hears of it with a frame, and waits 10 ms before it draws
+    /// Waits for what follows a change of sizes: alphaTab notices it with a frame, and waits 10 ms before it draws
     /// anew.
     void letThePageSettle()
     {

@@ -13,7 +13,7 @@ constexpr double audible = 0.01;
 
 } // namespace
 
-/// What comes out of the loudspeakers, measured where the page hands it over.
+/// What comes out of the audio output, measured where the page hands it over.
 class TestPageSound final : public PageTest {
     Q_OBJECT
 
@@ -56,7 +56,7 @@ private Q_SLOTS:
         QVERIFY(becomesAudible());
     }
 
-    void theFilesOwnRecordingIsHeard()
+    void theBackingTrackIsHeard()
     {
         QVERIFY(m_session->open(recordedScore()));
         QCOMPARE(m_session->last(u"score"_s).value(u"hasBackingTrack"_s), QVariant(true));
@@ -78,7 +78,7 @@ private Q_SLOTS:
         QVERIFY(m_session->waitFor([&] { return m_session->isPlaying() && m_session->position() > after + 300; }));
     }
 
-    void masterVolumeRulesARecordingWithItsMetronome()
+    void masterVolumeRulesABackingTrackWithItsMetronome()
     {
         QVERIFY(m_session->open(recordedScore()));
         m_session->call(BridgeCalls::setMetronome(true));
@@ -89,7 +89,7 @@ private Q_SLOTS:
         QVERIFY(becomesAudible());
     }
 
-    void aRecordingGoesOnAtAnotherSpeedFromWhereItIs()
+    void aBackingTrackGoesOnAtAnotherSpeedFromWhereItIs()
     {
         QVERIFY(m_session->open(recordedScore()));
         play();
@@ -107,7 +107,7 @@ private Q_SLOTS:
         QVERIFY2(took > 1.6 * reached && took < 2.6 * reached, qPrintable(u"%1 in %2 ms"_s.arg(reached).arg(took)));
     }
 
-    void aRecordingStartsOverInALoop()
+    void aBackingTrackStartsOverInALoop()
     {
         QVERIFY(m_session->open(recordedScore()));
         const double end = m_session->last(u"position"_s).value(u"endTime"_s).toDouble();
@@ -122,7 +122,7 @@ private Q_SLOTS:
         QCOMPARE(m_session->count(u"state"_s), 1); // it never stopped
     }
 
-    void theSynthesizerTakesThePlaceOfARecordingThatCannotBeDecoded()
+    void theSynthesizerTakesThePlaceOfABackingTrackThatCannotBeDecoded()
     {
         m_session->failToDecodeWaveFiles();
         const qsizetype before = m_session->count(u"score"_s);
@@ -157,17 +157,17 @@ private Q_SLOTS:
 
     void theMarkOutlivesAChangeOfSound()
     {
-        // Where the mark is; empty without one.
-        const QString mark
-            = u"[...document.querySelectorAll('.at-cursor-beat')].map((mark) => mark.getBoundingClientRect()."
+        // Where the cursor is; empty without one.
+        const QString cursor
+            = u"[...document.querySelectorAll('.at-cursor-beat')].map((cursor) => cursor.getBoundingClientRect()."
               "x).filter((x) => x > 0).join()"_s;
         QVERIFY(m_session->open(recordedScore()));
         for (const bool synthesized : { true, false }) {
             m_session->call(BridgeCalls::setSoundSource(synthesized));
-            const QString before = m_session->valueOf(mark).toString();
+            const QString before = m_session->valueOf(cursor).toString();
             play();
-            QVERIFY(m_session->waitFor([&] { return m_session->valueOf(mark).toString() != before; }));
-            QVERIFY(!m_session->valueOf(mark).toString().isEmpty());
+            QVERIFY(m_session->waitFor([&] { return m_session->valueOf(cursor).toString() != before; }));
+            QVERIFY(!m_session->valueOf(cursor).toString().isEmpty());
             m_session->call(BridgeCalls::stop());
             QVERIFY(m_session->waitFor([&] { return !m_session->isPlaying(); }));
         }
@@ -291,7 +291,7 @@ private Q_SLOTS:
         QVERIFY2(qAbs(m_session->position() - 4000) < 20, qPrintable(QString::number(m_session->position())));
     }
 
-    void theChoiceOfSoundChangesNothingWithoutARecording()
+    void theChoiceOfSoundChangesNothingWithoutABackingTrack()
     {
         m_session->call(BridgeCalls::setSoundSource(true));
         play();
@@ -308,7 +308,7 @@ private:
         return m_session->open(EngineScores::musicXml({ .parts = { u"Left"_s, u"Right"_s }, .bars = 60 }));
     }
 
-    /// Eighty seconds of score and recording.
+    /// Eighty seconds of score and backing track.
     static QByteArray recordedScore() { return RecordedScores::score(RecordedScores::tone(80), 40); }
 
     void play()

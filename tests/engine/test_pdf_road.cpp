@@ -108,7 +108,7 @@ private:
 
 } // namespace
 
-/// From a PDF that is dropped on the window to a score on the paper, and to the alert when that cannot be.
+/// From a PDF that is dropped on the window to a score on the score page, and to the alert when that cannot be.
 class TestPdfRoad final : public QObject {
     Q_OBJECT
 

@@ -1,7 +1,4 @@
-"""Checks that code, tests and documents of the program say one word for one thing, as docs/glossary.md has it.
-
-The page's own half is checked beside its sources.
-"""
+"""Checks that code, tests and comments say one word for one thing, as docs/glossary.md has it."""
 import pathlib
 import re
 import unittest
@@ -29,14 +26,56 @@ ALLOWED = re.compile(
     r"|\"?sheets?/|tests/sheets|SHEETS|(engraved|assembled|assemble)_sheet\w*|sheet_folder|\bsheets\b(?=[ )}]|$)"
     r"|page_sheet|PageSheet")
 
+# The same for the page, its tests in Node and in Chromium, and its tools.
+BANNED_IN_PAGE = {
+    r"patience": "...TimeoutMs, named for what is waited for",
+    r"courtesy": "...DelayMs, named for what is put off",
+    r"glideTime": "glideMs",
+    r"\bdesk\b": "viewport",
+    r"\bpaper\b": "score page",
+    r"\bheading": "score header",
+    r"[.#]sheet\b|getElementById\(.sheet|\"sheet\"": "notation, score view",
+    r"[.#]drawing\b|\bdrawings\b|\b(?:a|the|one|another|whichever|each|first) drawing\b(?! (?:worker|time))":
+        "renderer, render pass, renderId",
+    r"markedBar|\bmark on the score": "cursor",
+    r"tidy": "idle garbage collection",
+    r"loudspeaker": "audio output",
+    r"timeline": "tempo map",
+    r"recording": "backing track",
+    r"rehears": "warm-up",
+    r"hearing": "output latency",
+    r"heard(?:Time|Clock|Place|Frame)": "presentation-time map, playback clock, presented",
+    r"\battacks?\b": "onset",
+    r"\bborders?\b": "boundary",
+    r"\bpieces?\b|[.#]pieces?\b": "layout batch, overlap-add segment, chunk",
+    r"#places?\b": "position, frame, tick, anchor",
+    r"\bengine\b": "alphaTab, Chromium, api",
+    r"#(?:hear|tell|listen|ask|wish)\b": "receive, post",
+    r"turnOfSound|#turn\b": "audio callback, render quantum, generation",
+    r"(?:16-bit|16 bit) words|words of 16 bit": "16-bit samples",
+    r"\b3276[78]\b": "fullScale",
+}
+
+# Words of alphaTab, of file formats and of CSS, the envelope of a click, numbers of tests, and texts that users see.
+ALLOWED_IN_PAGE = re.compile(
+    r"core\.engine|tests/engine|The recording cannot be played|facts\.recording|\"recording\"|Assets/recording"
+    r"|\"rehearsal\"|no piece has|pieces that guitarists|\* piece \(|same piece|recipe\.attack|\battack: (?:0|number)"
+    r"|border(?:-\w+)?:|box-sizing: border-box|[Rr]ecordings?\.h|TestPageRecordings|test_page_recordings|isRecording|recordings\+\+"
+    r"|let recordings|isRecording|One of the recordings that are encoded"
+    r"|200 \+ 32768|coarse = 32768|- 32768\)|fullScale = 32767|-?32767(?=[,)])|/ 32767\)|\* 32767\)\)"
+    r"|fftSize = 32768|Float32Array\(32768\)|QUAVERLY_TEST_RECORDINGS|\w*RECORDINGS?\w*")
+
+PAGE = [("web/src", {".js"}), ("web/tests", {".mjs"}), ("web/tools", {".mjs", ".cpp"}), ("web", {".css", ".html"}),
+        ("tests/engine", {".cpp", ".h"})]
+
 FOLDERS = ["app", "benchmarks", "controller", "design", "desktop", "engine_host", "pdf", "tests", "views"]
 SUFFIXES = {".cpp", ".h"}
 
 
-def faults(text):
+def faults(text, banned=None, allowed=ALLOWED):
     """The words of a text that must not be said, with what is said instead."""
-    spoken = ALLOWED.sub("", text)
-    for pattern, instead in BANNED.items():
+    spoken = allowed.sub("", text)
+    for pattern, instead in (BANNED if banned is None else banned).items():
         for match in re.finditer(pattern, spoken, re.IGNORECASE):
             yield f"{match.group()}: say {instead}"
 
@@ -49,14 +88,37 @@ def files():
                 yield path.relative_to(TOP).as_posix(), path
 
 
+def page_files():
+    for folder, suffixes in PAGE:
+        paths = (TOP / folder).iterdir() if folder == "web" else (TOP / folder).rglob("*")
+        for path in sorted(paths):
+            if path.suffix in suffixes:
+                yield path.relative_to(TOP).as_posix(), path
+
+
+def page_faults(text):
+    """The same for a text of the page."""
+    return faults(text, BANNED_IN_PAGE, ALLOWED_IN_PAGE)
+
+
+def found_in(paths, faults_of):
+    """All faults in files and in their names."""
+    found = []
+    for name, path in paths:
+        for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+            found += [f"{name}:{number}: {fault}" for fault in faults_of(line)]
+        found += [f"{name}: {fault}" for fault in faults_of(path.name)]
+    return "\n".join(found)
+
+
 class Words(unittest.TestCase):
+    maxDiff = None
+
     def test_one_word_for_one_thing(self):
-        found = []
-        for name, path in files():
-            for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
-                found += [f"{name}:{number}: {fault}" for fault in faults(line)]
-            found += [f"{name}: {fault}" for fault in faults(path.name)]
-        self.assertFalse(found, "\n" + "\n".join(found))
+        self.assertEqual(found_in(files(), faults), "")
+
+    def test_one_word_for_one_thing_in_the_page(self):
+        self.assertEqual(found_in(page_files(), page_faults), "")
 
     def test_what_must_not_be_said_is_noticed(self):
         for text in ("constexpr int patience = 2;", "class Lookout;", "SoundPrecedence", "// the web engine's own",
@@ -64,6 +126,16 @@ class Words(unittest.TestCase):
             self.assertTrue(list(faults(text)), text)
         for text in ("PDFSheetView *view", "u\"Sheet music\"_s", "a style sheet", "EngineHost &host"):
             self.assertEqual(list(faults(text)), [], text)
+
+    def test_what_must_not_be_said_in_the_page_is_noticed(self):
+        for text in ("const desk = 1;", "#paper {", "this.#sheet", "api.drawing.read()", "// of another drawing",
+                     "tidying.js", "the loudspeaker", "new Timeline()", "recordingPlayer", "warm-up or rehearsal",
+                     "hearingDelay", "this.#heardTime", "findAttacks = attacks", "the borders of parts", "piece by piece",
+                     "this.#place", "the engine's own", "this.#tell(", "#turn = 0", "16-bit words", "* 32767;"):
+            self.assertTrue(list(page_faults(text)), text)
+        for text in ("settings.core.engine = 1", "  border-radius: 3px;", "The recording cannot be played", "viewport",
+                     "  attack: 0.002,", "drawing takes longer", "in its place", "backing track"):
+            self.assertEqual(list(page_faults(text)), [], text)
 
 
 if __name__ == "__main__":

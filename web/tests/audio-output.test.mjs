@@ -14,13 +14,13 @@ async function ports() {
 }
 
 test("it sleeps when there has been nothing to hear for a while", () => {
-  const line = {};
-  audioOutput.connect(line);
-  audioOutput.wake(line);
+  const port = {};
+  audioOutput.connect(port);
+  audioOutput.wake(port);
   assert.equal(contexts.state, "running");
   pass(60000);
   assert.equal(contexts.state, "running");
-  audioOutput.fallAsleep(line);
+  audioOutput.fallAsleep(port);
   pass(14000);
   assert.equal(contexts.state, "running");
   pass(2000);

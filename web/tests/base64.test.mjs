@@ -12,7 +12,7 @@ test("no bytes are an empty text", () => {
   assert.deepEqual(decodeBase64(""), new Uint8Array());
 });
 
-test("texts of every length, across the borders of blocks, become what they stand for", () => {
+test("texts of every length, across the boundaries of blocks, become what they stand for", () => {
   for (const length of [1, 2, 3, 4, 5, 12287, 12288, 12289, 12290, 24576, 40000]) {
     const bytes = Uint8Array.from({ length }, (_, i) => (i * 31 + (i >> 8)) & 0xff);
     const text = Buffer.from(bytes).toString("base64");

@@ -60,7 +60,7 @@ test("everything that our notation has", () => {
   assert.deepEqual(unexpected(lost(score)), {});
 });
 
-test("a recording and where it belongs", () => {
+test("a backing track and where it belongs", () => {
   const score = texScore("\\tempo 100 \\ro c4.1 | \\rc 2 d4.1 | e4.1");
   score.backingTrack = new alphaTab.model.BackingTrack();
   score.backingTrack.rawAudioFile = Uint8Array.from({ length: 70000 }, (_, index) => (index * 7919) >> 5);

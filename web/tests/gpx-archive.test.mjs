@@ -44,7 +44,7 @@ test("the score and what belongs to it are taken out of the container, compresse
   assert.deepEqual(filesIn(repackGpx(pack(container), limit)), file);
 });
 
-test("files that lie in pieces are put together", () => {
+test("files whose sectors lie apart are put together", () => {
   const backwards = makeContainer(file, (count) => Array.from({ length: count }, (_, index) => count - 1 - index));
   assert.deepEqual(filesIn(repackGpx(backwards, limit)), file);
 });

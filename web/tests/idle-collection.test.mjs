@@ -26,7 +26,7 @@ function page() {
 
 const all = ["renderer", "synth", "sound", "page", "page", "page", "page thoroughly"];
 
-test("the threads collect one after the other when nothing has happened for a while, the page once more after a quiet time", () => {
+test("the threads collect one after the other when nothing has happened for a while, the page once more after a time without new objects", () => {
   const { collected, api } = page();
   pass(20000);
   assert.deepEqual(collected, []);
@@ -60,7 +60,7 @@ test("a reader's hands put it off", () => {
   assert.equal(collected.length, all.length);
 });
 
-test("while the music plays the threads that are heard do not collect; they do when the music stops", () => {
+test("while the music plays the threads that sound do not collect; they do when the music stops", () => {
   const { collected, api, playback } = page();
   api.workerRenderer.batchShown.trigger();
   playback.playing = true;

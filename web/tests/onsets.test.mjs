@@ -24,7 +24,7 @@ test("wherever a backing track is cut, the same onsets are found, each soon afte
       const known = Math.min(at + size, left.length) - 0.1 * sampleRate;
       assert.equal(found.filter((frame) => frame < known).length, whole.filter((frame) => frame < known).length);
     }
-    assert.deepEqual([...found, ...detector.finish()], whole, `in pieces of ${size}`);
+    assert.deepEqual([...found, ...detector.finish()], whole, `in chunks of ${size}`);
   }
 });
 

@@ -6,7 +6,7 @@ globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPH
 const { alphaTab } = globalThis;
 const { anchorIn, viewAt } = await import("../src/rendering/scroll-anchor.js");
 
-/** A drawing: lines of bars, each bar as wide as given and each line as high. */
+/** A rendering: systems of bars, each bar as wide as given and each system as high. */
 function drawn(systems, width, height) {
   const bounds = new alphaTab.rendering.BoundsLookup();
   let index = 0;
@@ -41,7 +41,7 @@ test("a line that has all but left the view is not what is looked at", () => {
   assert.equal(anchorIn(drawn([2, 2, 2, 2], 500, 300), view(0, 150), null).bar, 0);
 });
 
-test("the mark is looked at while it is seen", () => {
+test("the cursor is looked at while it is seen", () => {
   const score = drawn([4, 4, 4, 4, 4, 4], 250, 200);
   assert.deepEqual(anchorIn(score, view(0, 600), 17), { bar: 17, x: 0, y: 0, left: 250, top: 200 });
   assert.equal(anchorIn(score, view(0, 600), 2).bar, 12);

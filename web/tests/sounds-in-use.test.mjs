@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { alphaTab } from "./support/rehearsal.mjs";
+import { alphaTab } from "./support/played-score.mjs";
 import { soundsInUse } from "../src/soundfont/sounds-in-use.js";
 
 const { ControlChangeEvent, NoteOnEvent, ProgramChangeEvent } = alphaTab.midi;

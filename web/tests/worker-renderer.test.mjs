@@ -41,14 +41,14 @@ function viewport(scrolled = { view, position: { left: 0, top: 0 }, moveTo: () =
   const worker = new FakeWorker();
   const renderer = new WorkerRenderer(worker, scrolled);
   renderer.width = 900;
-  const told = [];
-  renderer.preRender.on(() => told.push("new notation"));
-  renderer.partialLayoutFinished.on(({ id }) => told.push(`bounds of ${id}`));
-  renderer.partialRenderFinished.on(({ id }) => told.push(`picture of ${id}`));
-  renderer.renderFinished.on(({ totalHeight }) => told.push(`${totalHeight} high`));
-  renderer.batchShown.on(({ first, last }) => told.push(`shown${first ? " first" : ""}${last ? " last" : ""}`));
-  renderer.error.on(({ message }) => told.push(`error: ${message}`));
-  return { worker, renderer, told, take: () => told.splice(0) };
+  const events = [];
+  renderer.preRender.on(() => events.push("new notation"));
+  renderer.partialLayoutFinished.on(({ id }) => events.push(`bounds of ${id}`));
+  renderer.partialRenderFinished.on(({ id }) => events.push(`picture of ${id}`));
+  renderer.renderFinished.on(({ totalHeight }) => events.push(`${totalHeight} high`));
+  renderer.batchShown.on(({ first, last }) => events.push(`shown${first ? " first" : ""}${last ? " last" : ""}`));
+  renderer.error.on(({ message }) => events.push(`error: ${message}`));
+  return { worker, renderer, events, take: () => events.splice(0) };
 }
 
 function scoreOf(text) {
@@ -57,7 +57,7 @@ function scoreOf(text) {
 
 const noBounds = new alphaTab.rendering.BoundsLookup().toJson();
 
-/** A layout batch of a drawing, by the names of its partials; those in capitals are painted. */
+/** A layout batch of a render pass, by the names of its partials; those in capitals are painted. */
 function batch(names, { first = false, last = false, height = 100 } = {}) {
   const partials = names.map((id) => ({ id, renderResult: id === id.toUpperCase() ? "<svg/>" : undefined }));
   return { first, last, partials, bounds: noBounds, width: 900, height };
@@ -251,7 +251,7 @@ test("the place before the score page changed counts, and what is on it stays th
   assert.equal(scrolled.top, 390);
 });
 
-test("readers go with the mark while they see it, and the beginning stays at the top", () => {
+test("readers go with the cursor while they see it, and the beginning stays at the top", () => {
   const { scrolled, renderer, answer } = reading();
   renderer.cursorBar = 6;
   renderer.changeScorePage(() => {});
@@ -299,7 +299,7 @@ test("a partial that came into view is painted on demand", () => {
   assert.deepEqual(take(), ["picture of b"]);
 });
 
-test("of a drawing that another took the place of, nothing is heard any more", () => {
+test("of a render pass that another replaced, nothing is shown any more", () => {
   const { worker, renderer, take } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
   const { renderId: old } = worker.last;
@@ -318,7 +318,7 @@ test("of a drawing that another took the place of, nothing is heard any more", (
   assert.deepEqual(take(), ["new notation", "bounds of C", "picture of C", "100 high", "shown first last"]);
 });
 
-test("a drawing that was given up stops in the worker, and nothing is heard of it", () => {
+test("a render pass that was given up stops in the worker, and nothing of it is shown", () => {
   const { worker, renderer, take } = viewport();
   const score = scoreOf("c4");
   renderer.renderScore(score, [0]);
@@ -346,7 +346,7 @@ test("a score drawn anew keeps its length until the new one is known; another sc
   assert.deepEqual(draw(scoreOf("d4"), batch([], { first: true, height: 300 })), ["300 high"]);
 });
 
-test("what goes wrong in the worker reaches alphaTab, of whichever drawing", () => {
+test("what goes wrong in the worker reaches alphaTab, of whichever render pass", () => {
   const { worker, renderer, take } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
   worker.answer({ kind: "failed", message: "no such clef" });
@@ -367,7 +367,7 @@ test("settings go to the worker, without the player's, which it has no use for",
   assert.equal(alphaTab.model.JsonConverter.jsObjectToSettings(worker.last.settings).display.scale, 1.25);
 });
 
-test("drawings stop after their beginning while their rest is held, until it may go on", () => {
+test("render passes stop after their beginning while the remainder is held, until it may go on", () => {
   const { worker, renderer } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
   assert.equal(worker.last.remainderHeld, false);
@@ -388,7 +388,7 @@ test("the worker ends with the renderer", () => {
   assert.ok(worker.terminated);
 });
 
-/** A drawing by the real layout, taken apart into layout batches as the worker sends them. */
+/** A render pass by the real layout, taken apart into layout batches as the worker sends them. */
 function batches(score) {
   const settings = new alphaTab.Settings();
   settings.core.engine = "svg";

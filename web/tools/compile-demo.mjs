@@ -4,8 +4,8 @@ import { mkdirSync, readFileSync, writeFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { dirname, resolve } from "node:path";
 
-const [engine, source, target] = process.argv.slice(2).map((path) => resolve(path));
-const alphaTab = createRequire(import.meta.url)(engine);
+const [library, source, target] = process.argv.slice(2).map((path) => resolve(path));
+const alphaTab = createRequire(import.meta.url)(library);
 
 const settings = new alphaTab.Settings();
 let score;

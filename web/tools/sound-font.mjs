@@ -6,7 +6,7 @@
  * @typedef {{ name: string, bank: number, program: number, zones: Zone[] }} Preset
  * @typedef {object} Sample
  * @property {Uint8Array} bytes
- * @property {boolean} compressed a Vorbis stream, or else words of 16 bits
+ * @property {boolean} compressed a Vorbis stream, or else 16-bit samples
  * @property {[number, number]} loop from its first sample to the one after its last
  * @property {number} rate samples a second
  * @property {number} root the key at which it has its own pitch

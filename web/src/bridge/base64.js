@@ -15,8 +15,8 @@ const block = 1 << 14;
 
 /**
  * Decoded here, because atob() makes a text of the bytes first, with a copy of everything: four times as slow for a file
- * with a recording in it. Block by block through bytes, because a character of a text that lies outside of the script
- * engine's own memory costs twenty times as much as a byte.
+ * with a backing track in it. Block by block through bytes, because a character of a text that lies outside of
+ * V8's own memory costs twenty times as much as a byte.
  *
  * @param {string} text standard base64 without line breaks
  * @returns {Uint8Array | null} null when the text is not base64

@@ -12,10 +12,10 @@ import { withoutGaps } from "./xml-gaps.js";
 const folder = "Content/";
 const scoreName = `${folder}score.gpif`;
 const besides = ["BinaryStylesheet", "PartConfiguration", "LayoutConfiguration"].map((name) => folder + name);
-const recordings = `${folder}Assets/`;
+const audioFiles = `${folder}Assets/`;
 
-/** Of a recording, in bytes. */
-const largestRecording = 128 << 20;
+/** Of a backing track, in bytes. */
+const largestAudioFile = 128 << 20;
 
 /**
  * @param {Uint8Array} bytes of a zip
@@ -38,8 +38,8 @@ export function repackGp(bytes, limit) {
   for (const member of zip.members) {
     if (besides.includes(member.name)) {
       files.set(member.name, zip.read(member, limit));
-    } else if (member.name.startsWith(recordings) && member.name !== recordings) {
-      files.set(member.name, zip.read(member, largestRecording));
+    } else if (member.name.startsWith(audioFiles) && member.name !== audioFiles) {
+      files.set(member.name, zip.read(member, largestAudioFile));
     }
   }
   return storedZip(files);

@@ -20,7 +20,7 @@ export class AudioThread {
   }
 
   /** @param {object} message as the page sends it */
-  tell(message) {
+  post(message) {
     this.#processor.port.onmessage({ data: structuredClone(message) });
   }
 
@@ -34,11 +34,11 @@ export class AudioThread {
    * @param {{ first?: boolean, last?: boolean, onsets?: Int32Array }} chunk
    */
   add(channels, { first = false, last = false, onsets = findOnsets(channels, sampleRate) }) {
-    this.tell({ chunk: { first, blocks: channels.map(blocksOf), onsets, last } });
+    this.post({ chunk: { first, blocks: channels.map(blocksOf), onsets, last } });
   }
 
   /** @returns {Float32Array[]} left and right, of whole blocks */
-  listen(seconds) {
+  render(seconds) {
     const blocks = Math.round((seconds * sampleRate) / 128);
     const [left, right] = [new Float32Array(blocks * 128), new Float32Array(blocks * 128)];
     for (let at = 0; at < left.length; at += 128) {

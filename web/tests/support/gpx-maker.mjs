@@ -5,7 +5,7 @@ const sectorList = 148;
 
 /**
  * @param {Record<string, Uint8Array>} files by their names
- * @param {(count: number) => number[]} order of all sectors of content, for files in pieces
+ * @param {(count: number) => number[]} order of all sectors of content, for files whose sectors lie apart
  */
 export function makeContainer(files, order = (count) => Array.from({ length: count }, (_, index) => index)) {
   const entries = Object.entries(files).map(([name, content]) => {

@@ -40,8 +40,8 @@ export class Player {
     this.stretch.loop = loop;
   }
 
-  /** @returns {Float32Array[]} left and right; shorter where the recording ends */
-  listen(seconds) {
+  /** @returns {Float32Array[]} left and right; shorter where the backing track ends */
+  render(seconds) {
     const length = Math.round(seconds * sampleRate);
     const left = new Float32Array(length);
     const right = new Float32Array(length);

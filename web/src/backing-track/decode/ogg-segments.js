@@ -68,7 +68,7 @@ function codecOf(bytes) {
   if (kind.startsWith("\x01vorbis") && at + 16 <= bytes.length) {
     return { sampleRate: view.getUint32(at + 12, true), headers: 3, lead: lead.vorbis };
   }
-  // Whatever was recorded, Opus decodes to this rate.
+  // Whatever was encoded, Opus decodes to this rate.
   return kind === "OpusHead" ? { sampleRate: 48000, headers: 2, lead: lead.opus } : null;
 }
 

@@ -20,8 +20,8 @@ export function mergeVoices(voice, other) {
   const main = sources.filter(({ graceType, isRest }) => graceType === alphaTab.model.GraceType.None && !isRest);
   const times = new Set(sources.flatMap(({ displayStart, displayDuration }) => [displayStart, displayStart + displayDuration]));
   const edges = [...times].sort((a, b) => a - b);
-  /** The last piece of each note so far. @type {Map<Note, Note>} */
-  const pieces = new Map();
+  /** The last segment of each note so far. @type {Map<Note, Note>} */
+  const segments = new Map();
   /** @type {Beat[]} */
   const beats = [];
   for (let i = 0; i + 1 < edges.length; i++) {
@@ -39,10 +39,10 @@ export function mergeVoices(voice, other) {
       Object.assign(beat, { displayStart: start, playbackStart: start, displayDuration: length, playbackDuration: length });
       start += length;
       for (const note of sounding.flatMap(({ notes }) => notes)) {
-        const piece = pieceOf(note, pieces.get(note));
-        piece.beat = beat;
-        beat.notes.push(piece);
-        pieces.set(note, piece);
+        const segment = segmentOf(note, segments.get(note));
+        segment.beat = beat;
+        beat.notes.push(segment);
+        segments.set(note, segment);
       }
       beats.push(beat);
     });
@@ -70,16 +70,16 @@ function copyOf(beat) {
 
 /**
  * @param {Note} note
- * @param {Note | undefined} before the piece that this one goes on from
+ * @param {Note | undefined} before the segment that this one goes on from
  * @returns {Note}
  */
-function pieceOf(note, before) {
+function segmentOf(note, before) {
   if (!before) {
     return note;
   }
-  const piece = new alphaTab.model.Note();
-  const { id } = piece;
-  Object.assign(piece, note, { id, isTieDestination: true, tieOrigin: before, tieDestination: before.tieDestination });
-  before.tieDestination = piece;
-  return piece;
+  const segment = new alphaTab.model.Note();
+  const { id } = segment;
+  Object.assign(segment, note, { id, isTieDestination: true, tieOrigin: before, tieDestination: before.tieDestination });
+  before.tieDestination = segment;
+  return segment;
 }

@@ -203,7 +203,7 @@ function readSigns(bars, parts) {
 }
 
 /** What stands at the head of a score. */
-const headings = new Set(["work", "movement-title", "identification", "credit"]);
+const titles = new Set(["work", "movement-title", "identification", "credit"]);
 
 /**
  * @param {XmlWriter} writer
@@ -212,7 +212,7 @@ const headings = new Set(["work", "movement-title", "identification", "credit"])
  */
 function writeHead(writer, root, sources) {
   for (const child of root.children) {
-    if (headings.has(child.name)) {
+    if (titles.has(child.name)) {
       writer.copy(child);
     }
   }

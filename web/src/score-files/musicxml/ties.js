@@ -18,7 +18,7 @@ import { keyOf, tolerance } from "./values.js";
  * @property {XmlElement} note
  * @property {number} staff
  * @property {number} voice
- * @property {number} end in ticks from the beginning of the piece
+ * @property {number} end in ticks from the beginning of the score
  * @property {boolean} drawn whether the tie is there for the eye
  */
 

@@ -34,7 +34,7 @@ export function scoreOf(text) {
 }
 
 /** A synthesizer with a score in it and the metronome beside it; everything but the page and the audio output. */
-export class Rehearsal {
+export class PlayedScore {
   streams = 0;
   messages = [];
   api = {
@@ -53,8 +53,8 @@ export class Rehearsal {
 
   /** @param {import("../../src/shared/alphatab.js").Score} score */
   constructor(score) {
-    const line = { start: () => {}, stop: () => {}, clear: () => this.streams++ };
-    this.synth = new PracticeSynth(sampleRate, line);
+    const output = { start: () => {}, stop: () => {}, clear: () => this.streams++ };
+    this.synth = new PracticeSynth(sampleRate, output);
     const { synth } = this;
     Object.assign(this.api, { score, player: synth, synth, playPause: () => synth.playPause(), play: () => synth.play() });
     for (const property of ["tickPosition", "timePosition", "playbackSpeed", "isLooping"]) {
@@ -82,7 +82,7 @@ export class Rehearsal {
    * @param {number} seconds
    * @returns {Float32Array} the left channel; shorter where the music ends
    */
-  listen(seconds) {
+  render(seconds) {
     const parts = [];
     for (let frames = 0; frames < seconds * sampleRate; ) {
       const samples = this.synth.render(512);
@@ -104,11 +104,11 @@ export class Rehearsal {
  */
 export function onsets(sound) {
   const found = [];
-  const quiet = 0.02 * sampleRate;
+  const silence = 0.02 * sampleRate;
   let last = -Infinity;
   sound.forEach((sample, frame) => {
     if (Math.abs(sample) > 1e-4) {
-      if (frame - last > quiet) {
+      if (frame - last > silence) {
         found.push((frame * 1000) / sampleRate);
       }
       last = frame;
