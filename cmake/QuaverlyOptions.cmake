@@ -41,8 +41,7 @@ set(QUAVERLY_NODE_MODULES "" CACHE PATH "A node_modules folder with the npm pack
 function(quaverly_npm_packages folder stamp)
   cmake_parse_arguments(arg "" "" "FILES;ARGUMENTS" ${ARGN})
   if(QUAVERLY_NODE_MODULES)
-    get_filename_component(modules ${QUAVERLY_NODE_MODULES} ABSOLUTE BASE_DIR ${PROJECT_SOURCE_DIR})
-    set(install ${CMAKE_COMMAND} -E copy_directory ${modules} ${folder}/node_modules)
+    set(install ${CMAKE_COMMAND} -E copy_directory ${QUAVERLY_NODE_MODULES} ${folder}/node_modules)
   else()
     find_program(QUAVERLY_NPM NAMES npm REQUIRED)
     set(install ${CMAKE_COMMAND} -E chdir ${folder} ${CMAKE_COMMAND} -E env npm_config_update_notifier=false

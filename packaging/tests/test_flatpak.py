@@ -62,6 +62,10 @@ class Flatpak(unittest.TestCase):
             self.assertEqual(module["buildsystem"], "cmake-ninja")
             self.assertIn("-DCMAKE_BUILD_TYPE=Release", module["config-opts"])
 
+    def test_the_program_is_built_beside_its_sources(self):
+        # The page is assembled in the build's web/, and the sources have a web/ of their own.
+        self.assertTrue(self.manifest["modules"][-1]["builddir"])
+
     def test_no_registry_is_named_in_what_is_committed(self):
         self.assertNotIn("npm-sources.json", subprocess.run(
             ["git", "-c", "safe.directory=*", "ls-files"], cwd=PACKAGING, capture_output=True, text=True,
