@@ -4,6 +4,8 @@
 #include "tests/support/OpenedPDF.h"
 
 #include <QAbstractButton>
+#include <QMenu>
+#include <QMenuBar>
 
 using namespace Qt::StringLiterals;
 
@@ -83,6 +85,15 @@ void engraved(AlphaTabController &controller, const QString &name, int pagesAcro
         qFatal("the PDF does not open");
 }
 
+void openMenu(QWidget &window)
+{
+    auto *bar = window.findChild<QMenuBar *>();
+    if (!bar || bar->actions().isEmpty() || !bar->actions().constFirst()->menu())
+        qFatal("the window has no menus");
+    QAction *first = bar->actions().constFirst();
+    first->menu()->popup(bar->mapToGlobal(bar->actionGeometry(first).bottomLeft()));
+}
+
 void openPopover(QWidget &window) { press(window, u"Metronome & count-in"_s); }
 
 } // namespace
@@ -105,6 +116,11 @@ QList<Scene> scenes()
     const auto six = [](AlphaTabController &controller) { engraved(controller, u"pages-200"_s, 6); };
     const auto mixed = [](AlphaTabController &controller) { engraved(controller, u"mixed"_s, 3); };
     const auto turned = [](AlphaTabController &controller) { engraved(controller, u"rotated"_s, 2); };
+    const auto atTheEnd = [](AlphaTabController &controller) {
+        // Also when the rest of the score is laid out.
+        controller.js(u"new ResizeObserver(() => document.getElementById('viewport').scrollTo(0, 1e9))"
+                      ".observe(document.getElementById('notation'))"_s);
+    };
     const auto converting = [pair](AlphaTabController &controller) {
         pair(controller);
         controller.converting = true;
@@ -134,6 +150,17 @@ QList<Scene> scenes()
         { u"long-names"_s, usual, false, Demo, longNames, {} },
         { u"long-names-smallest"_s, smallest, false, Demo, longNames, {} },
         { u"alert"_s, usual, false, Demo, failed, {} },
+        { u"menu"_s, usual, false, Demo, none, openMenu },
+        { u"menu-dark"_s, usual, true, Demo, none, openMenu },
+        { u"solo-dark"_s, usual, true, Demo, practising, {} },
+        { u"gnome-dark"_s, usual, true, Demo, practising, openPopover, {}, true },
+        { u"section-and-chord"_s, usual, false, File, none, {}, u"stacked.gp"_s },
+        { u"section-and-chord-horizontal"_s, usual, false, File, sideways, {}, u"stacked.gp"_s },
+        { u"copyright"_s, usual, false, File, atTheEnd, {}, u"stacked.gp"_s },
+        { u"thirty-staves"_s, usual, false, File, none, {}, u"thirty-tracks.musicxml"_s },
+        { u"opening"_s, usual, false, Notice, none, {}, u"thirty-tracks-long.musicxml"_s },
+        { u"refused"_s, usual, false, Notice, none, {}, u"cut-short.gp"_s },
+        { u"refused-dark"_s, usual, true, Notice, none, {}, u"cut-short.gp"_s },
         { u"pdf"_s, usual, false, Empty, pair, {} },
         { u"pdf-dark"_s, usual, true, Empty, pair, {} },
         { u"pdf-smallest"_s, smallest, false, Empty, pair, {} },

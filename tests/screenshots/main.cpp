@@ -1,5 +1,6 @@
 #include "app/QuaverlyApp.h"
 #include "controller/AlphaTabController.h"
+#include "design/Theme.h"
 #include "engine_host/WebEngineHost.h"
 #include "engine_host/bridge/BridgeCalls.h"
 #include "engine_host/serving/WebFolder.h"
@@ -12,6 +13,7 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QLoggingCategory>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPainter>
 #include <QTextStream>
@@ -35,9 +37,18 @@ QPalette darkSystem()
     return palette;
 }
 
-QPixmap withAlert(QWidget &window)
+/// The window with what lies over it in windows of their own.
+QPixmap withWindowsAbove(QWidget &window)
 {
     QPixmap picture = window.grab();
+    for (QWidget *above : QApplication::topLevelWidgets()) {
+        if (above->isVisible() && qobject_cast<QMenu *>(above)) {
+            QPainter painter(&picture);
+            const QPoint place = above->pos() - window.mapToGlobal(QPoint());
+            painter.setClipRegion(above->mask().translated(place));
+            painter.drawPixmap(place, above->grab());
+        }
+    }
     if (auto *alert = window.findChild<QMessageBox *>()) {
         QPainter painter(&picture);
         const QPixmap box = alert->grab();
@@ -66,6 +77,20 @@ bool waitFor(const std::function<bool()> &condition)
     return true;
 }
 
+QUrl scoreOf(const Scene &scene) { return QUrl::fromLocalFile(QStringLiteral(SCORES "/") + scene.file); }
+
+/// Whether the page's notice is there and no longer fades in: it is dark, near the lower edge of the light page.
+bool showsNotice(QWidget &page)
+{
+    const QImage picture = page.grab().toImage();
+    const QColor notice(0x33, 0x33, 0x3b);
+    for (int y = picture.height() - 60; y < picture.height(); ++y) {
+        if (picture.pixelColor(picture.width() / 2 - 60, y) == notice)
+            return true;
+    }
+    return false;
+}
+
 /// Lets the page show the demo score, and play it, until it stands still enough for a picture.
 bool setThePage(const Scene &scene, AlphaTabController &controller)
 {
@@ -73,7 +98,10 @@ bool setThePage(const Scene &scene, AlphaTabController &controller)
         return false;
     if (scene.page == Scene::Page::Empty)
         return true;
-    controller.js(BridgeCalls::loadSample());
+    if (scene.page == Scene::Page::File)
+        controller.load(scoreOf(scene));
+    else
+        controller.js(BridgeCalls::loadSample());
     if (!waitFor([&] { return controller.hasScore.value() && controller.playerReady.value(); }))
         return false;
     if (scene.page == Scene::Page::PlayingDemo) {
@@ -83,12 +111,18 @@ bool setThePage(const Scene &scene, AlphaTabController &controller)
         if (!waitFor([&] { return controller.isPlaying && controller.currentTime > start + 500; }))
             return false;
     }
+    if (scene.page == Scene::Page::Notice) {
+        controller.load(scoreOf(scene));
+        return waitFor([&] { return showsNotice(*controller.webView()); });
+    }
     return true;
 }
 
 /// Whether the page has drawn what it was last asked for: two pictures a while apart are the same.
 bool settle(QWidget &page, Scene::Page state)
 {
+    if (state == Scene::Page::Notice)
+        return true; // it is gone when the score is there
     if (state == Scene::Page::PlayingDemo) {
         rest(1500ms); // a cursor never stands still
         return true;
@@ -111,7 +145,7 @@ Surroundings surroundings(TestSurroundings &world)
 
 bool take(const Scene &scene, const QDir &folder)
 {
-    QApplication::setPalette(scene.dark ? darkSystem() : QPalette());
+    QApplication::setPalette(scene.schemeAlone ? Theme::darkPalette() : scene.dark ? darkSystem() : QPalette());
     TestSurroundings world;
     AlphaTabController controller(surroundings(world));
     QuaverlyApp application(controller);
@@ -127,7 +161,7 @@ bool take(const Scene &scene, const QDir &folder)
     if (scene.act)
         scene.act(window);
     QApplication::processEvents();
-    return withAlert(window).save(folder.filePath(scene.name + u".png"_s));
+    return withWindowsAbove(window).save(folder.filePath(scene.name + u".png"_s));
 }
 
 } // namespace
