@@ -2,7 +2,10 @@
 // long something takes.
 //
 //   open PATH      js SCRIPT      mute TRACK      resize WIDTH HEIGHT      wheel STEPS      positions COUNT      quit
+//   value EXPRESSION      press X Y      move X Y      release X Y
 //
+// "value" has the page work out an expression, whose value is written as a line of its own; "press", "move" and
+// "release" are the mouse's left button over the score, in the page's pixels.
 // "positions" hands the window position messages as a playing page does, fifteen a second. When the main thread was
 // busy for long, "stalled" and the milliseconds are written. Every page message and every line carried out is written
 // to standard output as one line: the time in seconds of the monotonic clock, "message" or "did", and the message as
@@ -19,9 +22,12 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLoggingCategory>
+#include <QMouseEvent>
 #include <QSocketNotifier>
 #include <QTimer>
 #include <QUrl>
+#include <QWebEnginePage>
+#include <QWebEngineView>
 #include <QWheelEvent>
 
 #include <chrono>
@@ -84,6 +90,10 @@ public:
             feedPositions(argument.toInt());
         else if (command == u"wheel")
             turnWheel(argument.toInt());
+        else if (command == u"value")
+            tellValue(argument);
+        else if (command == u"press" || command == u"move" || command == u"release")
+            moveMouse(command, argument);
         else
             QCoreApplication::quit();
         report("did", line.toUtf8());
@@ -102,11 +112,38 @@ private:
         timer->start(66);
     }
 
+    void tellValue(const QString &expression)
+    {
+        if (auto *view = qobject_cast<QWebEngineView *>(m_controller.webView()))
+            view->page()->runJavaScript(
+                expression, [](const QVariant &value) { report("value", value.toString().toUtf8()); });
+    }
+
+    /// What takes the mouse over the score; null when there is nothing.
+    QWidget *scoreTarget() const
+    {
+        QWidget *view = m_controller.webView();
+        return view && view->focusProxy() ? view->focusProxy() : view;
+    }
+
+    void moveMouse(const QString &what, const QString &place)
+    {
+        QWidget *target = scoreTarget();
+        if (!target)
+            return;
+        const QPointF at(place.section(u' ', 0, 0).toDouble(), place.section(u' ', 1, 1).toDouble());
+        const auto type = what == u"press" ? QEvent::MouseButtonPress
+            : what == u"move"              ? QEvent::MouseMove
+                                           : QEvent::MouseButtonRelease;
+        QMouseEvent event(type, at, target->mapToGlobal(at), type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+            type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(target, &event);
+    }
+
     /// Over the middle of the score, as a mouse does.
     void turnWheel(int steps)
     {
-        QWidget *view = m_controller.webView();
-        QWidget *target = view && view->focusProxy() ? view->focusProxy() : view;
+        QWidget *target = scoreTarget();
         if (!target)
             return;
         const QPointF place = QRectF(target->rect()).center();

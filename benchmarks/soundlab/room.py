@@ -135,6 +135,13 @@ class Window:
         self._process.stdin.flush()
         return self._wait(lambda kind, text: kind == "did" and text == line)
 
+    def value(self, expression):
+        """What the page makes of an expression, whose value has to be a text."""
+        self.tell(f"value {expression}")
+        found = []
+        self._wait(lambda kind, text: kind == "value" and (found.append(text) or True))
+        return found[0]
+
     def call(self, name, *arguments):
         return self.tell(f"js window.qv.{name}({', '.join(json.dumps(one) for one in arguments)})")
 
