@@ -92,10 +92,19 @@ function stoppedScore() {
     ...{ scrollLeft: 0, scrollTop: 400, scrollWidth: 800, scrollHeight: 3000, clientWidth: 800, clientHeight: 600 },
     /** @param {number} left @param {number} top */
     scrollTo: (left, top) => Object.assign(viewport, { scrollLeft: left, scrollTop: top }),
+    getBoundingClientRect: () => ({ left: 0, top: 0 }),
   };
-  const notation = new Node();
+  const notation = Object.assign(new Node(), {
+    contains: (/** @type {unknown} */ node) => node === notation,
+    getBoundingClientRect: () => ({ left: -viewport.scrollLeft, top: -viewport.scrollTop }),
+  });
+  /** Where the beat at the position lies, as far as it has been laid out. @type {object | null} */
+  let bounds = null;
   const api = {
-    notation: Object.assign(notation, { contains: (/** @type {unknown} */ node) => node === notation }),
+    notation,
+    tracks: [],
+    tickCache: { findBeat: () => ({ beat: {} }) },
+    boundsLookup: { findBeat: () => bounds },
     playerPositionChanged: emitter(),
     postRenderFinished: emitter(),
     scoreLoaded: emitter(),
@@ -106,7 +115,11 @@ function stoppedScore() {
   const press = Object.assign(new Event("pointerdown"), { buttons: 1 });
   Object.defineProperty(press, "target", { value: notation });
   return {
-    ...{ api, viewport },
+    ...{ api, playback, viewport },
+    layOut: () => {
+      const box = { x: 0, y: 1500, w: 800, h: 200 };
+      bounds = { onNotesX: 100, barBounds: { masterBarBounds: { visualBounds: box } } };
+    },
     wheel: () => ownerDocument.dispatchEvent(new Event("wheel")),
     press: () => ownerDocument.dispatchEvent(press),
   };
@@ -146,4 +159,28 @@ test("readers who scroll while the rest is laid out stay there; another score be
   api.postRenderFinished.post();
   runTimers();
   assert.equal(viewport.scrollTop, 0);
+});
+
+test("a seek shows its bar, wherever alphaTab's cursor still is", (context) => {
+  const runTimers = holdTimers(context);
+  const { api, playback, viewport, layOut } = stoppedScore();
+  playback.atStart = false;
+  layOut();
+  api.playerPositionChanged.post({ isSeek: true });
+  runTimers();
+  assert.equal(viewport.scrollTop, 1500 - 24);
+});
+
+test("a seek to a bar that has not been laid out is shown when it has", (context) => {
+  const runTimers = holdTimers(context);
+  const { api, playback, viewport, layOut } = stoppedScore();
+  playback.atStart = false;
+  api.playerPositionChanged.post({ isSeek: true });
+  runTimers();
+  assert.equal(viewport.scrollTop, 400);
+  layOut();
+  api.workerRenderer.drewAgain = true;
+  api.postRenderFinished.post();
+  runTimers();
+  assert.equal(viewport.scrollTop, 1500 - 24);
 });

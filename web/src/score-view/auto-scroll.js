@@ -126,7 +126,7 @@ export class AutoScroll {
     }
   }
 
-  /** alphaTab puts its cursor to a new position within the next frames. */
+  /** Put off a little, as one change often follows another. */
   #showCursorSoon() {
     clearTimeout(this.#soon);
     clearTimeout(this.#lookAheadTimer);
@@ -139,9 +139,23 @@ export class AutoScroll {
         this.#system = null;
         this.#glideTo(0, 0, 0);
       } else {
-        this.#api.scrollToCursor();
+        this.#showPosition();
       }
     }, 80);
+  }
+
+  /** Shows the beat at the position. alphaTab's own cursor gets there some frames later, on a busy machine many. */
+  #showPosition() {
+    const api = this.#api;
+    const tracks = new Set(api.tracks.map((track) => track.index));
+    const beat = api.tickCache?.findBeat(tracks, this.#playback.tick)?.beat;
+    const bounds = beat && api.boundsLookup?.findBeat(beat);
+    if (bounds) {
+      this.forceScrollTo(bounds);
+    } else {
+      // It is shown when it has been laid out.
+      this.#jumped = true;
+    }
   }
 
   /** @param {Event} event */
