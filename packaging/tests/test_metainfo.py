@@ -25,6 +25,14 @@ class Metainfo(unittest.TestCase):
         unexpected = [line for line in said if not any(known in line for known in EXPECTED)]
         self.assertEqual((told.returncode, unexpected), (0, []), told.stdout + told.stderr)
 
+    def test_it_says_who_makes_it_and_where_to_turn(self):
+        self.assertTrue(self.root.find("developer").get("id"))
+        self.assertTrue(self.root.find("developer/name").text)
+        addresses = {url.get("type"): url.text for url in self.root.findall("url")}
+        self.assertLessEqual({"homepage", "bugtracker", "help", "vcs-browser"}, set(addresses))
+        for address in addresses.values():
+            self.assertRegex(address, "^https://quaverly.org/")
+
     def test_everybody_calls_it_by_the_same_name(self):
         name = self.root.find("id").text
         self.assertEqual(METAINFO.name, f"{name}.metainfo.xml")
