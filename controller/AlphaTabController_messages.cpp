@@ -95,4 +95,11 @@ void AlphaTabController::apply(const BridgeMessages::AudioOutput &output)
     m_engine->setAudioLost(!output.working);
 }
 
+/// A page without its synthesizer would show a score that no button can play: it is ended, and can be started again.
+void AlphaTabController::apply(const BridgeMessages::SynthLost &)
+{
+    m_surroundings.log(u"[Quaverly] the synthesizer does not answer"_s);
+    m_engine->endPage();
+}
+
 void AlphaTabController::apply(const BridgeMessages::Unknown &) { }

@@ -126,6 +126,8 @@ std::optional<Message> parse(const QVariantMap &message)
         return Rendered{};
     if (type == "audioOutput"_L1)
         return AudioOutput{ booleanOf(message, u"working"_s) };
+    if (type == "synthLost"_L1)
+        return SynthLost{};
     return Unknown{};
 }
 

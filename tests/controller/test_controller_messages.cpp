@@ -69,6 +69,15 @@ private Q_SLOTS:
             (QStringList{ u"[Quaverly] there is no audio output"_s, u"[Quaverly] the audio output works again"_s }));
     }
 
+    void aPageWithoutItsSynthesizerIsEnded()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        c.handle({ { u"type"_s, u"synthLost"_s } });
+        QCOMPARE(world.engine->ends, 1);
+        QCOMPARE(*world.log, QStringList{ u"[Quaverly] the synthesizer does not answer"_s });
+    }
+
     void playerReady()
     {
         TestSurroundings world;

@@ -13,15 +13,21 @@ import { ScoreHeader } from "./score-view/score-header.js";
 import { Metronome } from "./metronome/metronome.js";
 import { Mixer } from "./playback/mixer.js";
 import { Notice } from "./score-view/notice.js";
+import { outputStatus } from "./audio/output-watch.js";
 import { playInOrder } from "./alphatab/play-through.js";
 import { Playback } from "./playback/playback.js";
 import { scoreOrder } from "./playback/score-order.js";
 import { PointerInput } from "./score-view/pointer-input.js";
+import { SynthPlayer } from "./synth/synth-player.js";
 import { ScoreView } from "./score-view/score-view.js";
 import { SoundBank } from "./sounds/sound-bank.js";
 import { IdleCollection } from "./session/idle-collection.js";
 
 /** Wires the page together: every call of the program goes to the one module that answers for it. */
+
+/** What readers are told while there is no sound: the device was there before, or never. */
+const lostOutput = "There is no audio output any more. The music goes on when it is back.";
+const noOutput = "There is no audio output. The music plays without a sound.";
 
 /** @param {string} id */
 function element(id) {
@@ -58,6 +64,13 @@ const session = new ScoreSession({ api, playback, mixer, pointerInput, scoreView
 new SoundBank(api, post);
 new IdleCollection(api, playback, document);
 
+// Nothing but a page that is loaded anew brings it back.
+SynthPlayer.lost.on(() => post({ type: "synthLost" }));
+outputStatus.changed.on((working) => {
+  post({ type: "audioOutput", working });
+  notice.keep(working ? null : outputStatus.hadDevice ? lostOutput : noOutput);
+});
+
 // What fails in a task of its own reaches nobody else.
 addEventListener("error", ({ message }) => post({ type: "error", message: `Something in the page failed (${message}).` }));
 addEventListener("unhandledrejection", ({ reason }) =>
@@ -67,6 +80,7 @@ api.error.on((error) => {
   notice.endOpening();
   post({ type: "error", message: error.message });
 });
+api.workerRenderer.gaveUp.on((sentence) => notice.tellProblem(sentence));
 api.backingTrackPlayer.failed.on((message) => {
   post({ type: "error", message });
   session.giveUpBackingTrack();

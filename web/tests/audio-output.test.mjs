@@ -13,10 +13,11 @@ async function ports() {
   return told.filter((message) => "port" in message).map(({ port }) => port);
 }
 
-test("it sleeps when there has been nothing to hear for a while", () => {
+test("it sleeps when there has been nothing to hear for a while", async () => {
   const port = {};
   audioOutput.connect(port);
   audioOutput.wake(port);
+  await settled();
   assert.equal(contexts.state, "running");
   pass(60000);
   assert.equal(contexts.state, "running");
@@ -32,6 +33,7 @@ test("a synthesizer that another one has taken the place of has no say any more"
   audioOutput.connect(first);
   audioOutput.connect(second);
   audioOutput.wake(second);
+  await settled();
   audioOutput.fallAsleep(first);
   audioOutput.disconnect(first);
   pass(60000);
@@ -42,6 +44,7 @@ test("a synthesizer that another one has taken the place of has no say any more"
   pass(60000);
   assert.equal(contexts.state, "suspended");
   audioOutput.wake(first);
+  await settled();
   assert.equal(contexts.state, "suspended");
   assert.equal(contexts.made, 1);
 });

@@ -2,6 +2,10 @@ import assert from "node:assert/strict";
 import { createRequire } from "node:module";
 import { test } from "node:test";
 
+// What is waited for must not keep the tests from ending.
+const { setTimeout: systemTimeout } = globalThis;
+globalThis.setTimeout = (...what) => systemTimeout(...what).unref();
+
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
 const { LayoutRun } = await import("../src/rendering/layout-run.js");
@@ -12,9 +16,18 @@ const view = { left: 0, top: 0, right: 900, bottom: 600 };
 /** The render worker, without a worker: what it is asked is written down, and the test answers. */
 class FakeWorker extends EventTarget {
   asked = [];
+  pings = [];
+  answersPings = true;
   terminated = false;
 
   postMessage(request) {
+    if (request.cmd === "ping") {
+      this.pings.push(request.number);
+      if (this.answersPings) {
+        this.answer({ kind: "pong", number: request.number });
+      }
+      return;
+    }
     // What cannot be copied cannot be sent.
     this.asked.push(structuredClone(request));
   }
@@ -39,7 +52,7 @@ class FakeWorker extends EventTarget {
 /** A renderer at its worker, with everything that it told alphaTab. */
 function viewport(scrolled = { view, position: { left: 0, top: 0 }, moveTo: () => assert.fail("moved") }) {
   const worker = new FakeWorker();
-  const renderer = new WorkerRenderer(worker, scrolled);
+  const renderer = new WorkerRenderer(worker, scrolled, () => assert.fail("replaced"));
   renderer.width = 900;
   const events = [];
   renderer.preRender.on(() => events.push("new notation"));
@@ -442,4 +455,55 @@ test("a new notation knows nothing of the places of the one before", () => {
   assert.ok(renderer.boundsLookup.findBeat(current));
   assert.equal(renderer.boundsLookup.staffSystems.flatMap((system) => system.bars).length, 4);
   assert.notEqual(renderer.boundsLookup.findBeat(current).beat, old);
+});
+
+/** A renderer whose workers are silent when the test says so, and whose time passes when it does. */
+function atWorkers(t) {
+  const timers = [];
+  const { setTimeout: real } = globalThis;
+  globalThis.setTimeout = (work, ms) => timers.push({ work, ms });
+  t.after(() => (globalThis.setTimeout = real));
+  const workers = [new FakeWorker()];
+  const scrolled = { view, position: { left: 0, top: 0 }, moveTo: () => {} };
+  const renderer = new WorkerRenderer(workers[0], scrolled, () => {
+    workers.push(new FakeWorker());
+    return workers.at(-1);
+  });
+  renderer.width = 900;
+  renderer.updateSettings(new alphaTab.Settings());
+  const errors = [];
+  renderer.error.on(({ message }) => errors.push(message));
+  /** Whoever waits for at most so long has waited in vain. */
+  const giveUp = (most) => timers.filter(({ ms }) => ms <= most).forEach(({ work }) => work());
+  return { renderer, workers, errors, giveUp };
+}
+
+test("a worker that does not answer is replaced, and its score is not tried again", (t) => {
+  const { renderer, workers, errors, giveUp } = atWorkers(t);
+  workers[0].answersPings = false;
+  renderer.renderScore(scoreOf("1.1"), [0]);
+  giveUp(20000);
+  assert.equal(workers.length, 2);
+  assert.ok(workers[0].terminated);
+  assert.deepEqual(errors, ["The score takes too long to be drawn."]);
+  assert.deepEqual([workers[1].count("settings"), workers[1].count("draw")], [1, 0]);
+  // The next one is drawn, by the new worker; what the old one still says is nobody's.
+  renderer.renderScore(scoreOf("2.1"), [0]);
+  assert.equal(workers[1].last.cmd, "draw");
+  workers[0].answer({ kind: "failed", message: "late" });
+  assert.equal(errors.length, 1);
+});
+
+test("a score that waits behind one that takes for ever is drawn soon, by another worker", (t) => {
+  const { renderer, workers, errors, giveUp } = atWorkers(t);
+  workers[0].answersPings = false;
+  renderer.renderScore(scoreOf("1.1"), [0]);
+  giveUp(4000);
+  assert.equal(workers.length, 1, "nothing waits yet");
+  renderer.renderScore(scoreOf("2.1"), [0]);
+  giveUp(4000);
+  assert.equal(workers.length, 2);
+  assert.deepEqual(errors, []);
+  assert.equal(workers[1].last.cmd, "draw");
+  assert.notEqual(workers[1].last.score, null, "it has read no file");
 });

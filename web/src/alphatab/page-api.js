@@ -1,6 +1,6 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
-import { renderWorker } from "../rendering/render-worker-start.js";
+import { renderWorker, startRenderWorker } from "../rendering/render-worker-start.js";
 import { Emitter } from "../shared/emitter.js";
 import { BackingTrackPlayer } from "../backing-track/backing-track-player.js";
 import { SynthPlayer } from "../synth/synth-player.js";
@@ -61,7 +61,7 @@ export class PageApi extends alphaTab.AlphaTabApi {
     this.backingTrackPlayer.presented.on((ms) => this.#media?.updatePosition(ms));
     // A backing track may end before the last bar does.
     this.backingTrackPlayer.ended.on(() => this.stop());
-    this.workerRenderer = new WorkerRenderer(renderWorker, viewport);
+    this.workerRenderer = new WorkerRenderer(renderWorker, viewport, startRenderWorker);
     this.workerRenderer.updateSettings(this.settings);
     const renderer = /** @type {{ instance: import("@coderline/alphatab").rendering.IScoreRenderer }} */ (
       /** @type {unknown} */ (this.renderer)

@@ -1,5 +1,6 @@
 // @ts-check
 import { clickSamples } from "../clicks/click-sounds.js";
+import { OutputWatch } from "../audio/output-watch.js";
 import { Emitter } from "../shared/emitter.js";
 import { callbackSeconds, watchOutputLatency } from "../audio/output-latency.js";
 import { decodeBackingTrack } from "./decode/backing-track-decoder.js";
@@ -52,6 +53,8 @@ export class BackingTrackPlayer {
   backingTrackDuration = Infinity;
   /** @type {AudioContext | undefined} */
   #context;
+  /** @type {OutputWatch | undefined} */
+  #watch;
   /** @type {GainNode | undefined} */
   #gain;
   /** @type {AudioWorkletNode | undefined} */
@@ -128,7 +131,8 @@ export class BackingTrackPlayer {
   play() {
     clearTimeout(this.#sleep);
     this.#playing = true;
-    void this.#open().resume();
+    this.#open();
+    this.#watch?.wake();
     this.#post({ playing: true });
   }
 
@@ -201,6 +205,7 @@ export class BackingTrackPlayer {
   #open() {
     if (!this.#context) {
       this.#context = new AudioContext({ latencyHint: callbackSeconds });
+      this.#watch = new OutputWatch(this.#context);
       this.#gain = new GainNode(this.#context, { gain: this.#volume });
       this.#gain.connect(this.#context.destination);
       void this.#connect(this.#context, this.#gain);
@@ -278,7 +283,7 @@ export class BackingTrackPlayer {
 
   #fallAsleep() {
     clearTimeout(this.#sleep);
-    this.#sleep = setTimeout(() => void this.#context?.suspend(), suspendDelayMs);
+    this.#sleep = setTimeout(() => this.#watch?.sleep(), suspendDelayMs);
   }
 }
 

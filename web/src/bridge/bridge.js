@@ -39,7 +39,8 @@
  *   | { type: "error", message: string }
  *   | { type: "gpData", data: string, title: string }
  *   | { type: "rendered" }
- *   | { type: "audioOutput", working: boolean }} Message
+ *   | { type: "audioOutput", working: boolean }
+ *   | { type: "synthLost" }} Message
  *
  * @typedef {(message: Message) => void} Post
  */
@@ -79,6 +80,7 @@ export const messageTypes = [
   "gpData",
   "rendered",
   "audioOutput",
+  "synthLost",
 ];
 
 /**

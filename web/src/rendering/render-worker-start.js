@@ -3,7 +3,11 @@
  * The worker that draws. A module of its own that the page runs before all others: the worker reads alphaTab's code
  * while the page does.
  */
-export const renderWorker = new Worker(new URL("./render-worker.js", import.meta.url), { type: "module", name: "renderer" });
+export function startRenderWorker() {
+  return new Worker(new URL("./render-worker.js", import.meta.url), { type: "module", name: "renderer" });
+}
+
+export const renderWorker = startRenderWorker();
 
 /**
  * Resolves when the worker receives requests at once. Until the page knows that the worker has run its script, requests

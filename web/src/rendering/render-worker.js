@@ -70,6 +70,9 @@ function answer(request) {
     case "paint":
       paint(request.id);
       break;
+    case "ping":
+      post({ kind: "pong", number: request.number });
+      break;
     case "collect":
       collectThoroughly();
       break;

@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { Emitter } from "../shared/emitter.js";
+import { WorkerWatch } from "../shared/worker-watch.js";
 import { anchorIn, viewAt } from "./scroll-anchor.js";
 
 /**
@@ -28,17 +29,21 @@ import { anchorIn, viewAt } from "./scroll-anchor.js";
  *   | { cmd: "resume" }
  *   | { cmd: "stop" }
  *   | { cmd: "paint", id: string }
+ *   | { cmd: "ping", number: number }
  *   | { cmd: "collect" }} Request
  *
  * @typedef {{ kind: "drawn", renderId: number, batch: LayoutBatch }
  *   | { kind: "painted", renderId: number, partial: Partial }
  *   | { kind: "missing", renderId: number }
  *   | { kind: "ready" }
+ *   | { kind: "pong", number: number }
  *   | { kind: "failed", message: string }} Answer
  */
 
 /** Longer files, which carry backing tracks, are read once: the worker gets the score. In bytes. */
 const longestFileReadTwice = 4 << 20;
+
+const tooLong = "The score takes too long to be drawn.";
 
 /** @implements {IScoreRenderer} @typedef {import("@coderline/alphatab").rendering.IScoreRenderer} IScoreRenderer */
 export class WorkerRenderer {
@@ -54,6 +59,8 @@ export class WorkerRenderer {
   postRenderFinished = new Emitter();
   /** @type {Emitter<Error>} */
   error = new Emitter();
+  /** @type {Emitter<string>} why the score will not be drawn, in a sentence */
+  gaveUp = new Emitter();
   /**
    * @type {Emitter<LayoutBatch>} what can be seen is on the score page (its first layout batch), or all is laid out
    *     (its last)
@@ -77,8 +84,18 @@ export class WorkerRenderer {
   /** Whether the score has been requested as it is to be drawn now. */
   #requested = false;
 
+  /** @type {Worker} */
   #worker;
+  /** @type {WorkerWatch} */
+  #watch;
+  #start;
   #viewport;
+  /** @type {Map<string, unknown> | null} what the worker was told last */
+  #settings = null;
+  /** Whether the worker is at a render pass. */
+  #inRenderPass = false;
+  /** @type {Score | null} what was drawn when the worker was last asked whether it answers */
+  #scoreInWork = null;
   #files = 0;
   /** @type {WeakMap<Score, number>} the number of each score's file with the worker */
   #fileOf = new WeakMap();
@@ -98,12 +115,44 @@ export class WorkerRenderer {
   /**
    * @param {Worker} worker running render-worker.js
    * @param {import("./scroll-anchor.js").ScrolledView} viewport
+   * @param {() => Worker} start makes another such worker, when the one before does not answer any more
    */
-  constructor(worker, viewport) {
-    this.#worker = worker;
+  constructor(worker, viewport, start) {
     this.#viewport = viewport;
-    worker.addEventListener("message", ({ data }) => this.#receive(data));
+    this.#start = start;
+    this.#worker = worker;
+    this.#watch = this.#join(worker);
+  }
+
+  /** @param {Worker} worker */
+  #join(worker) {
+    worker.addEventListener("message", ({ data }) => worker === this.#worker && this.#receive(data));
     worker.addEventListener("error", (event) => this.error.trigger(new Error(event.message)));
+    const ping = (/** @type {number} */ number) => {
+      this.#scoreInWork = this.#score;
+      worker.postMessage({ cmd: "ping", number });
+    };
+    const isBusy = () => this.#inRenderPass && !this.#remainderHeld;
+    return new WorkerWatch(ping, () => this.#replaceWorker(), isBusy);
+  }
+
+  /** The worker works on something that takes for ever, or is gone: another one draws what is to be drawn by now. */
+  #replaceWorker() {
+    const inWork = this.#scoreInWork;
+    this.#worker.terminate();
+    this.#worker = this.#start();
+    this.#watch = this.#join(this.#worker);
+    this.#fileOf = new WeakMap();
+    this.#post({ cmd: "settings", settings: this.#settings });
+    if (this.#score && this.#score !== inWork) {
+      this.render();
+    } else {
+      this.#anchor = null;
+      this.#inRenderPass = false;
+      this.awaited = false;
+      this.error.trigger(new Error(tooLong));
+      this.gaveUp.trigger(tooLong);
+    }
   }
 
   /**
@@ -116,6 +165,7 @@ export class WorkerRenderer {
     if (bytes.length > longestFileReadTwice) {
       return null;
     }
+    this.#watch.hurry();
     this.#post({ cmd: "read", file: ++this.#files, bytes });
     return this.#files;
   }
@@ -132,6 +182,7 @@ export class WorkerRenderer {
   abandon() {
     this.#renderId++;
     this.awaited = false;
+    this.#inRenderPass = false;
     this.#post({ cmd: "stop" });
   }
 
@@ -153,6 +204,7 @@ export class WorkerRenderer {
     const values = alphaTab.model.JsonConverter.settingsToJsObject(settings);
     values?.delete("player");
     this.#sideways = settings.display.layoutMode === alphaTab.LayoutMode.Horizontal;
+    this.#settings = values;
     this.#post({ cmd: "settings", settings: values });
   }
 
@@ -211,6 +263,10 @@ export class WorkerRenderer {
     this.awaited = this.#requested;
     if (score && this.#requested) {
       this.#holdAnchor();
+      this.#inRenderPass = true;
+      if (score !== this.#scoreInWork) {
+        this.#watch.hurry();
+      }
       const file = this.#fileOf.get(score);
       this.#post({
         cmd: "draw",
@@ -247,6 +303,7 @@ export class WorkerRenderer {
   }
 
   destroy() {
+    this.#watch.end();
     this.#worker.terminate();
   }
 
@@ -260,12 +317,16 @@ export class WorkerRenderer {
   /** @param {Request} request */
   #post(request) {
     this.#worker.postMessage(request);
+    this.#watch.asked();
   }
 
   /** @param {Answer} answer */
   #receive(answer) {
-    if (answer.kind === "failed") {
+    if (answer.kind === "pong") {
+      this.#watch.answer(answer.number);
+    } else if (answer.kind === "failed") {
       this.#anchor = null;
+      this.#inRenderPass = false;
       this.error.trigger(new Error(answer.message));
     } else if (answer.kind === "ready" || answer.renderId !== this.#renderId) {
       // Nothing drawn, or of a render pass that another has replaced.
@@ -294,6 +355,7 @@ export class WorkerRenderer {
       }
     }
     this.#addBounds(batch.bounds);
+    this.#inRenderPass = !batch.last;
     if (batch.first || batch.last) {
       this.drewAgain = this.#shown.score === this.#score;
       this.renderFinished.trigger(this.#sizeOf(batch));

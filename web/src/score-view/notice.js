@@ -18,6 +18,8 @@ export class Notice {
   #timer = 0;
   #openedAt = 0;
   #opening = false;
+  /** @type {string | null} what is true for longer than the other things that are said */
+  #kept = null;
 
   /** @param {HTMLElement} element an empty element over the score, hidden */
   constructor(element) {
@@ -60,6 +62,15 @@ export class Notice {
     this.#timer = setTimeout(() => this.#hide(), problemTimeMs);
   }
 
+  /** @param {string | null} sentence that stays while nothing else is said; null when it is not true any more */
+  keep(sentence) {
+    const isSaid = this.#element.className === "kept" && !this.#element.hidden;
+    this.#kept = sentence;
+    if (isSaid || this.#element.hidden) {
+      this.#hide();
+    }
+  }
+
   /**
    * @param {string} text
    * @param {string} kind
@@ -81,6 +92,9 @@ export class Notice {
     clearTimeout(this.#timer);
     this.#opening = false;
     this.#element.hidden = true;
+    if (this.#kept !== null) {
+      this.#show(this.#kept, "kept", 0);
+    }
   }
 }
 

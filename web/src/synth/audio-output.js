@@ -1,5 +1,6 @@
 // @ts-check
 import { callbackSeconds, watchOutputLatency } from "../audio/output-latency.js";
+import { OutputWatch } from "../audio/output-watch.js";
 import { SampleRing } from "../audio/sample-ring.js";
 
 /**
@@ -18,6 +19,7 @@ export class AudioOutput {
   /** Where the synthesizer puts its samples; null where threads cannot share memory. */
   ring = SampleRing.sharedMemory();
   #context = new AudioContext({ latencyHint: callbackSeconds });
+  #watch = new OutputWatch(this.#context);
   #node = this.#build();
   /** @type {MessagePort | null} to the synthesizer that sounds; posts of another one no longer count */
   #port = null;
@@ -50,7 +52,7 @@ export class AudioOutput {
   wake(port) {
     if (port === this.#port) {
       clearTimeout(this.#sleep);
-      void this.#context.resume();
+      this.#watch.wake();
     }
   }
 
@@ -58,7 +60,7 @@ export class AudioOutput {
   fallAsleep(port) {
     if (port === this.#port) {
       clearTimeout(this.#sleep);
-      this.#sleep = setTimeout(() => void this.#context.suspend(), suspendDelayMs);
+      this.#sleep = setTimeout(() => this.#watch.sleep(), suspendDelayMs);
     }
   }
 

@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { Emitter } from "../shared/emitter.js";
+import { WorkerWatch } from "../shared/worker-watch.js";
 import { AudioOutput } from "./audio-output.js";
 
 /**
@@ -8,6 +9,9 @@ import { AudioOutput } from "./audio-output.js";
  *
  * @typedef {import("@coderline/alphatab").synth.IAlphaSynth} Player
  */
+
+/** How long the synthesizer may take for one thing: to read all its sounds is the longest. */
+const answerTimeoutMs = 30000;
 
 /** @type {AudioOutput | null} there as soon as something is to sound */
 let audioOutput = null;
@@ -87,7 +91,11 @@ function newWorker() {
 }
 
 export class SynthPlayer {
+  /** @type {Emitter<void>} the worker does not answer any more: it is gone, or works on something that takes for ever */
+  static lost = new Emitter();
+
   #worker;
+  #playing = false;
 
   /** Gets the next synthesizer its worker: to be called while the page has time for that. */
   static prepare() {
@@ -103,9 +111,32 @@ export class SynthPlayer {
     audioOutput ??= new AudioOutput();
     const { ring } = audioOutput;
     worker.postMessage({ cmd: "serve", page: toPage.port2, audioThread: toAudioThread.port2, ring }, [toPage.port2, toAudioThread.port2]);
-    this.#worker = Object.assign(toPage.port1, { terminate: () => worker.terminate() });
+    const watch = this.#watch(toPage.port1.postMessage.bind(toPage.port1));
+    this.#worker = Object.assign(toPage.port1, {
+      terminate: () => {
+        watch.end();
+        worker.terminate();
+      },
+      postMessage: watched(toPage.port1, watch),
+    });
     this.player = new WorkerPlayer(new SynthOutput(audioOutput, toAudioThread.port1), settings, this.#worker);
     this.#worker.start();
+    this.player.stateChanged.on(({ state }) => (this.#playing = state === alphaTab.synth.PlayerState.Playing));
+  }
+
+  /** @param {(message: unknown, transfer: Transferable[]) => void} post */
+  #watch(post) {
+    /** @type {(number: number) => void} */
+    const ping = (number) => {
+      const { port1, port2 } = new MessageChannel();
+      port1.onmessage = () => {
+        port1.close();
+        watch.answer(number);
+      };
+      post({ cmd: "alphaSynth.ping", answer: port2 }, [port2]);
+    };
+    const watch = new WorkerWatch(ping, () => SynthPlayer.lost.trigger(), () => this.#playing, answerTimeoutMs);
+    return watch;
   }
 
   /**
@@ -149,4 +180,17 @@ export class SynthPlayer {
   setCountIn(countIn) {
     this.#worker.postMessage({ cmd: "alphaSynth.setCountIn", countIn });
   }
+}
+
+/**
+ * @param {MessagePort} port
+ * @param {WorkerWatch} watch
+ * @returns {MessagePort["postMessage"]} which the watch hears of
+ */
+function watched(port, watch) {
+  const post = /** @type {(message: unknown, options: any) => void} */ (port.postMessage.bind(port));
+  return (/** @type {unknown} */ message, /** @type {any} */ options = []) => {
+    post(message, options);
+    watch.asked();
+  };
 }

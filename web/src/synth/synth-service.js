@@ -45,6 +45,7 @@ const operations = {
   applyTranspositionPitches: (synth, { transpositionPitches }) => synth.applyTranspositionPitches(transpositionPitches),
   setCountIn: (synth, { countIn }) => synth.setCountIn(countIn),
   postSoundsInUse: (synth, { answer }) => answer.postMessage(synth.instruments.inUse()),
+  ping: (_, { answer }) => answer.postMessage(null),
   collect: () => collectThoroughly(),
   replaceSound: (synth, { index, sound }) => synth.instruments.replace(index, sound),
 };

@@ -12,6 +12,9 @@ globalThis.AudioContext = class {
   constructor() {
     contexts.made++;
   }
+  get state() {
+    return contexts.state;
+  }
   async resume() {
     contexts.state = "running";
   }

@@ -1,0 +1,188 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { OutputStatus, OutputWatch } from "../src/audio/output-watch.js";
+
+/** A sound system with a context on it, and a clock that goes on when it is told to. */
+class SoundSystem {
+  time = 0;
+  /** Whether there is a device, and whether the context got one when it was last resumed. */
+  hasDevice = true;
+  plays = true;
+  calls = [];
+  told = [];
+  due = [];
+  answers = true;
+
+  constructor({ hasDevice = true } = {}) {
+    const system = this;
+    this.hasDevice = hasDevice;
+    this.status = new OutputStatus();
+    this.status.changed.on((working) => this.told.push(working));
+    this.context = {
+      state: "running",
+      currentTime: 0,
+      async suspend() {
+        this.state = "suspended";
+        system.calls.push("suspend");
+      },
+      async resume() {
+        system.calls.push(system.hasDevice ? "resume" : "resume to nobody");
+        this.state = "running";
+        system.plays = true;
+      },
+    };
+    this.watch = new OutputWatch(this.context, {
+      devices: async () => (this.answers ? (this.hasDevice ? [{ kind: "audiooutput" }] : []) : new Promise(() => {})),
+      status: this.status,
+      now: () => this.time,
+      after: (work, ms) => this.due.push({ at: this.time + ms, work }),
+    });
+  }
+
+  /** The device goes: what plays stands still. */
+  unplug() {
+    this.hasDevice = false;
+    this.plays = false;
+  }
+
+  async pass(ms, step = 50) {
+    for (const end = this.time + ms; this.time < end; ) {
+      this.time += step;
+      if (this.plays && this.context.state === "running") {
+        this.context.currentTime += step / 1000;
+      }
+      const now = this.due.filter(({ at }) => at <= this.time);
+      this.due = this.due.filter(({ at }) => at > this.time);
+      now.forEach(({ work }) => work());
+      await settle();
+    }
+  }
+}
+
+async function settle() {
+  for (let i = 0; i < 10; i++) {
+    await Promise.resolve();
+  }
+}
+
+async function playing(options) {
+  const system = new SoundSystem(options);
+  await settle();
+  system.watch.wake();
+  await system.pass(1000);
+  return system;
+}
+
+test("a context that plays is left alone", async () => {
+  const system = await playing();
+  await system.pass(60000);
+  assert.deepEqual(system.calls, []);
+  assert.deepEqual(system.told, []);
+});
+
+test("without its device a context is suspended within a second and a half, and told of once", async () => {
+  const system = await playing();
+  system.unplug();
+  await system.pass(1500);
+  assert.deepEqual(system.told, [false]);
+  assert.deepEqual(system.calls, ["suspend"]);
+  await system.pass(60000);
+  assert.deepEqual(system.calls, ["suspend"], "nothing plays to nobody");
+  assert.deepEqual(system.told, [false]);
+});
+
+test("it goes on where it was as soon as there is a device again", async () => {
+  const system = await playing();
+  system.unplug();
+  await system.pass(4000);
+  const { currentTime } = system.context;
+  system.hasDevice = true;
+  await system.pass(500);
+  assert.deepEqual(system.told, [false, true]);
+  assert.equal(system.context.state, "running");
+  assert.ok(system.context.currentTime - currentTime < 0.5);
+});
+
+test("a context that stands still on a device that is there gets it anew, more and more seldom", async () => {
+  const system = await playing();
+  system.plays = false;
+  system.context.resume = async () => void system.calls.push("resume");
+  await system.pass(1500);
+  assert.deepEqual(system.calls, ["suspend", "resume"]);
+  system.context.state = "running";
+  await system.pass(60000);
+  assert.ok(system.calls.length < 30, `${system.calls.length} calls`);
+  assert.deepEqual(system.told, []);
+});
+
+test("a page that stood still itself says nothing about its sound", async () => {
+  const system = await playing();
+  system.plays = false;
+  await system.pass(20000, 20000);
+  system.plays = true;
+  await system.pass(3000);
+  assert.deepEqual(system.calls, []);
+});
+
+test("a start without the device that was there waits for it", async () => {
+  const system = await playing();
+  system.watch.sleep();
+  system.unplug();
+  await system.pass(60000);
+  assert.deepEqual(system.told, [], "while nobody listens, nobody is told");
+  system.watch.wake();
+  await system.pass(100);
+  assert.deepEqual(system.told, [false]);
+  assert.ok(!system.calls.includes("resume to nobody"));
+  system.hasDevice = true;
+  await system.pass(500);
+  assert.deepEqual(system.told, [false, true]);
+  assert.equal(system.context.state, "running");
+});
+
+test("a context made while the device is gone does not play to nobody", async () => {
+  const before = await playing();
+  before.unplug();
+  const system = new SoundSystem({ hasDevice: false });
+  system.status.hadDevice = true;
+  await settle();
+  assert.equal(system.context.state, "suspended");
+  system.watch.wake();
+  await system.pass(1000);
+  assert.deepEqual(system.told, [false]);
+  assert.ok(!system.calls.includes("resume to nobody"));
+});
+
+test("where there never was a device the music runs, and is told of; the first device gets it", async () => {
+  const system = await playing({ hasDevice: false });
+  assert.deepEqual(system.told, [false]);
+  assert.equal(system.context.state, "running");
+  const { currentTime } = system.context;
+  await system.pass(10000);
+  assert.ok(system.context.currentTime > currentTime + 9);
+  system.hasDevice = true;
+  await system.pass(3000);
+  assert.deepEqual(system.told, [false, true]);
+  assert.deepEqual(system.calls.slice(-2), ["suspend", "resume"]);
+});
+
+test("a pause while the device is gone stays a pause when it is back", async () => {
+  const system = await playing();
+  system.unplug();
+  await system.pass(2000);
+  system.watch.sleep();
+  await system.pass(1000);
+  system.hasDevice = true;
+  await system.pass(5000);
+  assert.deepEqual(system.told, [false, true]);
+  assert.equal(system.context.state, "suspended");
+});
+
+test("a sound system that does not answer holds up a start for a second", async () => {
+  const system = await playing();
+  system.watch.sleep();
+  system.answers = false;
+  system.watch.wake();
+  await system.pass(1100);
+  assert.equal(system.context.state, "running");
+});
