@@ -158,8 +158,11 @@ bool take(const Scene &scene, const QDir &folder)
     QWidget *shown = window.findChild<PDFSheetView *>();
     if (!settle(shown ? *shown : *controller.webView(), scene.page))
         return false;
-    if (scene.act)
+    if (scene.act) {
         scene.act(window);
+        if (scene.page == Scene::Page::File && !settle(*controller.webView(), scene.page))
+            return false;
+    }
     QApplication::processEvents();
     return withWindowsAbove(window).save(folder.filePath(scene.name + u".png"_s));
 }
@@ -174,11 +177,14 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
     QTextStream err(stderr);
     if (argc < 2 || !QDir().mkpath(QString::fromLocal8Bit(argv[1]))) {
-        err << "usage: quaverly_screenshots FOLDER\n";
+        err << "usage: quaverly_screenshots FOLDER [SCENE]...\n";
         return 2;
     }
     const QDir folder(QString::fromLocal8Bit(argv[1]));
+    const QStringList wanted = application.arguments().mid(2);
     for (const Scene &scene : scenes()) {
+        if (!wanted.isEmpty() && !wanted.contains(scene.name))
+            continue;
         if (!take(scene, folder)) {
             err << "no picture of " << scene.name << '\n';
             return 1;
