@@ -19,7 +19,7 @@ const layers = [
   ["score-files", "soundfont", "clicks"],
   ["score-files/guitar-pro", "score-files/musicxml"],
   ["score-files/containers"],
-  ["audio", "timing", "bridge"],
+  ["audio", "timing", "bridge", "alphatab/internals"],
   ["shared"],
 ];
 

@@ -4,6 +4,7 @@ import { renderWorker, startRenderWorker } from "../rendering/render-worker-star
 import { Emitter } from "../shared/emitter.js";
 import { BackingTrackPlayer } from "../backing-track/backing-track-player.js";
 import { SynthPlayer } from "../synth/synth-player.js";
+import { setRenderer } from "./internals/alphatab-internals.js";
 import { separateChannels, withChannels } from "./track-channels.js";
 import { WorkerRenderer } from "../rendering/worker-renderer.js";
 
@@ -53,7 +54,7 @@ export class PageApi extends alphaTab.AlphaTabApi {
    * @param {import("../rendering/scroll-anchor.js").ScrolledView} viewport what scrolls, with the notation in it
    */
   constructor(notation, viewport) {
-    replaceDrawingWorker();
+    replaceRenderWorker();
     super(notation, pageSettings());
     this.notation = notation;
     this.uiFacade.beginInvoke = nextFrame();
@@ -63,10 +64,7 @@ export class PageApi extends alphaTab.AlphaTabApi {
     this.backingTrackPlayer.ended.on(() => this.stop());
     this.workerRenderer = new WorkerRenderer(renderWorker, viewport, startRenderWorker);
     this.workerRenderer.updateSettings(this.settings);
-    const renderer = /** @type {{ instance: import("@coderline/alphatab").rendering.IScoreRenderer }} */ (
-      /** @type {unknown} */ (this.renderer)
-    );
-    renderer.instance = this.workerRenderer;
+    setRenderer(this, this.workerRenderer);
     this.workerRenderer.batchShown.on(({ first }) => first && this.#soundHeldBack && afterSight(() => this.#prepareSound()));
     this.playerReady.on(() => this.workerRenderer.resume());
     this.#soundTimer = setTimeout(() => this.#startPlayer(), idlePlayerDelayMs);
@@ -170,7 +168,7 @@ export class PageApi extends alphaTab.AlphaTabApi {
 }
 
 /** alphaTab would start a render worker of its own, which nobody needs. Its other workers it gets. */
-function replaceDrawingWorker() {
+function replaceRenderWorker() {
   const script = new URL("../../vendor/alphaTab.min.js", import.meta.url).href;
   const nobody = /** @type {Worker} */ (/** @type {unknown} */ ({ postMessage() {}, addEventListener() {}, terminate() {} }));
   alphaTab.Environment.initializeMain(

@@ -1,12 +1,12 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
+import { replaceScoreWalk } from "./internals/alphatab-internals.js";
 
 /**
  * Has alphaTab play scores in an order of the page's own: its notes, its lookup of bars and beats by their ticks, and
  * its sync points all come from one walk through the score, whose order alphaTab finds itself and lets nobody choose.
  *
- * That walk is a static method of MidiFileGenerator which is not declared and has another name in each build. It is the
- * only one with six parameters, and is replaced by one of the same contract.
+ * That walk is an undeclared static method, which is replaced by one of the same contract.
  *
  * @typedef {import("../shared/alphatab.js").Score} Score
  * @typedef {Score["masterBars"][number]} MasterBar
@@ -16,20 +16,16 @@ import { alphaTab } from "../shared/alphatab.js";
  * @typedef {(bar: MasterBar, previous: MasterBar | null, tick: number, bpm: number, occurrence: number) => void}
  *     BarBegins `bpm` before the bar; `occurrence` counted from 0
  * @typedef {(index: number, tick: number, bpm: number) => void} BarPlays
- * @typedef {Record<string, (score: Score, syncPoints: SyncPoint[], createNew: boolean, barBegins: BarBegins, barPlays:
- *     BarPlays, finish: (endTick: number) => void) => { automationToSyncPoint: Map<Automation, SyncPoint> }>} Statics
+ * @typedef {(score: Score, syncPoints: SyncPoint[], createNew: boolean, barBegins: BarBegins, barPlays: BarPlays,
+ *     finish: (endTick: number) => void) => { automationToSyncPoint: Map<Automation, SyncPoint> }} ScoreWalk
  */
 
 const ticksPerQuarter = 960;
 
 /** @param {(score: Score) => number[]} orderOf indices of bars in the order in which they are played */
 export function playInOrder(orderOf) {
-  const statics = /** @type {Statics} */ (/** @type {unknown} */ (alphaTab.midi.MidiFileGenerator));
-  const names = Object.getOwnPropertyNames(statics).filter((name) => typeof statics[name] === "function" && statics[name].length === 6);
-  if (names.length !== 1) {
-    throw new Error("alphaTab's walk through a score is not where it was.");
-  }
-  statics[names[0]] = (score, syncPoints, createNew, barBegins, barPlays, finish) => {
+  /** @type {ScoreWalk} */
+  const walkInOrder = (score, syncPoints, createNew, barBegins, barPlays, finish) => {
     const walk = new Walk(score, syncPoints, createNew);
     /** @type {MasterBar | null} */
     let previous = null;
@@ -46,6 +42,7 @@ export function playInOrder(orderOf) {
     finish(walk.tick);
     return walk;
   };
+  replaceScoreWalk(walkInOrder);
 }
 
 /** Keeps time from bar to bar. */

@@ -1,6 +1,7 @@
 // @ts-check
 import "../../vendor/alphaTab.min.js";
 import { alphaTab } from "../shared/alphatab.js";
+import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
 import { separateSectionMarks } from "./effect-bands.js";
 import { LayoutRun } from "./layout-run.js";
 import { arrangeStaffNames } from "./staff-names.js";
@@ -146,11 +147,9 @@ function paint(id) {
 
 /** @param {Map<string, unknown>} widths */
 function setTextWidths(widths) {
-  const platform = /** @type {{ FontSizes: { fontSizeLookupTables: Map<string, unknown> } }} */ (
-    /** @type {unknown} */ (alphaTab.platform)
-  );
+  const known = letterWidths();
   for (const [family, table] of widths) {
-    platform.FontSizes.fontSizeLookupTables.set(family, table);
+    known.set(family, table);
   }
 }
 

@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
+import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
 import { Emitter } from "../shared/emitter.js";
 import { WorkerWatch } from "../shared/worker-watch.js";
 import { anchorIn, viewAt } from "./scroll-anchor.js";
@@ -277,7 +278,8 @@ export class WorkerRenderer {
         width: this.width,
         view: this.#viewport.view,
         anchor: this.#anchor,
-        textWidths: textWidths(),
+        // The page measures the fonts, which the worker cannot.
+        textWidths: letterWidths(),
         remainderHeld: this.#remainderHeld,
         // A reader far on in the system would be lost with its beginning alone.
         atOnce: this.#sideways && this.#shown.sideways && this.#shown.score === score,
@@ -417,10 +419,3 @@ function handedOver(score) {
   return values;
 }
 
-/** How wide letters are: the page measures the fonts, which the worker cannot. */
-function textWidths() {
-  const platform = /** @type {{ FontSizes: { fontSizeLookupTables: Map<string, unknown> } }} */ (
-    /** @type {unknown} */ (alphaTab.platform)
-  );
-  return platform.FontSizes.fontSizeLookupTables;
-}

@@ -3,19 +3,9 @@
  * Makes presets for alphaTab's synthesizer out of sounds of the fine bank, whose samples are decoded elsewhere. The
  * synthesizer makes presets out of banks that it has parsed; it is given one of one preset, in the same shape.
  *
- * Parts of alphaTab that are relied on without being in its declarations: what it parses a bank into (Hydra), and the
- * two of the synthesizer's that follow.
- *
- * @typedef {object} PresetMaker
- * @property {Preset[] | null} presets
- * @property {(bank: Bank, programs: Set<number>, percussionKeys: Set<number>, append: boolean) => void} loadPresets
- *
- * @typedef {object} Bank what is named here of it
- * @property {Uint8Array} sampleData
- * @property {(start: number, end: number) => Int16Array} decodeSamples from the first byte to the one after the last
- *
- * @typedef {import("./sounds-in-use.js").Preset & { name: string, regions: Region[] }} Preset
- * @typedef {{ samples: Int16Array, loKey: number, hiKey: number }} Region
+ * @typedef {import("../alphatab/internals/alphatab-internals.js").PresetMaker} PresetMaker
+ * @typedef {import("../alphatab/internals/alphatab-internals.js").Preset} Preset
+ * @typedef {import("../alphatab/internals/alphatab-internals.js").Region} Region
  *
  * @typedef {object} FineSound
  * @property {string} name

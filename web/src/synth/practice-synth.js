@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
+import { reportTime, sequencerOf, synthesizerOf } from "../alphatab/internals/alphatab-internals.js";
 import { fullScale } from "../audio/full-scale.js";
 import { PresentationTimeMap } from "../timing/presentation-time-map.js";
 import { Instruments } from "./instruments.js";
@@ -29,31 +30,7 @@ import { Instruments } from "./instruments.js";
  * @property {() => void} stop
  * @property {() => void} clear what was sent and not presented yet is not wanted any more
  *
- * The parts of alphaTab that are relied on without being in its declarations:
- *
- * @typedef {object} Sequencer times are real milliseconds at the speed of playing
- * @property {number} currentTime up to where events were handed to the synthesizer
- * @property {number} currentEndTime
- * @property {number} playbackSpeed
- * @property {boolean} isFinished
- * @property {import("@coderline/alphatab").synth.PlaybackRange | null} mainPlaybackRange
- * @property {(tick: number) => number} mainTickPositionToTimePosition
- * @property {(time: number) => void} mainSeek
- * @property {() => void} fillMidiEventQueue hands over the events of the next `step` samples
- *
- * @typedef {object} SynthEvent
- * @property {number} time milliseconds of score time
- * @property {{ type: number }} [event]
- *
- * @typedef {import("../soundfont/fine-preset.js").PresetMaker & SoundMaker} Synthesizer
- * @typedef {object} SoundMaker
- * @property {number} activeVoiceCount
- * @property {(buffer: Float32Array, at: number, frames: number) => void} synthesize adds to what is in the buffer
- * @property {(frames: number) => void} synthesizeSilent ends all voices
- * @property {(immediate: boolean) => void} noteOffAll
- * @property {(event: SynthEvent) => void} dispatchEvent takes effect with the next samples
- * @property {(channel: number, key: number, velocity: number) => void} channelNoteOn
- * @property {(channel: number, bank: number, program: number) => void} channelSetBankPreset
+ * @typedef {import("../alphatab/internals/alphatab-internals.js").SynthEvent} SynthEvent
  */
 
 /** alphaTab hands over events in steps of this many samples. */
@@ -151,11 +128,11 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   }
 
   get #sequencer() {
-    return /** @type {Sequencer} */ (/** @type {any} */ (this).sequencer);
+    return sequencerOf(this);
   }
 
   get #synthesizer() {
-    return /** @type {Synthesizer} */ (/** @type {any} */ (this).synthesizer);
+    return synthesizerOf(this);
   }
 
   /** Where rendering has come to, in milliseconds of score time. */
@@ -488,10 +465,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
    * @param {boolean} isSeek
    */
   #report(scoreMs, isSeek) {
-    /** @type {{ updateTimePosition: (time: number, isSeek: boolean) => void }} */ (/** @type {unknown} */ (this)).updateTimePosition(
-      scoreMs / this.#sequencer.playbackSpeed,
-      isSeek,
-    );
+    reportTime(this, scoreMs / this.#sequencer.playbackSpeed, isSeek);
   }
 
   /** @param {SampleOutput} output */

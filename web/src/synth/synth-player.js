@@ -1,13 +1,12 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
+import { workerPlayerClass } from "../alphatab/internals/alphatab-internals.js";
 import { Emitter } from "../shared/emitter.js";
 import { WorkerWatch } from "../shared/worker-watch.js";
 import { AudioOutput } from "./audio-output.js";
 
 /**
  * The page's side of the synthesizer: starts its worker, and joins it to the audio output.
- *
- * @typedef {import("@coderline/alphatab").synth.IAlphaSynth} Player
  */
 
 /** How long the synthesizer may take for one thing: to read all its sounds is the longest. */
@@ -75,14 +74,6 @@ class SynthOutput {
   }
 }
 
-/**
- * alphaTab's player for synthesizers that run in a worker, joined to ours. alphaTab exports its class without
- * declaring it.
- */
-const WorkerPlayer = /** @type {new (output: unknown, settings: unknown, worker: unknown) => Player} */ (
-  /** @type {any} */ (alphaTab.synth).AlphaSynthWebWorkerApi
-);
-
 /** @type {Worker | null} for the next synthesizer */
 let spare = null;
 
@@ -119,7 +110,7 @@ export class SynthPlayer {
       },
       postMessage: watched(toPage.port1, watch),
     });
-    this.player = new WorkerPlayer(new SynthOutput(audioOutput, toAudioThread.port1), settings, this.#worker);
+    this.player = new (workerPlayerClass())(new SynthOutput(audioOutput, toAudioThread.port1), settings, this.#worker);
     this.#worker.start();
     this.player.stateChanged.on(({ state }) => (this.#playing = state === alphaTab.synth.PlayerState.Playing));
   }

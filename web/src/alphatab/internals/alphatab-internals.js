@@ -1,0 +1,204 @@
+// @ts-check
+import { alphaTab } from "../../shared/alphatab.js";
+
+/**
+ * Everything of alphaTab that the page uses or replaces without finding it in alphaTab's declarations. No other module
+ * reaches behind them. `missingInternals()` says by name what is gone after an upgrade.
+ *
+ * @typedef {import("@coderline/alphatab").rendering.IScoreRenderer} IScoreRenderer
+ * @typedef {import("@coderline/alphatab").synth.IAlphaSynth} Player
+ *
+ * @typedef {object} Sequencer times are real milliseconds at the speed of playing
+ * @property {number} currentTime up to where events were handed to the synthesizer
+ * @property {number} currentEndTime
+ * @property {number} playbackSpeed
+ * @property {import("@coderline/alphatab").synth.PlaybackRange | null} mainPlaybackRange
+ * @property {(tick: number) => number} mainTickPositionToTimePosition
+ * @property {(time: number) => void} mainSeek
+ * @property {() => void} fillMidiEventQueue hands over the events of the next 64 samples
+ *
+ * @typedef {object} SynthEvent
+ * @property {number} time milliseconds of score time
+ * @property {{ type: number }} [event]
+ *
+ * @typedef {{ samples: Int16Array, loKey: number, hiKey: number }} Region
+ * @typedef {{ presetNumber: number, bank: number, name: string, regions: Region[] }} Preset
+ *
+ * @typedef {object} Bank what alphaTab parses a SoundFont into; named here is what the page reads or replaces of it
+ * @property {Uint8Array} sampleData
+ * @property {(start: number, end: number) => Int16Array} decodeSamples from the first byte to the one after the last
+ *
+ * @typedef {object} PresetMaker
+ * @property {Preset[] | null} presets
+ * @property {(bank: Bank, programs: Set<number>, percussionKeys: Set<number>, append: boolean) => void} loadPresets
+ *
+ * @typedef {object} SoundMaker
+ * @property {number} activeVoiceCount
+ * @property {(buffer: Float32Array, at: number, frames: number) => void} synthesize adds to what is in the buffer
+ * @property {(frames: number) => void} synthesizeSilent ends all voices
+ * @property {(immediate: boolean) => void} noteOffAll
+ * @property {(event: SynthEvent) => void} dispatchEvent takes effect with the next samples
+ * @property {(channel: number, key: number, velocity: number) => void} channelNoteOn
+ * @property {(channel: number, bank: number, program: number) => void} channelSetBankPreset
+ *
+ * @typedef {PresetMaker & SoundMaker} Synthesizer
+ *
+ * @typedef {{ effect: { notationElement: number } }} EffectBand
+ */
+
+/** Members of alphaTab's objects, by the object. */
+const members = {
+  AlphaSynth: ["sequencer", "synthesizer", "updateTimePosition", "updatePlaybackSpeed"],
+  "AlphaSynth.sequencer": [
+    "currentTime",
+    "currentEndTime",
+    "playbackSpeed",
+    "mainPlaybackRange",
+    "mainTickPositionToTimePosition",
+    "mainSeek",
+    "fillMidiEventQueue",
+  ],
+  "AlphaSynth.synthesizer": [
+    "presets",
+    "loadPresets",
+    "activeVoiceCount",
+    "synthesize",
+    "synthesizeSilent",
+    "noteOffAll",
+    "dispatchEvent",
+    "channelNoteOn",
+    "channelSetBankPreset",
+  ],
+  "alphaTab.synth": ["AlphaSynthWebWorkerApi"],
+  "alphaTab.platform": ["FontSizes"],
+  "alphaTab.platform.FontSizes": ["fontSizeLookupTables"],
+  "alphaTab.Environment": ["defaultRenderers"],
+};
+
+/** Commands and reports between alphaTab's player and its synthesizer, each behind "alphaSynth.". */
+const messages = [
+  ...["initialize", "destroy", "play", "pause", "playPause", "stop", "loadMidi", "loadSoundFontBytes", "resetSoundFonts"],
+  ...["setLogLevel", "setMasterVolume", "setMetronomeVolume", "setPlaybackSpeed", "setTickPosition", "setTimePosition"],
+  ...["setPlaybackRange", "setIsLooping", "setChannelMute", "setChannelSolo", "setChannelVolume", "resetChannelStates"],
+  ...["setChannelTranspositionPitch", "applyTranspositionPitches", "positionChanged", "playerStateChanged", "ready"],
+  ...["soundFontLoaded", "soundFontLoadFailed", "midiLoaded", "midiLoadFailed", "readyForPlayback"],
+  ...["playbackRangeChanged", "output.play", "output.pause", "output.destroy", "destroyed"],
+];
+
+/** What stands in alphaTab's source: names of workers, elements and events, and members of objects it makes late. */
+const texts = {
+  'the worker "alphaTab Renderer"': /"alphaTab Renderer"/,
+  "the class at-surface": /at-surface/,
+  "the class at-cursor-bar": /at-cursor-bar/,
+  "the class at-cursor-beat": /at-cursor-beat/,
+  "the class at-highlight": /at-highlight/,
+  "the event midiFileLoaded": /"midiFileLoaded"/,
+  "AlphaTabApi.renderer.instance": /\bset instance\(/,
+  "uiFacade.beginInvoke": /\bbeginInvoke\(/,
+  "uiFacade.createWorkerPlayer": /\bcreateWorkerPlayer\(/,
+  "uiFacade.createCursors": /\bcreateCursors\(/,
+  "uiFacade.destroyCursors": /\bdestroyCursors\(/,
+  "a bank's sampleData": /\.sampleData\b/,
+  "a bank's decodeSamples": /\.decodeSamples\b/,
+  "an effect's canShareBand": /\bcanShareBand\b/,
+};
+
+/**
+ * @param {object} synth an AlphaSynth
+ * @param {string} source of alphaTab
+ * @returns {string[]} what of all this alphaTab does not have, by name
+ */
+export function missingInternals(synth, source) {
+  /** @type {Record<string, any>} */
+  const roots = { alphaTab, AlphaSynth: synth };
+  const missing = Object.entries(members).flatMap(([path, names]) => {
+    const owner = path.split(".").reduce((object, name) => object?.[name], /** @type {any} */ (roots));
+    return names.filter((name) => typeof owner !== "object" && typeof owner !== "function" || !(name in owner))
+      .map((name) => `${path}.${name}`);
+  });
+  missing.push(...messages.map((name) => `alphaSynth.${name}`).filter((text) => !source.includes(`"${text}"`)));
+  missing.push(...Object.entries(texts).flatMap(([name, pattern]) => (pattern.test(source) ? [] : [name])));
+  if (scoreWalks().length !== 1) {
+    missing.push("MidiFileGenerator: one static method with six parameters");
+  }
+  return missing;
+}
+
+/**
+ * @param {object} synth an AlphaSynth
+ * @returns {Sequencer}
+ */
+export function sequencerOf(synth) {
+  return /** @type {{ sequencer: Sequencer }} */ (synth).sequencer;
+}
+
+/**
+ * @param {object} synth an AlphaSynth
+ * @returns {Synthesizer}
+ */
+export function synthesizerOf(synth) {
+  return /** @type {{ synthesizer: Synthesizer }} */ (synth).synthesizer;
+}
+
+/**
+ * Has an AlphaSynth report a position.
+ *
+ * @param {object} synth
+ * @param {number} time real milliseconds at the speed of playing
+ * @param {boolean} isSeek
+ */
+export function reportTime(synth, time, isSeek) {
+  const base = /** @type {{ updateTimePosition: (time: number, isSeek: boolean) => void }} */ (synth);
+  base.updateTimePosition(time, isSeek);
+}
+
+/** alphaTab's player for synthesizers that run in a worker. */
+export function workerPlayerClass() {
+  const { AlphaSynthWebWorkerApi } = /** @type {any} */ (alphaTab.synth);
+  return /** @type {new (output: unknown, settings: unknown, worker: unknown) => Player} */ (AlphaSynthWebWorkerApi);
+}
+
+/**
+ * Gives alphaTab's object another renderer.
+ *
+ * @param {{ renderer: IScoreRenderer }} api
+ * @param {IScoreRenderer} renderer
+ */
+export function setRenderer(api, renderer) {
+  const wrapper = /** @type {{ instance: IScoreRenderer }} */ (/** @type {unknown} */ (api.renderer));
+  wrapper.instance = renderer;
+}
+
+/** How wide letters are, by the family of the font. */
+export function letterWidths() {
+  const { FontSizes } = /** @type {any} */ (alphaTab.platform);
+  return /** @type {Map<string, unknown>} */ (FontSizes.fontSizeLookupTables);
+}
+
+/** @returns {EffectBand[]} what may lie above the staves */
+export function effectBands() {
+  const { defaultRenderers } = /** @type {any} */ (alphaTab.Environment);
+  return defaultRenderers.flatMap((/** @type {{ effectBands: EffectBand[] }} */ { effectBands: bands }) => bands);
+}
+
+/** The names of the static method that walks through a score: it is undeclared, and named otherwise in each build. */
+function scoreWalks() {
+  const statics = /** @type {Record<string, unknown>} */ (/** @type {unknown} */ (alphaTab.midi.MidiFileGenerator));
+  return Object.getOwnPropertyNames(statics).filter((name) => {
+    const member = statics[name];
+    return typeof member === "function" && member.length === 6;
+  });
+}
+
+/**
+ * Replaces alphaTab's walk through a score, from which notes, ticks and sync points come.
+ *
+ * @param {Function} walk of six parameters
+ */
+export function replaceScoreWalk(walk) {
+  const names = scoreWalks();
+  if (names.length !== 1) {
+    throw new Error("alphaTab's walk through a score is not where it was.");
+  }
+  /** @type {Record<string, unknown>} */ (/** @type {unknown} */ (alphaTab.midi.MidiFileGenerator))[names[0]] = walk;
+}

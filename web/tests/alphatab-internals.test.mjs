@@ -1,0 +1,36 @@
+import assert from "node:assert/strict";
+import { readFileSync, readdirSync } from "node:fs";
+import { test } from "node:test";
+import { sampleRate } from "./support/played-score.mjs";
+
+const { missingInternals } = await import("../src/alphatab/internals/alphatab-internals.js");
+const { alphaTab } = globalThis;
+const source = readFileSync(process.env.QUAVERLY_ALPHATAB, "utf8");
+const sources = new URL("../src/", import.meta.url);
+
+function synth() {
+  const never = { on: () => () => {} };
+  const output = { sampleRate, ready: never, samplesPlayed: never, sampleRequest: never, open() {}, activate() {}, destroy() {} };
+  return new alphaTab.synth.AlphaSynth(output, 0);
+}
+
+test("alphaTab has everything undeclared that the page uses", () => {
+  assert.deepEqual(missingInternals(synth(), source), []);
+});
+
+test("what is gone is named", () => {
+  const without = synth();
+  without.sequencer = new Proxy(without.sequencer, { has: (target, name) => name !== "mainSeek" && name in target });
+  assert.deepEqual(missingInternals(without, source), ["AlphaSynth.sequencer.mainSeek"]);
+  without.sequencer = undefined;
+  assert.ok(missingInternals(without, source).includes("AlphaSynth.sequencer.currentTime"));
+  const changed = source.replaceAll('"alphaSynth.stop"', '"alphaSynth.halt"').replaceAll("at-surface", "at-canvas");
+  assert.deepEqual(missingInternals(synth(), changed), ["alphaSynth.stop", "the class at-surface"]);
+});
+
+test("no other module reaches behind alphaTab's declarations", () => {
+  const cast = /@type \{(?:any|unknown|Record<[^}]*>)\} \*\/ \((?:alphaTab\b|this[.)])/;
+  const found = readdirSync(sources, { recursive: true })
+    .filter((path) => path.endsWith(".js") && !path.includes("internals") && cast.test(readFileSync(new URL(path, sources), "utf8")));
+  assert.deepEqual(found, []);
+});
