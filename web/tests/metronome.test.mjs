@@ -1,0 +1,69 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { PlayedScore, scoreOf } from "./support/played-score.mjs";
+
+const { clickKey } = await import("../src/clicks/click-bank.js");
+const bar = "c4.4 d4.4 e4.4 f4.4 |";
+
+/** The metronome of a score, and what its channels are set to: bars, beats, halves, quarters, and two of the count-in. */
+function metronome(configuration = {}) {
+  const played = new PlayedScore(scoreOf(`${bar} ${bar}`));
+  const set = { Mute: new Map(), Solo: new Map(), Volume: new Map(), TranspositionPitch: new Map() };
+  played.api.player = Object.fromEntries(
+    Object.entries(set).map(([name, values]) => [`setChannel${name}`, (channel, value) => values.set(channel, value)]),
+  );
+  played.metronome.configure({ volume: 0.5, sound: "beep", accent: true, mode: "half", ...configuration });
+  const values = (name) => [...set[name].entries()].sort(([one], [other]) => one - other).map(([, value]) => value);
+  return { played, metronome: played.metronome, values };
+}
+
+test("without the metronome only the count-in sounds", () => {
+  const { metronome: own, values } = metronome();
+  own.turn(false);
+  assert.deepEqual(values("Mute"), [true, true, true, true, false, false]);
+});
+
+test("with it the levels of the mode sound, and no finer ones", () => {
+  for (const [mode, muted] of Object.entries({ bar: [1, 2, 3], beat: [2, 3], half: [3], quarter: [] })) {
+    const { metronome: own, values } = metronome({ mode });
+    own.turn(true);
+    assert.deepEqual(values("Mute").flatMap((mute, level) => (mute ? [level] : [])), muted, mode);
+  }
+});
+
+test("the accent is on the first beat of bars and of the count-in, where it is wanted", () => {
+  for (const accent of [true, false]) {
+    const { metronome: own, values } = metronome({ accent });
+    own.turn(true);
+    const [plain, accented] = [clickKey("beep", false), clickKey("beep", accent)].map((key) => key - clickKey("woodblock", false));
+    assert.deepEqual(values("TranspositionPitch"), [accented, plain, plain, plain, accented, plain]);
+  }
+});
+
+test("all of its channels have its volume, and a soloed track does not silence it", () => {
+  const { metronome: own, values } = metronome();
+  own.setBesideSolo(true);
+  assert.deepEqual(values("Volume"), Array(6).fill(0.5));
+  assert.deepEqual(values("Solo"), Array(6).fill(true));
+  own.setBesideSolo(false);
+  assert.deepEqual(values("Solo"), Array(6).fill(false));
+});
+
+test("a backing track's player mixes the clicks in itself", () => {
+  const { played, metronome: own } = metronome({ mode: "beat" });
+  const ticking = [];
+  played.api.playsBackingTrack = true;
+  played.api.backingTrackPlayer.setTicking = (value) => ticking.push(value);
+  own.turn(true);
+  own.turn(false);
+  assert.deepEqual(ticking, [
+    { levels: 2, sound: "beep", accent: true, volume: 0.5 },
+    { levels: 0, sound: "beep", accent: true, volume: 0.5 },
+  ]);
+});
+
+test("before a score there is nothing to set, and nothing to count", () => {
+  const { played } = metronome();
+  const { tick, beats, beatLength } = { tick: 0, ...played.metronome.countInAt(0) };
+  assert.deepEqual([tick, beats, Math.round(beatLength)], [0, 4, 500]);
+});

@@ -1,0 +1,99 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { Signal } from "./support/signal.mjs";
+import { alphaTab } from "./support/played-score.mjs";
+import { bytesOf, document as musicXml, note, attributes } from "./support/musicxml-maker.mjs";
+
+// The render worker is ready at once.
+globalThis.Worker = class {
+  addEventListener(type, receive) {
+    if (type === "message") {
+      queueMicrotask(receive);
+    }
+  }
+};
+globalThis.OfflineAudioContext = class {
+  decodeAudioData = async () => ({});
+};
+const { ScoreSession } = await import("../src/session/score-session.js");
+
+const file = (title) => bytesOf(musicXml([attributes() + note("C4", 4)], { head: "" }).replace("<part-list>", `<work><work-title>${title}</work-title></work><part-list>`));
+const unreadable = Uint8Array.of(1, 2, 3);
+
+function session() {
+  const log = [];
+  const messages = [];
+  const leaving = (name) => ({ leaveScore: () => log.push(`${name} leaves`) });
+  const settings = new alphaTab.Settings();
+  const api = {
+    settings, score: null, scorePrepared: new Signal(), backingTrack: null, otherPlayer: false,
+    workerRenderer: { batchShown: new Signal(), read: () => 1, recognize: () => {} },
+    choosePlayer: (mode) => { log.push(`player ${alphaTab.PlayerMode[mode]}`); return api.otherPlayer; },
+    updateSettings: () => log.push("player changes"),
+  };
+  const playback = { ...leaving("playback"), handOver: () => log.push("playback hands over"), announceLength: () => {}, repeatPosition: () => log.push("position again") };
+  const scoreView = { ...leaving("view"), showPage: () => {}, scrollToTop: () => log.push("top"), show: (score) => { api.score = score; log.push(`shows ${score.title}`); } };
+  const notice = { beginOpening: async () => {}, continueOpening: () => {}, endOpening: () => {}, tellProblem: () => {} };
+  const own = new ScoreSession({ api, playback, mixer: leaving("mixer"), pointerInput: leaving("pointer"), scoreView, notice, post: (message) => messages.push(message) });
+  return { own, api, log, messages, notice, types: () => messages.map(({ type }) => type) };
+}
+
+test("another score replaces range, position and mix of the one before, and then is shown from its top", async () => {
+  const { own, log, messages } = session();
+  await own.open(file("First"));
+  assert.deepEqual(log, ["view leaves", "pointer leaves", "playback leaves", "mixer leaves", "player EnabledSynthesizer", "top", "shows First"]);
+  const [{ type, title, tracks, hasBackingTrack }] = messages;
+  assert.deepEqual({ type, title, tracks, hasBackingTrack }, { type: "score", title: "First", tracks: [{ index: 0, name: "Part 0" }], hasBackingTrack: false });
+});
+
+test("a file that cannot be read leaves everything as it is, and says why", async () => {
+  const { own, log, types } = session();
+  await own.open(file("First"));
+  const before = [...log];
+  await own.open(unreadable);
+  await own.open(null);
+  assert.deepEqual(log, before);
+  assert.deepEqual(types(), ["score", "error", "error"]);
+});
+
+test("of files in quick succession the last that can be read stays, however long each takes", async () => {
+  const { own, api, log, notice } = session();
+  /** @type {() => void} */
+  let goOn = () => {};
+  notice.beginOpening = () => new Promise((resolve) => (goOn = resolve));
+  const first = own.open(file("First"));
+  await new Promise((resolve) => setTimeout(resolve));
+  notice.beginOpening = async () => {};
+  await Promise.all([own.open(file("Second")), own.open(unreadable)]);
+  goOn();
+  await first;
+  assert.equal(api.score.title, "Second");
+  assert.deepEqual(log.filter((entry) => entry.startsWith("shows")), ["shows Second"]);
+});
+
+test("a backing track plays unless the synthesizer is preferred, and changing that hands the playback over", async () => {
+  const { own, api, log } = session();
+  await own.open(file("First"));
+  own.preferSynthesizer(true);
+  assert.equal(log.includes("playback hands over"), false);
+  api.otherPlayer = true;
+  own.preferSynthesizer(false);
+  assert.deepEqual(log.slice(-2), ["playback hands over", "player changes"]);
+});
+
+test("a backing track is given up only where the score has one", async () => {
+  const { own, types } = session();
+  own.giveUpBackingTrack();
+  await own.open(file("First"));
+  own.giveUpBackingTrack();
+  assert.deepEqual(types(), ["score"]);
+});
+
+test("without a score there is nothing to export; with one its bytes are posted", async () => {
+  const { own, messages } = session();
+  own.exportGuitarPro(() => "");
+  assert.equal(messages.at(-1).type, "error");
+  await own.open(file("First"));
+  own.exportGuitarPro((bytes) => `${bytes.length > 1000}`);
+  assert.deepEqual(messages.at(-1), { type: "gpData", data: "true", title: "First" });
+});
