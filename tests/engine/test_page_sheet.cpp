@@ -78,6 +78,23 @@ private Q_SLOTS:
         QVERIFY(m_session->waitFor([&] { return ranges() == 0 && tinted(); }));
     }
 
+    void aNameBesideABraceIsNotCutOff()
+    {
+        const QByteArray twoStaves = EngineScores::musicXml({ .parts = { u"Piano"_s, u"Voice"_s } })
+                                         .replace("</time></attributes>", "</time><staves>2</staves></attributes>");
+        QVERIFY(m_session->open(twoStaves));
+        redraw(BridgeCalls::setZoom(2.0));
+        // What is cut off is not hit either.
+        const QString hit
+            = m_session
+                  ->valueOf(u"(() => { const name = [...document.querySelectorAll('#notation text')]"
+                            ".find(({ textContent }) => textContent === 'Piano').getBoundingClientRect();"
+                            "const hit = document.elementFromPoint(name.left + 1, name.top + name.height / 2);"
+                            "return hit?.closest('.at-surface') ? 'name' : hit?.id ?? 'nothing'; })()"_s)
+                  .toString();
+        QCOMPARE(hit, u"name"_s);
+    }
+
     void theCopyrightStandsBelowEverythingElse()
     {
         const QByteArray score
