@@ -133,7 +133,7 @@ class Driver:
             self.sound.start()
 
     actions = {open_score: 8, open_sheet: 2, convert: 1, play_or_pause: 12, stop: 2, seek: 10, switch: 8, slide: 8, mix: 12,
-               resize: 6, wait_a_little: 16, kill_the_page: 1, kill_the_audio_service: 1, stop_the_sound_server: 1}
+               resize: 6, wait_a_little: 16, kill_the_page: 1, kill_the_audio_service: 1, stop_the_sound_server: 3}
 
     def drive(self, seconds):
         end = time.monotonic() + seconds

@@ -110,6 +110,8 @@ bool setThePage(const Scene &scene, AlphaTabController &controller)
         const double start = 0.1 * controller.endTime;
         if (!waitFor([&] { return controller.isPlaying && controller.currentTime > start + 500; }))
             return false;
+        // The machine may have no audio output, which the page says.
+        controller.js(u"document.getElementById('notice').hidden = true"_s);
     }
     if (scene.page == Scene::Page::Notice) {
         controller.load(scoreOf(scene));
