@@ -149,8 +149,6 @@ private:
     void apply(const BridgeMessages::Error &error);
     void apply(const BridgeMessages::GpData &answer);
     void apply(const BridgeMessages::Rendered &);
-    void apply(const BridgeMessages::AudioOutput &output);
-    void apply(const BridgeMessages::SynthLost &);
     void apply(const BridgeMessages::Unknown &);
 
     void pushMetronomeConfig();

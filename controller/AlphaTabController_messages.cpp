@@ -88,18 +88,4 @@ void AlphaTabController::apply(const BridgeMessages::GpData &answer)
 
 void AlphaTabController::apply(const BridgeMessages::Rendered &) { snapshotIfSmoke(); }
 
-void AlphaTabController::apply(const BridgeMessages::AudioOutput &output)
-{
-    m_surroundings.log(
-        output.working ? u"[Quaverly] the audio output works again"_s : u"[Quaverly] there is no audio output"_s);
-    m_engine->setAudioLost(!output.working);
-}
-
-/// A page without its synthesizer would show a score that no button can play: it is ended, and can be started again.
-void AlphaTabController::apply(const BridgeMessages::SynthLost &)
-{
-    m_surroundings.log(u"[Quaverly] the synthesizer does not answer"_s);
-    m_engine->endPage();
-}
-
 void AlphaTabController::apply(const BridgeMessages::Unknown &) { }

@@ -26,9 +26,6 @@ public:
     /// Ends the process of the page, whatever it is doing; nothing happens where it has none. That it has ended is made
     /// known like any other end of it.
     virtual void endPage() = 0;
-    /// The page has lost its audio output, or has it back. While it is lost, the host sees to it that a sound server
-    /// that comes back is connected to anew.
-    virtual void setAudioLost(bool lost) = 0;
     /// Takes a picture of the page's visible content; a null image when there is none.
     virtual void snapshot(std::function<void(const QImage &)> arrived) = 0;
     /// The one web view, owned by this host; null where there is none (tests).

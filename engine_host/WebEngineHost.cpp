@@ -2,6 +2,7 @@
 
 #include "engine_host/EnginePage.h"
 #include "engine_host/EngineView.h"
+#include "engine_host/bridge/PageReports.h"
 #include "engine_host/bridge/ScriptEvaluation.h"
 #include "engine_host/bridge/ScriptHandler.h"
 #include "engine_host/process/AudioRecovery.h"
@@ -55,6 +56,7 @@ void WebEngineHost::prepare()
 WebEngineHost::WebEngineHost(ScriptHandler &scriptHandler, const std::optional<QString> &webFolder)
     : m_interceptor(std::make_unique<RequestInterceptor>())
     , m_profile(std::make_unique<QWebEngineProfile>()) // without a name: off the record
+    , m_reports(std::make_unique<PageReports>())
     , m_channel(std::make_unique<QWebChannel>())
     , m_audioThreadPriority(std::make_unique<AudioThreadPriority>(QCoreApplication::applicationPid()))
     , m_audioRecovery(std::make_unique<AudioRecovery>(audioDependencies(), AudioRecovery::Times()))
@@ -65,6 +67,7 @@ WebEngineHost::WebEngineHost(ScriptHandler &scriptHandler, const std::optional<Q
     connect(m_profile.get(), &QWebEngineProfile::downloadRequested, this,
         [](QWebEngineDownloadRequest *download) { download->cancel(); });
     m_channel->registerObject(ScriptHandler::name(), &scriptHandler);
+    m_channel->registerObject(PageReports::name(), m_reports.get());
     if (webFolder) {
         m_schemeHandler = std::make_unique<WebSchemeHandler>(*webFolder);
         m_profile->installUrlSchemeHandler(WebSchemeHandler::scheme(), m_schemeHandler.get());
@@ -74,6 +77,7 @@ WebEngineHost::WebEngineHost(ScriptHandler &scriptHandler, const std::optional<Q
     m_page = std::make_unique<EnginePage>(m_profile.get(), nullptr);
     configurePage();
     watchPage();
+    takeReports();
     m_view->setPage(m_page.get());
     connect(qApp, &QCoreApplication::aboutToQuit, this, &WebEngineHost::shutDown);
 }
@@ -161,6 +165,20 @@ void WebEngineHost::watchPage()
     connect(
         m_watch.get(), &PageWatch::answersAgain, this, [this] { m_scriptHandler.pageHealthChanged(PageHealth::Well); });
     connect(m_watch.get(), &PageWatch::questionDue, this, [this] { evaluate(u"0"_s, [](const auto &) { }); });
+}
+
+void WebEngineHost::takeReports()
+{
+    connect(m_reports.get(), &PageReports::audioOutputChanged, this, [this](bool working) {
+        SystemLog::write(
+            working ? u"[Quaverly] the audio output works again"_s : u"[Quaverly] there is no audio output"_s);
+        setAudioLost(!working);
+    });
+    // A page without its synthesizer would show a score that no button can play.
+    connect(m_reports.get(), &PageReports::synthLost, this, [this] {
+        SystemLog::write(u"[Quaverly] the synthesizer does not answer"_s);
+        endPage();
+    });
 }
 
 void WebEngineHost::endPage()

@@ -6,15 +6,16 @@
 
 #include <memory>
 
+class AudioRecovery;
+class AudioThreadPriority;
 class EnginePage;
 class EngineView;
+class PageReports;
 class PageWatch;
 class QWebChannel;
 class QWebEngineProfile;
 class RequestInterceptor;
 class ScriptHandler;
-class AudioRecovery;
-class AudioThreadPriority;
 class WebSchemeHandler;
 
 /// The real web view: Qt WebEngine with the message channel, the resource scheme and all its doors shut.
@@ -34,7 +35,6 @@ public:
     void evaluate(const QString &script, Completion completion) override;
     void load(const QUrl &url) override;
     void endPage() override;
-    void setAudioLost(bool lost) override;
     void snapshot(std::function<void(const QImage &)> arrived) override;
     QWidget *view() const override;
 
@@ -46,12 +46,15 @@ public:
 private:
     void configurePage();
     void watchPage();
+    void takeReports();
+    void setAudioLost(bool lost);
     void shutDown();
 
     // The order of members is the order of dismantling, backwards: view and page go before the profile they use.
     std::unique_ptr<WebSchemeHandler> m_schemeHandler;
     std::unique_ptr<RequestInterceptor> m_interceptor;
     std::unique_ptr<QWebEngineProfile> m_profile;
+    std::unique_ptr<PageReports> m_reports;
     std::unique_ptr<QWebChannel> m_channel;
     std::unique_ptr<EngineView> m_view;
     std::unique_ptr<AudioThreadPriority> m_audioThreadPriority;

@@ -124,10 +124,6 @@ std::optional<Message> parse(const QVariantMap &message)
         return GpData{ textOf(message, u"data"_s), textOf(message, u"title"_s) };
     if (type == "rendered"_L1)
         return Rendered{};
-    if (type == "audioOutput"_L1)
-        return AudioOutput{ booleanOf(message, u"working"_s) };
-    if (type == "synthLost"_L1)
-        return SynthLost{};
     return Unknown{};
 }
 

@@ -7,7 +7,7 @@
 #include <optional>
 #include <variant>
 
-/// Everything the page ever says to the program: ten messages, told apart by their "type".
+/// Everything the page ever says to the program: eight messages, told apart by their "type".
 ///
 /// A field that is missing or of the wrong kind takes the value that the member's initialiser shows; it never spoils
 /// the rest of its message. Times are milliseconds of score time.
@@ -56,19 +56,10 @@ struct GpData {
 /// A rendering is finished.
 struct Rendered { };
 
-/// The page has no audio output any more, so that its playback stands still, or has one again.
-struct AudioOutput {
-    bool working = false;
-};
-
-/// The synthesizer does not answer the page any more, which cannot bring it back.
-struct SynthLost { };
-
 /// A well-formed message whose type this program does not know.
 struct Unknown { };
 
-using Message = std::variant<Unknown, Ready, PlayerReady, Score, State, Position, Error, GpData, Rendered, AudioOutput,
-    SynthLost>;
+using Message = std::variant<Unknown, Ready, PlayerReady, Score, State, Position, Error, GpData, Rendered>;
 
 /// Reads one page message; nothing when it has no text under "type". Types are compared case-sensitively.
 std::optional<Message> parse(const QVariantMap &message);

@@ -58,26 +58,6 @@ private Q_SLOTS:
         QCOMPARE(world.engine->take(), QStringList{ u"window.qv.playPause()"_s });
     }
 
-    void aLostAudioOutputIsLoggedAndLookedAfter()
-    {
-        TestSurroundings world;
-        AlphaTabController c(world.make());
-        c.handle({ { u"type"_s, u"audioOutput"_s }, { u"working"_s, false } });
-        c.handle({ { u"type"_s, u"audioOutput"_s }, { u"working"_s, true } });
-        QCOMPARE(world.engine->audioLost, (QList<bool>{ true, false }));
-        QCOMPARE(*world.log,
-            (QStringList{ u"[Quaverly] there is no audio output"_s, u"[Quaverly] the audio output works again"_s }));
-    }
-
-    void aPageWithoutItsSynthesizerIsEnded()
-    {
-        TestSurroundings world;
-        AlphaTabController c(world.make());
-        c.handle({ { u"type"_s, u"synthLost"_s } });
-        QCOMPARE(world.engine->ends, 1);
-        QCOMPARE(*world.log, QStringList{ u"[Quaverly] the synthesizer does not answer"_s });
-    }
-
     void playerReady()
     {
         TestSurroundings world;

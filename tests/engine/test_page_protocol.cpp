@@ -68,7 +68,7 @@ private Q_SLOTS:
             types = m_session->valueOf(u"globalThis.types"_s).toStringList();
             return !types.isEmpty();
         }));
-        QCOMPARE(types.size(), 10);
+        QCOMPARE(types.size(), 8);
         for (const QString &type : types) {
             const auto message = BridgeMessages::parse({ { u"type"_s, type } });
             QVERIFY2(message && !std::holds_alternative<BridgeMessages::Unknown>(*message), qPrintable(type));

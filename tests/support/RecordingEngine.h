@@ -19,8 +19,6 @@ struct EngineRecord {
     int snapshots = 0;
     /// How often the page's process was to be ended.
     int ends = 0;
-    /// What it was told of the page's audio output.
-    QList<bool> audioLost;
     /// What a snapshot gives.
     QImage picture;
     /// What every evaluation fails with, if anything.
@@ -49,8 +47,6 @@ public:
     void load(const QUrl &url) override { m_record->loads << url; }
 
     void endPage() override { ++m_record->ends; }
-
-    void setAudioLost(bool lost) override { m_record->audioLost << lost; }
 
     void snapshot(std::function<void(const QImage &)> arrived) override
     {

@@ -39,7 +39,7 @@ function element(id) {
 }
 
 playInOrder((score) => scoreOrder(score).bars);
-const post = connect();
+const { post, host } = connect();
 const scorePage = element("score-page");
 const viewport = element("viewport");
 const api = new PageApi(element("notation"), new Viewport(viewport, element("notation")));
@@ -65,9 +65,9 @@ new SoundBank(api, post);
 new IdleCollection(api, playback, document);
 
 // Nothing but a page that is loaded anew brings it back.
-SynthPlayer.lost.on(() => post({ type: "synthLost" }));
+SynthPlayer.lost.on(() => host.reportSynthLost());
 outputStatus.changed.on((working) => {
-  post({ type: "audioOutput", working });
+  host.reportAudioOutput(working);
   notice.keep(working ? null : outputStatus.hadDevice ? lostOutput : noOutput);
 });
 

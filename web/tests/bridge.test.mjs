@@ -11,21 +11,26 @@ function heldChannel() {
     QWebChannel: class {
       constructor(transport, ready) {
         assert.equal(transport, scope.qt.webChannelTransport);
-        open = () => ready({ objects: { qv: { postMessage: (message) => received.push(message) } } });
+        const qv = { postMessage: (message) => received.push(message) };
+        const host = {
+          reportAudioOutput: (working) => received.push({ working }),
+          reportSynthLost: () => received.push("synth lost"),
+        };
+        open = () => ready({ objects: { qv, host } });
       }
     },
   };
   return { scope, received, open: () => open() };
 }
 
-test("there are twenty calls and ten messages, each once", () => {
+test("there are twenty calls and eight messages, each once", () => {
   assert.equal(new Set(callNames).size, 20);
-  assert.equal(new Set(messageTypes).size, 10);
+  assert.equal(new Set(messageTypes).size, 8);
 });
 
 test("messages posted before the channel stands arrive in order", () => {
   const { scope, received, open } = heldChannel();
-  const post = connect(scope);
+  const { post } = connect(scope);
   post({ type: "ready" });
   post({ type: "state", playing: true });
   assert.deepEqual(received, []);
@@ -34,9 +39,19 @@ test("messages posted before the channel stands arrive in order", () => {
   assert.deepEqual(received.map((message) => message.type), ["ready", "state", "rendered"]);
 });
 
+test("what the page reports to its host arrives like a message, and is none", () => {
+  const { scope, received, open } = heldChannel();
+  const { host } = connect(scope);
+  host.reportAudioOutput(false);
+  open();
+  host.reportAudioOutput(true);
+  host.reportSynthLost();
+  assert.deepEqual(received, [{ working: false }, { working: true }, "synth lost"]);
+});
+
 test("no time leaves the page that cannot be shown", () => {
   const { scope, received, open } = heldChannel();
-  const post = connect(scope);
+  const { post } = connect(scope);
   const longest = Number.MAX_SAFE_INTEGER;
   const cases = [
     [1500, 1500],
@@ -61,7 +76,7 @@ test("no time leaves the page that cannot be shown", () => {
 });
 
 test("without a channel around the page messages go nowhere", () => {
-  assert.doesNotThrow(() => connect({})({ type: "ready" }));
+  assert.doesNotThrow(() => connect({}).post({ type: "ready" }));
 });
 
 test("the calls are reachable and cannot be replaced", () => {

@@ -51,14 +51,6 @@ private Q_SLOTS:
         QVERIFY(parsedAs<Rendered>({ { u"type"_s, u"rendered"_s } }));
     }
 
-    void theAudioOutput()
-    {
-        const auto working = parsedAs<AudioOutput>({ { u"type"_s, u"audioOutput"_s }, { u"working"_s, true } });
-        QVERIFY(working && working->working);
-        const auto lost = parsedAs<AudioOutput>({ { u"type"_s, u"audioOutput"_s } });
-        QVERIFY(lost && !lost->working);
-    }
-
     void scoreFieldsFallBackOneByOne()
     {
         const auto score = parsedAs<Score>({ { u"type"_s, u"score"_s }, { u"title"_s, 7 }, { u"artist"_s, u"A"_s },

@@ -38,11 +38,13 @@
  *   | { type: "position", currentTime: number, endTime: number }
  *   | { type: "error", message: string }
  *   | { type: "gpData", data: string, title: string }
- *   | { type: "rendered" }
- *   | { type: "audioOutput", working: boolean }
- *   | { type: "synthLost" }} Message
+ *   | { type: "rendered" }} Message
  *
  * @typedef {(message: Message) => void} Post
+ *
+ * @typedef {object} Host What the page reports of itself to what is around it; the program's state does not depend on it.
+ * @property {(working: boolean) => void} reportAudioOutput The page has no audio output any more, or has one again.
+ * @property {() => void} reportSynthLost Nothing but a page that is loaded anew has a synthesizer again.
  */
 
 /** @type {readonly (keyof Calls)[]} */
@@ -79,8 +81,6 @@ export const messageTypes = [
   "error",
   "gpData",
   "rendered",
-  "audioOutput",
-  "synthLost",
 ];
 
 /**
@@ -97,31 +97,42 @@ export function expose(calls) {
  * channel around it (a plain browser) they go nowhere.
  *
  * @param {any} [scope] where the channel's two globals are looked up
- * @returns {Post}
+ * @returns {{ post: Post, host: Host }}
  */
 export function connect(scope = globalThis) {
   const transport = scope.qt?.webChannelTransport;
   if (!transport || !scope.QWebChannel) {
-    return () => {};
+    return { post: () => {}, host: { reportAudioOutput: () => {}, reportSynthLost: () => {} } };
   }
-  /** @type {Message[] | null} */
+  /** @typedef {{ qv?: { postMessage: Post }, host?: Host }} Receivers */
+  /** @type {((receivers: Receivers) => void)[] | null} */
   let waiting = [];
-  /** @type {{ postMessage: Post } | undefined} */
-  let receiver;
-  new scope.QWebChannel(transport, (/** @type {any} */ channel) => {
-    receiver = channel.objects.qv;
-    for (const message of waiting ?? []) {
-      receiver?.postMessage(message);
+  /** @type {Receivers} */
+  let receivers = {};
+  new scope.QWebChannel(transport, (/** @type {{ objects: Receivers }} */ channel) => {
+    receivers = channel.objects;
+    for (const send of waiting ?? []) {
+      send(receivers);
     }
     waiting = null;
   });
-  return (message) => {
-    const bounded = message.type === "position" ? boundedPosition(message) : message;
+  /** @param {(receivers: Receivers) => void} send */
+  const deliver = (send) => {
     if (waiting) {
-      waiting.push(bounded);
+      waiting.push(send);
     } else {
-      receiver?.postMessage(bounded);
+      send(receivers);
     }
+  };
+  return {
+    post: (message) => {
+      const bounded = message.type === "position" ? boundedPosition(message) : message;
+      deliver(({ qv }) => qv?.postMessage(bounded));
+    },
+    host: {
+      reportAudioOutput: (working) => deliver(({ host }) => host?.reportAudioOutput(working)),
+      reportSynthLost: () => deliver(({ host }) => host?.reportSynthLost()),
+    },
   };
 }
 
