@@ -52,12 +52,6 @@ public:
     }
 };
 
-QString documentsFolder()
-{
-    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    return QFileInfo(documents).isDir() ? documents : QDir::homePath();
-}
-
 } // namespace
 
 std::optional<QUrl> FileDialogs::chooseFileToOpen(const QStringList &extensions)
@@ -84,6 +78,12 @@ std::optional<QUrl> FileDialogs::chooseFileToSave(const QString &proposedName, c
     if (dialog.exec() != QDialog::Accepted || dialog.selectedUrls().isEmpty())
         return std::nullopt;
     return dialog.selectedUrls().constFirst();
+}
+
+QString FileDialogs::documentsFolder()
+{
+    const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    return QFileInfo(documents).isDir() ? documents : QDir::homePath();
 }
 
 QString FileDialogs::fileNameFor(const QString &name)

@@ -12,6 +12,8 @@ public:
     std::optional<QUrl> chooseFileToOpen(const QStringList &extensions) override;
     std::optional<QUrl> chooseFileToSave(const QString &proposedName, const QString &extension) override;
 
+    /// Where panels begin.
+    static QString documentsFolder();
     /// `name` as a file can be called: no separators, no control characters, of a length that every file system takes.
     /// All else stays as it is, and so does the extension at its end.
     static QString fileNameFor(const QString &name);

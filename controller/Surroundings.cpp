@@ -1,6 +1,7 @@
 #include "controller/Surroundings.h"
 
 #include "controller/FileDialogs.h"
+#include "controller/PortalDialogs.h"
 #include "controller/WindowTitle.h"
 #include "engine_host/WebEngineHost.h"
 #include "engine_host/process/SystemLog.h"
@@ -37,6 +38,8 @@ Surroundings Surroundings::system()
     real.log = &SystemLog::write;
     real.defaults = std::make_unique<DefaultsStore>(DefaultsStore::userFilePath(), real.log);
     real.dialogs = std::make_unique<FileDialogs>();
+    if (PortalDialogs::areWanted())
+        real.dialogs = std::make_unique<PortalDialogs>(QDBusConnection::sessionBus(), std::move(real.dialogs));
     real.environment = QProcessEnvironment::systemEnvironment();
     real.temporaryFolder = u"/tmp"_s;
     real.webFolder = WebFolder::find(QCoreApplication::applicationDirPath());

@@ -1,0 +1,158 @@
+#include "controller/PortalDialogs.h"
+
+#include "controller/FileDialogs.h"
+#include "controller/PortalRequest.h"
+
+#include <QApplication>
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDialog>
+#include <QFile>
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+// What the portal calls a filter, a(sa(us)): each has a name and patterns, and each pattern a kind and a text.
+struct PortalPattern {
+    uint kind = 0;
+    QString text;
+};
+
+struct PortalFilter {
+    QString name;
+    QList<PortalPattern> patterns;
+};
+
+Q_DECLARE_METATYPE(PortalPattern)
+Q_DECLARE_METATYPE(PortalFilter)
+
+QDBusArgument &operator<<(QDBusArgument &argument, const PortalPattern &pattern)
+{
+    argument.beginStructure();
+    argument << pattern.kind << pattern.text;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, PortalPattern &pattern)
+{
+    argument.beginStructure();
+    argument >> pattern.kind >> pattern.text;
+    argument.endStructure();
+    return argument;
+}
+
+QDBusArgument &operator<<(QDBusArgument &argument, const PortalFilter &filter)
+{
+    argument.beginStructure();
+    argument << filter.name << filter.patterns;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, PortalFilter &filter)
+{
+    argument.beginStructure();
+    argument >> filter.name >> filter.patterns;
+    argument.endStructure();
+    return argument;
+}
+
+namespace {
+
+/// In both letter cases, because panels compare literally.
+QVariant filters(const QString &name, const QStringList &extensions)
+{
+    PortalFilter filter{ name, {} };
+    for (const QString &extension : extensions) {
+        for (const QString &ending : { extension, extension.toUpper() })
+            filter.patterns << PortalPattern{ 0, u"*."_s + ending };
+    }
+    return QVariant::fromValue(QList<PortalFilter>{ filter });
+}
+
+/// A path as the portal takes it: bytes with a zero at the end.
+QByteArray pathBytes(const QString &path) { return QFile::encodeName(path) + '\0'; }
+
+/// What the panel lies over. The portal knows windows of X11 by their number.
+QString parentName()
+{
+    const QWidget *window = QApplication::activeWindow();
+    return window && QGuiApplication::platformName() == "xcb"_L1 ? u"x11:"_s + QString::number(window->winId(), 16)
+                                                                 : QString();
+}
+
+/// Takes keys and clicks from the application's windows while a panel of another program is open.
+class Blocker final : public QDialog {
+public:
+    Blocker()
+        : QDialog(QApplication::activeWindow())
+    {
+        setAttribute(Qt::WA_DontShowOnScreen);
+        setWindowModality(Qt::ApplicationModal);
+        show();
+    }
+};
+
+} // namespace
+
+PortalDialogs::PortalDialogs(const QDBusConnection &bus, std::unique_ptr<Dialogs> otherwise)
+    : m_bus(bus)
+    , m_otherwise(std::move(otherwise))
+{
+    qDBusRegisterMetaType<PortalPattern>();
+    qDBusRegisterMetaType<QList<PortalPattern>>();
+    qDBusRegisterMetaType<PortalFilter>();
+    qDBusRegisterMetaType<QList<PortalFilter>>();
+}
+
+PortalDialogs::~PortalDialogs() = default;
+
+bool PortalDialogs::areWanted()
+{
+    // Both are Qt's own variables.
+    return qEnvironmentVariableIsEmpty("QT_QPA_PLATFORMTHEME")
+        && !qEnvironmentVariableIsSet("QT_NO_XDG_DESKTOP_PORTAL");
+}
+
+std::optional<QUrl> PortalDialogs::chooseFileToOpen(const QStringList &extensions)
+{
+    const Answer answer = ask(u"OpenFile"_s, FileDialogs::tr("Open"),
+        { { u"filters"_s, filters(FileDialogs::tr("Scores and sheet music"), extensions) } });
+    return answer.given ? answer.file : m_otherwise->chooseFileToOpen(extensions);
+}
+
+std::optional<QUrl> PortalDialogs::chooseFileToSave(const QString &proposedName, const QString &extension)
+{
+    const Answer answer = ask(u"SaveFile"_s, FileDialogs::tr("Export as Guitar Pro"),
+        { { u"filters"_s, filters(FileDialogs::tr("Guitar Pro files"), { extension }) },
+            { u"current_name"_s, FileDialogs::fileNameFor(proposedName) },
+            { u"current_folder"_s, pathBytes(FileDialogs::documentsFolder()) } });
+    if (!answer.given)
+        return m_otherwise->chooseFileToSave(proposedName, extension);
+    if (!answer.file || !QFileInfo(answer.file->toLocalFile()).suffix().isEmpty())
+        return answer.file;
+    // The panel has asked about the file of that name, not about this one.
+    const QString full = answer.file->toLocalFile() + u'.' + extension;
+    return QFileInfo::exists(full) ? answer.file : QUrl::fromLocalFile(full);
+}
+
+PortalDialogs::Answer PortalDialogs::ask(const QString &method, const QString &title, QVariantMap options)
+{
+    if (!m_bus.isConnected())
+        return {};
+    const QString token = u"quaverly%1"_s.arg(++m_requests);
+    options.insert(u"handle_token"_s, token);
+    options.insert(u"modal"_s, true);
+    QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.portal.Desktop"_s,
+        u"/org/freedesktop/portal/desktop"_s, u"org.freedesktop.portal.FileChooser"_s, method);
+    call << parentName() << title << options;
+    PortalRequest request(m_bus, token);
+    const Blocker blocker;
+    const std::optional<QVariantMap> results = request.run(call);
+    if (!results)
+        return {};
+    const QStringList uris = results->value(u"uris"_s).toStringList();
+    return { true, uris.isEmpty() ? std::nullopt : std::optional(QUrl(uris.constFirst())) };
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "controller/Dialogs.h"
+
+#include <QDBusConnection>
+#include <QVariantMap>
+
+#include <memory>
+
+/// The desktop's own panels, through its portal (org.freedesktop.portal.FileChooser). Where no portal answers they are
+/// those of another kind.
+class PortalDialogs final : public Dialogs {
+public:
+    PortalDialogs(const QDBusConnection &bus, std::unique_ptr<Dialogs> otherwise);
+    ~PortalDialogs() override;
+
+    /// Whether the user leaves the choice of the panels to the program.
+    static bool areWanted();
+
+    std::optional<QUrl> chooseFileToOpen(const QStringList &extensions) override;
+    std::optional<QUrl> chooseFileToSave(const QString &proposedName, const QString &extension) override;
+
+private:
+    struct Answer {
+        /// Whether a panel was there at all.
+        bool given = false;
+        std::optional<QUrl> file;
+    };
+
+    /// Returns when the panel is gone.
+    Answer ask(const QString &method, const QString &title, QVariantMap options);
+
+    QDBusConnection m_bus;
+    const std::unique_ptr<Dialogs> m_otherwise;
+    int m_requests = 0;
+};

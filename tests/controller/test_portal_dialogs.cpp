@@ -1,0 +1,219 @@
+#include "controller/PortalDialogs.h"
+#include "tests/engine_host/process/PrivateBus.h"
+#include "tests/support/ScriptedDialogs.h"
+
+#include <QApplication>
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QFile>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+/// The desktop's portal with one panel.
+class Chooser final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.FileChooser")
+
+public:
+    explicit Chooser(QDBusConnection connection)
+        : bus(std::move(connection))
+    {
+        registered = bus.registerObject(u"/org/freedesktop/portal/desktop"_s, this, QDBusConnection::ExportAllSlots)
+            && bus.registerService(service());
+    }
+    ~Chooser() override { bus.unregisterService(service()); }
+    Q_DISABLE_COPY_MOVE(Chooser)
+
+    static QString service() { return u"org.freedesktop.portal.Desktop"_s; }
+
+    QDBusConnection bus;
+    bool registered = false;
+    QString method;
+    QString title;
+    QVariantMap options;
+    /// What the user does.
+    uint response = 0;
+    QStringList uris;
+    /// While the panel is open, before the user does it.
+    std::function<void()> open = [] { };
+    /// As portals before version 0.9 do, which choose the name themselves.
+    bool namesRequestsItself = false;
+    bool goesAway = false;
+
+public Q_SLOTS:
+    // NOLINTBEGIN: the names are the bus's
+    QDBusObjectPath OpenFile(const QString &, const QString &name, const QVariantMap &wanted, const QDBusMessage &call)
+    {
+        return show(u"OpenFile"_s, name, wanted, call);
+    }
+    QDBusObjectPath SaveFile(const QString &, const QString &name, const QVariantMap &wanted, const QDBusMessage &call)
+    {
+        return show(u"SaveFile"_s, name, wanted, call);
+    }
+    // NOLINTEND
+
+private:
+    QDBusObjectPath show(
+        const QString &called, const QString &name, const QVariantMap &wanted, const QDBusMessage &call)
+    {
+        method = called;
+        title = name;
+        options = wanted;
+        const QString sender = call.service().mid(1).replace(u'.', u'_');
+        const QString token = namesRequestsItself ? u"own"_s : wanted[u"handle_token"_s].toString();
+        const QString path = u"/org/freedesktop/portal/desktop/request/"_s + sender + u'/' + token;
+        QTimer::singleShot(20, this, [this, path] {
+            open();
+            if (goesAway) {
+                bus.unregisterService(service());
+                return;
+            }
+            QDBusMessage answer = QDBusMessage::createSignal(path, u"org.freedesktop.portal.Request"_s, u"Response"_s);
+            answer << response << QVariantMap{ { u"uris"_s, uris } };
+            bus.send(answer);
+        });
+        return QDBusObjectPath(path);
+    }
+};
+
+class TestPortalDialogs final : public QObject {
+    Q_OBJECT
+
+    PrivateBus m_bus;
+    int m_connections = 0;
+    std::shared_ptr<DialogScript> m_otherwise;
+    std::unique_ptr<PortalDialogs> m_dialogs;
+
+    QDBusConnection connection()
+    {
+        return QDBusConnection::connectToBus(m_bus.address(), u"connection %1"_s.arg(++m_connections));
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        QVERIFY(!m_bus.address().isEmpty());
+        m_otherwise = std::make_shared<DialogScript>();
+        m_otherwise->fileToOpen = QUrl(u"file:///otherwise.gp"_s);
+        m_otherwise->fileToSave = QUrl(u"file:///otherwise.gp"_s);
+        m_dialogs = std::make_unique<PortalDialogs>(connection(), std::make_unique<ScriptedDialogs>(m_otherwise));
+    }
+
+    void cleanup()
+    {
+        m_dialogs.reset();
+        for (; m_connections > 0; --m_connections)
+            QDBusConnection::disconnectFromBus(u"connection %1"_s.arg(m_connections));
+    }
+
+    void aFileIsChosenInTheDesktopsPanel()
+    {
+        Chooser chooser(connection());
+        QVERIFY(chooser.registered);
+        chooser.uris = QStringList{ u"file:///music/F%C3%BCr%20Elise.gp"_s };
+        for (const bool own : { false, true }) {
+            chooser.namesRequestsItself = own;
+            const auto file = m_dialogs->chooseFileToOpen({ u"gp"_s, u"pdf"_s });
+            QVERIFY(file);
+            QCOMPARE(file->toLocalFile(), u"/music/Für Elise.gp"_s);
+        }
+        QCOMPARE(chooser.method, u"OpenFile"_s);
+        QCOMPARE(chooser.title, u"Open"_s);
+        QCOMPARE(chooser.options[u"modal"_s], QVariant(true));
+        QVERIFY(!chooser.options.contains(u"multiple"_s));
+        const auto filters = chooser.options[u"filters"_s].value<QDBusArgument>();
+        QCOMPARE(filters.currentSignature(), u"a(sa(us))"_s);
+        QCOMPARE(m_otherwise->opened, 0);
+    }
+
+    void theUserMayChooseNothing()
+    {
+        Chooser chooser(connection());
+        chooser.response = 1;
+        QVERIFY(!m_dialogs->chooseFileToOpen({ u"gp"_s }));
+        QVERIFY(!m_dialogs->chooseFileToSave(u"x.gp"_s, u"gp"_s));
+        QCOMPARE(m_otherwise->opened + m_otherwise->saved, 0);
+    }
+
+    void whereToSave()
+    {
+        const QTemporaryDir folder;
+        Chooser chooser(connection());
+        const auto choose = [&](const QString &name) {
+            chooser.uris = QStringList{ QUrl::fromLocalFile(folder.filePath(name)).toString(QUrl::FullyEncoded) };
+            const auto file = m_dialogs->chooseFileToSave(u"AC/DC.gp"_s, u"gp"_s);
+            return file ? file->toLocalFile() : QString();
+        };
+        QCOMPARE(choose(u"song.gp"_s), folder.filePath(u"song.gp"_s));
+        QCOMPARE(chooser.method, u"SaveFile"_s);
+        QCOMPARE(chooser.options[u"current_name"_s].toString(), u"AC-DC.gp"_s);
+        QVERIFY(chooser.options[u"current_folder"_s].toByteArray().endsWith('\0'));
+        QCOMPARE(choose(u"song"_s), folder.filePath(u"song.gp"_s));
+        // The user was not asked whether that may be replaced.
+        QFile there(folder.filePath(u"song.gp"_s));
+        QVERIFY(there.open(QIODevice::WriteOnly));
+        QCOMPARE(choose(u"song"_s), folder.filePath(u"song"_s));
+    }
+
+    void withoutAPortalTheOtherPanelsOpen()
+    {
+        QCOMPARE(m_dialogs->chooseFileToOpen({ u"gp"_s }), QUrl(u"file:///otherwise.gp"_s));
+        QCOMPARE(m_dialogs->chooseFileToSave(u"x.gp"_s, u"gp"_s), QUrl(u"file:///otherwise.gp"_s));
+        PortalDialogs unconnected(QDBusConnection(u"nowhere"_s), std::make_unique<ScriptedDialogs>(m_otherwise));
+        QCOMPARE(unconnected.chooseFileToOpen({ u"gp"_s }), QUrl(u"file:///otherwise.gp"_s));
+        QCOMPARE(m_otherwise->opened, 2);
+    }
+
+    void aPortalThatEndsLeavesNobodyWaiting()
+    {
+        Chooser chooser(connection());
+        chooser.goesAway = true;
+        QVERIFY(!m_dialogs->chooseFileToOpen({ u"gp"_s }));
+    }
+
+    void theWindowTakesNothingMeanwhile()
+    {
+        QPushButton button(u"x"_s);
+        int clicks = 0;
+        connect(&button, &QPushButton::clicked, this, [&clicks] { ++clicks; });
+        button.show();
+        QVERIFY(QTest::qWaitForWindowActive(&button));
+        Chooser chooser(connection());
+        bool modal = false;
+        chooser.open = [&] {
+            modal = QApplication::activeModalWidget();
+            QTest::mouseClick(button.windowHandle(), Qt::LeftButton, {}, button.rect().center());
+        };
+        m_dialogs->chooseFileToOpen({ u"gp"_s });
+        QVERIFY(modal);
+        QCOMPARE(clicks, 0);
+        QVERIFY(!QApplication::activeModalWidget());
+        QTest::mouseClick(button.windowHandle(), Qt::LeftButton, {}, button.rect().center());
+        QCOMPARE(clicks, 1);
+    }
+
+    void theUsersOwnChoiceOfPanelsStands()
+    {
+        qunsetenv("QT_QPA_PLATFORMTHEME");
+        qunsetenv("QT_NO_XDG_DESKTOP_PORTAL");
+        QVERIFY(PortalDialogs::areWanted());
+        qputenv("QT_QPA_PLATFORMTHEME", "gtk3");
+        QVERIFY(!PortalDialogs::areWanted());
+        qunsetenv("QT_QPA_PLATFORMTHEME");
+        qputenv("QT_NO_XDG_DESKTOP_PORTAL", "1");
+        QVERIFY(!PortalDialogs::areWanted());
+        qunsetenv("QT_NO_XDG_DESKTOP_PORTAL");
+    }
+};
+
+QTEST_MAIN(TestPortalDialogs)
+#include "test_portal_dialogs.moc"
