@@ -1,8 +1,11 @@
 #include "app/CommandLine.h"
 
+#include "translations/Translations.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QLocale>
 
 using namespace Qt::StringLiterals;
 
@@ -26,14 +29,20 @@ std::optional<QString> CommandLine::immediateAnswer(int argc, char *argv[])
         arguments << QString::fromLocal8Bit(argv[i]);
 
     QCommandLineParser parser;
-    describe(parser);
+    // "-reverse" and the others that Qt takes for itself later are no "-v" among other letters.
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    parser.addHelpOption();
+    parser.addVersionOption();
     parser.parse(arguments);
     if (parser.isSet(u"version"_s))
         return u"quaverly "_s + QCoreApplication::applicationVersion() + u'\n';
     if (parser.isSet(u"help"_s)) {
         // The usage line is written from the application object's arguments.
-        const QCoreApplication application(argc, argv);
-        return parser.helpText();
+        QCoreApplication application(argc, argv);
+        Translations::install(application, Translations::languageFor(QLocale::system().uiLanguages()));
+        QCommandLineParser speaking;
+        describe(speaking);
+        return speaking.helpText();
     }
     return std::nullopt;
 }

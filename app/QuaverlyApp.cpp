@@ -1,7 +1,12 @@
 #include "app/QuaverlyApp.h"
 
+#include "app/AboutPanel.h"
+#include "app/GuideWindow.h"
+#include "app/ProblemReport.h"
+#include "app/RecentFilesMenu.h"
 #include "app/StartupLog.h"
 #include "app/WindowActivation.h"
+#include "app/WindowMemory.h"
 #include "controller/AlphaTabController.h"
 #include "desktop/Launch.h"
 #include "engine_host/bridge/BridgeCalls.h"
@@ -9,11 +14,13 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QEvent>
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QScreen>
+
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -24,17 +31,24 @@ constexpr QSize preferredSize(1180, 780);
 
 } // namespace
 
-QuaverlyApp::QuaverlyApp(AlphaTabController &controller)
+QuaverlyApp::QuaverlyApp(AlphaTabController &controller, QString memoryFile)
     : m_controller(controller)
     , m_appDelegate(controller)
+    , m_memoryFile(std::move(memoryFile))
+    , m_content(new ContentView(controller))
 {
     // Not the application's display name: Qt would add that to every title the window gets later.
     m_window.setWindowTitle(u"Quaverly"_s);
     m_window.setMinimumSize(minimumSize);
-    m_window.setCentralWidget(new ContentView(controller));
+    m_window.setCentralWidget(m_content);
     buildFileMenu();
     buildViewMenu();
     buildHelpMenu();
+    m_window.installEventFilter(this);
+    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
+        if (m_window.isVisible())
+            rememberWindow();
+    });
     showWindow();
 }
 
@@ -60,6 +74,7 @@ void QuaverlyApp::buildFileMenu()
     m_controller.hasScore.observe(exportGp, [refresh](bool) { refresh(); });
     m_controller.pdfDocument.observe(exportGp, [refresh](const auto &) { refresh(); });
 
+    menu->insertMenu(exportGp, new RecentFilesMenu(m_controller, menu));
     menu->addSeparator();
     QAction *quit = menu->addAction(tr("Quit"), &m_window, &QWidget::close);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
@@ -72,25 +87,70 @@ void QuaverlyApp::buildViewMenu()
     QAction *play = menu->addAction(QString(), this, [this] { m_controller.js(BridgeCalls::playPause()); });
     m_controller.isPlaying.observe(play, [play](bool playing) { play->setText(playing ? tr("Pause") : tr("Play")); });
     m_controller.hasScore.observe(play, [play](bool hasScore) { play->setEnabled(hasScore); });
+
+    menu->addSeparator();
+    m_fullScreen = menu->addAction(tr("Full Screen"));
+    m_fullScreen->setShortcut(QKeySequence(Qt::Key_F11));
+    m_fullScreen->setCheckable(true);
+    connect(m_fullScreen, &QAction::triggered, &m_window,
+        [this] { m_window.setWindowState(m_window.windowState() ^ Qt::WindowFullScreen); });
 }
 
 void QuaverlyApp::buildHelpMenu()
 {
     QMenu *menu = m_window.menuBar()->addMenu(tr("&Help"));
-    QAction *about = menu->addAction(tr("About Quaverly"), &m_window, [this] {
-        QMessageBox::about(&m_window, tr("About Quaverly"),
-            tr("Quaverly %1\nPractise guitar from scores.").arg(QCoreApplication::applicationVersion()));
+    QAction *guide = menu->addAction(tr("Guide"), &m_window, [this] {
+        auto *window = m_window.findChild<GuideWindow *>();
+        if (!window)
+            window = new GuideWindow(&m_window);
+        window->show();
+        window->raise();
+        window->activateWindow();
     });
+    guide->setShortcut(QKeySequence(Qt::Key_F1));
+    menu->addAction(tr("Report a Problem"), &m_window, [this] { ProblemReport::copy(m_window); });
+    QAction *about = menu->addAction(tr("About Quaverly"), &m_window, [this] { (new AboutPanel(&m_window))->open(); });
     about->setMenuRole(QAction::AboutRole);
 }
 
-void QuaverlyApp::showWindow()
+bool QuaverlyApp::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == &m_window && event->type() == QEvent::Close)
+        rememberWindow();
+    else if (watched == &m_window && event->type() == QEvent::WindowStateChange)
+        m_fullScreen->setChecked(m_window.isFullScreen());
+    return QObject::eventFilter(watched, event);
+}
+
+void QuaverlyApp::placeWindow()
+{
+    if (const auto place = m_memoryFile.isEmpty() ? std::nullopt : WindowMemory::read(m_memoryFile)) {
+        QList<QRect> screens;
+        for (const QScreen *screen : QGuiApplication::screens())
+            screens << screen->availableGeometry();
+        m_window.setGeometry(WindowMemory::pulledIn(place->geometry, screens));
+        m_content->setSidebarWidth(place->sidebarWidth);
+        if (place->maximized)
+            m_window.setWindowState(Qt::WindowMaximized);
+        return;
+    }
     const QRect room = m_window.screen()->availableGeometry();
     m_window.resize(preferredSize.boundedTo(room.size()).expandedTo(minimumSize));
     QRect frame(QPoint(), m_window.size());
     frame.moveCenter(room.center());
     m_window.move(frame.topLeft());
+}
+
+void QuaverlyApp::showWindow()
+{
+    placeWindow();
     StartupLog::watch(m_window);
     m_window.show();
+}
+
+void QuaverlyApp::rememberWindow()
+{
+    if (!m_memoryFile.isEmpty())
+        WindowMemory::write(
+            m_memoryFile, { m_window.normalGeometry(), m_window.isMaximized(), m_content->sidebarWidth() });
 }

@@ -6,6 +6,7 @@
 #include <QObject>
 
 class AlphaTabController;
+class ContentView;
 class QAction;
 class QMenu;
 struct Launch;
@@ -16,7 +17,8 @@ class QuaverlyApp final : public QObject {
     Q_DISABLE_COPY_MOVE(QuaverlyApp)
 
 public:
-    explicit QuaverlyApp(AlphaTabController &controller);
+    /// @param memoryFile where the window's place is kept (WindowMemory); empty for a window that remembers nothing
+    explicit QuaverlyApp(AlphaTabController &controller, QString memoryFile = {});
     ~QuaverlyApp() override;
 
     AppDelegate &appDelegate() { return m_appDelegate; }
@@ -25,13 +27,20 @@ public:
 
     QMainWindow &window() { return m_window; }
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void buildFileMenu();
     void buildViewMenu();
     void buildHelpMenu();
+    void placeWindow();
     void showWindow();
+    void rememberWindow();
 
     AlphaTabController &m_controller;
     AppDelegate m_appDelegate;
+    const QString m_memoryFile;
     QMainWindow m_window;
+    ContentView *m_content = nullptr;
+    QAction *m_fullScreen = nullptr;
 };

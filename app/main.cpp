@@ -3,6 +3,7 @@
 #include "app/LastResort.h"
 #include "app/QuaverlyApp.h"
 #include "app/TerminationSignals.h"
+#include "app/WindowMemory.h"
 #include "controller/AlphaTabController.h"
 #include "controller/SmokeTest.h"
 #include "design/DesktopColorScheme.h"
@@ -11,10 +12,12 @@
 #include "desktop/OneWindow.h"
 #include "desktop/ScreenAwake.h"
 #include "engine_host/WebEngineHost.h"
+#include "translations/Translations.h"
 
 #include <QApplication>
 #include <QDBusConnection>
 #include <QIcon>
+#include <QLocale>
 #include <QLoggingCategory>
 
 #include <cstdio>
@@ -38,7 +41,8 @@ int main(int argc, char *argv[])
     QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false"_s);
     WebEngineHost::prepare();
     Launch launch{ .activationToken = Launch::environmentToken() };
-    const QApplication application(argc, argv);
+    QApplication application(argc, argv);
+    Translations::install(application, Translations::languageFor(QLocale::system().uiLanguages()));
     QApplication::setWindowIcon(QIcon(u":/icons/quaverly.svg"_s));
 
     const CommandLine commandLine = CommandLine::parse(QCoreApplication::arguments());
@@ -64,7 +68,8 @@ int main(int argc, char *argv[])
     LastResort::prepare();
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &LastResort::arm);
     const TerminationSignals terminationSignals;
-    QuaverlyApp quaverly(AlphaTabController::shared());
+    // What nobody watches always looks the same.
+    QuaverlyApp quaverly(AlphaTabController::shared(), oneWindow ? WindowMemory::userFilePath() : QString());
     quaverly.appDelegate().applicationDidFinishLaunching();
     quaverly.appDelegate().open(launch.files);
     if (oneWindow)

@@ -3,6 +3,7 @@
 #include <QEvent>
 #include <QHelpEvent>
 #include <QPainter>
+#include <QStyle>
 #include <QToolTip>
 
 ElidedLabel::ElidedLabel(Theme::Type type, Theme::Role color, Qt::TextElideMode mode, QWidget *parent)
@@ -51,5 +52,8 @@ void ElidedLabel::paintEvent(QPaintEvent *)
     QPainter painter(this);
     const Theme::Colors &colors = Theme::colors(palette());
     painter.setPen(isEnabled() ? colors.*m_color : colors.disabled);
-    painter.drawText(contentsRect(), int(alignment() | Qt::TextSingleLine), shownText());
+    // The window's direction says on which side a text stands, its own letters where its end is.
+    const Qt::Alignment side = QStyle::visualAlignment(layoutDirection(), alignment());
+    painter.setLayoutDirection(text().isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    painter.drawText(contentsRect(), int(side | Qt::AlignAbsolute) | Qt::TextSingleLine, shownText());
 }

@@ -65,6 +65,8 @@ Slider::Slider(double from, double to, int steps, int arrowSteps, Size size, QWi
     setSingleStep(arrowSteps);
     setPageStep(10 * arrowSteps);
     setFocusPolicy(Qt::StrongFocus);
+    // More lies on the right in every language; the arrow keys follow.
+    setLayoutDirection(Qt::LeftToRight);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     connect(this, &QSlider::valueChanged, this, [this] {
         Q_EMIT moved(shown());

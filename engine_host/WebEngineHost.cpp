@@ -63,6 +63,8 @@ WebEngineHost::WebEngineHost(ScriptHandler &scriptHandler, const std::optional<Q
     , m_watch(std::make_unique<PageWatch>())
     , m_scriptHandler(scriptHandler)
 {
+    //: The code of this language. The page speaks it too.
+    m_profile->setHttpAcceptLanguage(tr("en"));
     m_profile->setUrlRequestInterceptor(m_interceptor.get());
     connect(m_profile.get(), &QWebEngineProfile::downloadRequested, this,
         [](QWebEngineDownloadRequest *download) { download->cancel(); });

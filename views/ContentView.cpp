@@ -121,7 +121,8 @@ ContentView::ContentView(AlphaTabController &controller, QWidget *parent)
     sidebar->lower();
     columns->setStretchFactor(0, 0);
     columns->setStretchFactor(1, 1);
-    columns->setSizes({ idealSidebar, 10 * idealSidebar });
+    m_columns = columns;
+    setSidebarWidth(idealSidebar);
     layout->addWidget(columns, 1);
 
     // After the views have put their rows in place.
@@ -136,6 +137,15 @@ ContentView::ContentView(AlphaTabController &controller, QWidget *parent)
 }
 
 ContentView::~ContentView() = default;
+
+int ContentView::sidebarWidth() const { return m_columns->sizes().constFirst(); }
+
+void ContentView::setSidebarWidth(int width)
+{
+    const int bounded = std::clamp(width, minimumSidebar, maximumSidebar);
+    // The score takes what is left: the sidebar does not stretch.
+    m_columns->setSizes({ bounded, std::max(10 * bounded, m_columns->width() - bounded) });
+}
 
 QWidget *ContentView::makeSidebar()
 {

@@ -8,6 +8,7 @@
 class AlphaTabController;
 class PageRenderQueue;
 class QMessageBox;
+class QSplitter;
 class QUrl;
 
 /// Everything in the window: tool bar, sidebar, score area and transport bar; also takes dropped files and shows what
@@ -19,6 +20,10 @@ class ContentView final : public QWidget {
 public:
     explicit ContentView(AlphaTabController &controller, QWidget *parent = nullptr);
     ~ContentView() override;
+
+    int sidebarWidth() const;
+    /// Pulled into what a sidebar may have.
+    void setSidebarWidth(int width);
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -37,6 +42,7 @@ private:
 
     AlphaTabController &m_controller;
     const std::shared_ptr<PageRenderQueue> m_pages;
+    QSplitter *m_columns = nullptr;
     QWidget *m_score = nullptr;
     QPointer<QMessageBox> m_alert;
     bool m_passingKeyOn = false;

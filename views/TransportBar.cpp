@@ -42,6 +42,8 @@ TransportBar::TransportBar(AlphaTabController &controller, QWidget *parent)
     , m_position(new Slider(0, 1, 10000, 100))
     , m_metronome(new Button(Button::Look::Tool))
 {
+    // Time runs from left to right in every language, as in the score above.
+    setLayoutDirection(Qt::LeftToRight);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(14, 10, 14, 10);
     layout->setSpacing(6);

@@ -1,5 +1,6 @@
 #include "engine_host/bridge/BridgeMessages.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QStringList>
@@ -72,7 +73,7 @@ std::optional<QList<TrackEntry>> trackEntries(const QVariant &value)
         if (!index)
             continue;
         const QVariant name = entry.value(u"name"_s);
-        const QString fallback = u"Track "_s + QString::number(qint64(*index) + 1);
+        const QString fallback = QCoreApplication::translate("BridgeMessages", "Track %1").arg(qint64(*index) + 1);
         entries.append({ *index, name.typeId() == QMetaType::QString ? name.toString() : fallback });
     }
     return entries;

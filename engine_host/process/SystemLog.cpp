@@ -1,8 +1,34 @@
 #include "engine_host/process/SystemLog.h"
 
+#include <QMutex>
+
 #include <cstdio>
 
+namespace {
+
+constexpr qsizetype keptLines = 50;
+
+/// Lines come from any thread.
+struct Kept {
+    QMutex mutex;
+    QStringList lines;
+};
+
+Kept &kept()
+{
+    static Kept instance;
+    return instance;
+}
+
+} // namespace
+
 namespace SystemLog {
+
+QStringList lastLines()
+{
+    const QMutexLocker lock(&kept().mutex);
+    return kept().lines;
+}
 
 QString singleLine(const QString &text)
 {
@@ -16,7 +42,14 @@ QString singleLine(const QString &text)
 
 void write(const QString &text)
 {
-    const QByteArray line = singleLine(text).toUtf8() + '\n';
+    const QString single = singleLine(text);
+    {
+        const QMutexLocker lock(&kept().mutex);
+        if (kept().lines.size() == keptLines)
+            kept().lines.removeFirst();
+        kept().lines << single;
+    }
+    const QByteArray line = single.toUtf8() + '\n';
     std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stderr);
     std::fflush(stderr);
 }

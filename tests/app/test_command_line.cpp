@@ -3,6 +3,8 @@
 #include <QDir>
 #include <QTest>
 
+#include <array>
+
 using namespace Qt::StringLiterals;
 
 class TestCommandLine final : public QObject {
@@ -33,6 +35,22 @@ private Q_SLOTS:
     void anUnknownOptionIsAnError()
     {
         QVERIFY(!CommandLine::parse({ u"quaverly"_s, u"--nonsense"_s }).error.isEmpty());
+    }
+
+    void whatQtTakesForItselfIsNotAnsweredHere()
+    {
+        for (const char *option : { "-reverse", "-stylesheet", "-style", "song.gp" }) {
+            QByteArray program = "quaverly";
+            QByteArray argument = option;
+            std::array<char *, 3> arguments{ program.data(), argument.data(), nullptr };
+            QVERIFY2(!CommandLine::immediateAnswer(2, arguments.data()), option);
+        }
+        for (const char *option : { "-v", "--version" }) {
+            QByteArray program = "quaverly";
+            QByteArray argument = option;
+            std::array<char *, 3> arguments{ program.data(), argument.data(), nullptr };
+            QVERIFY2(CommandLine::immediateAnswer(2, arguments.data()), option);
+        }
     }
 };
 

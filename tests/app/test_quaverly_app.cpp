@@ -1,16 +1,31 @@
+#include "app/AboutPanel.h"
+#include "app/GuideWindow.h"
 #include "app/QuaverlyApp.h"
 #include "app/WindowActivation.h"
+#include "app/WindowMemory.h"
 #include "controller/AlphaTabController.h"
 #include "desktop/Launch.h"
+#include "engine_host/process/SystemLog.h"
 #include "pdf/conversion/PDFDocument.h"
 #include "tests/support/TestSurroundings.h"
+#include "views/ContentView.h"
 
 #include <QAction>
+#include <QClipboard>
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QPointer>
+#include <QSysInfo>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextBrowser>
 
 using namespace Qt::StringLiterals;
 
@@ -107,6 +122,153 @@ private Q_SLOTS:
         QCOMPARE(action->text(), u"Pause"_s);
         m_controller->isPlaying = false;
         QCOMPARE(action->text(), u"Play"_s);
+    }
+
+    void recentFilesOpen()
+    {
+        QAction *recent = command(u"File"_s, u"Open Recent"_s);
+        QVERIFY(recent && recent->menu());
+        QVERIFY(!recent->isEnabled());
+        m_controller->handle({ { u"type"_s, u"ready"_s } });
+        QVERIFY(QDir(m_world->path({})).mkpath(u"more"_s));
+        m_controller->recentFiles
+            = { m_world->file(u"a & b.gp"_s, "x"), m_world->file(u"c.gp"_s, "y"), m_world->file(u"more/c.gp"_s, "z") };
+        QVERIFY(recent->isEnabled());
+        Q_EMIT recent->menu()->aboutToShow();
+        QList<QAction *> entries = recent->menu()->actions();
+        QCOMPARE(entries.size(), 5);
+        QCOMPARE(entries[0]->text(), u"a && b.gp"_s);
+        QCOMPARE(entries[0]->toolTip(), m_world->path(u"a & b.gp"_s));
+        QVERIFY2(entries[1]->text().startsWith(u"c.gp – "_s), qPrintable(entries[1]->text()));
+        QVERIFY(entries[1]->text() != entries[2]->text());
+        m_world->engine->take();
+        entries[0]->trigger();
+        QTRY_COMPARE(m_world->engine->scripts, QStringList{ u"window.qv.loadBase64('eA==')"_s });
+        QCOMPARE(entries[4]->text(), u"Clear"_s);
+        entries[4]->trigger();
+        QVERIFY(m_controller->recentFiles.value().isEmpty());
+        QVERIFY(!recent->isEnabled());
+        QCOMPARE(m_world->defaults()->textList(u"recentFiles"_s), QStringList());
+    }
+
+    void quitClosesTheWindow()
+    {
+        QAction *action = command(u"File"_s, u"Quit"_s);
+        QVERIFY(action);
+        QCOMPARE(action->shortcut(), QKeySequence(u"Ctrl+Q"_s));
+        action->trigger();
+        QVERIFY(!m_app->window().isVisible());
+    }
+
+    void fullScreenAndBack()
+    {
+        QAction *action = command(u"View"_s, u"Full Screen"_s);
+        QVERIFY(action);
+        QCOMPARE(action->shortcut(), QKeySequence(u"F11"_s));
+        QVERIFY(!action->isChecked());
+        action->trigger();
+        QTRY_VERIFY(m_app->window().isFullScreen() && action->isChecked());
+        // The window manager's own command.
+        m_app->window().showNormal();
+        QTRY_VERIFY(!action->isChecked());
+    }
+
+    void aboutTellsVersionsAndLicences()
+    {
+        command(u"Help"_s, u"About Quaverly"_s)->trigger();
+        const QPointer<AboutPanel> panel = m_app->window().findChild<AboutPanel *>();
+        QVERIFY(panel && panel->isVisible());
+        QStringList texts;
+        for (const QLabel *label : panel->findChildren<QLabel *>())
+            texts << label->text();
+        for (const QString &name : { u"Quaverly"_s, u"alphaTab"_s, u"Qt"_s, u"Chromium"_s })
+            QVERIFY2(texts.contains(name), qPrintable(name));
+        QVERIFY(texts.contains(QString::fromLatin1(qVersion())));
+        const QString licences = panel->findChild<QTextBrowser *>()->toPlainText();
+        QVERIFY(licences.contains("MIT License"_L1));
+        QVERIFY(licences.contains("Bravura"_L1));
+        panel->reject();
+        QTRY_VERIFY(!panel);
+    }
+
+    void aProblemIsReportedWithVersionsAndLog()
+    {
+        SystemLog::write(u"[Quaverly] failed to read x\ny"_s);
+        QGuiApplication::clipboard()->clear();
+        command(u"Help"_s, u"Report a Problem"_s)->trigger();
+        const QString report = QGuiApplication::clipboard()->text();
+        QVERIFY2(report.contains("\n[Quaverly] failed to read x y\n"_L1), qPrintable(report));
+        QVERIFY(report.contains(u"Qt "_s + QString::fromLatin1(qVersion())));
+        QVERIFY(report.contains(QSysInfo::kernelVersion()));
+        auto *told = m_app->window().findChild<QMessageBox *>();
+        QVERIFY(told && told->isVisible());
+        told->close();
+    }
+
+    void theLogsLastLinesAreKept()
+    {
+        for (int i = 0; i < 60; ++i)
+            SystemLog::write(u"line %1"_s.arg(i));
+        QCOMPARE(SystemLog::lastLines().size(), 50);
+        QCOMPARE(SystemLog::lastLines().constLast(), u"line 59"_s);
+    }
+
+    void theWindowComesBackWhereItWas()
+    {
+        const QString memory = m_world->path(u"state/window.json"_s);
+        const QRect place(5, 50, 780, 540);
+        m_app = std::make_unique<QuaverlyApp>(*m_controller, memory);
+        m_app->window().setGeometry(place);
+        auto *content = qobject_cast<ContentView *>(m_app->window().centralWidget());
+        QCOMPARE(content->sidebarWidth(), 220);
+        content->setSidebarWidth(300);
+        m_app->window().close();
+        m_app = std::make_unique<QuaverlyApp>(*m_controller, memory);
+        QCOMPARE(m_app->window().geometry(), place);
+        content = qobject_cast<ContentView *>(m_app->window().centralWidget());
+        QTRY_COMPARE(content->sidebarWidth(), 300);
+        QVERIFY(!m_app->window().isMaximized());
+        m_app->window().showMaximized();
+        QTRY_VERIFY(m_app->window().isMaximized());
+        m_app->window().close();
+        QCOMPARE(WindowMemory::read(memory)->geometry, place);
+        m_app = std::make_unique<QuaverlyApp>(*m_controller, memory);
+        QTRY_VERIFY(m_app->window().isMaximized());
+        // The settings hold nothing of it.
+        QVERIFY(!m_world->defaults()->integer(u"sidebarWidth"_s));
+    }
+
+    void theGuideOpensOffline()
+    {
+        QAction *action = command(u"Help"_s, u"Guide"_s);
+        QVERIFY(action);
+        QCOMPARE(action->shortcut(), QKeySequence(u"F1"_s));
+        action->trigger();
+        action->trigger();
+        QCOMPARE(m_app->window().findChildren<GuideWindow *>().size(), 1);
+        auto *guide = m_app->window().findChild<GuideWindow *>();
+        QVERIFY(guide->isVisible());
+        // Each page that it leads to, and each picture, comes with the program.
+        QStringList pages{ u"index.md"_s };
+        for (qsizetype i = 0; i < pages.size(); ++i) {
+            guide->setSource(QUrl(u"qrc:/guide/"_s + pages[i]));
+            QVERIFY2(guide->toPlainText().size() > 1000, qPrintable(pages[i]));
+            for (QTextBlock block = guide->document()->begin(); block.isValid(); block = block.next()) {
+                for (auto part = block.begin(); !part.atEnd(); ++part) {
+                    const QTextCharFormat format = part.fragment().charFormat();
+                    if (format.isImageFormat()) {
+                        const QUrl picture = guide->source().resolved(QUrl(format.toImageFormat().name()));
+                        QVERIFY2(QFile::exists(u':' + picture.path()), qPrintable(picture.toString()));
+                    }
+                    const QString page = QUrl(format.anchorHref()).fileName();
+                    if (page.endsWith(".md"_L1) && !pages.contains(page))
+                        pages << page;
+                }
+            }
+        }
+        QCOMPARE(pages.size(), 2);
+        guide->setSource(QUrl(u"qrc:/guide/index.md#keys"_s));
+        QCOMPARE(guide->textCursor().block().text(), u"Keys"_s);
     }
 
     void thereIsNoNewCommand() { QVERIFY(!command(u"File"_s, u"New"_s)); }

@@ -10,12 +10,13 @@ TOP = pathlib.Path(__file__).resolve().parents[2]
 
 # Each folder of the program, from the top down, with the folders that it may include from.
 MAY_INCLUDE = {
-    "app": {"views", "desktop", "controller", "design", "engine_host", "engine_host/bridge"},
+    "app": {"views", "desktop", "translations", "controller", "design", "engine_host", "engine_host/bridge", "engine_host/process"},
     "views": {"pdf/viewing", "controller", "design", "engine_host", "engine_host/bridge"},
     "desktop": {"controller", "engine_host/bridge"},
     "pdf/viewing": {"controller", "design", "pdf/conversion"},
     "controller": {"engine_host", "engine_host/bridge", "engine_host/process", "engine_host/serving", "pdf/conversion"},
     "design": set(),
+    "translations": set(),
     "pdf/conversion": {"pdf/process"},
     "pdf/drawing": {"pdf/process"},
     "pdf/guard": set(),

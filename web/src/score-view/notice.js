@@ -1,4 +1,6 @@
 // @ts-check
+import { translated } from "../shared/texts.js";
+
 /**
  * One line over the score, for what the reader waits for or has to know: that a score is being opened, and that a file
  * could not be.
@@ -83,7 +85,7 @@ export class Notice {
     if (element.hidden || element.className !== kind) {
       element.hidden = false;
       element.className = kind;
-      element.textContent = text;
+      element.textContent = translated(text);
     }
     element.style.animationDelay = `${delay}ms`;
   }

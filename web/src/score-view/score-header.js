@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
+import { translated } from "../shared/texts.js";
 
 /**
  * What stands over the notation: title, people, and how the instruments are tuned. The page sets these lines itself,
@@ -52,9 +53,9 @@ function line(tag, kind, text) {
 function people(score) {
   const { words, music } = score;
   if (words && words === music) {
-    return `Words and music by ${words}`;
+    return translated(`Words and music by ${words}`);
   }
-  return [words && `Words by ${words}`, music && `Music by ${music}`].filter(Boolean).join(", ");
+  return [words && translated(`Words by ${words}`), music && translated(`Music by ${music}`)].filter(Boolean).join(", ");
 }
 
 /**
