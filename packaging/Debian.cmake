@@ -55,8 +55,8 @@ set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE https://quaverly.org/)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS ${loaded})
-# Text in every script; priority for the threads of the sound.
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-noto-core, fonts-noto-cjk, rtkit")
+# Text in every script; Qt's own words in other languages; priority for the threads of the sound.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "fonts-noto-core, fonts-noto-cjk, qt6-translations-l10n, rtkit")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "xdg-desktop-portal")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "practise guitar from Guitar Pro and MusicXML scores")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION

@@ -68,7 +68,8 @@ ALLOWED_IN_PAGE = re.compile(
 PAGE = [("web/src", {".js"}), ("web/tests", {".mjs"}), ("web/tools", {".mjs", ".cpp"}), ("web", {".css", ".html"}),
         ("tests/engine", {".cpp", ".h"})]
 
-FOLDERS = ["app", "benchmarks", "controller", "design", "desktop", "engine_host", "pdf", "tests", "translations", "views"]
+FOLDERS = ["app", "benchmarks", "controller", "design", "desktop", "engine_host", "pdf", "tests", "translations",
+           "views"]
 SUFFIXES = {".cpp", ".h"}
 
 
