@@ -61,9 +61,3 @@ test("a backing track's player mixes the clicks in itself", () => {
     { levels: 0, sound: "beep", accent: true, volume: 0.5 },
   ]);
 });
-
-test("before a score there is nothing to set, and nothing to count", () => {
-  const { played } = metronome();
-  const { tick, beats, beatLength } = { tick: 0, ...played.metronome.countInAt(0) };
-  assert.deepEqual([tick, beats, Math.round(beatLength)], [0, 4, 500]);
-});

@@ -13,7 +13,8 @@ function mixed() {
   }
   const api = { playerReady: new Signal(), player, score: { tracks: [{ index: 0 }, { index: 1 }] } };
   const solos = [];
-  const mixer = new Mixer(api, { of: ({ index }) => channels.get(index) }, (anySolo) => solos.push(anySolo));
+  const mixer = new Mixer(api, (anySolo) => solos.push(anySolo));
+  mixer.use({ channels });
   return { mixer, api, set, solos };
 }
 

@@ -3,6 +3,7 @@ import { test } from "node:test";
 import { Signal } from "./support/signal.mjs";
 import { alphaTab } from "./support/played-score.mjs";
 
+const { TempoMap } = await import("../src/timing/tempo-map.js");
 const { Playback } = await import("../src/playback/playback.js");
 const { EnabledSynthesizer, EnabledExternalMedia } = alphaTab.PlayerMode;
 const { Playing, Paused } = alphaTab.synth.PlayerState;
@@ -13,7 +14,7 @@ function transport({ ready = true, score = alphaTab.importer.ScoreLoader.loadAlp
   const messages = [];
   const notation = new EventTarget();
   const api = {
-    ...Object.fromEntries(["midiLoad", "preparationFailed", "playerReady", "playerStateChanged", "playerPositionChanged"].map((name) => [name, new Signal()])),
+    ...Object.fromEntries(["preparationFailed", "playerReady", "playerStateChanged", "playerPositionChanged"].map((name) => [name, new Signal()])),
     notation, score, isReadyForPlayback: ready, actualPlayerMode: EnabledSynthesizer, isLooping: false,
     player: { playbackRange: null }, synth: { setCountIn: (count) => calls.push(["countIn", count]) },
     backingTrackPlayer: { setLoop: (loop) => calls.push(["loop", loop]) },
@@ -23,8 +24,7 @@ function transport({ ready = true, score = alphaTab.importer.ScoreLoader.loadAlp
   };
   const playback = new Playback(api, (message) => messages.push(message));
   const load = () => {
-    const end = Object.assign(new alphaTab.midi.TempoChangeEvent(0, 500000), { tick: 40 * 960 });
-    api.midiLoad.trigger({ events: [new alphaTab.midi.TempoChangeEvent(0, 500000), end], division: 960, tickShift: 0 });
+    playback.use({ tempoMap: new TempoMap([], 40 * 960, 960), tickShift: 0, countIn: (tick) => ({ tick }), syncPoints: [] });
     notation.dispatchEvent(new Event("alphaTab.midiFileLoaded"));
   };
   if (score) {
@@ -145,7 +145,6 @@ test("a range is looped only while looping is on, and a stop goes to its beginni
 
 test("a count-in is prepared for starts and seeks of the synthesizer, and only where it is on", () => {
   const { playback, api, names } = transport();
-  playback.countWith((tick) => ({ tick }));
   playback.seekToTick(960);
   assert.equal(names("countIn").at(-1), null);
   playback.setCountIn(true);

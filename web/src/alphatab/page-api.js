@@ -37,7 +37,7 @@ export class PageApi extends alphaTab.AlphaTabApi {
    * @type {import("@coderline/alphatab").synth.BackingTrackSyncPoint[]} where the score's time lies in its backing
    *     track
    */
-  syncPoints = [];
+  #syncPoints = [];
   /** @type {Map<number, import("./track-channels.js").Channels>} what each track plays on, by its index */
   trackChannels = new Map();
   /** @type {SynthPlayer | null} the synthesizer made last */
@@ -139,6 +139,11 @@ export class PageApi extends alphaTab.AlphaTabApi {
     }
   }
 
+  /** @param {{ syncPoints: import("@coderline/alphatab").synth.BackingTrackSyncPoint[] }} built of the score prepared */
+  use({ syncPoints }) {
+    this.#syncPoints = syncPoints;
+  }
+
   /** Whether the score's backing track plays. */
   get playsBackingTrack() {
     return this.actualPlayerMode === alphaTab.PlayerMode.EnabledExternalMedia;
@@ -161,7 +166,7 @@ export class PageApi extends alphaTab.AlphaTabApi {
       backingTrack.playbackRate = this.playbackSpeed;
       backingTrack.masterVolume = this.masterVolume;
       media.handler = backingTrack;
-      player.updateSyncPoints(this.syncPoints);
+      player.updateSyncPoints(this.#syncPoints);
       player.timePosition = timePosition;
     }
   }

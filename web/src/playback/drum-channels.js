@@ -13,60 +13,37 @@ const percussionChannel = 9;
 /** The bank that holds the drum kit, as its two halves. */
 const kitBank = { coarse: 1, fine: 0 };
 
-export class DrumChannels {
-  /** @type {Map<number, number>} the channel of each track that was moved, by its index */
-  #moved = new Map();
-
-  #api;
-
-  /** @param {import("../alphatab/page-api.js").PageApi} api */
-  constructor(api) {
-    this.#api = api;
-    api.midiLoad.on((midi) => this.#separate(midi));
+/**
+ * @param {import("../shared/alphatab.js").MidiFile} midi is changed
+ * @returns {Map<number, number>} the channel of each track that was moved, by its index
+ */
+export function separateDrums(midi) {
+  /** @type {ChannelEvent[]} */
+  const events = midi.tracks[0].events;
+  const moved = chooseChannels(events);
+  if (moved.size === 0) {
+    return moved;
   }
-
-  /**
-   * @param {import("../shared/alphatab.js").Track} track
-   * @returns {number[]} every channel the track plays on
-   */
-  of(track) {
-    const moved = this.#moved.get(track.index);
-    if (moved !== undefined) {
-      return [moved];
+  const keys = new Set();
+  const kept = events.filter((event) => {
+    const channel = event.channel === percussionChannel ? moved.get(event.track) : undefined;
+    if (channel === undefined) {
+      return true;
     }
-    const { primaryChannel, secondaryChannel } = track.playbackInfo;
-    const { primary, secondary } = this.#api.trackChannels.get(track.index) ?? { primary: primaryChannel, secondary: secondaryChannel };
-    return [primary, secondary];
+    event.channel = channel;
+    if (event instanceof alphaTab.midi.NoteOnEvent) {
+      keys.add(event.noteKey);
+    }
+    return !choosesInstrument(event);
+  });
+  const setUp = [...moved].flatMap(([track, channel]) => chooseKit(track, channel));
+  // The synthesizer loads only the drums it finds on its percussion channel: each is named there once, unheard.
+  const named = [...keys].map((key) => new alphaTab.midi.NoteOnEvent(0, 0, percussionChannel, key, 0));
+  events.length = 0;
+  for (const event of [...setUp, ...named, ...kept]) {
+    events.push(event);
   }
-
-  /** @param {import("../shared/alphatab.js").MidiFile} midi the playback just generated */
-  #separate(midi) {
-    /** @type {ChannelEvent[]} */
-    const events = midi.tracks[0].events;
-    this.#moved = chooseChannels(events);
-    if (this.#moved.size === 0) {
-      return;
-    }
-    const keys = new Set();
-    const kept = events.filter((event) => {
-      const channel = event.channel === percussionChannel ? this.#moved.get(event.track) : undefined;
-      if (channel === undefined) {
-        return true;
-      }
-      event.channel = channel;
-      if (event instanceof alphaTab.midi.NoteOnEvent) {
-        keys.add(event.noteKey);
-      }
-      return !choosesInstrument(event);
-    });
-    const setUp = [...this.#moved].flatMap(([track, channel]) => chooseKit(track, channel));
-    // The synthesizer loads only the drums it finds on its percussion channel: each is named there once, unheard.
-    const named = [...keys].map((key) => new alphaTab.midi.NoteOnEvent(0, 0, percussionChannel, key, 0));
-    events.length = 0;
-    for (const event of [...setUp, ...named, ...kept]) {
-      events.push(event);
-    }
-  }
+  return moved;
 }
 
 /**

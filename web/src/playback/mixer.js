@@ -7,22 +7,26 @@
  */
 export class Mixer {
   #api;
-  #channels;
+  /** @type {Map<number, number[]>} what each track plays on, by its index */
+  #channels = new Map();
   #onSoloChanged;
   /** @type {Map<number, Strip>} */
   #strips = new Map();
 
   /**
    * @param {import("../alphatab/page-api.js").PageApi} api
-   * @param {import("./drum-channels.js").DrumChannels} channels
    * @param {(anySolo: boolean) => void} onSoloChanged
    */
-  constructor(api, channels, onSoloChanged) {
+  constructor(api, onSoloChanged) {
     this.#api = api;
-    this.#channels = channels;
     this.#onSoloChanged = onSoloChanged;
     // alphaTab sets volumes of its own right after it says that the player is ready, on the channels of the file.
     api.playerReady.on(() => queueMicrotask(() => this.#applyAll()));
+  }
+
+  /** @param {import("./build-playback.js").BuiltPlayback} built */
+  use({ channels }) {
+    this.#channels = channels;
   }
 
   leaveScore() {
@@ -88,7 +92,7 @@ export class Mixer {
    * @param {Strip} strip
    */
   #apply(track, strip) {
-    for (const channel of this.#channels.of(track)) {
+    for (const channel of this.#channels.get(track.index) ?? []) {
       this.#api.player?.setChannelMute(channel, strip.mute);
       this.#api.player?.setChannelSolo(channel, strip.solo);
       this.#api.player?.setChannelVolume(channel, strip.volume);

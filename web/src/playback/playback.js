@@ -49,7 +49,6 @@ export class Playback {
     this.#api = api;
     this.#post = post;
     this.#feed = new PositionFeed((position) => post({ type: "position", ...position }), () => performance.now());
-    api.midiLoad.on((midi) => this.#measure(midi));
     api.preparationFailed.on((reason) => this.#giveUp(reason));
     // Subscribed on the element: subscribing on the object requests from the player its last answer, which recurses for
     // ever.
@@ -107,12 +106,13 @@ export class Playback {
     return this.#speed;
   }
 
-  /**
-   * @param {(tick: number) => import("../synth/practice-synth.js").CountIn | null} countInAt what is counted before a
-   *     position
-   */
-  countWith(countInAt) {
-    this.#countInAt = countInAt;
+  /** @param {import("./build-playback.js").BuiltPlayback} built of the score that is about to be loaded */
+  use({ tempoMap, tickShift, countIn, syncPoints }) {
+    this.#tempoMap = tempoMap;
+    this.#tickShift = tickShift;
+    this.#countInAt = countIn;
+    this.#syncPoints = syncPoints;
+    this.#loopBackingTrack();
   }
 
   /** To be called before another score is handed to alphaTab. */
@@ -297,36 +297,6 @@ export class Playback {
     this.#tempoMap = new TempoMap([], 0, 960);
     this.#syncPoints = [];
     this.#post({ type: "error", message: this.#problem });
-  }
-
-  /** @param {import("../shared/alphatab.js").MidiFile} midi */
-  #measure(midi) {
-    /** @type {import("../timing/tempo-map.js").TempoChange[]} */
-    const changes = [];
-    const events = midi.events;
-    this.#tickShift = midi.tickShift;
-    for (const event of events) {
-      if (event instanceof alphaTab.midi.TempoChangeEvent) {
-        changes.push({ tick: event.tick, bpm: event.beatsPerMinute });
-      }
-    }
-    this.#tempoMap = new TempoMap(changes, events.length > 0 ? events[events.length - 1].tick : 0, midi.division);
-    this.#synchronize();
-  }
-
-  /** Finds the sync points of the score's backing track. A score without any runs together with it. */
-  #synchronize() {
-    const { score } = this.#api;
-    const { MidiFileGenerator } = alphaTab.midi;
-    const own = score ? MidiFileGenerator.generateSyncPoints(score) : [];
-    this.#syncPoints = score && own.length === 0 ? MidiFileGenerator.generateSyncPoints(score, true) : own;
-    for (const point of this.#syncPoints) {
-      // alphaTab counts whole milliseconds from point to point, which adds up.
-      point.synthTime = this.#tempoMap.msAt(point.synthTick + this.#tickShift);
-      point.syncTime = own.length > 0 ? point.syncTime : point.synthTime;
-    }
-    this.#api.syncPoints = this.#syncPoints;
-    this.#loopBackingTrack();
   }
 
   #onReady() {

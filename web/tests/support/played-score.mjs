@@ -10,6 +10,7 @@ export const { PracticeSynth } = await import("../../src/synth/practice-synth.js
 const { buildClickBank } = await import("../../src/clicks/click-bank.js");
 const { Metronome } = await import("../../src/metronome/metronome.js");
 const { Playback } = await import("../../src/playback/playback.js");
+const { providePlayback } = await import("../../src/playback/build-playback.js");
 const { playInOrder } = await import("../../src/alphatab/play-through.js");
 const { scoreOrder } = await import("../../src/playback/score-order.js");
 
@@ -48,6 +49,7 @@ export class PlayedScore {
     isReadyForPlayback: true,
     masterVolume: 1,
     playsBackingTrack: false,
+    trackChannels: new Map(),
     backingTrackPlayer: { setClicks: () => {}, setLoop: () => {} },
   };
 
@@ -63,8 +65,8 @@ export class PlayedScore {
     synth.stateChanged.on((event) => this.api.playerStateChanged.trigger(event));
     synth.positionChanged.on((event) => this.api.playerPositionChanged.trigger(event));
     this.playback = new Playback(this.api, (message) => this.messages.push(message));
-    this.metronome = new Metronome(this.api, this.playback);
-    this.playback.countWith((tick) => this.metronome.countInAt(tick));
+    this.metronome = new Metronome(this.api);
+    providePlayback(this.api, [this.playback, this.metronome]);
     const midi = new alphaTab.midi.MidiFile();
     const handler = new alphaTab.midi.AlphaSynthMidiFileHandler(midi);
     const generator = new alphaTab.midi.MidiFileGenerator(score, new alphaTab.Settings(), handler);
