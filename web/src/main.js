@@ -70,9 +70,14 @@ outputStatus.changed.on((working) => {
 });
 
 // What fails in a task of its own reaches nobody else.
-addEventListener("error", ({ message }) => post({ type: "error", message: `Something in the page failed (${message}).` }));
+addEventListener("error", ({ message }) =>
+  post({ type: "error", message: `Something in the page failed (${message}).` }),
+);
 addEventListener("unhandledrejection", ({ reason }) =>
-  post({ type: "error", message: `Something in the page failed (${reason instanceof Error ? reason.message : reason}).` }),
+  post({
+    type: "error",
+    message: `Something in the page failed (${reason instanceof Error ? reason.message : reason}).`,
+  }),
 );
 api.error.on((error) => {
   notice.endOpening();

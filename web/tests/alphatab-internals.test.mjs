@@ -10,7 +10,15 @@ const sources = new URL("../src/", import.meta.url);
 
 function synth() {
   const never = { on: () => () => {} };
-  const output = { sampleRate, ready: never, samplesPlayed: never, sampleRequest: never, open() {}, activate() {}, destroy() {} };
+  const output = {
+    sampleRate,
+    ready: never,
+    samplesPlayed: never,
+    sampleRequest: never,
+    open() {},
+    activate() {},
+    destroy() {},
+  };
   return new alphaTab.synth.AlphaSynth(output, 0);
 }
 
@@ -30,7 +38,9 @@ test("what is gone is named", () => {
 
 test("no other module reaches behind alphaTab's declarations", () => {
   const cast = /@type \{(?:any|unknown|Record<[^}]*>)\} \*\/ \((?:alphaTab\b|this[.)])/;
-  const found = readdirSync(sources, { recursive: true })
-    .filter((path) => path.endsWith(".js") && !path.includes("internals") && cast.test(readFileSync(new URL(path, sources), "utf8")));
+  const found = readdirSync(sources, { recursive: true }).filter(
+    (path) =>
+      path.endsWith(".js") && !path.includes("internals") && cast.test(readFileSync(new URL(path, sources), "utf8")),
+  );
   assert.deepEqual(found, []);
 });

@@ -21,7 +21,12 @@ globalThis.OfflineAudioContext = class {
     }
     const count = bytes.readUInt16LE(22);
     const samples = new Int16Array(buffer.slice(44));
-    const channels = Array.from({ length: count }, (_, channel) => Float32Array.from({ length: Math.floor(samples.length / count) }, (_, frame) => samples[frame * count + channel] / 32767));
+    const channels = Array.from({ length: count }, (_, channel) =>
+      Float32Array.from(
+        { length: Math.floor(samples.length / count) },
+        (_, frame) => samples[frame * count + channel] / 32767,
+      ),
+    );
     return { length: channels[0].length, numberOfChannels: count, getChannelData: (channel) => channels[channel] };
   }
 };
@@ -60,9 +65,17 @@ async function decoded(bytes, wanted = rate) {
     chunks.push(chunk);
   }
   assert.equal(Worker.running, 0);
-  assert.deepEqual(chunks.map(({ first }) => first), chunks.map((_, index) => index === 0));
-  assert.deepEqual(chunks.map(({ last }) => last), chunks.map((_, index) => index === chunks.length - 1));
-  const channels = chunks[0].blocks.map((_, channel) => Int16Array.from(chunks.flatMap(({ blocks }) => blocks[channel].flatMap((block) => [...block]))));
+  assert.deepEqual(
+    chunks.map(({ first }) => first),
+    chunks.map((_, index) => index === 0),
+  );
+  assert.deepEqual(
+    chunks.map(({ last }) => last),
+    chunks.map((_, index) => index === chunks.length - 1),
+  );
+  const channels = chunks[0].blocks.map((_, channel) =>
+    Int16Array.from(chunks.flatMap(({ blocks }) => blocks[channel].flatMap((block) => [...block]))),
+  );
   return { chunks, channels, onsets: chunks.flatMap((chunk) => [...chunk.onsets]) };
 }
 
@@ -78,7 +91,11 @@ test("a backing track comes out chunk by chunk as it is", async () => {
   assert.equal(channels.length, 1);
   assert.deepEqual(channels[0], played);
   assert.equal(onsets.length, beats.length);
-  assert.ok(chunks.every(({ blocks }) => blocks[0].every((block, index) => block.length === 65536 || index === blocks[0].length - 1)));
+  assert.ok(
+    chunks.every(({ blocks }) =>
+      blocks[0].every((block, index) => block.length === 65536 || index === blocks[0].length - 1),
+    ),
+  );
 });
 
 test("both channels come out as they are, and of more than two the first", async () => {
@@ -86,7 +103,10 @@ test("both channels come out as they are, and of more than two the first", async
   const { channels } = await decoded(wave({ data: bytesOf(stereo) }));
   assert.equal(channels.length, 2);
   for (const channel of [0, 1]) {
-    assert.deepEqual(channels[channel], stereo.filter((_, index) => index % 2 === channel).map((sample) => Math.max(sample, -32767)));
+    assert.deepEqual(
+      channels[channel],
+      stereo.filter((_, index) => index % 2 === channel).map((sample) => Math.max(sample, -32767)),
+    );
   }
   const many = await decoded(wave({ channels: 6, data: bytesOf(stereo) }));
   assert.equal(many.channels.length, 2);
@@ -96,7 +116,9 @@ test("a backing track of another rate is brought to the wanted one, with its bea
   const { channels, onsets } = await decoded(mono(played), 48000);
   assert.equal(channels[0].length, (played.length * 48000) / rate);
   assert.equal(onsets.length, beats.length);
-  onsets.forEach((frame, beat) => assert.ok(Math.abs(frame / 48000 - beats[beat]) < 0.001, `${frame / 48000} instead of ${beats[beat]}`));
+  onsets.forEach((frame, beat) =>
+    assert.ok(Math.abs(frame / 48000 - beats[beat]) < 0.001, `${frame / 48000} instead of ${beats[beat]}`),
+  );
 });
 
 test("chunks that nobody can decode are silent, and the rest is where it belongs", async () => {
@@ -108,9 +130,12 @@ test("chunks that nobody can decode are silent, and the rest is where it belongs
     const heard = onsets(channels[0]);
     assert.ok(heard.length > 40 && heard.length < beats.length);
     for (const at of heard) {
-      assert.ok(beats.some((beat) => Math.abs(beat * 1000 - at) < 1), String(at));
+      assert.ok(
+        beats.some((beat) => Math.abs(beat * 1000 - at) < 1),
+        String(at),
+      );
     }
-    }
+  }
 });
 
 test("what cannot be cut is decoded as a whole", async () => {

@@ -25,7 +25,12 @@ test("without a backing track nothing is opened; when one is about to play the a
   const [first, ...others] = told.filter((message) => !("latency" in message));
   assert.deepEqual(others, []);
   const { clicks, ticking: sounds, ...rest } = first;
-  assert.deepEqual(rest, { seek: { position: 300, generation: 1 }, speed: 0.5, loop: { from: 0, to: 500 }, playing: true });
+  assert.deepEqual(rest, {
+    seek: { position: 300, generation: 1 },
+    speed: 0.5,
+    loop: { from: 0, to: 500 },
+    playing: true,
+  });
   assert.deepEqual([...clicks.times, ...clicks.levels], [500, 1]);
   assert.equal(sounds.levels, 2);
   assert.ok(sounds.first.some((sample) => sample !== 0) && sounds.others.some((sample) => sample !== 0));
@@ -35,7 +40,10 @@ test("without a backing track nothing is opened; when one is about to play the a
   assert.equal(told.length, before);
   player.setTicking({ ...ticking, levels: 1 });
   player.setTicking({ ...ticking, levels: 1, accent: false });
-  assert.deepEqual(told.slice(before).map((message) => message.ticking.levels), [1, 1]);
+  assert.deepEqual(
+    told.slice(before).map((message) => message.ticking.levels),
+    [1, 1],
+  );
 });
 
 test("a volume set while nothing plays holds from the first sample on, and one set while it plays does not click", () => {

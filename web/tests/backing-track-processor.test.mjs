@@ -7,7 +7,10 @@ import { watchCollections } from "./support/collections.mjs";
 import { levels, onsets, sampleRate, sharpest, sound, strokes } from "./support/sounds.mjs";
 
 const beats = Array.from({ length: 16 }, (_, beat) => 0.5 + 0.5 * beat);
-const clicks = { times: Float64Array.from(beats, (beat) => beat * 1000), levels: Uint8Array.from(beats, (_, beat) => (beat % 4 === 0 ? 0 : 1)) };
+const clicks = {
+  times: Float64Array.from(beats, (beat) => beat * 1000),
+  levels: Uint8Array.from(beats, (_, beat) => (beat % 4 === 0 ? 0 : 1)),
+};
 const click = Float32Array.of(0.5, 0.4, 0.3, 0.2, 0.1);
 const tone = sound(9, (t) => 0.5 * Math.sin(2 * Math.PI * 220 * t));
 
@@ -23,12 +26,24 @@ test("clicks and strokes are one, at any speed and from pass to pass of a loop",
   for (const speed of [0.25, 0.5, 1, 2]) {
     const loop = { from: 1000, to: 3000 };
     // The strokes come from the left alone, the clicks from both sides.
-    const thread = loaded(strokes(9, beats), { speed, loop, clicks, ticking: { levels: 2, first: click, others: click }, seek: { position: 900, generation: 1 } });
+    const thread = loaded(strokes(9, beats), {
+      speed,
+      loop,
+      clicks,
+      ticking: { levels: 2, first: click, others: click },
+      seek: { position: 900, generation: 1 },
+    });
     thread.post({ playing: true });
     const [left] = thread.render(7.8 / speed);
     const wanted = Array.from({ length: 16 }, (_, beat) => (100 + 500 * beat) / speed);
     assert.deepEqual(onsets(left).map(Math.round), wanted.map(Math.round));
-    const silent = loaded(new Int16Array(9 * sampleRate), { speed, loop, clicks, ticking: { levels: 2, first: click, others: click }, seek: { position: 900, generation: 1 } });
+    const silent = loaded(new Int16Array(9 * sampleRate), {
+      speed,
+      loop,
+      clicks,
+      ticking: { levels: 2, first: click, others: click },
+      seek: { position: 900, generation: 1 },
+    });
     silent.post({ playing: true });
     const ticks = onsets(silent.render(7.8 / speed)[0]);
     assert.equal(ticks.length, wanted.length);
@@ -47,7 +62,11 @@ test("what was asked for before the backing track came counts", () => {
 });
 
 test("the presented position is reported, through changes of speed and loops", () => {
-  const thread = loaded(tone, { latency: 0.05, loop: { from: 1000, to: 2000 }, seek: { position: 1000, generation: 1 } });
+  const thread = loaded(tone, {
+    latency: 0.05,
+    loop: { from: 1000, to: 2000 },
+    seek: { position: 1000, generation: 1 },
+  });
   thread.post({ playing: true });
   thread.render(0.5);
   thread.post({ speed: 0.5 });
@@ -60,7 +79,10 @@ test("the presented position is reported, through changes of speed and loops", (
 });
 
 test("the end is reported when it is presented", () => {
-  const thread = loaded(sound(1, () => 0.5), { latency: 0.1 });
+  const thread = loaded(
+    sound(1, () => 0.5),
+    { latency: 0.1 },
+  );
   thread.post({ playing: true });
   thread.render(1.05);
   assert.ok(thread.reports.every(({ ended }) => !ended));
@@ -72,7 +94,14 @@ test("the end is reported when it is presented", () => {
 
 test("a pause, a start, a seek and a new backing track do not click", () => {
   const thread = loaded(tone);
-  const actions = [{ playing: true }, { seek: { position: 3003, generation: 2 } }, { playing: false }, { playing: true }, { seek: { position: 1.7, generation: 3 } }, { sound: null }];
+  const actions = [
+    { playing: true },
+    { seek: { position: 3003, generation: 2 } },
+    { playing: false },
+    { playing: true },
+    { seek: { position: 1.7, generation: 3 } },
+    { sound: null },
+  ];
   const chunks = actions.map((action) => {
     thread.post(action);
     return thread.render(0.1)[0];
@@ -98,7 +127,13 @@ test("a backing track is played while it is still being decoded, and waited for 
   const { length } = thread.reports;
   thread.add([tone.slice(2 * block)], { last: true });
   const [, right] = thread.render(0.2);
-  assert.deepEqual(right.subarray(64), Float32Array.from(tone.subarray(5 * sampleRate + 64, 5 * sampleRate + right.length), (sample) => sample / fullScale));
+  assert.deepEqual(
+    right.subarray(64),
+    Float32Array.from(
+      tone.subarray(5 * sampleRate + 64, 5 * sampleRate + right.length),
+      (sample) => sample / fullScale,
+    ),
+  );
   assert.ok(thread.reports[length].position < 5100);
 });
 
@@ -132,11 +167,14 @@ test("onsets that come with a later chunk are kept in time", () => {
   rendered.push(thread.render(17)[0]);
   const heard = onsets(Float32Array.from(rendered.flatMap((chunk) => [...chunk])));
   assert.equal(heard.length, beats.length);
-  heard.forEach((at, beat) => assert.ok(Math.abs(at - 2000 * beats[beat]) < 0.3, `${at} instead of ${2000 * beats[beat]}`));
+  heard.forEach((at, beat) =>
+    assert.ok(Math.abs(at - 2000 * beats[beat]) < 0.3, `${at} instead of ${2000 * beats[beat]}`),
+  );
 });
 
 test("the memory of a backing track is given back when it is not played any more", () => {
-  const bytes = (thread) => thread.reports.flatMap(({ memory }) => memory ?? []).reduce((sum, { byteLength }) => sum + byteLength, 0);
+  const bytes = (thread) =>
+    thread.reports.flatMap(({ memory }) => memory ?? []).reduce((sum, { byteLength }) => sum + byteLength, 0);
   const thread = loaded(tone);
   thread.post({ playing: true });
   thread.render(0.5);

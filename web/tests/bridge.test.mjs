@@ -36,7 +36,10 @@ test("messages posted before the channel stands arrive in order", () => {
   assert.deepEqual(received, []);
   open();
   post({ type: "rendered" });
-  assert.deepEqual(received.map((message) => message.type), ["ready", "state", "rendered"]);
+  assert.deepEqual(
+    received.map((message) => message.type),
+    ["ready", "state", "rendered"],
+  );
 });
 
 test("what the page reports to its host arrives like a message, and is none", () => {

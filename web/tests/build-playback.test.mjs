@@ -15,7 +15,11 @@ function drums(count) {
 
 function generated(score) {
   const midi = new alphaTab.midi.MidiFile();
-  const generator = new alphaTab.midi.MidiFileGenerator(score, new alphaTab.Settings(), new alphaTab.midi.AlphaSynthMidiFileHandler(midi));
+  const generator = new alphaTab.midi.MidiFileGenerator(
+    score,
+    new alphaTab.Settings(),
+    new alphaTab.midi.AlphaSynthMidiFileHandler(midi),
+  );
   generator.generate();
   return { midi, bars: generator.tickLookup.masterBars, trackChannels: new Map() };
 }
@@ -26,7 +30,10 @@ test("a score's times, clicks and count-in come from one step", () => {
   assert.equal(built.clicks.pattern.length, 28);
   assert.equal(built.clicks.pattern.filter(({ level }) => level === 0).length, 2);
   const [first, second] = [0, 3840].map((tick) => built.countIn(tick));
-  assert.deepEqual([first.beats, Math.round(first.beatLength), second.beats, Math.round(second.beatLength)], [4, 500, 3, 1000]);
+  assert.deepEqual(
+    [first.beats, Math.round(first.beatLength), second.beats, Math.round(second.beatLength)],
+    [4, 500, 3, 1000],
+  );
   assert.ok(Math.abs(built.syncPoints.at(-1).synthTime - built.tempoMap.endMs) < 1);
 });
 
@@ -34,10 +41,16 @@ test("the clicks lie on channels above all others, in time with the notes, and e
   const { midi, clicks } = buildPlayback(scoreOf(`${bar} ${bar}`), generated);
   const notes = midi.events.filter((event) => event instanceof alphaTab.midi.NoteOnEvent);
   const own = notes.filter(({ channel }) => channel >= clicks.firstChannel);
-  assert.deepEqual(own.map(({ tick }) => tick), clicks.pattern.map(({ tick }) => tick));
+  assert.deepEqual(
+    own.map(({ tick }) => tick),
+    clicks.pattern.map(({ tick }) => tick),
+  );
   assert.ok(notes.filter((note) => !own.includes(note)).every(({ channel }) => channel < clicks.firstChannel));
   const ticks = midi.tracks[0].events.map(({ tick }) => tick);
-  assert.deepEqual(ticks, [...ticks].sort((one, other) => one - other));
+  assert.deepEqual(
+    ticks,
+    [...ticks].sort((one, other) => one - other),
+  );
 });
 
 test("each track plays on channels that no other plays on, drums too, and clicks on none of them", () => {
@@ -45,13 +58,22 @@ test("each track plays on channels that no other plays on, drums too, and clicks
   const [one, two] = [channels.get(0), channels.get(1)];
   assert.equal(one.filter((channel) => two.includes(channel)).length, 0);
   assert.ok([...one, ...two].every((channel) => channel < clicks.firstChannel));
-  const played = midi.events.filter((event) => event instanceof alphaTab.midi.NoteOnEvent && event.noteVelocity > 0 && event.channel < clicks.firstChannel);
+  const played = midi.events.filter(
+    (event) =>
+      event instanceof alphaTab.midi.NoteOnEvent && event.noteVelocity > 0 && event.channel < clicks.firstChannel,
+  );
   assert.equal(played.filter(({ channel }) => two.includes(channel)).length, 4);
 });
 
 test("building again gives the same", () => {
   const score = scoreOf(`${bar} ${bar}`);
-  const facts = ({ tempoMap, channels, clicks, countIn, midi }) => [tempoMap.endMs, [...channels], clicks, countIn(960), midi.events.length];
+  const facts = ({ tempoMap, channels, clicks, countIn, midi }) => [
+    tempoMap.endMs,
+    [...channels],
+    clicks,
+    countIn(960),
+    midi.events.length,
+  ];
   assert.deepEqual(facts(buildPlayback(score, generated)), facts(buildPlayback(score, generated)));
 });
 
@@ -60,9 +82,20 @@ test("everybody gets the same value, in whatever order", () => {
   const { midi, bars } = generated(score);
   const received = [];
   let load;
-  const api = { score, tickCache: { masterBars: bars }, trackChannels: new Map(), midiLoad: { on: (receive) => (load = receive) } };
-  providePlayback(api, [1, 2, 3].map((user) => ({ use: (built) => received.push([user, built]) })));
+  const api = {
+    score,
+    tickCache: { masterBars: bars },
+    trackChannels: new Map(),
+    midiLoad: { on: (receive) => (load = receive) },
+  };
+  providePlayback(
+    api,
+    [1, 2, 3].map((user) => ({ use: (built) => received.push([user, built]) })),
+  );
   load(midi);
-  assert.deepEqual(received.map(([user]) => user), [1, 2, 3]);
+  assert.deepEqual(
+    received.map(([user]) => user),
+    [1, 2, 3],
+  );
   assert.ok(received.every(([, built]) => built === received[0][1] && built.midi === midi));
 });

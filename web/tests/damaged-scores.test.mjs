@@ -25,7 +25,9 @@ class Tester {
   #answer = () => {};
 
   async #start() {
-    const worker = new Worker(new URL("./support/damage-worker.mjs", import.meta.url), { resourceLimits: { maxOldGenerationSizeMb: memoryMb } });
+    const worker = new Worker(new URL("./support/damage-worker.mjs", import.meta.url), {
+      resourceLimits: { maxOldGenerationSizeMb: memoryMb },
+    });
     worker.on("message", (report) => this.#answer(report));
     worker.on("error", (error) => this.#answer({ fatal: error.code ?? error.message }));
     this.#worker = worker;
@@ -57,7 +59,9 @@ class Tester {
 
 const settings = new alphaTab.Settings();
 const made = (version) => makeGuitarPro(version, song);
-const gpif = unzip(exportGuitarPro(readScore(made(5), settings).score, settings))["Content/score.gpif"].toString("utf8");
+const gpif = unzip(exportGuitarPro(readScore(made(5), settings).score, settings))["Content/score.gpif"].toString(
+  "utf8",
+);
 const asZip = (xml) => new Uint8Array(zip({ "Content/score.gpif": Buffer.from(xml) }));
 
 /** @type {Record<string, (random: () => number) => Uint8Array>} */
@@ -73,14 +77,20 @@ test("the files are read while they are whole", () => {
     const { score } = readScore(bytes, settings);
     assert.equal(score.title, "Made for tests");
     assert.equal(score.masterBars.length, 5);
-    assert.equal(score.tracks[0].staves[0].bars[1].voices[0].beats.filter(({ graceType }) => graceType === 0).length, 5);
+    assert.equal(
+      score.tracks[0].staves[0].bars[1].voices[0].beats.filter(({ graceType }) => graceType === 0).length,
+      5,
+    );
   }
 });
 
 test("files without bars or tracks have no music in them", () => {
   for (const version of [3, 4, 5]) {
     for (const part of [{ bars: [] }, { tracks: [] }]) {
-      assert.match(readScore(makeGuitarPro(version, { ...song, ...part }), settings).problem, /^The score (has no music in it|file is damaged .*)\.$/);
+      assert.match(
+        readScore(makeGuitarPro(version, { ...song, ...part }), settings).problem,
+        /^The score (has no music in it|file is damaged .*)\.$/,
+      );
     }
   }
 });
@@ -92,7 +102,8 @@ for (const [name, damage] of Object.entries(kinds)) {
     const tally = {};
     for (let seed = 1; seed <= count; seed++) {
       const report = await tester.try(damage(randomFrom(seed)));
-      const outcome = report.fatal ?? Object.entries(report.thrown ?? {})[0]?.join(": ") ?? (report.problem ? "refused" : "shown");
+      const outcome =
+        report.fatal ?? Object.entries(report.thrown ?? {})[0]?.join(": ") ?? (report.problem ? "refused" : "shown");
       tally[outcome] = (tally[outcome] ?? 0) + 1;
       const slow = ["read", "play", "draw", "write"].filter((step) => report[step] > longest / 4);
       if (report.fatal || slow.length > 0) {

@@ -41,7 +41,10 @@ test("names are upright while they are shorter than their staves are high, and l
   const orientation = (names, music = "{score} c4") => {
     const score = read(names.map((name) => `\\track "${name}" \\staff ${music}`).join(" "));
     score.stylesheet.firstSystemTrackNameMode = alphaTab.model.TrackNameMode.FullName;
-    arrangeStaffNames(score, names.map((_, index) => index));
+    arrangeStaffNames(
+      score,
+      names.map((_, index) => index),
+    );
     return score.stylesheet.firstSystemTrackNameOrientation;
   };
   assert.equal(orientation(["Piano", "Harp"]), Vertical);

@@ -49,7 +49,8 @@ for (const version of [3, 4, 5]) {
 }
 
 test("everything that our notation has", () => {
-  const score = texScore(`\\title "All" \\subtitle "of it" \\artist "A" \\album "B" \\words "C" \\music "D" \\copyright "E" \\tempo 90
+  const score =
+    texScore(`\\title "All" \\subtitle "of it" \\artist "A" \\album "B" \\words "C" \\music "D" \\copyright "E" \\tempo 90
     \\track "Lead" "ld" \\staff {tabs} \\tuning e4 b3 g3 d3 a2 d2 \\capo 2 \\instrument 29
     \\chord "Am" 0 1 2 2 0 x \\ts 4 4 \\ks g \\section "A" "Intro" \\ro
     :8 3.3{h} 5.3 7.3{b (0 4)} 7.3{b (0 4 0)} 5.3{v} 5.3{pm} x.3 5.3{g} |
@@ -64,8 +65,20 @@ test("a backing track and where it belongs", () => {
   const score = texScore("\\tempo 100 \\ro c4.1 | \\rc 2 d4.1 | e4.1");
   score.backingTrack = new alphaTab.model.BackingTrack();
   score.backingTrack.rawAudioFile = Uint8Array.from({ length: 70000 }, (_, index) => (index * 7919) >> 5);
-  const points = [[0, 0, 250], [1, 0, 2600], [0, 1, 5100], [2, 0, 9900]];
-  score.applyFlatSyncPoints(points.map(([barIndex, barOccurence, millisecondOffset]) => ({ barIndex, barOccurence, barPosition: 0, millisecondOffset })));
+  const points = [
+    [0, 0, 250],
+    [1, 0, 2600],
+    [0, 1, 5100],
+    [2, 0, 9900],
+  ];
+  score.applyFlatSyncPoints(
+    points.map(([barIndex, barOccurence, millisecondOffset]) => ({
+      barIndex,
+      barOccurence,
+      barPosition: 0,
+      millisecondOffset,
+    })),
+  );
   const again = written(score);
   assert.deepEqual(again.backingTrack.rawAudioFile, score.backingTrack.rawAudioFile);
   assert.deepEqual(lost(score), {});
@@ -74,7 +87,12 @@ test("a backing track and where it belongs", () => {
 test("drums keep their sounds", () => {
   const drums = Array.from({ length: 40 }, (_, index) => 35 + index);
   const bars = drums.map((fret) => [{ length: -2, notes: { 0: { fret } } }]);
-  const score = read(makeGuitarPro(5, { bars: drums.map(() => ({ metre: [4, 4] })), tracks: [{ name: "Drums", drums: true, tuning: [0, 0, 0, 0, 0, 0], bars }] }));
+  const score = read(
+    makeGuitarPro(5, {
+      bars: drums.map(() => ({ metre: [4, 4] })),
+      tracks: [{ name: "Drums", drums: true, tuning: [0, 0, 0, 0, 0, 0], bars }],
+    }),
+  );
   assert.deepEqual(unexpected(lost(score)), {});
   assert.equal(new Set(factsOf(written(score)).notes.map((note) => /drum \d+/.exec(note)[0])).size, 40);
 });
@@ -86,33 +104,89 @@ test("a bar that is shorter than its metre in the midst of a score lasts as long
   const { metres, ...others } = lost(score);
   assert.deepEqual(others, {});
   assert.equal(metres.missing.length, 2);
-  assert.deepEqual(written(score).masterBars.map((bar) => bar.calculateDuration()), [3840, 2880, 960, 3840]);
+  assert.deepEqual(
+    written(score).masterBars.map((bar) => bar.calculateDuration()),
+    [3840, 2880, 960, 3840],
+  );
 });
 
 test("voices are counted from one in each staff, and what is too much is written with the fourth", () => {
-  const types = { 1: "<type>eighth</type>", 2: "<type>quarter</type>", 3: "<type>quarter</type><dot/>", 4: "<type>half</type>", 6: "<type>half</type><dot/>", 8: "<type>whole</type>" };
-  const voice = (number, notes) => notes.map(([step, octave, duration]) =>
-    `<note><pitch><step>${step}</step><octave>${octave}</octave></pitch><duration>${duration}</duration><voice>${number}</voice>${types[duration]}</note>`).join("") + "<backup><duration>8</duration></backup>";
-  const voices = [[["C", 6, 8]], [["C", 5, 8]], [["C", 4, 8]], [["C", 3, 2], ["D", 3, 6]], [["E", 2, 4], ["G", 2, 3], ["A", 2, 1]], [["B", 1, 1], ["C", 2, 1], ["D", 2, 6]]];
+  const types = {
+    1: "<type>eighth</type>",
+    2: "<type>quarter</type>",
+    3: "<type>quarter</type><dot/>",
+    4: "<type>half</type>",
+    6: "<type>half</type><dot/>",
+    8: "<type>whole</type>",
+  };
+  const voice = (number, notes) =>
+    notes
+      .map(
+        ([step, octave, duration]) =>
+          `<note><pitch><step>${step}</step><octave>${octave}</octave></pitch><duration>${duration}</duration><voice>${number}</voice>${types[duration]}</note>`,
+      )
+      .join("") + "<backup><duration>8</duration></backup>";
+  const voices = [
+    [["C", 6, 8]],
+    [["C", 5, 8]],
+    [["C", 4, 8]],
+    [
+      ["C", 3, 2],
+      ["D", 3, 6],
+    ],
+    [
+      ["E", 2, 4],
+      ["G", 2, 3],
+      ["A", 2, 1],
+    ],
+    [
+      ["B", 1, 1],
+      ["C", 2, 1],
+      ["D", 2, 6],
+    ],
+  ];
   const bar = (numbers) => `<measure>${numbers.map((number) => voice(number + 1, voices[number])).join("")}</measure>`;
-  const xml = `<score-partwise><part-list><score-part id="P"><part-name>P</part-name></score-part></part-list><part id="P">${[[0, 1, 2, 3, 4, 5], [4], [1, 5]].map(bar).join("")
-    .replace("<measure>", "<measure><attributes><divisions>2</divisions><time><beats>4</beats><beat-type>4</beat-type></time></attributes>")}</part></score-partwise>`;
+  const xml = `<score-partwise><part-list><score-part id="P"><part-name>P</part-name></score-part></part-list><part id="P">${[
+    [0, 1, 2, 3, 4, 5],
+    [4],
+    [1, 5],
+  ]
+    .map(bar)
+    .join("")
+    .replace(
+      "<measure>",
+      "<measure><attributes><divisions>2</divisions><time><beats>4</beats><beat-type>4</beat-type></time></attributes>",
+    )}</part></score-partwise>`;
   const score = read(new TextEncoder().encode(xml));
   assert.ok(Math.max(...score.tracks[0].staves[0].bars.map(({ voices: { length } }) => length)) > 4);
   const again = written(score);
-  assert.deepEqual(again.tracks[0].staves[0].bars.map(({ voices: { length } }) => length), [4, 4, 4]);
+  assert.deepEqual(
+    again.tracks[0].staves[0].bars.map(({ voices: { length } }) => length),
+    [4, 4, 4],
+  );
   assert.deepEqual(factsOf(again).playing, factsOf(score).playing);
 });
 
 test("the voices of bars keep their places where they can", () => {
   const used = (...voices) => Array.from({ length: 7 }, (_, voice) => voices.includes(voice));
-  assert.deepEqual(chooseVoices([used(0, 2), used(1)]), [[0, 1, 2, 3], [0, 1, 2, 3]]);
-  assert.deepEqual(chooseVoices([used(4), used(4, 5)]), [[4, 5], [4, 5]]);
+  assert.deepEqual(chooseVoices([used(0, 2), used(1)]), [
+    [0, 1, 2, 3],
+    [0, 1, 2, 3],
+  ]);
+  assert.deepEqual(chooseVoices([used(4), used(4, 5)]), [
+    [4, 5],
+    [4, 5],
+  ]);
   assert.deepEqual(chooseVoices([used(0, 1, 4), used(2, 5), used()]), [[0, 1, 4], [2, 5], [0]]);
 });
 
 test("bends are folded to an origin, a plateau and a destination", () => {
-  const fold = (text) => foldBend(text.split(" ").map((point) => ({ offset: Number(point.split(":")[0]), value: Number(point.split(":")[1]) }))).map(({ offset, value }) => `${offset}:${value}`).join(" ");
+  const fold = (text) =>
+    foldBend(
+      text.split(" ").map((point) => ({ offset: Number(point.split(":")[0]), value: Number(point.split(":")[1]) })),
+    )
+      .map(({ offset, value }) => `${offset}:${value}`)
+      .join(" ");
   assert.equal(fold("0:0 60:4"), "0:0 60:4");
   assert.equal(fold("0:0 15:4 30:4 45:4 60:0"), "0:0 15:4 45:4 60:0");
   assert.equal(fold("0:0 15:2 30:2 45:0 60:0"), "0:0 15:2 30:2 45:0");
@@ -132,19 +206,27 @@ test("lengths are written as note values", () => {
   assert.deepEqual(values(2400), [1920, 480]);
   assert.deepEqual(values(7), []);
   for (let ticks = 15; ticks <= 3840; ticks += 15) {
-    assert.equal(values(ticks).reduce((sum, length) => sum + length, 0), ticks);
+    assert.equal(
+      values(ticks).reduce((sum, length) => sum + length, 0),
+      ticks,
+    );
   }
 });
 
 const samples = process.env.QUAVERLY_SAMPLES ?? "";
 const exceptions = {
-  "canon.gp5": ["bends"], "effects.gp3": ["bends"], "effects.gp4": ["bends", "whammy"],
+  "canon.gp5": ["bends"],
+  "effects.gp3": ["bends"],
+  "effects.gp4": ["bends", "whammy"],
 };
 const sampleFiles = existsSync(samples) ? readdirSync(samples).filter((name) => /\.gp.?$/.test(name)) : [];
 for (const name of sampleFiles) {
   test(`nothing is lost of ${name}`, () => {
     const found = unexpected(lost(read(new Uint8Array(readFileSync(join(samples, name))))));
-    assert.deepEqual(Object.keys(found).filter((kind) => !(exceptions[name] ?? []).includes(kind)), []);
+    assert.deepEqual(
+      Object.keys(found).filter((kind) => !(exceptions[name] ?? []).includes(kind)),
+      [],
+    );
     assert.ok((found.bends?.missing.length ?? 0) <= 5);
   });
 }

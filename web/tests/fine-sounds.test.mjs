@@ -24,8 +24,16 @@ function rectangle(half, level) {
 /** @param {{ keys?: [number, number], velocities?: [number, number], wave: ReturnType<typeof rectangle> }[]} parts */
 function sound(parts, program = 25) {
   return {
-    name: "Hand-made", bank: 0, program,
-    zones: parts.map(({ keys = everyKey, velocities = everyKey, wave }, sample) => ({ keys, velocities, sample, loop: wave.loop, generators: [[generator.modes, 1]] })),
+    name: "Hand-made",
+    bank: 0,
+    program,
+    zones: parts.map(({ keys = everyKey, velocities = everyKey, wave }, sample) => ({
+      keys,
+      velocities,
+      sample,
+      loop: wave.loop,
+      generators: [[generator.modes, 1]],
+    })),
     samples: parts.map(({ wave: { samples, rate, root, correction } }) => ({ samples, rate, root, correction })),
   };
 }
@@ -49,12 +57,16 @@ function replace(played, replacement) {
 const longNote = "\\tempo 120 \\instrument 25 . C4.1 | C4.1 |";
 const peak = (sound) => sound.reduce((most, one) => Math.max(most, Math.abs(one)), 0);
 /** How often it crosses zero upwards, a second. */
-const pitch = (sound) => (sound.reduce((sum, one, at) => sum + (at > 0 && sound[at - 1] < 0 && one >= 0), 0) * sampleRate) / sound.length;
+const pitch = (sound) =>
+  (sound.reduce((sum, one, at) => sum + (at > 0 && sound[at - 1] < 0 && one >= 0), 0) * sampleRate) / sound.length;
 
 test("what the score plays is told with its notes", () => {
   const { program, softest } = soundOf(playedScore(longNote));
   assert.equal(program, 25);
-  assert.deepEqual([...softest.keys()].filter((key) => softest[key] > 0), [60]);
+  assert.deepEqual(
+    [...softest.keys()].filter((key) => softest[key] > 0),
+    [60],
+  );
 });
 
 test("a loop is exact to the sample, for as long as the note lasts", () => {
@@ -69,7 +81,12 @@ test("a loop is exact to the sample, for as long as the note lasts", () => {
 });
 
 test("root, rate and correction of a sample tune it", () => {
-  for (const [change, expected] of [[{}, 400], [{ root: 48 }, 800], [{ rate: sampleRate / 2 }, 200], [{ correction: 100 }, 400 * 2 ** (1 / 12)]]) {
+  for (const [change, expected] of [
+    [{}, 400],
+    [{ root: 48 }, 800],
+    [{ rate: sampleRate / 2 }, 200],
+    [{ correction: 100 }, 400 * 2 ** (1 / 12)],
+  ]) {
     const played = playedScore(longNote);
     replace(played, sound([{ wave: { ...rectangle(60, 8000), ...change } }]));
     played.playback.playPause();
@@ -80,7 +97,10 @@ test("root, rate and correction of a sample tune it", () => {
 
 test("a note sounds from the zone of its key", () => {
   const played = playedScore("\\tempo 120 \\instrument 25 . C4.2 C5.2 |");
-  const parts = [{ keys: [0, 65], wave: rectangle(60, 8000) }, { keys: [66, 127], wave: { ...rectangle(30, 8000), root: 72 } }];
+  const parts = [
+    { keys: [0, 65], wave: rectangle(60, 8000) },
+    { keys: [66, 127], wave: { ...rectangle(30, 8000), root: 72 } },
+  ];
   replace(played, sound(parts));
   played.playback.playPause();
   assert.ok(Math.abs(pitch(played.render(0.9)) - 400) < 2);
@@ -90,7 +110,13 @@ test("a note sounds from the zone of its key", () => {
 
 test("a key that the sound does not have keeps the light one", () => {
   const [plain, changed] = [playedScore(longNote), playedScore(longNote)];
-  replace(changed, sound([{ keys: [0, 59], wave: rectangle(60, 8000) }, { keys: [61, 127], wave: rectangle(60, 8000) }]));
+  replace(
+    changed,
+    sound([
+      { keys: [0, 59], wave: rectangle(60, 8000) },
+      { keys: [61, 127], wave: rectangle(60, 8000) },
+    ]),
+  );
   [plain, changed].forEach(({ playback }) => playback.playPause());
   assert.deepEqual(changed.render(1), plain.render(1));
 });
@@ -102,7 +128,10 @@ test("only the zones that are played from are wanted", () => {
     { keys: [60, 64], velocities: [41, 127], wave: rectangle(60, 1) },
     { keys: [61, 127], wave: rectangle(60, 1) },
   ]).zones;
-  assert.deepEqual(zonesFor(zones, soundOf(playedScore(longNote))).map(({ sample }) => sample), [2]);
+  assert.deepEqual(
+    zonesFor(zones, soundOf(playedScore(longNote))).map(({ sample }) => sample),
+    [2],
+  );
 });
 
 test("a replacement while music plays is heard from the next note on, and breaks nothing", () => {
@@ -151,7 +180,10 @@ test("the metronome clicks on", () => {
   };
   const plain = click(() => {});
   assert.ok(peak(plain) > 0.1);
-  assert.deepEqual(click((played) => replace(played, sound([{ wave: rectangle(60, 8000) }]))), plain);
+  assert.deepEqual(
+    click((played) => replace(played, sound([{ wave: rectangle(60, 8000) }]))),
+    plain,
+  );
 });
 
 test("a sound that comes late is not put among those of the next score", () => {

@@ -50,7 +50,10 @@ test("a note that sounds on keeps its string for itself", () => {
 
 test("of two notes that one string alone can play, one is left out", () => {
   const placements = chooseFingering(line([40, 41]), tuning);
-  assert.deepEqual(placements.filter((placement) => placement !== null).map(({ string }) => string), [5]);
+  assert.deepEqual(
+    placements.filter((placement) => placement !== null).map(({ string }) => string),
+    [5],
+  );
   // And what comes after is not.
   assert.ok(chooseFingering(line([40, 41], 60), tuning)[2]);
 });
@@ -92,7 +95,9 @@ function spanOf({ beat }) {
   return { start, end: start + beat.playbackDuration * faster };
 }
 
-const samples = ["canon.gp5", "serenade.gp", "effects.gp4"].map((name) => join(process.env.QUAVERLY_SAMPLES ?? "", name));
+const samples = ["canon.gp5", "serenade.gp", "effects.gp4"].map((name) =>
+  join(process.env.QUAVERLY_SAMPLES ?? "", name),
+);
 const present = samples.filter((file) => existsSync(file));
 
 test("for pieces that guitarists wrote down, chords can be gripped, keys stay, and the hand moves less than theirs", (t) => {

@@ -34,8 +34,15 @@ test("MusicXML in two-byte characters is MusicXML", () => {
 });
 
 test("anything else is no score, alphaTab's own text language included", () => {
-  for (const text of ["", "Just a letter.", '\\title "Sneaky"\n.\n3.3 4.3', "<html><body>score-partwise</body></html>",
-    "see <score-partwise> for details", "%PDF-1.7", "MThd\0\0\0\x06"]) {
+  for (const text of [
+    "",
+    "Just a letter.",
+    '\\title "Sneaky"\n.\n3.3 4.3',
+    "<html><body>score-partwise</body></html>",
+    "see <score-partwise> for details",
+    "%PDF-1.7",
+    "MThd\0\0\0\x06",
+  ]) {
     assert.equal(detectFormat(bytes(text)), null, JSON.stringify(text));
   }
 });

@@ -14,7 +14,9 @@ const settings = new alphaTab.Settings();
 const limit = 1 << 24;
 
 const archives = { "a file of ours": join(process.env.QUAVERLY_SCORES, "ferry.gp") };
-for (const name of ["canon-audio-track.gp", "serenade.gp"].map((file) => join(process.env.QUAVERLY_SAMPLES ?? "", file)).filter(existsSync)) {
+for (const name of ["canon-audio-track.gp", "serenade.gp"]
+  .map((file) => join(process.env.QUAVERLY_SAMPLES ?? "", file))
+  .filter(existsSync)) {
   archives[name] = name;
 }
 for (const [title, file] of Object.entries(archives)) {
@@ -30,7 +32,17 @@ for (const [title, file] of Object.entries(archives)) {
 const archive = (gpif, others = {}) => new Uint8Array(zip({ "Content/score.gpif": Buffer.from(gpif), ...others }));
 
 test("what alphaTab does not read is left out, and an archive without a score is none", () => {
-  const files = unzip(withEnd(repackGp(archive("<GPIF></GPIF>", { "Content/Preferences.json": Buffer.alloc(5000), "Content/Assets/a.mp3": Buffer.alloc(70) }), limit)));
+  const files = unzip(
+    withEnd(
+      repackGp(
+        archive("<GPIF></GPIF>", {
+          "Content/Preferences.json": Buffer.alloc(5000),
+          "Content/Assets/a.mp3": Buffer.alloc(70),
+        }),
+        limit,
+      ),
+    ),
+  );
   assert.deepEqual(Object.keys(files), ["Content/score.gpif", "Content/Assets/a.mp3"]);
   assert.equal(repackGp(new Uint8Array(zip({ "score.xml": Buffer.from("<score-partwise/>") })), limit), null);
 });
@@ -39,9 +51,12 @@ test("what alphaTab does not read is left out, and an archive without a score is
 function withEnd(stored) {
   const bytes = Buffer.from(stored);
   const files = {};
-  for (let at = 0; bytes.readUInt32LE(at) === 0x04034b50; ) {
+  for (let at = 0; bytes.readUInt32LE(at) === 0x04034b50;) {
     const [length, nameLength] = [bytes.readUInt32LE(at + 22), bytes.readUInt16LE(at + 26)];
-    files[bytes.toString("utf8", at + 30, at + 30 + nameLength)] = bytes.subarray(at + 30 + nameLength, at + 30 + nameLength + length);
+    files[bytes.toString("utf8", at + 30, at + 30 + nameLength)] = bytes.subarray(
+      at + 30 + nameLength,
+      at + 30 + nameLength + length,
+    );
     at += 30 + nameLength + length;
   }
   return zip(files);
@@ -49,6 +64,9 @@ function withEnd(stored) {
 
 test("more than a score ever has is not read at all", () => {
   assert.throws(() => repackGp(archive("<a/>".repeat(1200000)), limit), /elements/);
-  assert.match(readScore(archive(`<GPIF>${"<Note/>".repeat(1200000)}</GPIF>`), settings).problem, /^The score file is damaged .*\.$/);
+  assert.match(
+    readScore(archive(`<GPIF>${"<Note/>".repeat(1200000)}</GPIF>`), settings).problem,
+    /^The score file is damaged .*\.$/,
+  );
   assert.match(readScore(archive("<GPIF>").subarray(0, 40), settings).problem, /^The score file is damaged .*\.$/);
 });

@@ -26,7 +26,7 @@ function filesIn(zip) {
   const buffer = Buffer.from(zip);
   const files = {};
   let at = 0;
-  for (; buffer.readUInt32LE(at) === 0x04034b50; ) {
+  for (; buffer.readUInt32LE(at) === 0x04034b50;) {
     const [length, nameLength] = [buffer.readUInt32LE(at + 22), buffer.readUInt16LE(at + 26)];
     const from = at + 30 + nameLength;
     files[buffer.toString("utf8", at + 30, from)] = new Uint8Array(buffer.subarray(from, from + length));
@@ -36,7 +36,11 @@ function filesIn(zip) {
   return files;
 }
 
-const file = { "score.gpif": bytes(3 * sectorLength + 17), BinaryStylesheet: bytes(40), PartConfiguration: bytes(sectorLength, 3) };
+const file = {
+  "score.gpif": bytes(3 * sectorLength + 17),
+  BinaryStylesheet: bytes(40),
+  PartConfiguration: bytes(sectorLength, 3),
+};
 
 test("the score and what belongs to it are taken out of the container, compressed or not", () => {
   const container = makeContainer({ "misc.xml": bytes(9000, 5), ...file, "score.gpif.bak": bytes(100) });
@@ -76,7 +80,7 @@ test("a file that breaks off is read as long as nothing is missing of what is ne
   const container = makeContainer(file);
   const padding = sectorLength - file.PartConfiguration.length;
   assert.deepEqual(filesIn(repackGpx(container.subarray(0, container.length - padding), limit)), file);
-  const { PartConfiguration, ...others } = file;
+  const { PartConfiguration: _part, ...others } = file;
   assert.deepEqual(filesIn(repackGpx(container.subarray(0, container.length - padding - 1), limit)), others);
   for (const length of [5 * sectorLength, 2 * sectorLength, 100, 5]) {
     assert.equal(repackGpx(container.subarray(0, length), limit), null, String(length));
@@ -166,10 +170,18 @@ for (const [title, file] of Object.entries(containers)) {
     const parts = filesIn(repackGpx(packed, limit));
     const whole = readScore(packed, settings).score;
     for (const name of Object.keys(parts).filter((part) => part !== "score.gpif")) {
-      for (const content of [new Uint8Array(40).fill(255), new Uint8Array(0), parts[name].subarray(0, 9), new Uint8Array([0, 0, 0, 200, 5, 1, 2])]) {
+      for (const content of [
+        new Uint8Array(40).fill(255),
+        new Uint8Array(0),
+        parts[name].subarray(0, 9),
+        new Uint8Array([0, 0, 0, 200, 5, 1, 2]),
+      ]) {
         const { score } = readScore(makeContainer({ ...parts, [name]: content }), settings);
         assert.equal(score?.masterBars.length, whole.masterBars.length, `${name} of ${content.length} bytes`);
-        assert.deepEqual(score.tracks.map((track) => track.name), whole.tracks.map((track) => track.name));
+        assert.deepEqual(
+          score.tracks.map((track) => track.name),
+          whole.tracks.map((track) => track.name),
+        );
       }
     }
   });

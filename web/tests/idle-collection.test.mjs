@@ -110,5 +110,8 @@ test("Chromium that does not let the page collect is left alone", () => {
   delete globalThis.gc;
   api.workerRenderer.batchShown.trigger();
   pass(20000);
-  assert.deepEqual(collected, all.filter((who) => who !== "page"));
+  assert.deepEqual(
+    collected,
+    all.filter((who) => who !== "page"),
+  );
 });

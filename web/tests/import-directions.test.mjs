@@ -36,7 +36,9 @@ test("every folder of the page has its layer", () => {
 test("modules import from their own folder and from layers below", () => {
   const wrong = modules.flatMap((path) => {
     const folder = dirname(path);
-    const imports = Array.from(readFileSync(join(source, path), "utf8").matchAll(named), ([, file]) => normalize(join(folder, file)));
+    const imports = Array.from(readFileSync(join(source, path), "utf8").matchAll(named), ([, file]) =>
+      normalize(join(folder, file)),
+    );
     const upwards = imports.filter((file) => {
       const other = dirname(file);
       return !file.startsWith("..") && other !== folder && layerOf(other) <= layerOf(folder);

@@ -33,7 +33,10 @@ function batches(run) {
   return all;
 }
 
-const systems = (partials) => partials.filter((partial) => partial.firstMasterBarIndex >= 0).map((partial) => [partial.firstMasterBarIndex, partial.lastMasterBarIndex]);
+const systems = (partials) =>
+  partials
+    .filter((partial) => partial.firstMasterBarIndex >= 0)
+    .map((partial) => [partial.firstMasterBarIndex, partial.lastMasterBarIndex]);
 
 test("each bar is laid out once, in the lines of a layout in one go", () => {
   const { score, renderer } = renderId();
@@ -60,10 +63,19 @@ test("the first layout batch fills the view and is painted there, and what lies 
 test("the layout batches say which is the first and which the last, and their places cover all lines", () => {
   const { score, renderer } = renderId();
   const all = batches(new LayoutRun(renderer, score, [0], view));
-  assert.deepEqual(all.map((batch) => batch.first), all.map((_, index) => index === 0));
-  assert.deepEqual(all.map((batch) => batch.last), all.map((_, index) => index === all.length - 1));
+  assert.deepEqual(
+    all.map((batch) => batch.first),
+    all.map((_, index) => index === 0),
+  );
+  assert.deepEqual(
+    all.map((batch) => batch.last),
+    all.map((_, index) => index === all.length - 1),
+  );
   const places = all.map((batch) => alphaTab.rendering.BoundsLookup.fromJson(batch.bounds, score).staffSystems.length);
-  assert.equal(places.reduce((sum, count) => sum + count), all.flatMap((batch) => systems(batch.partials)).length);
+  assert.equal(
+    places.reduce((sum, count) => sum + count),
+    all.flatMap((batch) => systems(batch.partials)).length,
+  );
   assert.ok(all.every((batch, index) => index === 0 || batch.height >= all[index - 1].height));
 });
 
@@ -71,11 +83,14 @@ test("the first layout batch reaches as far as readers are to find themselves, a
   const there = { bar: 40, x: 0, y: 0, left: 0, top: 40 };
   const { score, renderer } = renderId();
   const [first, ...others] = batches(new LayoutRun(renderer, score, [0], view, there));
-  const system = (partials) => partials.find((partial) => partial.firstMasterBarIndex <= 40 && partial.lastMasterBarIndex >= 40);
+  const system = (partials) =>
+    partials.find((partial) => partial.firstMasterBarIndex <= 40 && partial.lastMasterBarIndex >= 40);
   assert.ok(first.first && system(first.painted) && others.length > 0);
   const wanted = system(first.partials).y - 40;
   assert.ok(wanted > view.bottom && first.height >= wanted + view.bottom);
-  assert.ok(first.painted.every((partial) => partial.y + partial.height > wanted - 50 && partial.y < wanted + view.bottom + 50));
+  assert.ok(
+    first.painted.every((partial) => partial.y + partial.height > wanted - 50 && partial.y < wanted + view.bottom + 50),
+  );
 });
 
 test("before a place near the end, and after one near the beginning, there is more to be seen", () => {
@@ -100,13 +115,18 @@ test("a place far on in an endless line is shown with all of it", (context) => {
 
 test("what was not in view is painted later, without the places of its beats being kept", () => {
   const { score, renderer } = renderId();
-  const last = batches(new LayoutRun(renderer, score, [0], view)).at(-1).partials.at(-1);
+  const last = batches(new LayoutRun(renderer, score, [0], view))
+    .at(-1)
+    .partials.at(-1);
   assert.equal(renderer.boundsLookup, null);
   const painted = [];
   renderer.partialRenderFinished.on((partial) => painted.push(partial));
   renderer.error.on((error) => assert.fail(error));
   renderer.renderResult(last.id);
-  assert.deepEqual(painted.map(({ id }) => id), [last.id]);
+  assert.deepEqual(
+    painted.map(({ id }) => id),
+    [last.id],
+  );
   assert.ok(painted[0].renderResult);
 });
 
@@ -148,8 +168,14 @@ test("an endless line that takes long begins before its end is known, as a notat
 });
 
 test("an endless line is shown as a whole when that is soon, or when it is asked for", (context) => {
-  assert.deepEqual(lineOf(context, 0.01, false).map(({ first, last, ends }) => [first, last, ends]), [[true, true, 119]]);
-  assert.deepEqual(lineOf(context, 1000, true).map(({ first, last, ends }) => [first, last, ends]), [[true, true, 119]]);
+  assert.deepEqual(
+    lineOf(context, 0.01, false).map(({ first, last, ends }) => [first, last, ends]),
+    [[true, true, 119]],
+  );
+  assert.deepEqual(
+    lineOf(context, 1000, true).map(({ first, last, ends }) => [first, last, ends]),
+    [[true, true, 119]],
+  );
 });
 
 test("steps grow where bars are quick to lay out, shrink where they are slow, and never come to a stop", () => {

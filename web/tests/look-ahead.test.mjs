@@ -21,7 +21,10 @@ const leaving = (system) => (bar) => Math.floor(bar / 3) !== system;
 
 test("the next staff system begins when the last bar of this one ends", () => {
   assert.deepEqual(barAfterSystem(played(0, 1, 2, 3, 4), 100, null, leaving(0)), { bar: 3, tick: 3 * barTicks });
-  assert.deepEqual(barAfterSystem(played(0, 1, 2, 3, 4), 3 * barTicks - 1, null, leaving(0)), { bar: 3, tick: 3 * barTicks });
+  assert.deepEqual(barAfterSystem(played(0, 1, 2, 3, 4), 3 * barTicks - 1, null, leaving(0)), {
+    bar: 3,
+    tick: 3 * barTicks,
+  });
 });
 
 test("a repeat leads back", () => {

@@ -27,7 +27,11 @@ test("with it the levels of the mode sound, and no finer ones", () => {
   for (const [mode, muted] of Object.entries({ bar: [1, 2, 3], beat: [2, 3], half: [3], quarter: [] })) {
     const { metronome: own, values } = metronome({ mode });
     own.turn(true);
-    assert.deepEqual(values("Mute").flatMap((mute, level) => (mute ? [level] : [])), muted, mode);
+    assert.deepEqual(
+      values("Mute").flatMap((mute, level) => (mute ? [level] : [])),
+      muted,
+      mode,
+    );
   }
 });
 
@@ -35,7 +39,9 @@ test("the accent is on the first beat of bars and of the count-in, where it is w
   for (const accent of [true, false]) {
     const { metronome: own, values } = metronome({ accent });
     own.turn(true);
-    const [plain, accented] = [clickKey("beep", false), clickKey("beep", accent)].map((key) => key - clickKey("woodblock", false));
+    const [plain, accented] = [clickKey("beep", false), clickKey("beep", accent)].map(
+      (key) => key - clickKey("woodblock", false),
+    );
     assert.deepEqual(values("TranspositionPitch"), [accented, plain, plain, plain, accented, plain]);
   }
 });

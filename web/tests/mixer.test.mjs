@@ -5,7 +5,10 @@ import { Signal } from "./support/signal.mjs";
 
 /** A score of two tracks, the first of which plays on two channels; what the player is set to is kept by channel. */
 function mixed() {
-  const channels = new Map([[0, [4, 5]], [1, [9]]]);
+  const channels = new Map([
+    [0, [4, 5]],
+    [1, [9]],
+  ]);
   const set = { Mute: new Map(), Solo: new Map(), Volume: new Map() };
   const player = { resets: 0, resetChannelStates: () => player.resets++ };
   for (const [name, values] of Object.entries(set)) {
@@ -23,9 +26,30 @@ test("a track's mute, solo and volume are set on all of its channels, and on no 
   mixer.setMute(0, true);
   mixer.setVolume(0, 0.5);
   mixer.setSolo(1, true);
-  assert.deepEqual([...set.Mute], [[4, true], [5, true], [9, false]]);
-  assert.deepEqual([...set.Volume], [[4, 0.5], [5, 0.5], [9, 1]]);
-  assert.deepEqual([...set.Solo], [[4, false], [5, false], [9, true]]);
+  assert.deepEqual(
+    [...set.Mute],
+    [
+      [4, true],
+      [5, true],
+      [9, false],
+    ],
+  );
+  assert.deepEqual(
+    [...set.Volume],
+    [
+      [4, 0.5],
+      [5, 0.5],
+      [9, 1],
+    ],
+  );
+  assert.deepEqual(
+    [...set.Solo],
+    [
+      [4, false],
+      [5, false],
+      [9, true],
+    ],
+  );
 });
 
 test("volumes have no upper bound, are never negative, and only numbers count", () => {
@@ -63,7 +87,14 @@ test("a player that is ready gets all settings, after the volumes that alphaTab 
   assert.equal(set.Mute.size, 0);
   set.Volume.set(9, 0.2); // alphaTab's own
   await Promise.resolve();
-  assert.deepEqual([...set.Mute], [[4, true], [5, true], [9, false]]);
+  assert.deepEqual(
+    [...set.Mute],
+    [
+      [4, true],
+      [5, true],
+      [9, false],
+    ],
+  );
   assert.equal(set.Volume.get(9), 1);
   assert.equal(solos.at(-1), true);
 });

@@ -17,10 +17,18 @@ test("values beyond all reason are read as if they were not there", () => {
       voice: document([attributes() + bar.replaceAll("<voice>1</voice>", `<voice>${value}</voice>`)]),
       staves: document([attributes(1, 4, `<staves>${value}</staves>`) + bar]),
       lines: document([attributes(1, 4, `<staff-details><staff-lines>${value}</staff-lines></staff-details>`) + bar]),
-      frame: document([attributes() + `<harmony><root><root-step>C</root-step></root><frame><frame-strings>${value}</frame-strings><frame-note><string>${value}</string><fret>${value}</fret></frame-note></frame></harmony>` + bar]),
+      frame: document([
+        attributes() +
+          `<harmony><root><root-step>C</root-step></root><frame><frame-strings>${value}</frame-strings><frame-note><string>${value}</string><fret>${value}</fret></frame-note></frame></harmony>` +
+          bar,
+      ]),
       backup: document([attributes() + `<backup><duration>${value}</duration></backup>` + bar]),
       tempo: document([attributes() + `<sound tempo="${value}"/>` + bar]),
-      offset: document([attributes() + `<direction><direction-type><words>x</words></direction-type><offset>${value}</offset></direction>` + bar]),
+      offset: document([
+        attributes() +
+          `<direction><direction-type><words>x</words></direction-type><offset>${value}</offset></direction>` +
+          bar,
+      ]),
       repeat: document([attributes() + bar, `<barline><repeat direction="backward" times="${value}"/></barline>`]),
     };
     for (const [name, text] of Object.entries(cases)) {
@@ -29,42 +37,66 @@ test("values beyond all reason are read as if they were not there", () => {
       const bars = score.masterBars.reduce((sum, { start }) => Math.max(sum, start), 0);
       assert.ok(bars <= 960 * 1024, `${name} ${value}: bars begin up to ${bars}`);
       assert.ok(notesOf(score).length <= 4 * 64, `${name} ${value}`);
-      assert.ok(score.tracks[0].staves.length <= 8 && score.tracks[0].staves[0].bars[0].voices.length <= 8, `${name} ${value}`);
+      assert.ok(
+        score.tracks[0].staves.length <= 8 && score.tracks[0].staves[0].bars[0].voices.length <= 8,
+        `${name} ${value}`,
+      );
     }
   }
 });
 
 test("a length that no note has is taken from what the note looks like", () => {
-  const text = document([attributes() + note("C4", "99999999999999999999", { after: "<type>quarter</type>" }) + note("D4", 3)]);
+  const text = document([
+    attributes() + note("C4", "99999999999999999999", { after: "<type>quarter</type>" }) + note("D4", 3),
+  ]);
   assert.equal(played(text), "0:60 1:62");
 });
 
 test("a metre that no piece has is left out", () => {
   for (const beats of ["1000000000", "0", "-4", "x"]) {
     const { score } = read(document([attributes(1, beats) + bar]));
-    assert.deepEqual([score.masterBars[0].timeSignatureNumerator, score.masterBars[0].timeSignatureDenominator], [4, 4], beats);
+    assert.deepEqual(
+      [score.masterBars[0].timeSignatureNumerator, score.masterBars[0].timeSignatureDenominator],
+      [4, 4],
+      beats,
+    );
   }
 });
 
 test("keys are the ones that exist", () => {
   const text = document([attributes() + note("C4", 1).replace("<octave>4", "<octave>1000000000") + note("D4", 3)]);
   const keys = notesOf(read(text).score).map(({ key }) => key);
-  assert.ok(keys.every((key) => key >= 0 && key <= 127), keys.join(" "));
+  assert.ok(
+    keys.every((key) => key >= 0 && key <= 127),
+    keys.join(" "),
+  );
 });
 
 test("a bar with more notes than any score needs is refused with a sentence", () => {
-  assert.match(read(document([attributes() + note("C4", 1).repeat(5000)])).problem, /^The score file is damaged .*more notes than any score needs/);
+  assert.match(
+    read(document([attributes() + note("C4", 1).repeat(5000)])).problem,
+    /^The score file is damaged .*more notes than any score needs/,
+  );
 });
 
 test("entities of a document are never expanded", () => {
-  const head = '<!DOCTYPE score-partwise [<!ENTITY a "aaaaaaaaaa"><!ENTITY b "&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;"><!ENTITY c "&b;&b;&b;&b;">]>';
-  assert.equal(played(document([attributes() + bar.replace("</note>", "<lyric><text>&c;la</text></lyric></note>")], { head })), sound);
+  const head =
+    '<!DOCTYPE score-partwise [<!ENTITY a "aaaaaaaaaa"><!ENTITY b "&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;"><!ENTITY c "&b;&b;&b;&b;">]>';
+  assert.equal(
+    played(document([attributes() + bar.replace("</note>", "<lyric><text>&c;la</text></lyric></note>")], { head })),
+    sound,
+  );
   assert.equal(scanXml(`${head}<t a="&c;x&#65;">&c;y&amp;&#x42;</t>`).text, "y&B");
 });
 
 test("documents that are not well-formed, or break off, are refused", () => {
   const whole = document([attributes() + bar]);
-  for (const text of [whole.slice(0, -40), whole.replace("</pitch>", "</pitchy>"), whole.replace('number="1"', "number=1"), `${whole}<x/>`]) {
+  for (const text of [
+    whole.slice(0, -40),
+    whole.replace("</pitch>", "</pitchy>"),
+    whole.replace('number="1"', "number=1"),
+    `${whole}<x/>`,
+  ]) {
     assert.match(read(text).problem, /well-formed XML/);
   }
   assert.match(read(`<score-partwise>${"<x>".repeat(300)}${"</x>".repeat(300)}</score-partwise>`).problem, /too deep/);
@@ -72,7 +104,12 @@ test("documents that are not well-formed, or break off, are refused", () => {
 
 test("a file that says one encoding and has another is read in the one that it has", () => {
   const text = (declared) => `<?xml version="1.0" encoding="${declared}"?><t>Été ♯</t>`;
-  const wide = (source, little) => Uint8Array.from([...source].flatMap((c) => (little ? [c.charCodeAt(0) & 255, c.charCodeAt(0) >> 8] : [c.charCodeAt(0) >> 8, c.charCodeAt(0) & 255])));
+  const wide = (source, little) =>
+    Uint8Array.from(
+      [...source].flatMap((c) =>
+        little ? [c.charCodeAt(0) & 255, c.charCodeAt(0) >> 8] : [c.charCodeAt(0) >> 8, c.charCodeAt(0) & 255],
+      ),
+    );
   const cases = [
     bytesOf(text("UTF-16")),
     bytesOf(`\ufeff${text("UTF-8")}`),
@@ -84,7 +121,9 @@ test("a file that says one encoding and has another is read in the one that it h
   for (const bytes of cases) {
     assert.match(decodeText(bytes), /<t>Été ♯<\/t>$/);
   }
-  const latin = Uint8Array.from([...'<?xml version="1.0" encoding="UTF-8"?><t>Été etc.</t>'].map((c) => c.charCodeAt(0)));
+  const latin = Uint8Array.from(
+    [...'<?xml version="1.0" encoding="UTF-8"?><t>Été etc.</t>'].map((c) => c.charCodeAt(0)),
+  );
   assert.match(decodeText(latin), /<t>Été etc.<\/t>/);
   assert.equal(played(wide(document([attributes() + bar]), true)), sound);
 });
@@ -110,9 +149,15 @@ test("what a compressed file packs is unpacked exactly, within its bound", () =>
 test("compressed MusicXML is read by its container", () => {
   const text = document([attributes() + bar]);
   const container = '<container><rootfiles><rootfile full-path="music/score.xml"/></rootfiles></container>';
-  assert.equal(played(zipOf({ "META-INF/container.xml": container, "other.xml": "<x/>", "music/score.xml": text })), sound);
+  assert.equal(
+    played(zipOf({ "META-INF/container.xml": container, "other.xml": "<x/>", "music/score.xml": text })),
+    sound,
+  );
   assert.equal(played(zipOf({ "score.musicxml": text })), sound);
-  assert.match(read(zipOf({ "META-INF/container.xml": container, "music/score.xml": text.slice(0, 300) })).problem, /well-formed/);
+  assert.match(
+    read(zipOf({ "META-INF/container.xml": container, "music/score.xml": text.slice(0, 300) })).problem,
+    /well-formed/,
+  );
 });
 
 /** @returns {Uint8Array} a zip archive of deflated members */

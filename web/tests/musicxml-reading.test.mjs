@@ -2,15 +2,25 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import { attributes, backup, document, forward, note, notesOf, played, read, rest } from "./support/musicxml-maker.mjs";
 
-const scale = (names, duration = 1) => names.split(" ").map((name) => note(name, duration)).join("");
+const scale = (names, duration = 1) =>
+  names
+    .split(" ")
+    .map((name) => note(name, duration))
+    .join("");
 const repeatEnd = '<barline location="right"><repeat direction="backward"/></barline>';
 const repeatStart = '<barline location="left"><repeat direction="forward"/></barline>';
 
 test("notes that name their instrument keep their keys", () => {
-  const description = '<score-instrument id="I1"><instrument-name>Flute</instrument-name></score-instrument><midi-instrument id="I1"><midi-channel>10</midi-channel><midi-program>74</midi-program></midi-instrument>';
+  const description =
+    '<score-instrument id="I1"><instrument-name>Flute</instrument-name></score-instrument><midi-instrument id="I1"><midi-channel>10</midi-channel><midi-program>74</midi-program></midi-instrument>';
   const named = { after: '<instrument id="I1"/>' };
-  const { score } = read(document([attributes() + ["C4", "E4", "G4", "C5"].map((name) => note(name, 1, named)).join("")], { description }));
-  assert.deepEqual(notesOf(score).map(({ key }) => key), [60, 64, 67, 72]);
+  const { score } = read(
+    document([attributes() + ["C4", "E4", "G4", "C5"].map((name) => note(name, 1, named)).join("")], { description }),
+  );
+  assert.deepEqual(
+    notesOf(score).map(({ key }) => key),
+    [60, 64, 67, 72],
+  );
   assert.equal(score.tracks[0].isPercussion, false);
   assert.notEqual(score.tracks[0].playbackInfo.primaryChannel, 9);
   assert.equal(score.tracks[0].playbackInfo.program, 73);
@@ -21,9 +31,13 @@ test("keys of a drum kit sound as the part's instruments say", () => {
     <score-instrument id="I2"><instrument-name>Bass</instrument-name></score-instrument>
     <midi-instrument id="I1"><midi-channel>10</midi-channel><midi-unpitched>39</midi-unpitched></midi-instrument>
     <midi-instrument id="I2"><midi-channel>10</midi-channel><midi-unpitched>37</midi-unpitched></midi-instrument>`;
-  const drum = (id) => `<note><unpitched><display-step>C</display-step><display-octave>5</display-octave></unpitched><duration>1</duration><instrument id="${id}"/></note>`;
+  const drum = (id) =>
+    `<note><unpitched><display-step>C</display-step><display-octave>5</display-octave></unpitched><duration>1</duration><instrument id="${id}"/></note>`;
   const clef = "<clef><sign>percussion</sign></clef>";
-  assert.equal(played(document([attributes(1, 4, clef) + drum("I1") + drum("I2") + drum("I1") + drum("I1")], { description })), "0:38 1:36 2:38 3:38");
+  assert.equal(
+    played(document([attributes(1, 4, clef) + drum("I1") + drum("I2") + drum("I1") + drum("I1")], { description })),
+    "0:38 1:36 2:38 3:38",
+  );
 });
 
 test("a voice that only passes through a bar leaves the others where they are", () => {
@@ -31,13 +45,19 @@ test("a voice that only passes through a bar leaves the others where they are", 
   const passing = `${forward(4)}${backup(4)}${["C3", "D3", "E3", "F3"].map((name) => note(name, 1, { voice: 2 })).join("")}`;
   const score = document([attributes() + bar, passing, bar]);
   assert.equal(played(score), "0:60 1:62 2:64 3:65 4:48 5:50 6:52 7:53 8:60 9:62 10:64 11:65");
-  assert.deepEqual(read(score).score.masterBars.map((masterBar) => masterBar.start / 960), [0, 4, 8]);
+  assert.deepEqual(
+    read(score).score.masterBars.map((masterBar) => masterBar.start / 960),
+    [0, 4, 8],
+  );
 });
 
 test("an upbeat is as short as it is written, also when the file does not mark it", () => {
   const score = document([attributes() + scale("G3"), scale("C4 D4 E4 F4"), scale("G4 F4 E4")]);
   assert.equal(played(score), "0:55 1:60 2:62 3:64 4:65 5:67 6:65 7:64");
-  assert.deepEqual(read(score).score.masterBars.map((masterBar) => masterBar.calculateDuration() / 960), [1, 4, 3]);
+  assert.deepEqual(
+    read(score).score.masterBars.map((masterBar) => masterBar.calculateDuration() / 960),
+    [1, 4, 3],
+  );
 });
 
 test("a bar that a repeat sign cuts in two lasts as long as its parts", () => {
@@ -63,13 +83,18 @@ test("a bar lasts as long as its longest part, whichever that is", () => {
 });
 
 test("grace notes change no bar's length", () => {
-  const grace = '<note><grace slash="yes"/><pitch><step>B</step><octave>3</octave></pitch><voice>1</voice><type>eighth</type></note>';
+  const grace =
+    '<note><grace slash="yes"/><pitch><step>B</step><octave>3</octave></pitch><voice>1</voice><type>eighth</type></note>';
   const { score } = read(document([attributes() + grace + scale("C4"), grace + scale("C4 D4 E4 F4"), scale("C4")]));
-  assert.deepEqual(score.masterBars.map((bar) => bar.calculateDuration() / 960), [1, 4, 1]);
+  assert.deepEqual(
+    score.masterBars.map((bar) => bar.calculateDuration() / 960),
+    [1, 4, 1],
+  );
 });
 
 test("an appoggiatura takes the time that it is written with", () => {
-  const grace = "<note><grace/><pitch><step>D</step><octave>4</octave></pitch><voice>1</voice><type>eighth</type></note>";
+  const grace =
+    "<note><grace/><pitch><step>D</step><octave>4</octave></pitch><voice>1</voice><type>eighth</type></note>";
   assert.equal(played(document([attributes() + grace + scale("C4 E4 G4 C5")])), "0:62 0.5:60 1:64 2:67 3:72");
 });
 
@@ -86,11 +111,16 @@ test("cue notes pass without sound, chords of them as well", () => {
 
 test("notes without a voice of their own that lie over each other all sound at their times", () => {
   const bare = (name, duration) => note(name, duration).replace("<voice>1</voice>", "");
-  assert.equal(played(document([attributes() + bare("C5", 4) + backup(4) + bare("C4", 2) + bare("D4", 2)])), "0:60 0:72 2:62");
+  assert.equal(
+    played(document([attributes() + bare("C5", 4) + backup(4) + bare("C4", 2) + bare("D4", 2)])),
+    "0:60 0:72 2:62",
+  );
 });
 
 test("ties join what is tied and nothing else", () => {
-  const tied = (...types) => ({ after: `<notations>${types.map((type) => `<tied type="${type}"/>`).join("")}</notations>` });
+  const tied = (...types) => ({
+    after: `<notations>${types.map((type) => `<tied type="${type}"/>`).join("")}</notations>`,
+  });
   const sounding = { before: "", after: '<tie type="start"/>' };
   const { score } = read(
     document([
@@ -107,14 +137,19 @@ test("ties join what is tied and nothing else", () => {
 test("a tie leads from one staff to the other", () => {
   const at = (staff, type) => ({ after: `<staff>${staff}</staff><notations><tied type="${type}"/></notations>` });
   const staves = "<staves>2</staves>";
-  const { score } = read(document([attributes(1, 4, staves) + note("C4", 4, at(1, "start")), note("C4", 4, at(2, "stop"))]));
+  const { score } = read(
+    document([attributes(1, 4, staves) + note("C4", 4, at(1, "start")), note("C4", 4, at(2, "stop"))]),
+  );
   assert.deepEqual(notesOf(score), [{ time: 0, key: 60, length: 8 }]);
 });
 
 test("trills go up one step of the key", () => {
   const trill = { after: "<notations><ornaments><trill-mark/></ornaments></notations>" };
   const key = (fifths) => `<key><fifths>${fifths}</fifths></key>`;
-  const upper = (fifths, name) => new Set(notesOf(read(document([attributes(1, 4, key(fifths)) + note(name, 4, trill)])).score).map((one) => one.key));
+  const upper = (fifths, name) =>
+    new Set(
+      notesOf(read(document([attributes(1, 4, key(fifths)) + note(name, 4, trill)])).score).map((one) => one.key),
+    );
   assert.deepEqual(upper(0, "E4"), new Set([64, 65]));
   assert.deepEqual(upper(1, "E4"), new Set([64, 66]));
   assert.deepEqual(upper(-1, "A4"), new Set([69, 70]));
@@ -123,28 +158,53 @@ test("trills go up one step of the key", () => {
 
 test("strokes through a half note's stem are as fast as through a quarter's", () => {
   const tremolo = { after: '<notations><ornaments><tremolo type="single">1</tremolo></ornaments></notations>' };
-  assert.equal(played(document([attributes() + note("C4", 2, tremolo) + note("C4", 2)])), "0:60 0.5:60 1:60 1.5:60 2:60");
+  assert.equal(
+    played(document([attributes() + note("C4", 2, tremolo) + note("C4", 2)])),
+    "0:60 0.5:60 1:60 1.5:60 2:60",
+  );
 });
 
 test("a clef before a bar line holds from the next bar on", () => {
   const clef = "<attributes><clef><sign>F</sign><line>4</line></clef></attributes>";
-  const { score } = read(document([attributes() + scale("C4 D4 E4 F4") + clef, scale("C3 D3 E3 F3"), scale("C3 D3 E3 F3")]));
+  const { score } = read(
+    document([attributes() + scale("C4 D4 E4 F4") + clef, scale("C3 D3 E3 F3"), scale("C3 D3 E3 F3")]),
+  );
   const { G2, F4 } = globalThis.alphaTab.model.Clef;
-  assert.deepEqual(score.tracks[0].staves[0].bars.map((bar) => bar.clef), [G2, F4, F4]);
+  assert.deepEqual(
+    score.tracks[0].staves[0].bars.map((bar) => bar.clef),
+    [G2, F4, F4],
+  );
 });
 
 test("tempos are taken from wherever they stand, once, at their times", () => {
-  const metronome = "<direction><direction-type><metronome><beat-unit>half</beat-unit><per-minute>60</per-minute></metronome></direction-type></direction>";
+  const metronome =
+    "<direction><direction-type><metronome><beat-unit>half</beat-unit><per-minute>60</per-minute></metronome></direction-type></direction>";
   const sound = '<sound tempo="90"/>';
-  const dotted = '<direction><direction-type><metronome><beat-unit>quarter</beat-unit><beat-unit-dot/><per-minute>c. 80</per-minute></metronome></direction-type></direction>';
-  const { score } = read(document([attributes() + metronome + scale("C4 D4") + sound + scale("E4 F4"), dotted + scale("C4")]));
-  const tempos = score.masterBars.map((bar) => bar.tempoAutomations.map(({ value, ratioPosition }) => [value, ratioPosition]));
-  assert.deepEqual(tempos, [[[120, 0], [90, 0.5]], [[120, 0]]]);
+  const dotted =
+    "<direction><direction-type><metronome><beat-unit>quarter</beat-unit><beat-unit-dot/><per-minute>c. 80</per-minute></metronome></direction-type></direction>";
+  const { score } = read(
+    document([attributes() + metronome + scale("C4 D4") + sound + scale("E4 F4"), dotted + scale("C4")]),
+  );
+  const tempos = score.masterBars.map((bar) =>
+    bar.tempoAutomations.map(({ value, ratioPosition }) => [value, ratioPosition]),
+  );
+  assert.deepEqual(tempos, [
+    [
+      [120, 0],
+      [90, 0.5],
+    ],
+    [[120, 0]],
+  ]);
 });
 
 test("repeats and endings hold for all parts, whichever has them", () => {
-  const ending = (number, type, location) => `<barline location="${location}"><ending number="${number}" type="${type}"/>${type === "stop" && number === "1" ? '<repeat direction="backward"/>' : ""}</barline>`;
-  const upper = [attributes() + note("C4", 4), ending("1", "start", "left") + note("D4", 4) + ending("1", "stop", "right"), ending("2", "start", "left") + note("E4", 4) + ending("2", "stop", "right")];
+  const ending = (number, type, location) =>
+    `<barline location="${location}"><ending number="${number}" type="${type}"/>${type === "stop" && number === "1" ? '<repeat direction="backward"/>' : ""}</barline>`;
+  const upper = [
+    attributes() + note("C4", 4),
+    ending("1", "start", "left") + note("D4", 4) + ending("1", "stop", "right"),
+    ending("2", "start", "left") + note("E4", 4) + ending("2", "stop", "right"),
+  ];
   const lower = [attributes() + note("C3", 4), note("D3", 4), note("E3", 4)];
   assert.equal(played(document([upper, lower])), "0:48 0:60 4:50 4:62 8:48 8:60 12:52 12:64");
   assert.equal(played(document([lower, upper])), "0:48 0:60 4:50 4:62 8:48 8:60 12:52 12:64");
@@ -153,16 +213,20 @@ test("repeats and endings hold for all parts, whichever has them", () => {
 test("gaps become rests that nobody sees", () => {
   const { score } = read(document([attributes() + forward(1) + scale("D4") + forward(1) + scale("F4")]));
   const { beats } = score.tracks[0].staves[0].bars[0].voices[0];
-  assert.deepEqual(beats.map(({ isEmpty, notes, displayDuration }) => [isEmpty, notes.length, displayDuration / 960]), [
-    [true, 0, 1],
-    [false, 1, 1],
-    [true, 0, 1],
-    [false, 1, 1],
-  ]);
+  assert.deepEqual(
+    beats.map(({ isEmpty, notes, displayDuration }) => [isEmpty, notes.length, displayDuration / 960]),
+    [
+      [true, 0, 1],
+      [false, 1, 1],
+      [true, 0, 1],
+      [false, 1, 1],
+    ],
+  );
 });
 
 test("a document by measures is read like one by parts", () => {
-  const list = '<part-list><score-part id="A"><part-name>A</part-name></score-part><score-part id="B"><part-name>B</part-name></score-part></part-list>';
+  const list =
+    '<part-list><score-part id="A"><part-name>A</part-name></score-part><score-part id="B"><part-name>B</part-name></score-part></part-list>';
   const measure = (a, b) => `<measure number="1"><part id="A">${a}</part><part id="B">${b}</part></measure>`;
   const text = `<score-timewise>${list}${measure(attributes() + scale("C4"), attributes() + scale("C3"))}${measure(note("D4", 4), note("D3", 4))}</score-timewise>`;
   assert.equal(played(text), "0:48 0:60 1:50 1:62");

@@ -46,7 +46,7 @@ class SoundSystem {
   }
 
   async pass(ms, step = 50) {
-    for (const end = this.time + ms; this.time < end; ) {
+    for (const end = this.time + ms; this.time < end;) {
       this.time += step;
       if (this.plays && this.context.state === "running") {
         this.context.currentTime += step / 1000;

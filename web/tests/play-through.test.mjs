@@ -26,15 +26,28 @@ function foreign(...names) {
 /** What alphaTab makes of a score: everything that the page goes by. */
 function play(score) {
   const midi = new alphaTab.midi.MidiFile();
-  const generator = new alphaTab.midi.MidiFileGenerator(score, settings, new alphaTab.midi.AlphaSynthMidiFileHandler(midi));
+  const generator = new alphaTab.midi.MidiFileGenerator(
+    score,
+    settings,
+    new alphaTab.midi.AlphaSynthMidiFileHandler(midi),
+  );
   generator.generate();
-  const points = (list) => list.map(({ synthTick, synthTime, syncTime }) => [synthTick, Math.round(synthTime), Math.round(syncTime)]);
+  const points = (list) =>
+    list.map(({ synthTick, synthTime, syncTime }) => [synthTick, Math.round(synthTime), Math.round(syncTime)]);
   return {
     bars: generator.tickLookup.masterBars.map(({ masterBar }) => masterBar.index + 1),
     starts: generator.tickLookup.masterBars.map(({ start }) => start),
     ends: generator.tickLookup.masterBars.map(({ end }) => end),
     // Metres excepted: alphaTab goes by the bar before, also when that is not played.
-    events: midi.events.filter(({ type }) => type !== alphaTab.midi.MidiEventType.TimeSignature).map(({ tick, type, noteKey, noteDuration, beatsPerMinute }) => [tick, type, noteKey, noteDuration, beatsPerMinute]),
+    events: midi.events
+      .filter(({ type }) => type !== alphaTab.midi.MidiEventType.TimeSignature)
+      .map(({ tick, type, noteKey, noteDuration, beatsPerMinute }) => [
+        tick,
+        type,
+        noteKey,
+        noteDuration,
+        beatsPerMinute,
+      ]),
     notes: midi.events.filter((event) => event instanceof alphaTab.midi.NoteOnEvent).map(({ tick }) => tick),
     syncPoints: points(generator.syncPoints),
     ownSyncPoints: points(alphaTab.midi.MidiFileGenerator.generateSyncPoints(score)),
@@ -45,7 +58,9 @@ function play(score) {
 
 /** Scores in which alphaTab's own order is right. */
 const plain = {
-  repeats: texScore("\\tempo 100 \\ro :4 c4 d4 e4 f4 | \\ae (1) \\ts 3 4 \\rc 2 c4 d4 e4 | \\ae (2) \\tempo 140 c4 d4 e4{tempo 90} | \\ts 5 4 c4 d4 e4 f4 g4"),
+  repeats: texScore(
+    "\\tempo 100 \\ro :4 c4 d4 e4 f4 | \\ae (1) \\ts 3 4 \\rc 2 c4 d4 e4 | \\ae (2) \\tempo 140 c4 d4 e4{tempo 90} | \\ts 5 4 c4 d4 e4 f4 g4",
+  ),
   "the demo": readFile(join(process.env.QUAVERLY_SCORES, "ferry.gp5")),
   ...foreign("samples/canon.gp5", "samples/canon-audio-track.gp", "samples/serenade.gp"),
 };
@@ -61,7 +76,10 @@ for (const [name, score] of Object.entries(plain)) {
     }
     for (const part of ["syncPoints", "ownSyncPoints"]) {
       const [ours, theirs] = [played[part], byAlphaTab[name][part]].map((points) => points.slice(0, -1));
-      assert.deepEqual(ours.map(([tick, , syncTime]) => [tick, syncTime]), theirs.map(([tick, , syncTime]) => [tick, syncTime]));
+      assert.deepEqual(
+        ours.map(([tick, , syncTime]) => [tick, syncTime]),
+        theirs.map(([tick, , syncTime]) => [tick, syncTime]),
+      );
       // alphaTab counts whole milliseconds from point to point, which adds up.
       assert.ok(ours.every(([, time], index) => Math.abs(time - theirs[index][1]) <= index + 15));
     }
@@ -77,15 +95,39 @@ test("notes, bars and tempos follow the order", () => {
   assert.deepEqual(notes, wanted);
   assert.equal(endTick, 19200);
   // A whole note of 4 s, of 2 s, of 4 s, and twice of 4 s, as the second ending has no tempo of its own.
-  assert.deepEqual(newSyncPoints, [[0, 0, 0], [3840, 4000, 4000], [7680, 6000, 6000], [19200, 18000, 18000]]);
+  assert.deepEqual(newSyncPoints, [
+    [0, 0, 0],
+    [3840, 4000, 4000],
+    [7680, 6000, 6000],
+    [19200, 18000, 18000],
+  ]);
 });
 
 test("the points of a backing track are where their bars are played", () => {
   const score = texScore("\\tempo 60 \\ro :1 c4 | \\rc 2 \\jump DaCapo d4 | e4");
-  const points = [[0, 0, 0], [1, 1, 13000], [0, 2, 17000], [2, 0, 40000], [2, 9, 99000]];
-  score.applyFlatSyncPoints(points.map(([barIndex, barOccurence, millisecondOffset]) => ({ barIndex, barOccurence, barPosition: 0, millisecondOffset })));
+  const points = [
+    [0, 0, 0],
+    [1, 1, 13000],
+    [0, 2, 17000],
+    [2, 0, 40000],
+    [2, 9, 99000],
+  ];
+  score.applyFlatSyncPoints(
+    points.map(([barIndex, barOccurence, millisecondOffset]) => ({
+      barIndex,
+      barOccurence,
+      barPosition: 0,
+      millisecondOffset,
+    })),
+  );
   assert.deepEqual(play(score).bars, [1, 2, 1, 2, 1, 2, 3]);
-  assert.deepEqual(play(score).syncPoints, [[0, 0, 0], [11520, 12000, 13000], [15360, 16000, 17000], [23040, 24000, 40000], [26880, 28000, 51500]]);
+  assert.deepEqual(play(score).syncPoints, [
+    [0, 0, 0],
+    [11520, 12000, 13000],
+    [15360, 16000, 17000],
+    [23040, 24000, 40000],
+    [26880, 28000, 51500],
+  ]);
   // A point for a pass that never comes is no reason not to write the file.
   assert.ok(new alphaTab.exporter.Gp7Exporter().export(score, settings).length > 0);
 });
@@ -104,8 +146,16 @@ for (const [name, score] of Object.entries(foreign(...Object.keys(orders)))) {
 }
 
 test("repeats without end play straight through", () => {
-  const signs = Array.from({ length: 30 }, () => "\\ro :1 c4 |").join(" ") + Array.from({ length: 30 }, () => "\\rc 100 :1 c4 |").join(" ");
-  const [name, shape] = Object.entries({ "our own": texScore(signs), ...foreign("hostile/nested-repeats-30.xml") }).at(-1);
+  const signs =
+    Array.from({ length: 30 }, () => "\\ro :1 c4 |").join(" ") +
+    Array.from({ length: 30 }, () => "\\rc 100 :1 c4 |").join(" ");
+  const [name, shape] = Object.entries({ "our own": texScore(signs), ...foreign("hostile/nested-repeats-30.xml") }).at(
+    -1,
+  );
   assert.equal(scoreOrder(shape).tooLong, true, name);
-  assert.deepEqual(play(shape).bars, shape.masterBars.map(({ index }) => index + 1), name);
+  assert.deepEqual(
+    play(shape).bars,
+    shape.masterBars.map(({ index }) => index + 1),
+    name,
+  );
 });

@@ -9,22 +9,53 @@ const { EnabledSynthesizer, EnabledExternalMedia } = alphaTab.PlayerMode;
 const { Playing, Paused } = alphaTab.synth.PlayerState;
 
 /** The transport over a player that is told what happens: 40 quarter notes at 120, which last 20 s. */
-function transport({ ready = true, score = alphaTab.importer.ScoreLoader.loadAlphaTex("c4", new alphaTab.Settings()) } = {}) {
+function transport({
+  ready = true,
+  score = alphaTab.importer.ScoreLoader.loadAlphaTex("c4", new alphaTab.Settings()),
+} = {}) {
   const calls = [];
   const messages = [];
   const notation = new EventTarget();
   const api = {
-    ...Object.fromEntries(["preparationFailed", "playerReady", "playerStateChanged", "playerPositionChanged"].map((name) => [name, new Signal()])),
-    notation, score, isReadyForPlayback: ready, actualPlayerMode: EnabledSynthesizer, isLooping: false,
-    player: { playbackRange: null }, synth: { setCountIn: (count) => calls.push(["countIn", count]) },
+    ...Object.fromEntries(
+      ["preparationFailed", "playerReady", "playerStateChanged", "playerPositionChanged"].map((name) => [
+        name,
+        new Signal(),
+      ]),
+    ),
+    notation,
+    score,
+    isReadyForPlayback: ready,
+    actualPlayerMode: EnabledSynthesizer,
+    isLooping: false,
+    player: { playbackRange: null },
+    synth: { setCountIn: (count) => calls.push(["countIn", count]) },
     backingTrackPlayer: { setLoop: (loop) => calls.push(["loop", loop]) },
-    playPause: () => calls.push(["playPause"]), play: () => calls.push(["play"]), stop: () => calls.push(["stop"]), pause: () => calls.push(["pause"]),
-    set tickPosition(tick) { calls.push(["tick", tick]); }, set timePosition(ms) { calls.push(["time", ms]); },
-    set playbackSpeed(speed) { calls.push(["speed", speed]); }, set masterVolume(volume) { calls.push(["volume", volume]); },
+    playPause: () => calls.push(["playPause"]),
+    play: () => calls.push(["play"]),
+    stop: () => calls.push(["stop"]),
+    pause: () => calls.push(["pause"]),
+    set tickPosition(tick) {
+      calls.push(["tick", tick]);
+    },
+    set timePosition(ms) {
+      calls.push(["time", ms]);
+    },
+    set playbackSpeed(speed) {
+      calls.push(["speed", speed]);
+    },
+    set masterVolume(volume) {
+      calls.push(["volume", volume]);
+    },
   };
   const playback = new Playback(api, (message) => messages.push(message));
   const load = () => {
-    playback.use({ tempoMap: new TempoMap([], 40 * 960, 960), tickShift: 0, countIn: (tick) => ({ tick }), syncPoints: [] });
+    playback.use({
+      tempoMap: new TempoMap([], 40 * 960, 960),
+      tickShift: 0,
+      countIn: (tick) => ({ tick }),
+      syncPoints: [],
+    });
     notation.dispatchEvent(new Event("alphaTab.midiFileLoaded"));
   };
   if (score) {
@@ -104,7 +135,10 @@ test("a state is posted when it changes", () => {
   state(Playing);
   state(Playing);
   state(Paused, true);
-  assert.deepEqual(messages.filter(({ type }) => type === "state").map(({ playing }) => playing), [true, false]);
+  assert.deepEqual(
+    messages.filter(({ type }) => type === "state").map(({ playing }) => playing),
+    [true, false],
+  );
 });
 
 test("a pause stays at the position", () => {

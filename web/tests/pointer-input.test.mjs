@@ -3,39 +3,84 @@ import { test } from "node:test";
 import { PointerInput } from "../src/score-view/pointer-input.js";
 import { Signal } from "./support/signal.mjs";
 
-globalThis.document = { createElement: () => ({ style: {}, replaceChildren(...boxes) { this.boxes = boxes; } }) };
+globalThis.document = {
+  createElement: () => ({
+    style: {},
+    replaceChildren(...boxes) {
+      this.boxes = boxes;
+    },
+  }),
+};
 globalThis.requestAnimationFrame = () => {};
 
 /** Beats of 960 ticks, each 100 pixels wide, in bars of four; the third bar is never played. */
 const beats = Array.from({ length: 16 }, (_, index) => ({
-  index: index % 4, absolutePlaybackStart: index * 960, playbackDuration: 960, voice: { bar: { index: index >> 2 } },
+  index: index % 4,
+  absolutePlaybackStart: index * 960,
+  playbackDuration: 960,
+  voice: { bar: { index: index >> 2 } },
 }));
 
 /** @returns a page with ten of the beats in view, and what was asked of the playback */
 function page({ tick = 0 } = {}) {
   const box = { left: 0, top: 0 };
   const notation = Object.assign(new EventTarget(), {
-    append: (layer) => (notation.layer = layer), getBoundingClientRect: () => box,
-    setPointerCapture: () => {}, releasePointerCapture: () => {}, classList: { toggle: () => {} },
+    append: (layer) => (notation.layer = layer),
+    getBoundingClientRect: () => box,
+    setPointerCapture: () => {},
+    releasePointerCapture: () => {},
+    classList: { toggle: () => {} },
   });
-  const viewport = Object.assign(new EventTarget(), { getBoundingClientRect: () => box, clientWidth: 1000, clientHeight: 500, scrollBy: () => {} });
+  const viewport = Object.assign(new EventTarget(), {
+    getBoundingClientRect: () => box,
+    clientWidth: 1000,
+    clientHeight: 500,
+    scrollBy: () => {},
+  });
   const bars = [0, 1, 3].map((index) => ({ start: index * 3840, masterBar: { index } }));
   const bounds = (beat) => {
-    const barBounds = { masterBarBounds: { visualBounds: { x: beats.indexOf(beat) * 100 }, staffSystemBounds: { index: 0 } } };
+    const barBounds = {
+      masterBarBounds: { visualBounds: { x: beats.indexOf(beat) * 100 }, staffSystemBounds: { index: 0 } },
+    };
     return { realBounds: { x: beats.indexOf(beat) * 100, w: 100 }, barBounds };
   };
   const api = {
-    notation, postRenderFinished: new Signal(), tracks: [{ index: 0 }],
-    boundsLookup: { getBeatAtPos: (x) => beats[Math.floor(x / 100)] ?? null, findBeat: bounds, staffSystems: [{ visualBounds: { x: 0, y: 0, w: 1600, h: 80 }, bars: [] }] },
-    tickCache: { masterBars: bars, getBeatStart: (beat) => beat.absolutePlaybackStart, findBeat: (_, at) => ({ beat: beats[Math.floor(at / 960)] }) },
+    notation,
+    postRenderFinished: new Signal(),
+    tracks: [{ index: 0 }],
+    boundsLookup: {
+      getBeatAtPos: (x) => beats[Math.floor(x / 100)] ?? null,
+      findBeat: bounds,
+      staffSystems: [{ visualBounds: { x: 0, y: 0, w: 1600, h: 80 }, bars: [] }],
+    },
+    tickCache: {
+      masterBars: bars,
+      getBeatStart: (beat) => beat.absolutePlaybackStart,
+      findBeat: (_, at) => ({ beat: beats[Math.floor(at / 960)] }),
+    },
   };
   const seeks = [];
   const ranges = [];
   const playback = { tick, seekToTick: (to) => seeks.push(to), setRange: (range) => ranges.push(range) };
   const input = new PointerInput(api, playback, viewport);
   const pointer = (type, x, more = {}) =>
-    notation.dispatchEvent(Object.assign(new Event(type), { button: 0, buttons: 1, clientX: x, clientY: 20, pointerId: 1, shiftKey: false, ...more }));
-  const drag = (from, to, more) => [["pointerdown", from], ["pointermove", to], ["pointerup", to]].forEach(([type, x]) => pointer(type, x, more));
+    notation.dispatchEvent(
+      Object.assign(new Event(type), {
+        button: 0,
+        buttons: 1,
+        clientX: x,
+        clientY: 20,
+        pointerId: 1,
+        shiftKey: false,
+        ...more,
+      }),
+    );
+  const drag = (from, to, more) =>
+    [
+      ["pointerdown", from],
+      ["pointermove", to],
+      ["pointerup", to],
+    ].forEach(([type, x]) => pointer(type, x, more));
   const shown = () => notation.layer.boxes.length;
   const edges = () => notation.layer.boxes.map(({ style }) => `${style.left} ${style.width}`).join();
   return { input, pointer, drag, seeks, ranges, shown, edges };
@@ -53,7 +98,10 @@ test("a click goes to its beat and clears the range", () => {
 });
 
 test("a drag chooses from the first beat to the end of the last, in either direction, and goes to its beginning", () => {
-  for (const [from, to] of [[130, 330], [330, 130]]) {
+  for (const [from, to] of [
+    [130, 330],
+    [330, 130],
+  ]) {
     const { drag, seeks, ranges, shown } = page();
     drag(from, to);
     assert.equal(last(ranges).startTick, 960);
@@ -94,7 +142,10 @@ test("other buttons, and presses beside the beats, do nothing", () => {
 });
 
 test("a drag that ends where the page does not notice leaves the range before", () => {
-  for (const end of [["pointermove", { buttons: 0 }], ["pointercancel", {}]]) {
+  for (const end of [
+    ["pointermove", { buttons: 0 }],
+    ["pointercancel", {}],
+  ]) {
     const { pointer, drag, ranges, edges } = page();
     drag(130, 330);
     const [before, shown] = [ranges.length, edges()];

@@ -5,7 +5,10 @@ import { PositionFeed } from "../src/playback/position-feed.js";
 function feedOnClock() {
   const delivered = [];
   const clock = { ms: 0 };
-  const feed = new PositionFeed((position) => delivered.push({ at: clock.ms, ...position }), () => clock.ms);
+  const feed = new PositionFeed(
+    (position) => delivered.push({ at: clock.ms, ...position }),
+    () => clock.ms,
+  );
   return { feed, clock, delivered };
 }
 
@@ -35,5 +38,8 @@ test("a jump is never held back, and the flow waits after it", () => {
   feed.jump({ currentTime: 9, endTime: 10 });
   clock.ms = 2;
   feed.flow({ currentTime: 9.1, endTime: 10 });
-  assert.deepEqual(delivered.map((position) => position.currentTime), [1, 9]);
+  assert.deepEqual(
+    delivered.map((position) => position.currentTime),
+    [1, 9],
+  );
 });

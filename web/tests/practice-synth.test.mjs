@@ -80,7 +80,10 @@ test("one bar is counted in, with an accent and with the metronome off", () => {
   played.playback.playPause();
   const sound = played.render(8);
   assertAt(onsets(sound), evenBeats(3, 60000 / 90));
-  const peak = (beat) => sound.slice(((beat * 60) / 90) * sampleRate, ((beat * 60) / 90 + 0.1) * sampleRate).reduce((most, one) => Math.max(most, one), 0);
+  const peak = (beat) =>
+    sound
+      .slice(((beat * 60) / 90) * sampleRate, ((beat * 60) / 90 + 0.1) * sampleRate)
+      .reduce((most, one) => Math.max(most, one), 0);
   assert.ok(peak(0) > peak(1) * 1.2);
 });
 
@@ -159,8 +162,15 @@ test("a position is reported when a note begins, and otherwise now and then", ()
     played.synth.presented(frame);
   }
   const beats = [...notes].filter((frame) => frame % (sampleRate / 2) === 0);
-  assert.deepEqual(beats, [0, 0.5, 1].map((seconds) => seconds * sampleRate));
-  assert.ok(positions.some((position) => Math.abs(position - 500) < 0.1) && positions.some((position) => Math.abs(position - 1000) < 0.1), String(positions));
+  assert.deepEqual(
+    beats,
+    [0, 0.5, 1].map((seconds) => seconds * sampleRate),
+  );
+  assert.ok(
+    positions.some((position) => Math.abs(position - 500) < 0.1) &&
+      positions.some((position) => Math.abs(position - 1000) < 0.1),
+    String(positions),
+  );
   assert.ok(positions.length > 15 && positions.length < 30, String(positions));
 });
 
@@ -219,7 +229,10 @@ for (const range of [null, { startTick: 2 * 3840, endTick: 4 * 3840 }]) {
     synth.tickPosition = 2 * 3840;
     const position = synth.timePosition;
     synth.loadBanks([new Uint8Array(instruments)]);
-    assert.ok(position > 1000 && Math.abs(synth.timePosition - position) < 1, `${synth.timePosition} instead of ${position}`);
+    assert.ok(
+      position > 1000 && Math.abs(synth.timePosition - position) < 1,
+      `${synth.timePosition} instead of ${position}`,
+    );
     assert.deepEqual(synth.playbackRange, range);
     playback.playPause();
     const loudest = played.render(1).reduce((most, sample) => Math.max(most, Math.abs(sample)), 0);

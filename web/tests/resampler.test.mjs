@@ -2,8 +2,16 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import { Resampler } from "../src/audio/resampler.js";
 
-const rates = [[44100, 48000], [48000, 44100], [22050, 44100], [44100, 22050], [8000, 48000], [96000, 44100]];
-const sine = (hertz, rate, seconds = 1) => Float32Array.from({ length: rate * seconds }, (_, frame) => Math.sin((2 * Math.PI * hertz * frame) / rate));
+const rates = [
+  [44100, 48000],
+  [48000, 44100],
+  [22050, 44100],
+  [44100, 22050],
+  [8000, 48000],
+  [96000, 44100],
+];
+const sine = (hertz, rate, seconds = 1) =>
+  Float32Array.from({ length: rate * seconds }, (_, frame) => Math.sin((2 * Math.PI * hertz * frame) / rate));
 
 function resampled(samples, from, to, size = samples.length) {
   const resampler = new Resampler(from, to);
@@ -14,7 +22,8 @@ function resampled(samples, from, to, size = samples.length) {
   return Float32Array.from([...parts, ...resampler.finish()]);
 }
 
-const decibels = (one, other) => 20 * Math.log10(one.reduce((most, sample, frame) => Math.max(most, Math.abs(sample - other[frame])), 1e-9));
+const decibels = (one, other) =>
+  20 * Math.log10(one.reduce((most, sample, frame) => Math.max(most, Math.abs(sample - other[frame])), 1e-9));
 const inner = (samples) => samples.subarray(200, -200);
 
 for (const [from, to] of rates) {

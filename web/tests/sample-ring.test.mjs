@@ -11,7 +11,10 @@ function counting(first, frames) {
 function take(ring, frames) {
   const [left, right] = [new Float32Array(frames), new Float32Array(frames)];
   const count = ring.take(left, right);
-  assert.deepEqual([...right], [...left].map((sample) => (sample === 0 ? 0 : -sample)));
+  assert.deepEqual(
+    [...right],
+    [...left].map((sample) => (sample === 0 ? 0 : -sample)),
+  );
   return [...left].slice(0, count);
 }
 
@@ -25,7 +28,10 @@ test("what one end writes the other takes, in order and round the end of the mem
     written += 1000 + turn;
     assert.equal(other.length, written - taken);
     const frames = take(other, 1000 + turn);
-    assert.deepEqual(frames, Array.from({ length: 1000 + turn }, (_, i) => taken + i));
+    assert.deepEqual(
+      frames,
+      Array.from({ length: 1000 + turn }, (_, i) => taken + i),
+    );
     taken += frames.length;
   }
 });
@@ -58,6 +64,9 @@ test("counts that overflow do no harm", () => {
   const ring = new SampleRing(memory);
   ring.write(counting(1, 100));
   assert.equal(ring.length, 100);
-  assert.deepEqual(take(ring, 100), Array.from({ length: 100 }, (_, i) => 1 + i));
+  assert.deepEqual(
+    take(ring, 100),
+    Array.from({ length: 100 }, (_, i) => 1 + i),
+  );
   assert.equal(ring.length, 0);
 });

@@ -17,7 +17,13 @@ globalThis.OfflineAudioContext = class {
 };
 const { ScoreSession } = await import("../src/session/score-session.js");
 
-const file = (title) => bytesOf(musicXml([attributes() + note("C4", 4)], { head: "" }).replace("<part-list>", `<work><work-title>${title}</work-title></work><part-list>`));
+const file = (title) =>
+  bytesOf(
+    musicXml([attributes() + note("C4", 4)], { head: "" }).replace(
+      "<part-list>",
+      `<work><work-title>${title}</work-title></work><part-list>`,
+    ),
+  );
 const unreadable = Uint8Array.of(1, 2, 3);
 
 function session() {
@@ -26,24 +32,68 @@ function session() {
   const leaving = (name) => ({ leaveScore: () => log.push(`${name} leaves`) });
   const settings = new alphaTab.Settings();
   const api = {
-    settings, score: null, scorePrepared: new Signal(), backingTrack: null, otherPlayer: false,
+    settings,
+    score: null,
+    scorePrepared: new Signal(),
+    backingTrack: null,
+    otherPlayer: false,
     workerRenderer: { batchShown: new Signal(), read: () => 1, recognize: () => {} },
-    choosePlayer: (mode) => { log.push(`player ${alphaTab.PlayerMode[mode]}`); return api.otherPlayer; },
+    choosePlayer: (mode) => {
+      log.push(`player ${alphaTab.PlayerMode[mode]}`);
+      return api.otherPlayer;
+    },
     updateSettings: () => log.push("player changes"),
   };
-  const playback = { ...leaving("playback"), handOver: () => log.push("playback hands over"), announceLength: () => {}, repeatPosition: () => log.push("position again") };
-  const scoreView = { ...leaving("view"), showPage: () => {}, scrollToTop: () => log.push("top"), show: (score) => { api.score = score; log.push(`shows ${score.title}`); } };
-  const notice = { beginOpening: async () => {}, continueOpening: () => {}, endOpening: () => {}, tellProblem: () => {} };
-  const own = new ScoreSession({ api, playback, mixer: leaving("mixer"), pointerInput: leaving("pointer"), scoreView, notice, post: (message) => messages.push(message) });
+  const playback = {
+    ...leaving("playback"),
+    handOver: () => log.push("playback hands over"),
+    announceLength: () => {},
+    repeatPosition: () => log.push("position again"),
+  };
+  const scoreView = {
+    ...leaving("view"),
+    showPage: () => {},
+    scrollToTop: () => log.push("top"),
+    show: (score) => {
+      api.score = score;
+      log.push(`shows ${score.title}`);
+    },
+  };
+  const notice = {
+    beginOpening: async () => {},
+    continueOpening: () => {},
+    endOpening: () => {},
+    tellProblem: () => {},
+  };
+  const own = new ScoreSession({
+    api,
+    playback,
+    mixer: leaving("mixer"),
+    pointerInput: leaving("pointer"),
+    scoreView,
+    notice,
+    post: (message) => messages.push(message),
+  });
   return { own, api, log, messages, notice, types: () => messages.map(({ type }) => type) };
 }
 
 test("another score replaces range, position and mix of the one before, and then is shown from its top", async () => {
   const { own, log, messages } = session();
   await own.open(file("First"));
-  assert.deepEqual(log, ["view leaves", "pointer leaves", "playback leaves", "mixer leaves", "player EnabledSynthesizer", "top", "shows First"]);
+  assert.deepEqual(log, [
+    "view leaves",
+    "pointer leaves",
+    "playback leaves",
+    "mixer leaves",
+    "player EnabledSynthesizer",
+    "top",
+    "shows First",
+  ]);
   const [{ type, title, tracks, hasBackingTrack }] = messages;
-  assert.deepEqual({ type, title, tracks, hasBackingTrack }, { type: "score", title: "First", tracks: [{ index: 0, name: "Part 0" }], hasBackingTrack: false });
+  assert.deepEqual(
+    { type, title, tracks, hasBackingTrack },
+    { type: "score", title: "First", tracks: [{ index: 0, name: "Part 0" }], hasBackingTrack: false },
+  );
 });
 
 test("a file that cannot be read leaves everything as it is, and says why", async () => {
@@ -68,7 +118,10 @@ test("of files in quick succession the last that can be read stays, however long
   goOn();
   await first;
   assert.equal(api.score.title, "Second");
-  assert.deepEqual(log.filter((entry) => entry.startsWith("shows")), ["shows Second"]);
+  assert.deepEqual(
+    log.filter((entry) => entry.startsWith("shows")),
+    ["shows Second"],
+  );
 });
 
 test("a backing track plays unless the synthesizer is preferred, and changing that hands the playback over", async () => {

@@ -15,7 +15,12 @@ function drawn(systems, width, height) {
     for (let bar = 0; bar < bars; bar++) {
       const box = new alphaTab.rendering.MasterBarBounds();
       box.index = index++;
-      box.visualBounds = Object.assign(new alphaTab.rendering.Bounds(), { x: bar * width, y: system * height, w: width, h: height });
+      box.visualBounds = Object.assign(new alphaTab.rendering.Bounds(), {
+        x: bar * width,
+        y: system * height,
+        w: width,
+        h: height,
+      });
       bounds.addMasterBar(box);
     }
   });

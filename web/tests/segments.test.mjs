@@ -41,7 +41,10 @@ test("a WAVE file that was never finished goes on to its end", () => {
 test("segments begin with little and go on with much", () => {
   const segments = lengths(segmentsOf(wave({ data: noise(seconds * 44100 * 4) }))).map((length) => length / 44100);
   assert.ok(Math.abs(segments[0] - 4) < 0.1, String(segments));
-  assert.ok(segments.slice(1, -1).every((length) => Math.abs(length - 16) < 0.1), String(segments));
+  assert.ok(
+    segments.slice(1, -1).every((length) => Math.abs(length - 16) < 0.1),
+    String(segments),
+  );
 });
 
 test("an MP3 file is cut between frames, and each segment begins some frames early", () => {
@@ -76,7 +79,11 @@ test("what is damaged in an MP3 file is left out", () => {
 });
 
 /** A Vorbis stream with so many samples a page. */
-function stream(pages, samples, between = (index) => page({ packets: [noise(900, index + 1)], end: (index + 1) * samples })) {
+function stream(
+  pages,
+  samples,
+  between = (index) => page({ packets: [noise(900, index + 1)], end: (index + 1) * samples }),
+) {
   return { head: vorbisHead(), pages: Array.from({ length: pages }, (_, index) => between(index)) };
 }
 
@@ -103,11 +110,17 @@ test("an Ogg file is cut between pages, and each segment begins with the head of
 
 test("a packet that takes several pages is not torn apart", () => {
   const { head, pages } = stream(400, 5000, (index) =>
-    joined(page({ packets: [noise(510, index + 1)], end: -1, open: true }), page({ packets: [noise(100, index + 9)], end: (index + 1) * 5000 })),
+    joined(
+      page({ packets: [noise(510, index + 1)], end: -1, open: true }),
+      page({ packets: [noise(100, index + 9)], end: (index + 1) * 5000 }),
+    ),
   );
   const file = segmentsOf(joined(...head, ...pages));
   const boundaries = file.segments.map(({ to }) => to - joined(...head).length);
-  assert.ok(boundaries.every((boundary) => boundary % pages[0].length === 0), String(boundaries));
+  assert.ok(
+    boundaries.every((boundary) => boundary % pages[0].length === 0),
+    String(boundaries),
+  );
 });
 
 test("what is damaged in an Ogg file is left out, and time goes on", () => {
@@ -120,8 +133,14 @@ test("what is damaged in an Ogg file is left out, and time goes on", () => {
 test("Ogg files with several streams, or with another codec, are not cut", () => {
   const { head, pages } = stream(20, 5000);
   assert.equal(segmentsOf(joined(...head, ...pages, ...head, ...pages)), null);
-  assert.equal(segmentsOf(joined(head[0], page({ packets: [noise(90)], end: 0, first: true, stream: 8 }), ...pages)), null);
-  assert.equal(segmentsOf(joined(page({ packets: [joined(text("\x7fFLAC"), noise(40))], end: 0, first: true }), ...pages)), null);
+  assert.equal(
+    segmentsOf(joined(head[0], page({ packets: [noise(90)], end: 0, first: true, stream: 8 }), ...pages)),
+    null,
+  );
+  assert.equal(
+    segmentsOf(joined(page({ packets: [joined(text("\x7fFLAC"), noise(40))], end: 0, first: true }), ...pages)),
+    null,
+  );
   assert.equal(segmentsOf(joined(...head)), null);
 });
 

@@ -37,7 +37,11 @@ class Stage {
   }
 
   #newPort() {
-    const port = { open: true, postMessage: (question) => this.questions.push(question), close: () => (port.open = false) };
+    const port = {
+      open: true,
+      postMessage: (question) => this.questions.push(question),
+      close: () => (port.open = false),
+    };
     return port;
   }
 
@@ -144,7 +148,10 @@ test("the presented frame is reported as of the beginning of the audio callback"
   const told = stage.questions.filter(({ presented }) => presented !== undefined);
   assert.ok(told.length >= 28);
   for (const { presented, at } of told) {
-    assert.ok(Math.abs(presented - ((at - began) * perMillisecond - latency)) <= block, `${presented} at ${at - began}`);
+    assert.ok(
+      Math.abs(presented - ((at - began) * perMillisecond - latency)) <= block,
+      `${presented} at ${at - began}`,
+    );
   }
 });
 
@@ -191,7 +198,12 @@ test("a pause is silent, and asks for nothing", () => {
   stage.synth({ playing: false });
   stage.seek();
   const asked = stage.questions.length;
-  assert.ok(stage.render(10).slice(256).every((sample) => sample === 0));
+  assert.ok(
+    stage
+      .render(10)
+      .slice(256)
+      .every((sample) => sample === 0),
+  );
   assert.equal(stage.questions.length, asked);
   stage.synth({ playing: true });
   assert.deepEqual(stage.render(5).slice(callback), counting(1, 4 * callback));
@@ -207,7 +219,12 @@ for (const shared of [true, false]) {
     const before = stage.replace();
     assert.equal(before.open, false);
     const { length } = stage.questions;
-    assert.ok(stage.render(5).slice(256).every((sample) => sample === 0));
+    assert.ok(
+      stage
+        .render(5)
+        .slice(256)
+        .every((sample) => sample === 0),
+    );
     assert.equal(stage.questions.length, length);
     stage.synth({ playing: true });
     assert.deepEqual(stage.render(5).slice(callback), counting(1, 4 * callback));

@@ -11,31 +11,72 @@ const presets = [preset(0, 0), preset(0, 25), preset(0, 33), preset(128, 0), pre
 
 const program = (channel, number) => new ProgramChangeEvent(0, 0, channel, number);
 const note = (channel, key, velocity = 95) => new NoteOnEvent(0, 0, channel, key, velocity);
-const bank = (channel, coarse, fine) => [new ControlChangeEvent(0, 0, channel, BankSelectCoarse, coarse), new ControlChangeEvent(0, 0, channel, BankSelectFine, fine)];
+const bank = (channel, coarse, fine) => [
+  new ControlChangeEvent(0, 0, channel, BankSelectCoarse, coarse),
+  new ControlChangeEvent(0, 0, channel, BankSelectFine, fine),
+];
 
 function inUse(events, transpositions = new Map()) {
   return soundsInUse(events.flat(), presets, transpositions).map(({ index, bank, program, softest, loudest }) => ({
-    index, bank, program,
+    index,
+    bank,
+    program,
     notes: [...softest.keys()].filter((key) => softest[key] > 0).map((key) => [key, softest[key], loudest[key]]),
   }));
 }
 
 test("every sound that is played is there with its notes, in the order in which it is heard", () => {
-  const events = [program(0, 33), program(1, 25), program(2, 0), note(1, 60, 80), note(0, 40), note(1, 60, 50), note(1, 62, 127)];
+  const events = [
+    program(0, 33),
+    program(1, 25),
+    program(2, 0),
+    note(1, 60, 80),
+    note(0, 40),
+    note(1, 60, 50),
+    note(1, 62, 127),
+  ];
   assert.deepEqual(inUse(events), [
-    { index: 1, bank: 0, program: 25, notes: [[60, 50, 80], [62, 127, 127]] },
+    {
+      index: 1,
+      bank: 0,
+      program: 25,
+      notes: [
+        [60, 50, 80],
+        [62, 127, 127],
+      ],
+    },
     { index: 2, bank: 0, program: 33, notes: [[40, 95, 95]] },
   ]);
 });
 
 test("a change of program in the middle makes another sound", () => {
   const events = [program(0, 25), note(0, 60), program(0, 33), note(0, 30)];
-  assert.deepEqual(inUse(events).map(({ index, notes }) => [index, notes[0][0]]), [[1, 60], [2, 30]]);
+  assert.deepEqual(
+    inUse(events).map(({ index, notes }) => [index, notes[0][0]]),
+    [
+      [1, 60],
+      [2, 30],
+    ],
+  );
 });
 
 test("percussion plays the kit, whatever its program; other channels may choose it by its bank", () => {
-  const events = [program(9, 77), note(9, 36), bank(12, 1, 0), program(12, 0), note(12, 38), program(9, 16), note(9, 40)];
-  assert.deepEqual(inUse(events).map(({ index, notes }) => [index, notes.map(([key]) => key)]), [[3, [36, 38]], [4, [40]]]);
+  const events = [
+    program(9, 77),
+    note(9, 36),
+    bank(12, 1, 0),
+    program(12, 0),
+    note(12, 38),
+    program(9, 16),
+    note(9, 40),
+  ];
+  assert.deepEqual(
+    inUse(events).map(({ index, notes }) => [index, notes.map(([key]) => key)]),
+    [
+      [3, [36, 38]],
+      [4, [40]],
+    ],
+  );
 });
 
 test("notes are those that are heard: transposed, and none of no velocity", () => {

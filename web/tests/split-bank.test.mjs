@@ -9,36 +9,92 @@ import { readSoundFile } from "../src/soundfont/sound-file.js";
 import { makeBank } from "./support/bank-maker.mjs";
 
 const generator = {
-  loopStart: 2, filter: 8, pan: 17, release: 38, instrument: 41, keys: 43, velocities: 44, loopEndCoarse: 50, attenuation: 48,
-  tune: 52, sample: 53, modes: 54, root: 58,
+  loopStart: 2,
+  filter: 8,
+  pan: 17,
+  release: 38,
+  instrument: 41,
+  keys: 43,
+  velocities: 44,
+  loopEndCoarse: 50,
+  attenuation: 48,
+  tune: 52,
+  sample: 53,
+  modes: 54,
+  root: 58,
 };
 const range = (low, high) => low | (high << 8);
 
 /** Of odd length, after which the bank has no byte to make it even. */
-const streams = [11, 12, 13].map((frames) => Buffer.concat([
-  Buffer.from("OggS....first page....OggS.."), Buffer.from(BigInt64Array.of(BigInt(frames)).buffer), Buffer.from("."),
-]));
+const streams = [11, 12, 13].map((frames) =>
+  Buffer.concat([
+    Buffer.from("OggS....first page....OggS.."),
+    Buffer.from(BigInt64Array.of(BigInt(frames)).buffer),
+    Buffer.from("."),
+  ]),
+);
 const vorbisMono = 0x11;
-const sample = (index, more) => ({ bytes: streams[index], loop: [100, 200], rate: 32000, root: 64, correction: -7, type: vorbisMono, ...more });
+const sample = (index, more) => ({
+  bytes: streams[index],
+  loop: [100, 200],
+  rate: 32000,
+  root: 64,
+  correction: -7,
+  type: vorbisMono,
+  ...more,
+});
 
 const guitar = { name: "Guitar", bank: 0, program: 25, zones: [[[generator.instrument, 0]]] };
 const bank = {
   presets: [
     { name: "Drums", bank: 128, program: 0, zones: [[[generator.instrument, 1]]] },
-    { ...guitar, zones: [
-      [[generator.release, 1200]],
-      [[generator.keys, range(50, 90)], [generator.attenuation, 100], [generator.tune, 5], [generator.instrument, 0]],
-    ] },
+    {
+      ...guitar,
+      zones: [
+        [[generator.release, 1200]],
+        [
+          [generator.keys, range(50, 90)],
+          [generator.attenuation, 100],
+          [generator.tune, 5],
+          [generator.instrument, 0],
+        ],
+      ],
+    },
     { name: "Variation", bank: 8, program: 25, zones: [[[generator.instrument, 0]]] },
   ],
   instruments: [
     [
-      [[generator.pan, -500], [generator.release, -2400], [generator.attenuation, 20]],
-      [[generator.keys, range(0, 60)], [generator.modes, 1], [generator.loopStart, -10], [generator.loopEndCoarse, 1], [generator.sample, 2]],
-      [[generator.keys, range(61, 127)], [generator.velocities, range(64, 127)], [generator.root, 70], [generator.pan, 500], [generator.sample, 0]],
-      [[generator.keys, range(91, 127)], [generator.sample, 1]],
+      [
+        [generator.pan, -500],
+        [generator.release, -2400],
+        [generator.attenuation, 20],
+      ],
+      [
+        [generator.keys, range(0, 60)],
+        [generator.modes, 1],
+        [generator.loopStart, -10],
+        [generator.loopEndCoarse, 1],
+        [generator.sample, 2],
+      ],
+      [
+        [generator.keys, range(61, 127)],
+        [generator.velocities, range(64, 127)],
+        [generator.root, 70],
+        [generator.pan, 500],
+        [generator.sample, 0],
+      ],
+      [
+        [generator.keys, range(91, 127)],
+        [generator.sample, 1],
+      ],
     ],
-    [[[generator.keys, range(38, 38)], [generator.filter, 9000], [generator.sample, 1]]],
+    [
+      [
+        [generator.keys, range(38, 38)],
+        [generator.filter, 9000],
+        [generator.sample, 1],
+      ],
+    ],
   ],
   samples: [sample(0, { loop: [1, 9] }), sample(1, { root: 255 }), sample(2)],
 };
@@ -75,19 +131,34 @@ test("what was there before is gone", () => {
 
 test("zones are the common part of the preset's and the instrument's", () => {
   const { description } = soundOf(split(makeBank(bank)).target, "0-25");
-  assert.deepEqual(description.zones.map(({ keys, velocities }) => [keys, velocities]), [[[50, 60], [0, 127]], [[61, 90], [64, 127]]]);
+  assert.deepEqual(
+    description.zones.map(({ keys, velocities }) => [keys, velocities]),
+    [
+      [
+        [50, 60],
+        [0, 127],
+      ],
+      [
+        [61, 90],
+        [64, 127],
+      ],
+    ],
+  );
   assert.deepEqual([description.name, description.bank, description.program], ["Guitar", 0, 25]);
 });
 
 test("a preset adds to what its instrument says", () => {
-  const [low, high] = soundOf(split(makeBank(bank)).target, "0-25").description.zones.map(({ generators }) => new Map(generators));
+  const [low, high] = soundOf(split(makeBank(bank)).target, "0-25").description.zones.map(
+    ({ generators }) => new Map(generators),
+  );
   assert.deepEqual([low.get(generator.release), high.get(generator.release)], [-2400 + 1200, -2400 + 1200]);
   assert.deepEqual([low.get(generator.tune), low.get(generator.pan), high.get(generator.pan)], [5, -500, 500]);
   assert.deepEqual([low.get(generator.modes), low.has(generator.root), high.get(generator.root)], [1, false, 70]);
 });
 
 test("attenuation is what is heard of it, and the sound's level is added", () => {
-  const attenuationIn = (target) => new Map(soundOf(target, "0-25").description.zones[0].generators).get(generator.attenuation);
+  const attenuationIn = (target) =>
+    new Map(soundOf(target, "0-25").description.zones[0].generators).get(generator.attenuation);
   assert.equal(attenuationIn(split(makeBank(bank)).target), (100 + 20) * 0.4);
   assert.equal(attenuationIn(split(makeBank(bank), { "0-25": 6.5 }).target), (100 + 20) * 0.4 - 65);
 });
@@ -101,15 +172,33 @@ test("a filter that is open does no work", () => {
 
 test("loops are moved as their zone says", () => {
   const { zones } = soundOf(split(makeBank(bank)).target, "0-25").description;
-  assert.deepEqual(zones.map(({ loop }) => loop), [[90, 200 + 32768], [1, 9]]);
+  assert.deepEqual(
+    zones.map(({ loop }) => loop),
+    [
+      [90, 200 + 32768],
+      [1, 9],
+    ],
+  );
 });
 
 test("samples come with their rate, root and correction, and each only once", () => {
   const { target } = split(makeBank(bank));
   const { description, streamOf } = soundOf(target, "0-25");
-  assert.deepEqual(description.samples.map(({ rate, root, correction }) => [rate, root, correction]), [[32000, 64, -7], [32000, 64, -7]]);
-  assert.deepEqual(description.zones.map((zone) => Buffer.from(streamOf(zone.sample))), [streams[2], streams[0]]);
-  assert.deepEqual(description.zones.map((zone) => description.samples[zone.sample].frames), [13, 11]);
+  assert.deepEqual(
+    description.samples.map(({ rate, root, correction }) => [rate, root, correction]),
+    [
+      [32000, 64, -7],
+      [32000, 64, -7],
+    ],
+  );
+  assert.deepEqual(
+    description.zones.map((zone) => Buffer.from(streamOf(zone.sample))),
+    [streams[2], streams[0]],
+  );
+  assert.deepEqual(
+    description.zones.map((zone) => description.samples[zone.sample].frames),
+    [13, 11],
+  );
   assert.equal(soundOf(target, "128-0").description.samples[0].root, 60);
 });
 

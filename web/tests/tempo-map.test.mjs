@@ -9,7 +9,15 @@ test("without a tempo mark a quarter note lasts half a second", () => {
 });
 
 test("each stretch runs at its own tempo", () => {
-  const line = new TempoMap([{ tick: 0, bpm: 120 }, { tick: 3840, bpm: 60 }, { tick: 7680, bpm: 240 }], 11520, 960);
+  const line = new TempoMap(
+    [
+      { tick: 0, bpm: 120 },
+      { tick: 3840, bpm: 60 },
+      { tick: 7680, bpm: 240 },
+    ],
+    11520,
+    960,
+  );
   assert.equal(line.msAt(3840), 2000);
   assert.equal(line.msAt(5760), 4000);
   assert.equal(line.msAt(7680), 6000);
@@ -17,7 +25,14 @@ test("each stretch runs at its own tempo", () => {
 });
 
 test("a later tempo mark at the same tick wins", () => {
-  const line = new TempoMap([{ tick: 0, bpm: 120 }, { tick: 0, bpm: 60 }], 960, 960);
+  const line = new TempoMap(
+    [
+      { tick: 0, bpm: 120 },
+      { tick: 0, bpm: 60 },
+    ],
+    960,
+    960,
+  );
   assert.equal(line.endMs, 1000);
 });
 

@@ -11,15 +11,25 @@ const beats = Array.from({ length: 40 }, (_, beat) => 0.35 + beat * 0.45 + 0.04 
 const length = beats.at(-1) + 1;
 
 const sine = (hertz) => sound(6, (t) => 0.8 * Math.sin(2 * Math.PI * hertz * t));
-const chord = (t) => [82.4, 123.5, 164.8, 207.7, 246.9, 329.6].reduce((sum, hertz, i) => sum + 0.15 * Math.sin(2 * Math.PI * hertz * t + i), 0);
+const chord = (t) =>
+  [82.4, 123.5, 164.8, 207.7, 246.9, 329.6].reduce(
+    (sum, hertz, i) => sum + 0.15 * Math.sin(2 * Math.PI * hertz * t + i),
+    0,
+  );
 
 test("at its own speed a backing track is played as it is", () => {
   let seed = 1;
   const noise = sound(2, () => ((seed = (seed * 16807) % 2147483647) / 2147483647) * 2 - 1);
   const [left, right] = new Player([noise, noise.slice().reverse()]).render(3);
   assert.equal(left.length, noise.length);
-  assert.deepEqual(left.map((sample) => Math.round(sample * fullScale)), Float32Array.from(noise));
-  assert.deepEqual(right.map((sample) => Math.round(sample * fullScale)), Float32Array.from(noise).reverse());
+  assert.deepEqual(
+    left.map((sample) => Math.round(sample * fullScale)),
+    Float32Array.from(noise),
+  );
+  assert.deepEqual(
+    right.map((sample) => Math.round(sample * fullScale)),
+    Float32Array.from(noise).reverse(),
+  );
 });
 
 for (const speed of speeds) {
@@ -27,7 +37,9 @@ for (const speed of speeds) {
     const [left] = new Player([strokes(length, beats)], { speed }).render(length / speed + 1);
     const heard = onsets(left, 0.01);
     assert.equal(heard.length, beats.length);
-    heard.forEach((at, beat) => assert.ok(Math.abs(at - (1000 * beats[beat]) / speed) < 0.2, `${at} instead of ${(1000 * beats[beat]) / speed}`));
+    heard.forEach((at, beat) =>
+      assert.ok(Math.abs(at - (1000 * beats[beat]) / speed) < 0.2, `${at} instead of ${(1000 * beats[beat]) / speed}`),
+    );
   });
 
   test(`strokes among ringing strings are in time at ${speed}`, () => {
@@ -36,7 +48,9 @@ for (const speed of speeds) {
     const [left] = new Player([mixed], { speed }).render(length / speed + 1);
     const heard = onsets(left, 0.03);
     assert.equal(heard.length, beats.length);
-    heard.forEach((at, beat) => assert.ok(Math.abs(at - (1000 * beats[beat]) / speed) < 2, `${at} instead of ${(1000 * beats[beat]) / speed}`));
+    heard.forEach((at, beat) =>
+      assert.ok(Math.abs(at - (1000 * beats[beat]) / speed) < 2, `${at} instead of ${(1000 * beats[beat]) / speed}`),
+    );
   });
 
   test(`tones keep their pitch and level at ${speed}`, () => {
@@ -48,8 +62,11 @@ for (const speed of speeds) {
       assert.ok(Math.abs(pitch(steady) / hertz - 1) < 0.0006, `${pitch(steady)} instead of ${hertz}`);
       const heard = levels(steady);
       const own = 20 * Math.log10((0.8 * 30000) / fullScale / Math.SQRT2);
-      assert.ok(Math.min(...heard) > own - 0.3 && Math.max(...heard) < own + 0.3, `${Math.min(...heard)} to ${Math.max(...heard)}`);
-      const bend = (2 * Math.PI * hertz / sampleRate) ** 2 * 0.8 * (30000 / fullScale);
+      assert.ok(
+        Math.min(...heard) > own - 0.3 && Math.max(...heard) < own + 0.3,
+        `${Math.min(...heard)} to ${Math.max(...heard)}`,
+      );
+      const bend = ((2 * Math.PI * hertz) / sampleRate) ** 2 * 0.8 * (30000 / fullScale);
       assert.ok(sharpest(left) < bend * 1.5 + 6 / fullScale, `${hertz}: ${sharpest(left)} instead of ${bend}`);
     }
   });
@@ -59,12 +76,17 @@ test("a chord keeps its level", () => {
   const own = levels(new Player([sound(4, chord)]).render(4)[0], 100);
   for (const speed of speeds) {
     const heard = levels(new Player([sound(4, chord)], { speed }).render(3.5 / speed)[0], 100);
-    assert.ok(Math.min(...heard) > Math.min(...own) - 1 && Math.max(...heard) < Math.max(...own) + 1, `${speed}: ${Math.min(...heard)} to ${Math.max(...heard)}`);
+    assert.ok(
+      Math.min(...heard) > Math.min(...own) - 1 && Math.max(...heard) < Math.max(...own) + 1,
+      `${speed}: ${Math.min(...heard)} to ${Math.max(...heard)}`,
+    );
   }
 });
 
 test("both channels are stretched alike", () => {
-  const [left, right] = new Player([strokes(length, beats), strokes(length, beats).map((sample) => -sample)], { speed: 0.6 }).render(10);
+  const [left, right] = new Player([strokes(length, beats), strokes(length, beats).map((sample) => -sample)], {
+    speed: 0.6,
+  }).render(10);
   assert.ok(left.some((sample) => sample > 0.5));
   assert.ok(left.every((sample, frame) => Math.abs(sample + right[frame]) < 1e-6));
 });
@@ -76,7 +98,7 @@ test("a change of speed neither jumps nor clicks", () => {
     return player.render(0.713)[0];
   });
   const all = Float32Array.from(chunks.flatMap((chunk) => [...chunk]));
-  const bend = (2 * Math.PI * 330 / sampleRate) ** 2 * 0.8 * (30000 / fullScale);
+  const bend = ((2 * Math.PI * 330) / sampleRate) ** 2 * 0.8 * (30000 / fullScale);
   assert.ok(sharpest(all) < bend * 1.5 + 6 / fullScale, `${sharpest(all)} instead of ${bend}`);
   assert.ok(Math.abs(player.stretch.position / sampleRate - 0.713 * (0.5 + 1 + 0.25 + 2 + 1)) < 0.001);
 });
@@ -102,7 +124,7 @@ for (const speed of [0.25, 0.5, 1, 2]) {
       const player = new Player([strokes(9, even)], { speed, loop });
       player.stretch.jump(1 * sampleRate - 0.1 * sampleRate);
       const heard = onsets(player.render(13 / speed)[0], 0.02);
-      const wanted = Array.from({ length: 26 }, (_, beat) => ((100 + 500 * beat + 1000 * early) / speed));
+      const wanted = Array.from({ length: 26 }, (_, beat) => (100 + 500 * beat + 1000 * early) / speed);
       assert.equal(heard.length, wanted.length, heard.map(Math.round).join());
       heard.forEach((at, beat) => assert.ok(Math.abs(at - wanted[beat]) < 0.3, `${at} instead of ${wanted[beat]}`));
     });
@@ -119,9 +141,14 @@ for (const speed of [0.25, 0.5, 1, 2]) {
 test("a loop from the very beginning starts over in time, and nothing is silent at its seam", () => {
   for (const speed of [0.25, 0.5, 1, 2]) {
     const loop = { from: 0, to: 2 * sampleRate };
-    const heard = onsets(new Player([strokes(6, [0, 0.5, 1, 1.5, 2, 2.5, 3])], { speed, loop }).render(7.9 / speed)[0], 0.02);
+    const heard = onsets(
+      new Player([strokes(6, [0, 0.5, 1, 1.5, 2, 2.5, 3])], { speed, loop }).render(7.9 / speed)[0],
+      0.02,
+    );
     assert.equal(heard.length, 16, heard.map(Math.round).join());
-    heard.forEach((at, beat) => assert.ok(Math.abs(at - (500 * beat) / speed) < 2, `${at} instead of ${(500 * beat) / speed}`));
+    heard.forEach((at, beat) =>
+      assert.ok(Math.abs(at - (500 * beat) / speed) < 2, `${at} instead of ${(500 * beat) / speed}`),
+    );
     const hum = levels(new Player([sine(196)], { speed, loop }).render(9)[0].subarray(2000), 5);
     assert.ok(Math.min(...hum) > Math.max(...hum) - 12, String(Math.min(...hum)));
   }
@@ -131,7 +158,9 @@ test("quick notes are heard once each when they are very slow", () => {
   const quick = Array.from({ length: 30 }, (_, note) => 0.2 + 0.07 * note);
   const heard = onsets(new Player([strokes(3, quick)], { speed: 0.25 }).render(12)[0], 0.01);
   assert.equal(heard.length, quick.length);
-  heard.forEach((at, note) => assert.ok(Math.abs(at - 4000 * quick[note]) < 0.2, `${at} instead of ${4000 * quick[note]}`));
+  heard.forEach((at, note) =>
+    assert.ok(Math.abs(at - 4000 * quick[note]) < 0.2, `${at} instead of ${4000 * quick[note]}`),
+  );
 });
 
 test("a loop that ends behind the backing track starts over at its end", () => {
@@ -140,7 +169,11 @@ test("a loop that ends behind the backing track starts over at its end", () => {
 });
 
 test("a loop with nothing in it ends like the backing track", () => {
-  for (const loop of [{ from: 3 * sampleRate, to: 4 * sampleRate }, { from: 1000, to: 1001 }, { from: 2 * sampleRate - 1, to: 9 * sampleRate }]) {
+  for (const loop of [
+    { from: 3 * sampleRate, to: 4 * sampleRate },
+    { from: 1000, to: 1001 },
+    { from: 2 * sampleRate - 1, to: 9 * sampleRate },
+  ]) {
     const player = new Player([sound(2, () => 0.1)], { loop });
     player.stretch.jump(sampleRate);
     assert.equal(player.render(3)[0].length, sampleRate);
@@ -149,7 +182,10 @@ test("a loop with nothing in it ends like the backing track", () => {
 
 test("a loop that is given up at its seam goes on behind it", () => {
   for (const speed of [0.5, 1]) {
-    const player = new Player([strokes(4, [1, 1.5, 2, 2.5, 3])], { speed, loop: { from: 1.3 * sampleRate, to: 2.3 * sampleRate } });
+    const player = new Player([strokes(4, [1, 1.5, 2, 2.5, 3])], {
+      speed,
+      loop: { from: 1.3 * sampleRate, to: 2.3 * sampleRate },
+    });
     player.stretch.jump(1.8 * sampleRate);
     player.render(0.498 / speed);
     player.stretch.loop = null;
@@ -182,7 +218,12 @@ test("onsets are found where they begin, in silence and among strings", () => {
   for (const samples of [plain, plain.map((sample, frame) => sample * 0.7 + ringing[frame])]) {
     const found = [...findOnsets([samples], sampleRate)].filter((frame) => frame > 0.1 * sampleRate);
     assert.equal(found.length, beats.length);
-    found.forEach((frame, beat) => assert.ok(Math.abs(frame - beats[beat] * sampleRate) < 0.001 * sampleRate, `${frame / sampleRate} instead of ${beats[beat]}`));
+    found.forEach((frame, beat) =>
+      assert.ok(
+        Math.abs(frame - beats[beat] * sampleRate) < 0.001 * sampleRate,
+        `${frame / sampleRate} instead of ${beats[beat]}`,
+      ),
+    );
   }
 });
 

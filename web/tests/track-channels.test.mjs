@@ -2,7 +2,10 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import { separateChannels, withChannels } from "../src/alphatab/track-channels.js";
 
-const track = (index, primaryChannel, secondaryChannel) => ({ index, playbackInfo: { primaryChannel, secondaryChannel } });
+const track = (index, primaryChannel, secondaryChannel) => ({
+  index,
+  playbackInfo: { primaryChannel, secondaryChannel },
+});
 
 test("tracks on the same channels get channels of their own, and none becomes percussion", () => {
   const tracks = Array.from({ length: 20 }, (_, index) => track(index, 0, 1));
@@ -18,7 +21,11 @@ test("percussion stays where it is", () => {
 test("the score keeps its own channels", () => {
   const tracks = [track(0, 5, 6), track(1, 5, 6)];
   let during = [];
-  withChannels(tracks, separateChannels(tracks), () => (during = tracks.map(({ playbackInfo }) => playbackInfo.primaryChannel)));
+  withChannels(
+    tracks,
+    separateChannels(tracks),
+    () => (during = tracks.map(({ playbackInfo }) => playbackInfo.primaryChannel)),
+  );
   assert.deepEqual(during, [0, 2]);
   assert.deepEqual(tracks, [track(0, 5, 6), track(1, 5, 6)]);
   assert.throws(() => withChannels(tracks, separateChannels(tracks), () => assert.fail("broken")));

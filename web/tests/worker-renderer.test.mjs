@@ -10,71 +10,7 @@ globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPH
 const { alphaTab } = globalThis;
 const { LayoutRun } = await import("../src/rendering/layout-run.js");
 const { WorkerRenderer } = await import("../src/rendering/worker-renderer.js");
-
-const view = { left: 0, top: 0, right: 900, bottom: 600 };
-
-/** The render worker, without a worker: what it is asked is written down, and the test answers. */
-class FakeWorker extends EventTarget {
-  asked = [];
-  pings = [];
-  answersPings = true;
-  terminated = false;
-
-  postMessage(request) {
-    if (request.cmd === "ping") {
-      this.pings.push(request.number);
-      if (this.answersPings) {
-        this.answer({ kind: "pong", number: request.number });
-      }
-      return;
-    }
-    // What cannot be copied cannot be sent.
-    this.asked.push(structuredClone(request));
-  }
-
-  terminate() {
-    this.terminated = true;
-  }
-
-  answer(answer) {
-    this.dispatchEvent(new MessageEvent("message", { data: structuredClone(answer) }));
-  }
-
-  get last() {
-    return this.asked.at(-1);
-  }
-
-  count(cmd) {
-    return this.asked.filter((request) => request.cmd === cmd).length;
-  }
-}
-
-/** A renderer at its worker, with everything that it told alphaTab. */
-function viewport(scrolled = { view, position: { left: 0, top: 0 }, moveTo: () => assert.fail("moved") }) {
-  const worker = new FakeWorker();
-  const renderer = new WorkerRenderer(worker, scrolled, () => assert.fail("replaced"));
-  renderer.width = 900;
-  const events = [];
-  renderer.preRender.on(() => events.push("new notation"));
-  renderer.partialLayoutFinished.on(({ id }) => events.push(`bounds of ${id}`));
-  renderer.partialRenderFinished.on(({ id }) => events.push(`picture of ${id}`));
-  renderer.renderFinished.on(({ totalHeight }) => events.push(`${totalHeight} high`));
-  renderer.batchShown.on(({ first, last }) => events.push(`shown${first ? " first" : ""}${last ? " last" : ""}`));
-  renderer.error.on(({ message }) => events.push(`error: ${message}`));
-  return { worker, renderer, events, take: () => events.splice(0) };
-}
-
-function scoreOf(text) {
-  return alphaTab.importer.ScoreLoader.loadAlphaTex(text, new alphaTab.Settings());
-}
-
-const noBounds = new alphaTab.rendering.BoundsLookup().toJson();
-
-/** A layout batch of a render pass, by the names of its partials; those in capitals are painted. */
-function batch(names, { first = false, last = false, height = 100 } = {}) {
-  const partials = names.map((id) => ({ id, renderResult: id === id.toUpperCase() ? "<svg/>" : undefined }));
-  return { first, last, partials, bounds: noBounds, width: 900, height };
-}
+const { FakeWorker, batch, scoreOf, view, viewport } = await import("./support/fake-render-worker.mjs");
 
 test("a score that the worker has read is asked for by its number", () => {
   const { worker, renderer } = viewport();
@@ -85,7 +21,10 @@ test("a score that the worker has read is asked for by its number", () => {
   renderer.recognize(score, file);
   renderer.renderScore(score, [0]);
   const { cmd, file: drawn, score: sent, tracks, width, view: seen } = worker.last;
-  assert.deepEqual({ cmd, drawn, sent, tracks, width, seen }, { cmd: "draw", drawn: file, sent: null, tracks: [0], width: 900, seen: view });
+  assert.deepEqual(
+    { cmd, drawn, sent, tracks, width, seen },
+    { cmd: "draw", drawn: file, sent: null, tracks: [0], width: 900, seen: view },
+  );
 });
 
 test("the worker is told how wide letters are, which only the page can measure", () => {
@@ -104,7 +43,7 @@ test("files are numbered one by one, and a long one, with a backing track in it,
 
 test("any other score is handed over, once, as it is but for its backing track", () => {
   const { worker, renderer } = viewport();
-  const score = scoreOf("\\title \"Tune\" . c4 d4");
+  const score = scoreOf('\\title "Tune" . c4 d4');
   score.backingTrack = new alphaTab.model.BackingTrack();
   score.backingTrack.rawAudioFile = new Uint8Array(1000);
   renderer.renderScore(score, [0]);
@@ -158,18 +97,36 @@ test("another width draws pages anew, and a line without an end only when it has
   };
   renderer.updateSettings(settings);
   renderer.renderScore(scoreOf("c4"), [0]);
-  assert.equal(draws(() => renderer.resizeRender()), 1);
+  assert.equal(
+    draws(() => renderer.resizeRender()),
+    1,
+  );
   settings.display.layoutMode = alphaTab.LayoutMode.Horizontal;
   renderer.updateSettings(settings);
-  assert.equal(draws(() => renderer.render()), 1);
-  assert.equal(draws(() => renderer.resizeRender()), 0);
+  assert.equal(
+    draws(() => renderer.render()),
+    1,
+  );
+  assert.equal(
+    draws(() => renderer.resizeRender()),
+    0,
+  );
   renderer.width = 0;
-  assert.equal(draws(() => renderer.renderScore(scoreOf("d4"), [0])), 0);
+  assert.equal(
+    draws(() => renderer.renderScore(scoreOf("d4"), [0])),
+    0,
+  );
   renderer.width = 500;
-  assert.equal(draws(() => renderer.resizeRender()), 1);
+  assert.equal(
+    draws(() => renderer.resizeRender()),
+    1,
+  );
   settings.display.layoutMode = alphaTab.LayoutMode.Page;
   renderer.updateSettings(settings);
-  assert.equal(draws(() => renderer.resizeRender()), 1);
+  assert.equal(
+    draws(() => renderer.resizeRender()),
+    1,
+  );
 });
 
 test("a line without an end is drawn anew as a whole, and begins when it is new", () => {
@@ -186,12 +143,30 @@ test("a line without an end is drawn anew as a whole, and begins when it is new"
     renderer.updateSettings(settings);
     renderer.render();
   };
-  assert.equal(drawn(() => renderer.renderScore(scoreOf("c4"), [0])), false);
-  assert.equal(drawn(() => renderer.render()), false);
-  assert.equal(drawn(() => lay("Horizontal")), false);
-  assert.equal(drawn(() => renderer.render()), true);
-  assert.equal(drawn(() => renderer.renderScore(scoreOf("d4"), [0])), false);
-  assert.equal(drawn(() => lay("Page")), false);
+  assert.equal(
+    drawn(() => renderer.renderScore(scoreOf("c4"), [0])),
+    false,
+  );
+  assert.equal(
+    drawn(() => renderer.render()),
+    false,
+  );
+  assert.equal(
+    drawn(() => lay("Horizontal")),
+    false,
+  );
+  assert.equal(
+    drawn(() => renderer.render()),
+    true,
+  );
+  assert.equal(
+    drawn(() => renderer.renderScore(scoreOf("d4"), [0])),
+    false,
+  );
+  assert.equal(
+    drawn(() => lay("Page")),
+    false,
+  );
 });
 
 /** A score on the score page, five lines of two bars at 200 pixels each, at a viewport that can be scrolled. */
@@ -220,7 +195,9 @@ function reading() {
         bounds.addStaffSystem(Object.assign(system, { visualBounds: box(), realBounds: box() }));
       }
       const one = new alphaTab.rendering.MasterBarBounds();
-      bounds.addMasterBar(Object.assign(one, { index: bar, visualBounds: box(), realBounds: box(), lineAlignedBounds: box() }));
+      bounds.addMasterBar(
+        Object.assign(one, { index: bar, visualBounds: box(), realBounds: box(), lineAlignedBounds: box() }),
+      );
     }
     return bounds.toJson();
   };
@@ -353,9 +330,15 @@ test("a score drawn anew keeps its length until the new one is known; another sc
     return take().filter((system) => system.endsWith("high"));
   };
   const score = scoreOf("c4");
-  assert.deepEqual(draw(score, batch([], { first: true, height: 300 }), batch([], { last: true, height: 5000 })), ["300 high", "5000 high"]);
+  assert.deepEqual(draw(score, batch([], { first: true, height: 300 }), batch([], { last: true, height: 5000 })), [
+    "300 high",
+    "5000 high",
+  ]);
   assert.deepEqual(draw(score, batch([], { first: true, height: 300 })), ["5000 high"]);
-  assert.deepEqual(draw(score, batch([], { first: true, height: 300 }), batch([], { last: true, height: 900 })), ["5000 high", "900 high"]);
+  assert.deepEqual(draw(score, batch([], { first: true, height: 300 }), batch([], { last: true, height: 900 })), [
+    "5000 high",
+    "900 high",
+  ]);
   assert.deepEqual(draw(scoreOf("d4"), batch([], { first: true, height: 300 })), ["300 high"]);
 });
 

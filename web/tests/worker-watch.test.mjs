@@ -25,7 +25,7 @@ class Scene {
   );
 
   pass(ms, step = 100) {
-    for (const end = this.time + ms; this.time < end; ) {
+    for (const end = this.time + ms; this.time < end;) {
       this.time += step;
       const now = this.due.filter(({ at }) => at <= this.time);
       this.due = this.due.filter(({ at }) => at > this.time);

@@ -40,7 +40,10 @@ export function readSoundFont(bytes) {
       throw new Error(`not a sound bank: it has no "${id}"`);
     }
     const count = Math.floor(chunk.length / size);
-    return Array.from({ length: count }, (_, index) => new DataView(chunk.buffer, chunk.byteOffset + index * size, size));
+    return Array.from(
+      { length: count },
+      (_, index) => new DataView(chunk.buffer, chunk.byteOffset + index * size, size),
+    );
   };
   const presetZones = readZones(records("pbag", 4), records("pgen", 4), generator.instrument);
   const instrumentZones = readZones(records("ibag", 4), records("igen", 4), generator.sampleId);
@@ -110,7 +113,9 @@ function ranges(records, offset) {
  */
 function readZones(bags, entries, targetNumber) {
   return ranges(bags, 0).map(([, first, end]) => {
-    const generators = new Map(entries.slice(first, end).map((entry) => [entry.getUint16(0, true), entry.getUint16(2, true)]));
+    const generators = new Map(
+      entries.slice(first, end).map((entry) => [entry.getUint16(0, true), entry.getUint16(2, true)]),
+    );
     const target = generators.get(targetNumber);
     generators.delete(targetNumber);
     return { generators, target };
@@ -124,7 +129,9 @@ function readZones(bags, entries, targetNumber) {
  */
 function merged(zones) {
   const common = zones[0]?.target === undefined ? (zones[0]?.generators ?? []) : [];
-  return zones.flatMap(({ generators, target }) => (target === undefined ? [] : [{ generators: new Map([...common, ...generators]), target }]));
+  return zones.flatMap(({ generators, target }) =>
+    target === undefined ? [] : [{ generators: new Map([...common, ...generators]), target }],
+  );
 }
 
 /**

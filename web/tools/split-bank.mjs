@@ -56,7 +56,9 @@ const coarse = 32768;
 
 /** What the synthesizer understands, with the amount that holds where a bank says nothing (section 8.1.3). */
 const defaults = new Map([
-  ...[5, 6, 7, 9, 10, 11, 13, 17, 22, 24, 29, 31, 32, 37, 39, 40, attenuation, 51, 52, 54, 57].map((number) => /** @type {const} */ ([number, 0])),
+  ...[5, 6, 7, 9, 10, 11, 13, 17, 22, 24, 29, 31, 32, 37, 39, 40, attenuation, 51, 52, 54, 57].map(
+    (number) => /** @type {const} */ ([number, 0]),
+  ),
   [filter.number, filter.open],
   ...[21, 23, 25, 26, 27, 28, 30, 33, 34, 35, 36, 38].map((number) => /** @type {const} */ ([number, -12000])),
   [56, 100],
@@ -73,7 +75,9 @@ const ofSampleAlone = new Set([...Object.values(loopOffsets), 54, 57, 58]);
  * @returns {{ description: Description, streams: Uint8Array[] }}
  */
 export function soundOf(font, preset, gain) {
-  const zones = preset.zones.flatMap((outer) => (font.instruments[outer.target] ?? []).flatMap((inner) => zoneOf(font, outer.generators, inner, gain)));
+  const zones = preset.zones.flatMap((outer) =>
+    (font.instruments[outer.target] ?? []).flatMap((inner) => zoneOf(font, outer.generators, inner, gain)),
+  );
   const used = [...new Set(zones.map(({ sample }) => sample))];
   const samples = used.map((index) => font.samples[index]);
   if (samples.some(({ compressed }) => !compressed)) {
@@ -87,7 +91,10 @@ export function soundOf(font, preset, gain) {
   });
   const { name, bank, program } = preset;
   const renumbered = zones.map((zone) => ({ ...zone, sample: used.indexOf(zone.sample) }));
-  return { description: { name, bank, program, zones: renumbered, samples: streams }, streams: samples.map(({ bytes }) => bytes) };
+  return {
+    description: { name, bank, program, zones: renumbered, samples: streams },
+    streams: samples.map(({ bytes }) => bytes),
+  };
 }
 
 /**
@@ -119,10 +126,19 @@ function zoneOf(font, outer, inner, gain) {
     return [];
   }
   /** @type {(fine: number, rough: number) => number} */
-  const offset = (fine, rough) => signed(inner.generators.get(fine) ?? 0) + signed(inner.generators.get(rough) ?? 0) * coarse;
+  const offset = (fine, rough) =>
+    signed(inner.generators.get(fine) ?? 0) + signed(inner.generators.get(rough) ?? 0) * coarse;
   const start = sample.loop[0] + offset(loopOffsets.start, loopOffsets.startCoarse);
   const end = sample.loop[1] + offset(loopOffsets.end, loopOffsets.endCoarse);
-  return [{ keys, velocities, sample: inner.target, loop: [start, end], generators: generatorsOf(outer, inner.generators, gain) }];
+  return [
+    {
+      keys,
+      velocities,
+      sample: inner.target,
+      loop: [start, end],
+      generators: generatorsOf(outer, inner.generators, gain),
+    },
+  ];
 }
 
 /**

@@ -65,7 +65,9 @@ export class PageApi extends alphaTab.AlphaTabApi {
     this.workerRenderer = new WorkerRenderer(renderWorker, viewport, startRenderWorker);
     this.workerRenderer.updateSettings(this.settings);
     setRenderer(this, this.workerRenderer);
-    this.workerRenderer.batchShown.on(({ first }) => first && this.#soundHeldBack && afterSight(() => this.#prepareSound()));
+    this.workerRenderer.batchShown.on(
+      ({ first }) => first && this.#soundHeldBack && afterSight(() => this.#prepareSound()),
+    );
     this.playerReady.on(() => this.workerRenderer.resume());
     this.#soundTimer = setTimeout(() => this.#startPlayer(), idlePlayerDelayMs);
   }
@@ -152,7 +154,9 @@ export class PageApi extends alphaTab.AlphaTabApi {
   /** The output through which alphaTab learns the backing track's position; null while the synthesizer plays. */
   get #media() {
     const output = this.playsBackingTrack ? this.player?.output : null;
-    return /** @type {import("@coderline/alphatab").synth.IExternalMediaSynthOutput | null | undefined} */ (output) ?? null;
+    return (
+      /** @type {import("@coderline/alphatab").synth.IExternalMediaSynthOutput | null | undefined} */ (output) ?? null
+    );
   }
 
   #loadBackingTrack() {
@@ -175,7 +179,9 @@ export class PageApi extends alphaTab.AlphaTabApi {
 /** alphaTab would start a render worker of its own, which nobody needs. Its other workers it gets. */
 function replaceRenderWorker() {
   const script = new URL("../../vendor/alphaTab.min.js", import.meta.url).href;
-  const nobody = /** @type {Worker} */ (/** @type {unknown} */ ({ postMessage() {}, addEventListener() {}, terminate() {} }));
+  const nobody = /** @type {Worker} */ (
+    /** @type {unknown} */ ({ postMessage() {}, addEventListener() {}, terminate() {} })
+  );
   alphaTab.Environment.initializeMain(
     (_, name) => (name === "alphaTab Renderer" ? nobody : new Worker(script, { name })),
     (context) => context.audioWorklet.addModule(script),

@@ -112,7 +112,10 @@ class Walk {
     const last = this.#syncPoints.at(-1);
     if (last && last.synthTick < this.tick) {
       const before = this.#syncPoints.at(-2);
-      const pace = before && before.synthTime < last.synthTime ? (last.syncTime - before.syncTime) / (last.synthTime - before.synthTime) : 1;
+      const pace =
+        before && before.synthTime < last.synthTime
+          ? (last.syncTime - before.syncTime) / (last.synthTime - before.synthTime)
+          : 1;
       const bar = this.#score.masterBars[last.masterBarIndex];
       this.#add(bar, last.masterBarOccurence, last.syncTime + (this.#ms - last.synthTime) * pace);
     }
@@ -120,7 +123,10 @@ class Walk {
       for (const automation of bar.syncPoints ?? []) {
         if (!this.automationToSyncPoint.has(automation)) {
           // For a time that the bar is never played. alphaTab looks up each of them when it writes a file.
-          this.automationToSyncPoint.set(automation, this.#pointAt(bar, 0, automation.syncPointValue?.millisecondOffset ?? 0));
+          this.automationToSyncPoint.set(
+            automation,
+            this.#pointAt(bar, 0, automation.syncPointValue?.millisecondOffset ?? 0),
+          );
         }
       }
     }

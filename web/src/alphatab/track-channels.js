@@ -37,7 +37,10 @@ export function separateChannels(tracks) {
  * @param {() => void} work
  */
 export function withChannels(tracks, channels, work) {
-  const before = tracks.map(({ playbackInfo: { primaryChannel, secondaryChannel } }) => ({ primaryChannel, secondaryChannel }));
+  const before = tracks.map(({ playbackInfo: { primaryChannel, secondaryChannel } }) => ({
+    primaryChannel,
+    secondaryChannel,
+  }));
   for (const { index, playbackInfo } of tracks) {
     const own = channels.get(index);
     if (own) {

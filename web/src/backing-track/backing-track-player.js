@@ -161,7 +161,8 @@ export class BackingTrackPlayer {
     const before = this.#ticking;
     this.#ticking = ticking;
     const { levels, sound, accent, volume } = ticking;
-    const same = levels === before.levels && sound === before.sound && accent === before.accent && volume === before.volume;
+    const same =
+      levels === before.levels && sound === before.sound && accent === before.accent && volume === before.volume;
     if (this.#context && !same) {
       this.#post({ ticking: this.#clickSounds(this.#context) });
     }
@@ -220,7 +221,10 @@ export class BackingTrackPlayer {
    */
   async #connect(context, gain) {
     await context.audioWorklet.addModule(new URL("./backing-track-processor.js", import.meta.url));
-    const node = new AudioWorkletNode(context, "quaverly-backing-track", { numberOfInputs: 0, outputChannelCount: [2] });
+    const node = new AudioWorkletNode(context, "quaverly-backing-track", {
+      numberOfInputs: 0,
+      outputChannelCount: [2],
+    });
     node.port.onmessage = (/** @type {MessageEvent<ToPage | Returned>} */ { data }) => {
       if ("generation" in data) {
         this.#receive(data);

@@ -215,7 +215,7 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
    * @param {Float32Array} right
    */
   #play(stretch, left, right) {
-    for (let done = 0; done < left.length; ) {
+    for (let done = 0; done < left.length;) {
       let count = Math.min(left.length - done, stretch.framesLeft);
       if (count === 0 && stretch.hasLoop) {
         this.#startOver(stretch, done);

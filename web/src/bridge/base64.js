@@ -35,7 +35,10 @@ export function decodeBase64(text) {
   for (let at = 0; at < length; at += block) {
     const part = text.slice(at, Math.min(at + block, length));
     // Characters that are no letters of ASCII become several bytes, for which there is no room in a full block.
-    if (encoder.encodeInto(part, codes).written !== part.length || !decodeBlock(codes.subarray(0, part.length), bytes, to)) {
+    if (
+      encoder.encodeInto(part, codes).written !== part.length ||
+      !decodeBlock(codes.subarray(0, part.length), bytes, to)
+    ) {
       return null;
     }
     to += (part.length / 4) * 3;

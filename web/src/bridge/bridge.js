@@ -72,16 +72,7 @@ export const callNames = [
 ];
 
 /** @type {readonly Message["type"][]} */
-export const messageTypes = [
-  "ready",
-  "playerReady",
-  "score",
-  "state",
-  "position",
-  "error",
-  "gpData",
-  "rendered",
-];
+export const messageTypes = ["ready", "playerReady", "score", "state", "position", "error", "gpData", "rendered"];
 
 /**
  * Makes the calls reachable for the program around the page.

@@ -28,21 +28,38 @@ const generator = { keyRange: 43, instrument: 41, scaleTuning: 56, sampleId: 53 
 
 /** @returns {Uint8Array<ArrayBuffer>} the bank as a file */
 export function buildClickBank() {
-  const sounds = soundNames.flatMap((name) => [false, true].map((accent) => ({ name, accent, key: clickKey(name, accent) })));
-  const zones = sounds.map(({ name, accent, key }) => ({ name: name + (accent ? "+" : ""), key, samples: clickSamples(name, accent) }));
+  const sounds = soundNames.flatMap((name) =>
+    [false, true].map((accent) => ({ name, accent, key: clickKey(name, accent) })),
+  );
+  const zones = sounds.map(({ name, accent, key }) => ({
+    name: name + (accent ? "+" : ""),
+    key,
+    samples: clickSamples(name, accent),
+  }));
   const total = zones.reduce((sum, zone) => sum + zone.samples.length + gap, 0);
   const pcm = new Int16Array(total);
   const headers = [];
   let offset = 0;
   for (const { name, samples } of zones) {
-    pcm.set(Array.from(samples, (value) => Math.round(value * fullScale)), offset);
+    pcm.set(
+      Array.from(samples, (value) => Math.round(value * fullScale)),
+      offset,
+    );
     headers.push(sampleHeader(name, offset, offset + samples.length));
     offset += samples.length + gap;
   }
   return list("RIFF", "sfbk", [
-    list("LIST", "INFO", [chunk("ifil", [u16(2), u16(1)]), chunk("isng", [text("EMU8000", 8)]), chunk("INAM", [text("Clicks", 8)])]),
+    list("LIST", "INFO", [
+      chunk("ifil", [u16(2), u16(1)]),
+      chunk("isng", [text("EMU8000", 8)]),
+      chunk("INAM", [text("Clicks", 8)]),
+    ]),
     list("LIST", "sdta", [chunk("smpl", [new Uint8Array(pcm.buffer)])]),
-    list("LIST", "pdta", [...presetChunks(), ...instrumentChunks(zones.map((zone) => zone.key)), chunk("shdr", [...headers, sampleHeader("EOS", 0, 0)])]),
+    list("LIST", "pdta", [
+      ...presetChunks(),
+      ...instrumentChunks(zones.map((zone) => zone.key)),
+      chunk("shdr", [...headers, sampleHeader("EOS", 0, 0)]),
+    ]),
   ]);
 }
 
@@ -59,10 +76,13 @@ function presetChunks() {
 function instrumentChunks(keys) {
   const perZone = 3;
   const zones = keys.flatMap((key, index) => [
-    u16(generator.keyRange), u16(key | (key << 8)),
+    u16(generator.keyRange),
+    u16(key | (key << 8)),
     // The key chooses the sound and must not tune it.
-    u16(generator.scaleTuning), u16(0),
-    u16(generator.sampleId), u16(index),
+    u16(generator.scaleTuning),
+    u16(0),
+    u16(generator.sampleId),
+    u16(index),
   ]);
   const bags = [...keys, 0].flatMap((_, index) => [u16(index * perZone), u16(0)]);
   return [
@@ -88,7 +108,17 @@ function presetHeader(name, bag) {
  */
 function sampleHeader(name, start, end) {
   const monoSample = 1;
-  return join([text(name, 20), u32(start), u32(end), u32(start), u32(start), u32(sampleRate), new Uint8Array([firstKey, 0]), u16(0), u16(monoSample)]);
+  return join([
+    text(name, 20),
+    u32(start),
+    u32(end),
+    u32(start),
+    u32(start),
+    u32(sampleRate),
+    new Uint8Array([firstKey, 0]),
+    u16(0),
+    u16(monoSample),
+  ]);
 }
 
 /**

@@ -48,7 +48,10 @@ export class Playback {
   constructor(api, post) {
     this.#api = api;
     this.#post = post;
-    this.#feed = new PositionFeed((position) => post({ type: "position", ...position }), () => performance.now());
+    this.#feed = new PositionFeed(
+      (position) => post({ type: "position", ...position }),
+      () => performance.now(),
+    );
     api.preparationFailed.on((reason) => this.#giveUp(reason));
     // Subscribed on the element: subscribing on the object requests from the player its last answer, which recurses for
     // ever.
@@ -244,10 +247,15 @@ export class Playback {
   /** The backing track's player starts over by itself, from one sample to the next. */
   #loopBackingTrack() {
     const points = this.syncPoints;
-    const { startTick, endTick } = this.#range ?? { startTick: 0, endTick: this.#tempoMap.tickAt(this.endTime) - this.#tickShift };
+    const { startTick, endTick } = this.#range ?? {
+      startTick: 0,
+      endTick: this.#tempoMap.tickAt(this.endTime) - this.#tickShift,
+    };
     /** @type {(tick: number) => number} */
     const inTrack = (tick) => Math.max(backingTrackMs(points, this.#tempoMap.msAt(tick + this.#tickShift)), 0);
-    this.#api.backingTrackPlayer.setLoop(this.#api.isLooping ? { from: inTrack(startTick), to: inTrack(endTick) } : null);
+    this.#api.backingTrackPlayer.setLoop(
+      this.#api.isLooping ? { from: inTrack(startTick), to: inTrack(endTick) } : null,
+    );
   }
 
   /** To be called before another player takes over: it starts at this position, and goes on playing if this one did. */

@@ -42,7 +42,9 @@ function writtenBars(score) {
  * @param {import("@coderline/alphatab").model.Direction} direction
  */
 function directionName(direction) {
-  const name = alphaTab.model.Direction[direction].replace(/^(Target|Jump)/, "").replace(/^Da(Double)?Coda$/, "To$1Coda");
+  const name = alphaTab.model.Direction[direction]
+    .replace(/^(Target|Jump)/, "")
+    .replace(/^Da(Double)?Coda$/, "To$1Coda");
   return /** @type {Direction} */ (name);
 }
 

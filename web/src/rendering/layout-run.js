@@ -183,7 +183,14 @@ export class LayoutRun {
         this.#renderer.renderResult(partial.id);
       }
     }
-    const batch = { first: !this.#deliveredAny, last: this.finished, partials, bounds: this.#newBounds(), width, height };
+    const batch = {
+      first: !this.#deliveredAny,
+      last: this.finished,
+      partials,
+      bounds: this.#newBounds(),
+      width,
+      height,
+    };
     this.#waiting = [];
     this.#deliveredAny = true;
     return batch;

@@ -90,9 +90,7 @@ function firstSeenBox(bounds, view) {
  * @param {View} view
  */
 function isSeen(box, view) {
-  return (
-    enough(box.x, box.x + box.w, view.left, view.right) && enough(box.y, box.y + box.h, view.top, view.bottom)
-  );
+  return enough(box.x, box.x + box.w, view.left, view.right) && enough(box.y, box.y + box.h, view.top, view.bottom);
 }
 
 /**

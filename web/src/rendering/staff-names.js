@@ -53,7 +53,12 @@ export function arrangeStaffNames(score, trackIds) {
 /** @param {string} name */
 function shortened(name) {
   const letters = Array.from(name);
-  return letters.length > longestName ? `${letters.slice(0, longestName - 1).join("").trimEnd()}…` : name;
+  return letters.length > longestName
+    ? `${letters
+        .slice(0, longestName - 1)
+        .join("")
+        .trimEnd()}…`
+    : name;
 }
 
 /**

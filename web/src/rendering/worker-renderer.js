@@ -370,7 +370,8 @@ export class WorkerRenderer {
   /** @param {LayoutBatch} batch */
   #returnToAnchor({ first, last }) {
     const anchor = first ? this.#anchor : null;
-    const view = anchor && this.boundsLookup ? viewAt(anchor, this.boundsLookup, this.#viewport.view, this.#sideways) : null;
+    const view =
+      anchor && this.boundsLookup ? viewAt(anchor, this.boundsLookup, this.#viewport.view, this.#sideways) : null;
     if (anchor && view) {
       this.#viewport.moveTo(view);
       this.#returned = { anchor, ...this.#viewport.position, cursorBar: this.cursorBar };
@@ -418,4 +419,3 @@ function handedOver(score) {
   values?.delete("backingtrack");
   return values;
 }
-

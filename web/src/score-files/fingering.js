@@ -238,7 +238,8 @@ function addStates(best, sounding, placements, low, high, byPosition, price) {
   }
   const stretched = high - low > handSpan;
   for (let position = stretched ? low : Math.max(1, high - handSpan); position <= low; position++) {
-    const here = grip + price + (stretched ? costs.stretch : 0) + positionCost(position) + openCost(placements, position);
+    const here =
+      grip + price + (stretched ? costs.stretch : 0) + positionCost(position) + openCost(placements, position);
     let cheapest = null;
     let least = Infinity;
     for (const state of byPosition.values()) {
@@ -302,7 +303,9 @@ function gripCost(sounding, low) {
  */
 function leaveOut(state, event, notes, tuning, frets) {
   let used = 0;
-  const order = event.indices.map((note, place) => ({ note, place })).sort((a, b) => choices(notes[a.note].key) - choices(notes[b.note].key));
+  const order = event.indices
+    .map((note, place) => ({ note, place }))
+    .sort((a, b) => choices(notes[a.note].key) - choices(notes[b.note].key));
   /** @type {(Placement | null)[]} */
   const placements = new Array(order.length).fill(null);
   /** @type {Held[]} */

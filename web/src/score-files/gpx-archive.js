@@ -95,7 +95,10 @@ function findEntries(disk) {
  */
 function readEntry(view, at) {
   const length = view.getUint32(at + place.length, true);
-  const room = Math.max(Math.ceil(Math.min(length, view.byteLength) / sectorLength), (sectorLength - place.sectors) / 4);
+  const room = Math.max(
+    Math.ceil(Math.min(length, view.byteLength) / sectorLength),
+    (sectorLength - place.sectors) / 4,
+  );
   const end = Math.min(at + place.sectors + 4 * room, view.byteLength - 3);
   const sectors = [];
   for (let next = at + place.sectors; next < end; next += 4) {

@@ -35,7 +35,14 @@ const mostSyllables = 0.15;
 
 /** @returns {Instrument[]} */
 const instruments = () => [
-  { name: "Guitar", shortName: "Guit.", program: 25, tuning: [64, 59, 55, 50, 45, 40], slack: 2, clef: alphaTab.model.Clef.G2 },
+  {
+    name: "Guitar",
+    shortName: "Guit.",
+    program: 25,
+    tuning: [64, 59, 55, 50, 45, 40],
+    slack: 2,
+    clef: alphaTab.model.Clef.G2,
+  },
   { name: "Bass", shortName: "Bass", program: 33, tuning: [43, 38, 33, 28], slack: 0, clef: alphaTab.model.Clef.F4 },
 ];
 
@@ -74,13 +81,17 @@ function instrumentOf(track) {
     const clefs = staff.bars.filter(({ clef }) => clef === instrument.clef);
     const keys = notes.map(soundingKeys(staff, instrument));
     const reachable = keys.filter((key) => key >= lowestOf(instrument) && key <= instrument.tuning[0] + frets);
-    return notes.length > 0 && 2 * clefs.length > staff.bars.length && reachable.length >= (1 - mostOutside) * notes.length;
+    return (
+      notes.length > 0 && 2 * clefs.length > staff.bars.length && reachable.length >= (1 - mostOutside) * notes.length
+    );
   });
 }
 
 /** @param {Staff} staff */
 function isSung(staff) {
-  const beats = staff.bars.flatMap(({ voices }) => voices.flatMap((voice) => voice.beats)).filter(({ isRest }) => !isRest);
+  const beats = staff.bars
+    .flatMap(({ voices }) => voices.flatMap((voice) => voice.beats))
+    .filter(({ isRest }) => !isRest);
   return beats.filter(({ lyrics }) => lyrics?.some((syllable) => syllable)).length > mostSyllables * beats.length;
 }
 

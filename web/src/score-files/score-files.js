@@ -163,7 +163,9 @@ function placeAutomations(score) {
  * @param {Score} score
  */
 function wholeTrackNames(score) {
-  const cutOff = score.tracks.some(({ name, shortName }) => shortName.length >= 10 && name !== shortName && name.startsWith(shortName));
+  const cutOff = score.tracks.some(
+    ({ name, shortName }) => shortName.length >= 10 && name !== shortName && name.startsWith(shortName),
+  );
   if (cutOff) {
     score.stylesheet.firstSystemTrackNameMode = alphaTab.model.TrackNameMode.FullName;
   }

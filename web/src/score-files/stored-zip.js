@@ -13,7 +13,10 @@ const endLength = 22;
  */
 export function storedZip(files) {
   const entries = Array.from(files, ([name, content]) => ({ name: new TextEncoder().encode(name), content }));
-  const length = entries.reduce((sum, { name, content }) => sum + entryHeadLength + name.length + content.length, endLength);
+  const length = entries.reduce(
+    (sum, { name, content }) => sum + entryHeadLength + name.length + content.length,
+    endLength,
+  );
   const zip = new Uint8Array(length);
   const view = new DataView(zip.buffer);
   let at = 0;

@@ -12,7 +12,7 @@ const spaces = new Set(Array.from(" \t\n\r", (letter) => letter.charCodeAt(0)));
 export function withoutGaps(xml) {
   const kept = new Uint8Array(xml.length);
   let length = 0;
-  for (let at = 0; at < xml.length; ) {
+  for (let at = 0; at < xml.length;) {
     // What is marked as text may look like tags.
     const isText = xml[at] === less && xml[at + 1] === exclamation && xml[at + 2] === bracket;
     for (const end = isText ? endOfText(xml, at) : at + 1; at < end; at++) {

@@ -62,10 +62,16 @@ export class AutoScroll {
     this.#viewport = viewport;
     api.customScrollHandler = this;
     for (const gesture of ["wheel", "touchmove", "keydown", "mousedown"]) {
-      viewport.ownerDocument.addEventListener(gesture, (event) => this.#noticeReader(event), { capture: true, passive: true });
+      viewport.ownerDocument.addEventListener(gesture, (event) => this.#noticeReader(event), {
+        capture: true,
+        passive: true,
+      });
     }
     for (const gesture of ["pointerdown", "pointermove", "pointerup", "pointercancel"]) {
-      viewport.ownerDocument.addEventListener(gesture, (event) => this.#noticeChoosing(event), { capture: true, passive: true });
+      viewport.ownerDocument.addEventListener(gesture, (event) => this.#noticeChoosing(event), {
+        capture: true,
+        passive: true,
+      });
     }
     api.playerPositionChanged.on(({ isSeek }) => {
       if (isSeek) {
@@ -162,7 +168,9 @@ export class AutoScroll {
   #noticeReader(event) {
     // A press on the score itself chooses a position; one on the viewport's edge is the scroll bar being taken.
     const scrolls =
-      event instanceof KeyboardEvent ? scrollKeys.has(event.key) : event.type !== "mousedown" || event.target === this.#viewport;
+      event instanceof KeyboardEvent
+        ? scrollKeys.has(event.key)
+        : event.type !== "mousedown" || event.target === this.#viewport;
     if (scrolls) {
       this.#lastOwnScroll = performance.now();
       this.#readerScrolled = true;
@@ -219,7 +227,10 @@ export class AutoScroll {
     const viewport = this.#viewport;
     const origin = this.#api.notation.getBoundingClientRect();
     const view = viewport.getBoundingClientRect();
-    return { x: origin.left - view.left + viewport.scrollLeft - left, y: origin.top - view.top + viewport.scrollTop - top };
+    return {
+      x: origin.left - view.left + viewport.scrollLeft - left,
+      y: origin.top - view.top + viewport.scrollTop - top,
+    };
   }
 
   /**
@@ -238,7 +249,10 @@ export class AutoScroll {
     const box = next && bounds?.findMasterBarByIndex(next.bar)?.visualBounds;
     if (next && box && now !== undefined) {
       const delay = Math.max(this.#playback.msUntil(next.tick) - lookAheadMs, 0);
-      this.#lookAheadTimer = setTimeout(() => this.#makeRoom(now, beat.barBounds.masterBarBounds.visualBounds, box), delay);
+      this.#lookAheadTimer = setTimeout(
+        () => this.#makeRoom(now, beat.barBounds.masterBarBounds.visualBounds, box),
+        delay,
+      );
     }
   }
 
@@ -277,7 +291,11 @@ export class AutoScroll {
       top: Math.min(Math.max(top, 0), viewport.scrollHeight - viewport.clientHeight),
     };
     const goal = this.#target;
-    if (Math.abs(target.left - goal.left) < 1 && Math.abs(target.top - goal.top) < 1 && (duration > 0 || !this.#glideTarget)) {
+    if (
+      Math.abs(target.left - goal.left) < 1 &&
+      Math.abs(target.top - goal.top) < 1 &&
+      (duration > 0 || !this.#glideTarget)
+    ) {
       return;
     }
     const start = { left: viewport.scrollLeft, top: viewport.scrollTop };

@@ -206,7 +206,10 @@ export class PointerInput {
     this.#range = range;
     this.#draw();
     this.#playback.setRange(
-      range && { startTick: this.#startOf(range.first), endTick: this.#startOf(range.last) + range.last.playbackDuration - endMargin },
+      range && {
+        startTick: this.#startOf(range.first),
+        endTick: this.#startOf(range.last) + range.last.playbackDuration - endMargin,
+      },
     );
   }
 

@@ -55,7 +55,9 @@ function people(score) {
   if (words && words === music) {
     return translated(`Words and music by ${words}`);
   }
-  return [words && translated(`Words by ${words}`), music && translated(`Music by ${music}`)].filter(Boolean).join(", ");
+  return [words && translated(`Words by ${words}`), music && translated(`Music by ${music}`)]
+    .filter(Boolean)
+    .join(", ");
 }
 
 /**
@@ -81,7 +83,10 @@ function tunings(tracks) {
  * @param {string} name
  */
 function tuningName(name) {
-  return name.replace(/^(Guitar|Bass)\s/, "").replace(/\sTuning$/, "").trim();
+  return name
+    .replace(/^(Guitar|Bass)\s/, "")
+    .replace(/\sTuning$/, "")
+    .trim();
 }
 
 /**

@@ -145,8 +145,7 @@ export class ScoreView {
     const view = this.#viewport.getBoundingClientRect();
     for (const partial of this.#scorePage.querySelectorAll(".at-surface > div")) {
       const box = partial.getBoundingClientRect();
-      const visible =
-        box.bottom > view.top && box.top < view.bottom && box.right > view.left && box.left < view.right;
+      const visible = box.bottom > view.top && box.top < view.bottom && box.right > view.left && box.left < view.right;
       if (visible && partial.childElementCount === 0) {
         return false;
       }

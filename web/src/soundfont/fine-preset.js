@@ -70,7 +70,12 @@ function rangeWord([low, high]) {
  * @param {number} amount
  */
 function entry(number, amount) {
-  const genAmount = { wordAmount: amount & 0xffff, shortAmount: amount, lowByteAmount: amount & 0xff, highByteAmount: (amount >> 8) & 0xff };
+  const genAmount = {
+    wordAmount: amount & 0xffff,
+    shortAmount: amount,
+    lowByteAmount: amount & 0xff,
+    highByteAmount: (amount >> 8) & 0xff,
+  };
   return { genOper: number, genAmount };
 }
 
@@ -80,5 +85,15 @@ function entry(number, amount) {
  */
 function sampleHead({ sample: start, loop }, { rate, root, correction }) {
   // What alphaTab hands back to decodeSamples() is where the sample starts: its number, here.
-  return { sampleName: "", start, end: start, startLoop: loop[0], endLoop: loop[1], sampleRate: rate, originalPitch: root, pitchCorrection: correction, sampleType: monoStream };
+  return {
+    sampleName: "",
+    start,
+    end: start,
+    startLoop: loop[0],
+    endLoop: loop[1],
+    sampleRate: rate,
+    originalPitch: root,
+    pitchCorrection: correction,
+    sampleType: monoStream,
+  };
 }

@@ -71,7 +71,9 @@ export class AudioOutput {
     node.connect(context.destination);
     node.port.postMessage({ ring: this.ring });
     for (const sign of busySigns) {
-      addEventListener(sign, () => void this.#post({ busyFrames: Math.round(busySeconds * context.sampleRate) }), { passive: true });
+      addEventListener(sign, () => void this.#post({ busyFrames: Math.round(busySeconds * context.sampleRate) }), {
+        passive: true,
+      });
     }
     watchOutputLatency(context, (seconds) => {
       node.port.postMessage({ latency: Math.round(seconds * context.sampleRate) });

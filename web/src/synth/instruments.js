@@ -71,7 +71,9 @@ export class Instruments {
 function regionsBeside(fine, light) {
   const covers = (/** @type {number} */ key) => fine.some(({ loKey, hiKey }) => loKey <= key && key <= hiKey);
   return light.flatMap((region) =>
-    gaps(region.loKey, region.hiKey, covers).map((range) => Object.assign(Object.create(Object.getPrototypeOf(region)), region, range)),
+    gaps(region.loKey, region.hiKey, covers).map((range) =>
+      Object.assign(Object.create(Object.getPrototypeOf(region)), region, range),
+    ),
   );
 }
 

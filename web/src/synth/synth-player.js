@@ -101,7 +101,10 @@ export class SynthPlayer {
     const toPage = new MessageChannel();
     audioOutput ??= new AudioOutput();
     const { ring } = audioOutput;
-    worker.postMessage({ cmd: "serve", page: toPage.port2, audioThread: toAudioThread.port2, ring }, [toPage.port2, toAudioThread.port2]);
+    worker.postMessage({ cmd: "serve", page: toPage.port2, audioThread: toAudioThread.port2, ring }, [
+      toPage.port2,
+      toAudioThread.port2,
+    ]);
     const watch = this.#watch(toPage.port1.postMessage.bind(toPage.port1));
     this.#worker = Object.assign(toPage.port1, {
       terminate: () => {
@@ -126,7 +129,12 @@ export class SynthPlayer {
       };
       post({ cmd: "alphaSynth.ping", answer: port2 }, [port2]);
     };
-    const watch = new WorkerWatch(ping, () => SynthPlayer.lost.trigger(), () => this.#playing, answerTimeoutMs);
+    const watch = new WorkerWatch(
+      ping,
+      () => SynthPlayer.lost.trigger(),
+      () => this.#playing,
+      answerTimeoutMs,
+    );
     return watch;
   }
 

@@ -40,7 +40,8 @@ const operations = {
   setChannelMute: (synth, { channel, mute }) => synth.setChannelMute(channel, mute),
   setChannelSolo: (synth, { channel, solo }) => synth.setChannelSolo(channel, solo),
   setChannelVolume: (synth, { channel, volume }) => synth.setChannelVolume(channel, volume),
-  setChannelTranspositionPitch: (synth, { channel, semitones }) => synth.setChannelTranspositionPitch(channel, semitones),
+  setChannelTranspositionPitch: (synth, { channel, semitones }) =>
+    synth.setChannelTranspositionPitch(channel, semitones),
   resetChannelStates: (synth) => synth.resetChannelStates(),
   applyTranspositionPitches: (synth, { transpositionPitches }) => synth.applyTranspositionPitches(transpositionPitches),
   setCountIn: (synth, { countIn }) => synth.setCountIn(countIn),

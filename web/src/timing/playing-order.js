@@ -95,7 +95,7 @@ class Player {
       return null;
     }
     let room = mostWeight + bars.reduce((sum, { weight = 0 }) => sum + weight, 0);
-    for (let index = 0; index < bars.length; ) {
+    for (let index = 0; index < bars.length;) {
       this.#enter(this.#repeats[index], index);
       const past = this.#pastOtherEnding(index);
       if (past !== null) {
@@ -119,8 +119,13 @@ class Player {
    * @param {number} index
    */
   #enter(around, index) {
-    if (around.length !== this.#rounds.length || around.some((repeat, depth) => this.#rounds[depth].repeat !== repeat)) {
-      this.#rounds = around.map((repeat) => this.#rounds.find((round) => round.repeat === repeat) ?? this.#begin(repeat, index));
+    if (
+      around.length !== this.#rounds.length ||
+      around.some((repeat, depth) => this.#rounds[depth].repeat !== repeat)
+    ) {
+      this.#rounds = around.map(
+        (repeat) => this.#rounds.find((round) => round.repeat === repeat) ?? this.#begin(repeat, index),
+      );
     }
   }
 
@@ -155,7 +160,9 @@ class Player {
   /** @param {Set<Direction>} directions */
   #isGoal(directions) {
     const { fine = false, coda = null } = this.#journey ?? {};
-    return (fine && directions.has("Fine")) || (coda !== null && directions.has(coda === "Coda" ? "ToCoda" : "ToDoubleCoda"));
+    return (
+      (fine && directions.has("Fine")) || (coda !== null && directions.has(coda === "Coda" ? "ToCoda" : "ToDoubleCoda"))
+    );
   }
 
   /**
@@ -168,7 +175,10 @@ class Player {
       const { repeat, pass } = round;
       const ending = repeat.endings.find(({ from, to }) => from <= index && index <= to);
       if (ending && !ending.passes.includes(pass)) {
-        const comes = ending === repeat.endings.at(-1) && repeat.returns.has(ending.to) && ending.passes.some((later) => later > pass);
+        const comes =
+          ending === repeat.endings.at(-1) &&
+          repeat.returns.has(ending.to) &&
+          ending.passes.some((later) => later > pass);
         return comes ? this.#beginAnew(round) : ending.to + 1;
       }
     }
@@ -233,7 +243,8 @@ class Player {
       if (!jump || this.#taken.has(`${index} ${direction}`)) {
         continue;
       }
-      const target = jump[1] === "DaCapo" ? 0 : this.#find(jump[1] === "DalSegno" ? "Segno" : "SegnoSegno", index, true);
+      const target =
+        jump[1] === "DaCapo" ? 0 : this.#find(jump[1] === "DalSegno" ? "Segno" : "SegnoSegno", index, true);
       if (target !== null) {
         this.#taken.add(`${index} ${direction}`);
         this.#journey = this.#journeyFor(jump[2], target, index);
@@ -289,7 +300,9 @@ class Player {
     while (behind < this.#directions.length && !this.#directions[behind].has(mark)) {
       behind++;
     }
-    const found = (backwards ? [before, behind] : [behind, before]).find((index) => index >= 0 && index < this.#bars.length);
+    const found = (backwards ? [before, behind] : [behind, before]).find(
+      (index) => index >= 0 && index < this.#bars.length,
+    );
     return found ?? null;
   }
 }

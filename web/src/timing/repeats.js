@@ -59,7 +59,11 @@ export function findRepeats(bars, jumpsAt) {
     }
     const draft = open.at(-1);
     if (draft) {
-      const ofOuter = endings !== 0 && open.slice(-deepest).some((outer) => outer !== draft && outer.endings.at(-1)?.open && outer.endings.at(-1)?.mask === endings);
+      const ofOuter =
+        endings !== 0 &&
+        open
+          .slice(-deepest)
+          .some((outer) => outer !== draft && outer.endings.at(-1)?.open && outer.endings.at(-1)?.mask === endings);
       writeEnding(draft, index, ofOuter ? 0 : endings);
       if (repeatCount > 0) {
         writeClosing(draft, index, repeatCount);
@@ -135,12 +139,22 @@ function repeatOf({ start, closings, endings: drafts }, end, jumpsAt) {
     const returns = new Set([...closings.keys(), ...endings.map(({ to }) => to)]);
     return { start, end, returns, endings, passes: inEndings, first, last };
   }
-  return { start, end, returns: new Set(closings.keys()), endings, passes: [], first: 1, last: Math.max(...closings.values(), last) };
+  return {
+    start,
+    end,
+    returns: new Set(closings.keys()),
+    endings,
+    passes: [],
+    first: 1,
+    last: Math.max(...closings.values(), last),
+  };
 }
 
 /** @param {number} mask */
 function passesIn(mask) {
-  return Array.from({ length: 31 }, (_, bit) => bit).filter((bit) => mask & (1 << bit)).map((bit) => bit + 1);
+  return Array.from({ length: 31 }, (_, bit) => bit)
+    .filter((bit) => mask & (1 << bit))
+    .map((bit) => bit + 1);
 }
 
 /**

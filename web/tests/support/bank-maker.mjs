@@ -31,25 +31,47 @@ function zoneChunks(bag, mod, gen, zones) {
 export function makeBank({ presets, instruments, samples }) {
   let zone = 0;
   const bagOf = (zones) => (zone += zones.length) - zones.length;
-  const presetHeads = presets.map(({ name, program, bank, zones }) => Buffer.concat([text(name, 20), words(program, bank, bagOf(zones)), Buffer.alloc(12)]));
+  const presetHeads = presets.map(({ name, program, bank, zones }) =>
+    Buffer.concat([text(name, 20), words(program, bank, bagOf(zones)), Buffer.alloc(12)]),
+  );
   const presetEnd = Buffer.concat([text("EOP", 20), words(0, 0, zone), Buffer.alloc(12)]);
   zone = 0;
-  const instrumentHeads = instruments.map((zones, index) => Buffer.concat([text(`I${index}`, 20), words(bagOf(zones))]));
+  const instrumentHeads = instruments.map((zones, index) =>
+    Buffer.concat([text(`I${index}`, 20), words(bagOf(zones))]),
+  );
   const instrumentEnd = Buffer.concat([text("EOI", 20), words(zone)]);
   let at = 0;
   const sampleHeads = samples.map(({ bytes, loop, rate, root, correction, type }, index) => {
     const start = at;
     at += bytes.length;
-    return Buffer.concat([text(`S${index}`, 20), longs(start, at, ...loop, rate), Buffer.from(Int8Array.from([root, correction]).buffer), words(0, type)]);
+    return Buffer.concat([
+      text(`S${index}`, 20),
+      longs(start, at, ...loop, rate),
+      Buffer.from(Int8Array.from([root, correction]).buffer),
+      words(0, type),
+    ]);
   });
   return list(
-    "RIFF", "sfbk",
-    list("LIST", "INFO", chunk("INAM", text("Hand-made", 10)), chunk("ICOP", text("Nobody", 6)), chunk("ICMT", text("Free.", 6))),
+    "RIFF",
+    "sfbk",
+    list(
+      "LIST",
+      "INFO",
+      chunk("INAM", text("Hand-made", 10)),
+      chunk("ICOP", text("Nobody", 6)),
+      chunk("ICMT", text("Free.", 6)),
+    ),
     list("LIST", "sdta", chunk("smpl", Buffer.concat(samples.map(({ bytes }) => bytes)))),
     list(
-      "LIST", "pdta",
+      "LIST",
+      "pdta",
       chunk("phdr", Buffer.concat([...presetHeads, presetEnd])),
-      ...zoneChunks("pbag", "pmod", "pgen", presets.flatMap(({ zones }) => zones)),
+      ...zoneChunks(
+        "pbag",
+        "pmod",
+        "pgen",
+        presets.flatMap(({ zones }) => zones),
+      ),
       chunk("inst", Buffer.concat([...instrumentHeads, instrumentEnd])),
       ...zoneChunks("ibag", "imod", "igen", instruments.flat()),
       chunk("shdr", Buffer.concat([...sampleHeads, Buffer.alloc(46)])),

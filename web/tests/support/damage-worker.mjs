@@ -26,7 +26,10 @@ const steps = {
     renderer.width = 900;
     let problem = null;
     renderer.error.on((error) => (problem = error));
-    renderer.renderScore(score, score.tracks.map(({ index }) => index));
+    renderer.renderScore(
+      score,
+      score.tracks.map(({ index }) => index),
+    );
     renderer.destroy();
     if (problem) {
       throw problem;

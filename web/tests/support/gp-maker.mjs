@@ -44,7 +44,9 @@ class Writer {
 
   /** With its length, and before that with the length of both. */
   text(text) {
-    return this.int(text.length + 1).byte(text.length).append(Buffer.from(text, "latin1"));
+    return this.int(text.length + 1)
+      .byte(text.length)
+      .append(Buffer.from(text, "latin1"));
   }
 
   longText(text) {
@@ -131,7 +133,13 @@ export function makeGuitarPro(version, { title = "Made", tempo = 120, lyrics = "
 }
 
 function writeBar(out, version, { metre, start, count, ending, section, key }) {
-  const flags = (metre ? 3 : 0) | (start ? 4 : 0) | (count ? 8 : 0) | (ending && version < 5 ? 16 : 0) | (section ? 32 : 0) | (key === undefined ? 0 : 64);
+  const flags =
+    (metre ? 3 : 0) |
+    (start ? 4 : 0) |
+    (count ? 8 : 0) |
+    (ending && version < 5 ? 16 : 0) |
+    (section ? 32 : 0) |
+    (key === undefined ? 0 : 64);
   out.byte(flags);
   if (metre) {
     out.byte(...metre);
@@ -157,7 +165,10 @@ function writeBar(out, version, { metre, start, count, ending, section, key }) {
 }
 
 function writeTrack(out, version, { name, tuning = [64, 59, 55, 50, 45, 40], drums = false, capo = 0 }, index) {
-  out.byte(drums ? 1 : 0).field(name, 40).int(tuning.length);
+  out
+    .byte(drums ? 1 : 0)
+    .field(name, 40)
+    .int(tuning.length);
   for (let string = 0; string < 7; string++) {
     out.int(tuning[string] ?? 0);
   }
@@ -171,7 +182,15 @@ function writeTrack(out, version, { name, tuning = [64, 59, 55, 50, 45, 40], dru
 function writeBeat(out, version, beat) {
   const { length = 0, dotted, tuplet, rest, chord, text, mix, notes = {} } = beat;
   const effects = beat.whammy || beat.stroke || beat.fadeIn;
-  out.byte((dotted ? 1 : 0) | (chord ? 2 : 0) | (text ? 4 : 0) | (effects ? 8 : 0) | (mix ? 16 : 0) | (tuplet ? 32 : 0) | (rest ? 64 : 0));
+  out.byte(
+    (dotted ? 1 : 0) |
+      (chord ? 2 : 0) |
+      (text ? 4 : 0) |
+      (effects ? 8 : 0) |
+      (mix ? 16 : 0) |
+      (tuplet ? 32 : 0) |
+      (rest ? 64 : 0),
+  );
   if (rest) {
     out.byte(2);
   }
@@ -191,7 +210,9 @@ function writeBeat(out, version, beat) {
   if (mix) {
     writeMix(out, version, mix);
   }
-  const strings = Object.keys(notes).map(Number).sort((a, b) => a - b);
+  const strings = Object.keys(notes)
+    .map(Number)
+    .sort((a, b) => a - b);
   out.byte(strings.reduce((bits, string) => bits | (1 << (6 - string)), 0));
   strings.forEach((string) => writeNote(out, version, notes[string]));
   if (version === 5) {
@@ -206,7 +227,11 @@ function writeChord(out, version, { name, first, frets }) {
     out.zeros(36);
     return;
   }
-  out.append(version === 5 ? Buffer.alloc(17) : Buffer.from([1, ...Buffer.alloc(16)])).field(name, 21).zeros(4).int(first);
+  out
+    .append(version === 5 ? Buffer.alloc(17) : Buffer.from([1, ...Buffer.alloc(16)]))
+    .field(name, 21)
+    .zeros(4)
+    .int(first);
   for (let string = 0; string < 7; string++) {
     out.int(frets[string] ?? -1);
   }
@@ -258,7 +283,9 @@ function writeMix(out, version, { instrument = -1, volume = -1, balance = -1, te
 
 function writeNote(out, version, note) {
   const { fret = 0, tied, dead, dynamics, fingers } = note;
-  const effects = ["bend", "grace", "trill", "slide", "letRing", "hammer", "harmonic", "tremolo"].some((name) => note[name] !== undefined);
+  const effects = ["bend", "grace", "trill", "slide", "letRing", "hammer", "harmonic", "tremolo"].some(
+    (name) => note[name] !== undefined,
+  );
   out.byte(32 | (effects ? 8 : 0) | (dynamics ? 16 : 0) | (fingers ? 128 : 0)).byte(dead ? 3 : tied ? 2 : 1);
   if (dynamics) {
     out.byte(dynamics);
@@ -276,7 +303,13 @@ function writeNote(out, version, note) {
 }
 
 function writeNoteEffects(out, version, { bend, grace, trill, slide, letRing, hammer, harmonic, tremolo }) {
-  out.byte((bend ? 1 : 0) | (hammer ? 2 : 0) | (slide && version === 3 ? 4 : 0) | (letRing ? 8 : 0) | (grace === undefined ? 0 : 16));
+  out.byte(
+    (bend ? 1 : 0) |
+      (hammer ? 2 : 0) |
+      (slide && version === 3 ? 4 : 0) |
+      (letRing ? 8 : 0) |
+      (grace === undefined ? 0 : 16),
+  );
   if (version >= 4) {
     out.byte((tremolo ? 4 : 0) | (slide ? 8 : 0) | (harmonic ? 16 : 0) | (trill === undefined ? 0 : 32));
   }
@@ -302,7 +335,13 @@ export const song = {
   title: "Made for tests",
   tempo: 96,
   lyrics: "one two-three four",
-  bars: [{ metre: [4, 4], key: 1, section: "Verse" }, { start: true }, { count: 2, ending: 1 }, { count: 2, ending: 2, metre: [3, 4] }, { section: "End" }],
+  bars: [
+    { metre: [4, 4], key: 1, section: "Verse" },
+    { start: true },
+    { count: 2, ending: 1 },
+    { count: 2, ending: 2, metre: [3, 4] },
+    { section: "End" },
+  ],
   directions: [],
   tracks: [
     {
@@ -310,9 +349,41 @@ export const song = {
       capo: 2,
       bars: [
         [
-          { notes: { 0: { fret: 3, dynamics: 5 }, 2: { fret: 2 } }, chord: { name: "G", first: 1, frets: [3, 0, 0, 0, 2, 3] } },
-          { notes: { 1: { fret: 5, bend: [[0, 0], [15, 100], [30, 100], [45, 100], [60, 0]] } } },
-          { notes: { 1: { fret: 7, bend: [[0, 0], [10, 100], [20, 100], [30, 0], [40, 0], [50, 100], [60, 100]] } }, text: "twice" },
+          {
+            notes: { 0: { fret: 3, dynamics: 5 }, 2: { fret: 2 } },
+            chord: { name: "G", first: 1, frets: [3, 0, 0, 0, 2, 3] },
+          },
+          {
+            notes: {
+              1: {
+                fret: 5,
+                bend: [
+                  [0, 0],
+                  [15, 100],
+                  [30, 100],
+                  [45, 100],
+                  [60, 0],
+                ],
+              },
+            },
+          },
+          {
+            notes: {
+              1: {
+                fret: 7,
+                bend: [
+                  [0, 0],
+                  [10, 100],
+                  [20, 100],
+                  [30, 0],
+                  [40, 0],
+                  [50, 100],
+                  [60, 100],
+                ],
+              },
+            },
+            text: "twice",
+          },
           { length: 1, notes: { 3: { fret: 2, hammer: true } } },
           { length: 1, notes: { 3: { fret: 4 } } },
         ],
@@ -323,8 +394,27 @@ export const song = {
           { notes: { 0: { fret: 5, tied: true } }, mix: { volume: 9, tempo: 140 } },
           { length: -1, notes: { 4: { fret: 3, letRing: true }, 5: { fret: 3, dead: true } }, stroke: [2, 0] },
         ],
-        [{ length: -1, dotted: true, notes: { 2: { fret: 9, slide: 1 } }, whammy: [[0, 0], [30, -100], [60, 0]] }, { notes: { 2: { fret: 7, tremolo: 2 } } }],
-        [{ length: -1, rest: true }, { notes: { 5: { fret: 12, harmonic: true, fingers: [1, 2] } }, fadeIn: true, mix: { instrument: 30, balance: 4 } }],
+        [
+          {
+            length: -1,
+            dotted: true,
+            notes: { 2: { fret: 9, slide: 1 } },
+            whammy: [
+              [0, 0],
+              [30, -100],
+              [60, 0],
+            ],
+          },
+          { notes: { 2: { fret: 7, tremolo: 2 } } },
+        ],
+        [
+          { length: -1, rest: true },
+          {
+            notes: { 5: { fret: 12, harmonic: true, fingers: [1, 2] } },
+            fadeIn: true,
+            mix: { instrument: 30, balance: 4 },
+          },
+        ],
         [{ length: -2, notes: { 5: { fret: 0 } } }],
       ],
     },
@@ -332,7 +422,11 @@ export const song = {
       name: "Drums",
       drums: true,
       tuning: [0, 0, 0, 0, 0, 0],
-      bars: Array.from({ length: 5 }, (_, bar) => Array.from({ length: bar === 3 ? 3 : 4 }, (_, beat) => ({ notes: { 0: { fret: beat % 2 === 0 ? 36 : 38 }, 1: { fret: 42 } } }))),
+      bars: Array.from({ length: 5 }, (_, bar) =>
+        Array.from({ length: bar === 3 ? 3 : 4 }, (_, beat) => ({
+          notes: { 0: { fret: beat % 2 === 0 ? 36 : 38 }, 1: { fret: 42 } },
+        })),
+      ),
     },
   ],
 };

@@ -76,12 +76,13 @@ export class BitWriter {
 export function pack(content) {
   const writer = new BitWriter();
   const seen = new Map();
-  for (let at = 0; at < content.length; ) {
+  for (let at = 0; at < content.length;) {
     const key = content.subarray(at, at + 4).join();
     const back = at - (seen.get(key) ?? -Infinity);
     seen.set(key, at);
     let count = 0;
-    while (back <= 0x7fff && count < back && at + count < content.length && content[at + count] === content[at + count - back]) {
+    const longest = back <= 0x7fff ? back : 0;
+    while (count < longest && at + count < content.length && content[at + count] === content[at + count - back]) {
       count++;
     }
     if (count > 3) {

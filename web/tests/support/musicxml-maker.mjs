@@ -10,7 +10,8 @@ export function note(name, duration, { before = "", after = "", voice = 1 } = {}
   return `<note>${before}<pitch><step>${step}</step>${alter}<octave>${octave}</octave></pitch><duration>${duration}</duration><voice>${voice}</voice>${after}</note>`;
 }
 
-export const rest = (duration, attributes = "") => `<note><rest${attributes}/><duration>${duration}</duration><voice>1</voice></note>`;
+export const rest = (duration, attributes = "") =>
+  `<note><rest${attributes}/><duration>${duration}</duration><voice>1</voice></note>`;
 export const forward = (duration) => `<forward><duration>${duration}</duration></forward>`;
 export const backup = (duration) => `<backup><duration>${duration}</duration></backup>`;
 
@@ -21,9 +22,13 @@ export const attributes = (divisions = 1, beats = 4, more = "") =>
 /** A document of one part (or of several, each a list of measures' contents). */
 export function document(measures, { description = "", head = "" } = {}) {
   const parts = Array.isArray(measures[0]) ? measures : [measures];
-  const list = parts.map((_, i) => `<score-part id="P${i}"><part-name>Part ${i}</part-name>${description}</score-part>`).join("");
+  const list = parts
+    .map((_, i) => `<score-part id="P${i}"><part-name>Part ${i}</part-name>${description}</score-part>`)
+    .join("");
   const bodies = parts.map((part, i) => {
-    const inside = part.map((content, k) => (content.startsWith("<measure") ? content : `<measure number="${k + 1}">${content}</measure>`));
+    const inside = part.map((content, k) =>
+      content.startsWith("<measure") ? content : `<measure number="${k + 1}">${content}</measure>`,
+    );
     return `<part id="P${i}">${inside.join("")}</part>`;
   });
   return `<?xml version="1.0" encoding="UTF-8"?>${head}<score-partwise version="4.0"><part-list>${list}</part-list>${bodies.join("")}</score-partwise>`;

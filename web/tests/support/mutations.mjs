@@ -8,7 +8,20 @@ export function randomFrom(seed) {
 
 const edges = [0, 1, 2, 127, 128, 254, 255];
 const wideEdges = [-1, 0x7fffffff, -0x80000000, 0x10000, 0xffffff, 1000, 100, 240, -2];
-const textEdges = ["0", "-1", "1", "255", "1000000000", "-1000000000", "1e300", "NaN", "", "2147483648", "0.000001", "99999999999999999999"];
+const textEdges = [
+  "0",
+  "-1",
+  "1",
+  "255",
+  "1000000000",
+  "-1000000000",
+  "1e300",
+  "NaN",
+  "",
+  "2147483648",
+  "0.000001",
+  "99999999999999999999",
+];
 
 /**
  * @param {Uint8Array} bytes
@@ -70,7 +83,8 @@ export function damagedXml(xml, random) {
       damaged = damaged.slice(0, number.index) + value + damaged.slice(number.index + number[0].length);
     } else if (element) {
       const times = random() < 0.5 ? 0 : 3;
-      damaged = damaged.slice(0, element.index) + element[0].repeat(times) + damaged.slice(element.index + element[0].length);
+      damaged =
+        damaged.slice(0, element.index) + element[0].repeat(times) + damaged.slice(element.index + element[0].length);
     }
   }
   return damaged;

@@ -58,9 +58,20 @@ export class PlayedScore {
     const output = { start: () => {}, stop: () => {}, clear: () => this.streams++ };
     this.synth = new PracticeSynth(sampleRate, output);
     const { synth } = this;
-    Object.assign(this.api, { score, player: synth, synth, playPause: () => synth.playPause(), play: () => synth.play() });
+    Object.assign(this.api, {
+      score,
+      player: synth,
+      synth,
+      playPause: () => synth.playPause(),
+      play: () => synth.play(),
+    });
     for (const property of ["tickPosition", "timePosition", "playbackSpeed", "isLooping"]) {
-      Object.defineProperty(this.api, property, { get: () => synth[property], set: (value) => (synth[property] = value) });
+      Object.defineProperty(this.api, property, {
+        get: () => synth[property],
+        set: (value) => {
+          synth[property] = value;
+        },
+      });
     }
     synth.stateChanged.on((event) => this.api.playerStateChanged.trigger(event));
     synth.positionChanged.on((event) => this.api.playerPositionChanged.trigger(event));
@@ -86,7 +97,7 @@ export class PlayedScore {
    */
   render(seconds) {
     const parts = [];
-    for (let frames = 0; frames < seconds * sampleRate; ) {
+    for (let frames = 0; frames < seconds * sampleRate;) {
       const samples = this.synth.render(512);
       if (!samples) {
         break;

@@ -11,7 +11,9 @@
  */
 export function note(pitch, { chord = false, duration = 1, voice = 1, syllable = "", tie } = {}) {
   const [, step, sharp, octave] = /^([A-G])(#?)(\d)$/.exec(pitch) ?? [];
-  const what = step ? `<pitch><step>${step}</step>${sharp ? "<alter>1</alter>" : ""}<octave>${octave}</octave></pitch>` : "<rest/>";
+  const what = step
+    ? `<pitch><step>${step}</step>${sharp ? "<alter>1</alter>" : ""}<octave>${octave}</octave></pitch>`
+    : "<rest/>";
   const type = { 1: "quarter", 2: "half", 4: "whole", 0.5: "eighth" }[duration];
   return (
     `<note>${chord ? "<chord/>" : ""}${what}<duration>${duration * 12}</duration>${tie ? `<tie type="${tie}"/>` : ""}` +
@@ -23,7 +25,8 @@ export function note(pitch, { chord = false, duration = 1, voice = 1, syllable =
 /** @param {number} quarters */
 export const backup = (quarters) => `<backup><duration>${quarters * 12}</duration></backup>`;
 /** @param {number} quarters @param {number} voice */
-export const forward = (quarters, voice) => `<forward><duration>${quarters * 12}</duration><voice>${voice}</voice></forward>`;
+export const forward = (quarters, voice) =>
+  `<forward><duration>${quarters * 12}</duration><voice>${voice}</voice></forward>`;
 
 /**
  * One part of one staff in 4/4. No key element, for no accidentals; no octave under the clef.
@@ -37,7 +40,9 @@ export function part(measures, { clef = "<sign>G</sign><line>2</line>", staves =
   const attributes = `<attributes><divisions>12</divisions><time><beats>4</beats><beat-type>4</beat-type></time>${
     staves > 1 ? `<staves>${staves}</staves>` : ""
   }<clef>${clef}</clef><staff-details print-object="yes"></staff-details></attributes>`;
-  return measures.map((measure, index) => `<measure number="${index + 1}">${index === 0 ? attributes : ""}${measure}</measure>`).join("");
+  return measures
+    .map((measure, index) => `<measure number="${index + 1}">${index === 0 ? attributes : ""}${measure}</measure>`)
+    .join("");
 }
 
 /**

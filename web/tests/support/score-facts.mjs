@@ -18,7 +18,10 @@ function shape(points) {
     const [before, behind] = [kept.at(-1), all[index + 1]];
     const flat = before?.value === point.value && (!behind || behind.value === point.value);
     const leads = !before && behind?.value === point.value;
-    const part = before && behind && behind.offset > before.offset ? (point.offset - before.offset) / (behind.offset - before.offset) : NaN;
+    const part =
+      before && behind && behind.offset > before.offset
+        ? (point.offset - before.offset) / (behind.offset - before.offset)
+        : NaN;
     const straight = Math.abs(before?.value + part * (behind?.value - before?.value) - point.value) < 0.01;
     if (!flat && !straight && !leads) {
       kept.push(point);
@@ -36,12 +39,41 @@ function placeOf(note) {
 
 /** Attributes of notes and beats that are there only when they say something. */
 const noteEffects = [
-  "isLetRing", "isPalmMute", "isDead", "isGhost", "isStaccato", "isHammerPullOrigin", "isLeftHandTapped", "accentuated", "harmonicType", "harmonicValue",
-  "slideInType", "slideOutType", "vibrato", "trillValue", "ornament", "showStringNumber", "isTrill",
+  "isLetRing",
+  "isPalmMute",
+  "isDead",
+  "isGhost",
+  "isStaccato",
+  "isHammerPullOrigin",
+  "isLeftHandTapped",
+  "accentuated",
+  "harmonicType",
+  "harmonicValue",
+  "slideInType",
+  "slideOutType",
+  "vibrato",
+  "trillValue",
+  "ornament",
+  "showStringNumber",
+  "isTrill",
 ];
 const beatEffects = [
-  "fade", "tap", "slap", "pop", "vibrato", "brushType", "pickStroke", "crescendo", "rasgueado", "slashed", "deadSlapped", "golpe", "wahPedal",
-  "isBarre", "showTimer", "text",
+  "fade",
+  "tap",
+  "slap",
+  "pop",
+  "vibrato",
+  "brushType",
+  "pickStroke",
+  "crescendo",
+  "rasgueado",
+  "slashed",
+  "deadSlapped",
+  "golpe",
+  "wahPedal",
+  "isBarre",
+  "showTimer",
+  "text",
 ];
 
 function beatFacts(facts, beat, where) {
@@ -50,7 +82,10 @@ function beatFacts(facts, beat, where) {
   if (isEmpty) {
     return;
   }
-  add("rhythm", `${isRest ? "rest" : "notes"} ${duration} ${dots} ${tupletNumerator}:${tupletDenominator} ${graceType}`);
+  add(
+    "rhythm",
+    `${isRest ? "rest" : "notes"} ${duration} ${dots} ${tupletNumerator}:${tupletDenominator} ${graceType}`,
+  );
   add("dynamics", beat.dynamics);
   if (beat.ottava !== alphaTab.model.Ottavia.Regular) {
     add("beat effects", `ottava ${beat.ottava}`);
@@ -84,7 +119,9 @@ function noteFacts(facts, note) {
   const { beat } = note;
   const where = placeOf(note);
   const key = note.isPercussion ? `drum ${drumOf(note)}` : note.realValue;
-  facts.notes.push(`${where} key ${key} string ${note.string} fret ${note.fret} for ${Math.round(beat.playbackDuration)}${note.isTieDestination ? " tied" : ""}`);
+  facts.notes.push(
+    `${where} key ${key} string ${note.string} fret ${note.fret} for ${Math.round(beat.playbackDuration)}${note.isTieDestination ? " tied" : ""}`,
+  );
   for (const name of noteEffects) {
     if (note[name] && note[name] !== -1) {
       facts["note effects"].push(`${where} key ${key} ${name} ${note[name]}`);
@@ -94,7 +131,9 @@ function noteFacts(facts, note) {
     facts.bends.push(`${where} key ${key} ${shape(note.bendPoints)}`);
   }
   if (note.leftHandFinger >= 0 || note.rightHandFinger >= 0) {
-    facts.fingering.push(`${where} key ${key} ${Math.max(note.leftHandFinger, -1)} ${Math.max(note.rightHandFinger, -1)}`);
+    facts.fingering.push(
+      `${where} key ${key} ${Math.max(note.leftHandFinger, -1)} ${Math.max(note.rightHandFinger, -1)}`,
+    );
   }
   if (note.slurDestination || (beat.isLegatoOrigin && beat.notes[0] === note && !beat.isLegatoDestination)) {
     facts.slurs.push(where);
@@ -109,12 +148,19 @@ function drumOf(note) {
 
 function playingFacts(score) {
   const midi = new alphaTab.midi.MidiFile();
-  const generator = new alphaTab.midi.MidiFileGenerator(score, settings, new alphaTab.midi.AlphaSynthMidiFileHandler(midi));
+  const generator = new alphaTab.midi.MidiFileGenerator(
+    score,
+    settings,
+    new alphaTab.midi.AlphaSynthMidiFileHandler(midi),
+  );
   generator.generate();
   const { NoteOn, NoteOff, TempoChange } = alphaTab.midi.MidiEventType;
   return midi.events
     .filter(({ type }) => type === NoteOn || type === NoteOff || type === TempoChange)
-    .map((event) => `${event.tick} ${event.track} ${event.type} ${event.noteKey ?? rounded(event.beatsPerMinute)} ${event.noteVelocity ?? ""}`);
+    .map(
+      (event) =>
+        `${event.tick} ${event.track} ${event.type} ${event.noteKey ?? rounded(event.beatsPerMinute)} ${event.noteVelocity ?? ""}`,
+    );
 }
 
 /**
@@ -122,28 +168,78 @@ function playingFacts(score) {
  * @returns {Record<string, string[]>}
  */
 export function factsOf(score) {
-  const kinds = ["notes", "rhythm", "dynamics", "note effects", "beat effects", "bends", "whammy", "fingering", "slurs", "lyrics", "chords", "tempo", "metres", "keys", "clefs",
-    "repeats", "directions", "sections", "fermatas", "tracks", "changes of program", "changes of volume and balance", "recording", "sync points", "titles", "lines"];
+  const kinds = [
+    "notes",
+    "rhythm",
+    "dynamics",
+    "note effects",
+    "beat effects",
+    "bends",
+    "whammy",
+    "fingering",
+    "slurs",
+    "lyrics",
+    "chords",
+    "tempo",
+    "metres",
+    "keys",
+    "clefs",
+    "repeats",
+    "directions",
+    "sections",
+    "fermatas",
+    "tracks",
+    "changes of program",
+    "changes of volume and balance",
+    "recording",
+    "sync points",
+    "titles",
+    "lines",
+  ];
   const facts = Object.fromEntries(kinds.map((kind) => [kind, []]));
   const { title, subTitle, artist, album, words, music, copyright, tab, instructions, notices } = score;
-  facts.titles.push(...[title, subTitle, artist, album, words, music, copyright, tab, instructions, notices].map(String));
+  facts.titles.push(
+    ...[title, subTitle, artist, album, words, music, copyright, tab, instructions, notices].map(String),
+  );
   score.masterBars.forEach((bar, index) => {
     const add = (kind, text) => facts[kind].push(`bar ${index + 1} ${text}`);
-    add("metres", `${bar.timeSignatureNumerator}/${bar.timeSignatureDenominator} for ${bar.calculateDuration()} ${bar.tripletFeel} ${bar.isFreeTime}`);
+    add(
+      "metres",
+      `${bar.timeSignatureNumerator}/${bar.timeSignatureDenominator} for ${bar.calculateDuration()} ${bar.tripletFeel} ${bar.isFreeTime}`,
+    );
     add("repeats", `${bar.isRepeatStart} ${bar.repeatCount} ${bar.alternateEndings}`);
-    [...(bar.directions ?? [])].sort((a, b) => a - b).forEach((direction) => add("directions", alphaTab.model.Direction[direction]));
-    bar.tempoAutomations.forEach(({ value, ratioPosition, text }) => add("tempo", `${rounded(value)} at ${rounded(ratioPosition)} ${text ?? ""}`));
+    [...(bar.directions ?? [])]
+      .sort((a, b) => a - b)
+      .forEach((direction) => add("directions", alphaTab.model.Direction[direction]));
+    bar.tempoAutomations.forEach(({ value, ratioPosition, text }) =>
+      add("tempo", `${rounded(value)} at ${rounded(ratioPosition)} ${text ?? ""}`),
+    );
     (bar.syncPoints ?? []).forEach(({ ratioPosition, syncPointValue: { barOccurence, millisecondOffset } }) =>
-      add("sync points", `${rounded(ratioPosition)} ${barOccurence} ${Math.round(millisecondOffset * 10) / 10}`));
+      add("sync points", `${rounded(ratioPosition)} ${barOccurence} ${Math.round(millisecondOffset * 10) / 10}`),
+    );
     if (bar.section) {
       add("sections", `${bar.section.marker} ${bar.section.text}`);
     }
     (bar.fermata ?? new Map()).forEach(({ type }, offset) => add("fermatas", `${offset} ${type}`));
   });
   for (const track of score.tracks) {
-    const { name, shortName, playbackInfo: { program, volume, balance, isMute, isSolo, bank } } = track;
-    const staves = track.staves.map(({ tuning, capo, isPercussion, showTablature, showStandardNotation, transpositionPitch, displayTranspositionPitch }) =>
-      `${tuning} ${capo} ${isPercussion} ${showTablature} ${showStandardNotation} ${transpositionPitch} ${displayTranspositionPitch}`);
+    const {
+      name,
+      shortName,
+      playbackInfo: { program, volume, balance, isMute, isSolo, bank },
+    } = track;
+    const staves = track.staves.map(
+      ({
+        tuning,
+        capo,
+        isPercussion,
+        showTablature,
+        showStandardNotation,
+        transpositionPitch,
+        displayTranspositionPitch,
+      }) =>
+        `${tuning} ${capo} ${isPercussion} ${showTablature} ${showStandardNotation} ${transpositionPitch} ${displayTranspositionPitch}`,
+    );
     facts.tracks.push(`${name} ${shortName} ${program} ${bank} ${volume} ${balance} ${isMute} ${isSolo} ${staves}`);
     for (const staff of track.staves) {
       for (const bar of staff.bars) {
@@ -151,10 +247,12 @@ export function factsOf(score) {
         facts.keys.push(`${where} ${bar.keySignature} ${bar.keySignatureType}`);
         facts.clefs.push(`${where} ${bar.clef} ${bar.clefOttava} ${bar.simileMark}`);
         facts.lines.push(`${where} ${bar.barLineLeft} ${bar.barLineRight}`);
-        bar.voices.forEach((voice) => voice.beats.forEach((beat) => {
-          beatFacts(facts, beat, `${where} tick ${Math.round(beat.playbackStart)}`);
-          beat.notes.forEach((note) => noteFacts(facts, note));
-        }));
+        bar.voices.forEach((voice) =>
+          voice.beats.forEach((beat) => {
+            beatFacts(facts, beat, `${where} tick ${Math.round(beat.playbackStart)}`);
+            beat.notes.forEach((note) => noteFacts(facts, note));
+          }),
+        );
       }
     }
   }

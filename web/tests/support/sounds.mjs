@@ -8,12 +8,16 @@ export const sampleRate = 44100;
 
 /** @param {(seconds: number) => number} wave */
 export function sound(seconds, wave) {
-  return Int16Array.from({ length: Math.round(seconds * sampleRate) }, (_, frame) => Math.round(30000 * wave(frame / sampleRate)));
+  return Int16Array.from({ length: Math.round(seconds * sampleRate) }, (_, frame) =>
+    Math.round(30000 * wave(frame / sampleRate)),
+  );
 }
 
 /** @param {Int16Array} samples */
 export function blocksOf(samples) {
-  return Array.from({ length: Math.ceil(samples.length / blockLength) }, (_, index) => samples.slice(index * blockLength, (index + 1) * blockLength));
+  return Array.from({ length: Math.ceil(samples.length / blockLength) }, (_, index) =>
+    samples.slice(index * blockLength, (index + 1) * blockLength),
+  );
 }
 
 /** Sharp strokes at some times. */

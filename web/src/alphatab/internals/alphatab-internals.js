@@ -77,7 +77,17 @@ const members = {
 
 /** Commands and reports between alphaTab's player and its synthesizer, each behind "alphaSynth.". */
 const messages = [
-  ...["initialize", "destroy", "play", "pause", "playPause", "stop", "loadMidi", "loadSoundFontBytes", "resetSoundFonts"],
+  ...[
+    "initialize",
+    "destroy",
+    "play",
+    "pause",
+    "playPause",
+    "stop",
+    "loadMidi",
+    "loadSoundFontBytes",
+    "resetSoundFonts",
+  ],
   ...["setLogLevel", "setMasterVolume", "setMetronomeVolume", "setPlaybackSpeed", "setTickPosition", "setTimePosition"],
   ...["setPlaybackRange", "setIsLooping", "setChannelMute", "setChannelSolo", "setChannelVolume", "resetChannelStates"],
   ...["setChannelTranspositionPitch", "applyTranspositionPitches", "positionChanged", "playerStateChanged", "ready"],
@@ -113,7 +123,8 @@ export function missingInternals(synth, source) {
   const roots = { alphaTab, AlphaSynth: synth };
   const missing = Object.entries(members).flatMap(([path, names]) => {
     const owner = path.split(".").reduce((object, name) => object?.[name], /** @type {any} */ (roots));
-    return names.filter((name) => typeof owner !== "object" && typeof owner !== "function" || !(name in owner))
+    return names
+      .filter((name) => (typeof owner !== "object" && typeof owner !== "function") || !(name in owner))
       .map((name) => `${path}.${name}`);
   });
   missing.push(...messages.map((name) => `alphaSynth.${name}`).filter((text) => !source.includes(`"${text}"`)));

@@ -79,7 +79,8 @@ async function* decodeSegments({ sampleRate, segments, fileOf }, wantedRate) {
     if (buffer) {
       const end = Math.max(buffer.length - segment.after, 0);
       const from = index === 0 ? 0 : await beginningOf(segment, end);
-      const length = index === 0 || segment.leadTo !== undefined ? Math.max(end - from, segment.length) : segment.length;
+      const length =
+        index === 0 || segment.leadTo !== undefined ? Math.max(end - from, segment.length) : segment.length;
       yield { silent, channels: channelsOf(buffer), from, length, ...rates, last: index === segments.length - 1 };
       decodedAny = true;
       silent = 0;
@@ -103,7 +104,9 @@ function decodedWith(context, file) {
 
 /** @param {AudioBuffer} buffer */
 function channelsOf(buffer) {
-  return Array.from({ length: Math.min(buffer.numberOfChannels, mostChannels) }, (_, index) => buffer.getChannelData(index));
+  return Array.from({ length: Math.min(buffer.numberOfChannels, mostChannels) }, (_, index) =>
+    buffer.getChannelData(index),
+  );
 }
 
 /**
@@ -116,7 +119,10 @@ function prepare(worker, decoded) {
   const prepared = new Promise((resolve, reject) => {
     worker.onmessage = ({ data }) => resolve(data);
     worker.onerror = ({ message }) => reject(new Error(message));
-    worker.postMessage(decoded, decoded.channels.map(({ buffer }) => buffer));
+    worker.postMessage(
+      decoded,
+      decoded.channels.map(({ buffer }) => buffer),
+    );
   });
   // Whether it failed is looked at when the next chunk has been decoded.
   prepared.catch(() => {});

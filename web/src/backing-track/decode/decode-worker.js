@@ -52,7 +52,7 @@ class Channel {
    */
   fill(samples, last) {
     const blocks = [];
-    for (let at = 0; at < samples.length; ) {
+    for (let at = 0; at < samples.length;) {
       const count = Math.min(samples.length - at, blockLength - this.#filled);
       this.#block.set(samples.subarray(at, at + count), this.#filled);
       this.#filled += count;

@@ -220,7 +220,8 @@ function infoOf(bytes, at, head) {
   const view = new DataView(bytes.buffer, bytes.byteOffset, bytes.length);
   const present = view.getUint32(tag + 4);
   const frames = (present & 1) !== 0 ? view.getUint32(tag + 8) : 0;
-  const encoder = tag + 8 + (present & 1 ? 4 : 0) + (present & 2 ? 4 : 0) + (present & 4 ? 100 : 0) + (present & 8 ? 4 : 0);
+  const encoder =
+    tag + 8 + (present & 1 ? 4 : 0) + (present & 2 ? 4 : 0) + (present & 4 ? 100 : 0) + (present & 8 ? 4 : 0);
   return { frames, padding: paddingAt(bytes, encoder) };
 }
 

@@ -85,7 +85,7 @@ function pagesOf(bytes, headers) {
   let headersLeft = headers;
   let from = 0;
   for (const page of allPages(bytes)) {
-    if (page.isFirst !== (stream < 0) || (stream >= 0 && page.stream !== stream)) {
+    if (page.isFirst !== stream < 0 || (stream >= 0 && page.stream !== stream)) {
       return null;
     }
     stream = page.stream;
@@ -107,7 +107,7 @@ function pagesOf(bytes, headers) {
  */
 function* allPages(bytes) {
   const view = new DataView(bytes.buffer, bytes.byteOffset, bytes.length);
-  for (let at = 0; at + pageHeadLength <= bytes.length; ) {
+  for (let at = 0; at + pageHeadLength <= bytes.length;) {
     const table = bytes.subarray(at + pageHeadLength, at + pageHeadLength + bytes[at + pageHeadLength - 1]);
     const to = at + pageHeadLength + table.length + table.reduce((length, segment) => length + segment, 0);
     if (view.getUint32(at) !== pageMark || to > bytes.length) {

@@ -227,7 +227,10 @@ function begins(channels, at, step, bySound) {
     return most;
   };
   const start = at - hopsSummed * step;
-  const threshold = Math.max(peak(at - hopsBefore * step, start) * standsOut, peak(start, at + 2 * hopsSummed * step) * beginning);
+  const threshold = Math.max(
+    peak(at - hopsBefore * step, start) * standsOut,
+    peak(start, at + 2 * hopsSummed * step) * beginning,
+  );
   const end = at + hopsSummed * step;
   for (let frame = Math.max(start, 0); frame < end; frame++) {
     if (level(frame) > threshold) {

@@ -61,7 +61,7 @@ function chunksOf(bytes) {
     return chunks;
   }
   const view = new DataView(bytes.buffer, bytes.byteOffset, bytes.length);
-  for (let at = headLength; at + chunkHeadLength <= bytes.length; ) {
+  for (let at = headLength; at + chunkHeadLength <= bytes.length;) {
     const name = textAt(bytes, at);
     const length = view.getUint32(at + 4, true);
     const start = at + chunkHeadLength;

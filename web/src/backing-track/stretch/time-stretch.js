@@ -124,7 +124,9 @@ export class TimeStretch {
 
   /** Whether there is a loop that is long enough to be played. */
   get hasLoop() {
-    return this.#loop !== null && Math.min(this.#loop.to, this.#sound.length) - this.#loop.from > this.#frames.shortestLoop;
+    return (
+      this.#loop !== null && Math.min(this.#loop.to, this.#sound.length) - this.#loop.from > this.#frames.shortestLoop
+    );
   }
 
   /** How many frames there are up to the end of the loop, or of the backing track. */
@@ -176,7 +178,7 @@ export class TimeStretch {
    * @param {number} count at most as many as are left
    */
   render(left, right, at, count) {
-    for (let done = 0; done < count; ) {
+    for (let done = 0; done < count;) {
       const steps = Math.min(count - done, this.#untilDecision());
       if (steps === 0) {
         this.#decide();

@@ -5,10 +5,14 @@
  */
 
 /** Base lengths and distances of the format's tables, and how many bits follow each. */
-const lengthBase = [3, 4, 5, 6, 7, 8, 9, 10, 11, 13, 15, 17, 19, 23, 27, 31, 35, 43, 51, 59, 67, 83, 99, 115, 131, 163, 195, 227, 258];
+const lengthBase = [
+  3, 4, 5, 6, 7, 8, 9, 10, 11, 13, 15, 17, 19, 23, 27, 31, 35, 43, 51, 59, 67, 83, 99, 115, 131, 163, 195, 227, 258,
+];
 const lengthBits = [0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3, 4, 4, 4, 4, 5, 5, 5, 5, 0];
-const distanceBase = [1, 2, 3, 4, 5, 7, 9, 13, 17, 25, 33, 49, 65, 97, 129, 193, 257, 385, 513, 769, 1025, 1537, 2049, 3073, 4097, 6145, 8193,
-  12289, 16385, 24577];
+const distanceBase = [
+  1, 2, 3, 4, 5, 7, 9, 13, 17, 25, 33, 49, 65, 97, 129, 193, 257, 385, 513, 769, 1025, 1537, 2049, 3073, 4097, 6145,
+  8193, 12289, 16385, 24577,
+];
 const distanceBits = [0, 0, 0, 0, 1, 1, 2, 2, 3, 3, 4, 4, 5, 5, 6, 6, 7, 7, 8, 8, 9, 9, 10, 10, 11, 11, 12, 12, 13, 13];
 const codeLengthOrder = [16, 17, 18, 0, 8, 7, 9, 6, 10, 5, 11, 4, 12, 3, 13, 2, 14, 1, 15];
 
@@ -141,7 +145,7 @@ class Output {
     this.#reserve(length);
     const bytes = this.#bytes;
     // Byte by byte: what is copied may be what was just written.
-    for (let from = this.#length - distance, to = this.#length, end = to + length; to < end; ) {
+    for (let from = this.#length - distance, to = this.#length, end = to + length; to < end;) {
       bytes[to++] = bytes[from++];
     }
     this.#length += length;
@@ -204,7 +208,7 @@ function readTables(bits) {
   }
   const orderTable = tableOf(orderLengths);
   const lengths = new Uint8Array(lengthCount + distanceCount);
-  for (let i = 0; i < lengths.length; ) {
+  for (let i = 0; i < lengths.length;) {
     const symbol = bits.readSymbol(orderTable);
     if (symbol < 16) {
       lengths[i++] = symbol;
@@ -258,5 +262,7 @@ function tableOf(lengths) {
   return table;
 }
 
-const fixedLengths = tableOf(Uint8Array.from({ length: 288 }, (_, symbol) => (symbol < 144 ? 8 : symbol < 256 ? 9 : symbol < 280 ? 7 : 8)));
+const fixedLengths = tableOf(
+  Uint8Array.from({ length: 288 }, (_, symbol) => (symbol < 144 ? 8 : symbol < 256 ? 9 : symbol < 280 ? 7 : 8)),
+);
 const fixedDistances = tableOf(new Uint8Array(30).fill(5));

@@ -221,7 +221,14 @@ function nameEnd(source, start) {
   for (;;) {
     const code = source.charCodeAt(at);
     // Space, "/", ">", "=", "<", quotation marks, and the end of the text, which is NaN.
-    if (!(code > 0x20) || code === slash || code === greaterThan || code === equalsSign || code === 0x3c || code === 0x22) {
+    if (
+      !(code > 0x20) ||
+      code === slash ||
+      code === greaterThan ||
+      code === equalsSign ||
+      code === 0x3c ||
+      code === 0x22
+    ) {
       break;
     }
     at++;

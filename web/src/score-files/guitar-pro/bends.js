@@ -23,7 +23,9 @@ export function foldBend(points) {
   const [first, last] = [line[0], line[line.length - 1]];
   const inner = line.slice(1, -1);
   const middle = (first.value + last.value) / 2;
-  const farthest = inner.reduce((best, point) => (Math.abs(point.value - middle) > Math.abs(best.value - middle) ? point : best));
+  const farthest = inner.reduce((best, point) =>
+    Math.abs(point.value - middle) > Math.abs(best.value - middle) ? point : best,
+  );
   const plateau = inner.filter(({ value }) => value === farthest.value);
   return [first, plateau[0], plateau[plateau.length - 1], last];
 }

@@ -106,7 +106,9 @@ function numberArticulations(track) {
   for (const staff of track.staves.filter(({ isPercussion }) => isPercussion)) {
     for (const beat of beatsOf(staff)) {
       for (const note of beat.notes) {
-        note.percussionArticulation = places ? (places.get(note.percussionArticulation) ?? 0) : note.percussionArticulation;
+        note.percussionArticulation = places
+          ? (places.get(note.percussionArticulation) ?? 0)
+          : note.percussionArticulation;
       }
     }
   }
@@ -139,7 +141,10 @@ function allArticulations() {
     const settings = new alphaTab.Settings();
     const drums = alphaTab.importer.ScoreLoader.loadAlphaTex("\\track \\staff \\instrument percussion 38", settings);
     drums.tracks[0].percussionArticulations = [];
-    const written = alphaTab.importer.ScoreLoader.loadScoreFromBytes(new alphaTab.exporter.Gp7Exporter().export(drums, settings), settings);
+    const written = alphaTab.importer.ScoreLoader.loadScoreFromBytes(
+      new alphaTab.exporter.Gp7Exporter().export(drums, settings),
+      settings,
+    );
     listedArticulations = written.tracks[0].percussionArticulations;
   }
   return listedArticulations;
@@ -166,7 +171,13 @@ function heldDynamics(dynamics) {
   if (dynamics <= DynamicValue.FFF) {
     return dynamics;
   }
-  return /^PPPP/.test(name) || name === "N" ? DynamicValue.PPP : /^FFFF/.test(name) ? DynamicValue.FFF : /^(FP|PF)$/.test(name) ? DynamicValue.F : DynamicValue.FF;
+  return /^PPPP/.test(name) || name === "N"
+    ? DynamicValue.PPP
+    : /^FFFF/.test(name)
+      ? DynamicValue.FFF
+      : /^(FP|PF)$/.test(name)
+        ? DynamicValue.F
+        : DynamicValue.FF;
 }
 
 /** @param {Beat} beat */

@@ -18,14 +18,18 @@ import { rhythmsFor } from "./rhythms.js";
 export function mergeVoices(voice, other) {
   const sources = [...voice.beats, ...other.beats];
   const main = sources.filter(({ graceType, isRest }) => graceType === alphaTab.model.GraceType.None && !isRest);
-  const times = new Set(sources.flatMap(({ displayStart, displayDuration }) => [displayStart, displayStart + displayDuration]));
+  const times = new Set(
+    sources.flatMap(({ displayStart, displayDuration }) => [displayStart, displayStart + displayDuration]),
+  );
   const edges = [...times].sort((a, b) => a - b);
   /** The last segment of each note so far. @type {Map<Note, Note>} */
   const segments = new Map();
   /** @type {Beat[]} */
   const beats = [];
   for (let i = 0; i + 1 < edges.length; i++) {
-    const sounding = main.filter(({ displayStart, displayDuration }) => displayStart <= edges[i] && displayStart + displayDuration >= edges[i + 1]);
+    const sounding = main.filter(
+      ({ displayStart, displayDuration }) => displayStart <= edges[i] && displayStart + displayDuration >= edges[i + 1],
+    );
     const beginning = sounding.filter(({ displayStart }) => displayStart === edges[i]);
     beats.push(...beginning.flatMap(graceBeatsOf));
     let start = edges[i];
@@ -36,7 +40,12 @@ export function mergeVoices(voice, other) {
       beat.dots = rhythm.dots;
       beat.tupletNumerator = rhythm.numerator;
       beat.tupletDenominator = rhythm.denominator;
-      Object.assign(beat, { displayStart: start, playbackStart: start, displayDuration: length, playbackDuration: length });
+      Object.assign(beat, {
+        displayStart: start,
+        playbackStart: start,
+        displayDuration: length,
+        playbackDuration: length,
+      });
       start += length;
       for (const note of sounding.flatMap(({ notes }) => notes)) {
         const segment = segmentOf(note, segments.get(note));
@@ -79,7 +88,12 @@ function segmentOf(note, before) {
   }
   const segment = new alphaTab.model.Note();
   const { id } = segment;
-  Object.assign(segment, note, { id, isTieDestination: true, tieOrigin: before, tieDestination: before.tieDestination });
+  Object.assign(segment, note, {
+    id,
+    isTieDestination: true,
+    tieOrigin: before,
+    tieDestination: before.tieDestination,
+  });
   before.tieDestination = segment;
   return segment;
 }

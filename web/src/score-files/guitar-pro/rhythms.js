@@ -11,7 +11,14 @@ const wholeNote = 3840;
 const durations = [1, 2, 4, 8, 16, 32, 64, 128, 256];
 
 /** From the most usual on. */
-const tuplets = [[-1, -1], [3, 2], [6, 4], [5, 4], [7, 4], [9, 8]];
+const tuplets = [
+  [-1, -1],
+  [3, 2],
+  [6, 4],
+  [5, 4],
+  [7, 4],
+  [9, 8],
+];
 
 /** @type {Map<number, Rhythm>} the plainest for each length */
 const known = new Map();
@@ -37,7 +44,9 @@ export function rhythmsFor(ticks) {
   const found = [];
   let rest = ticks;
   while (rest > 0) {
-    const length = known.has(rest) ? rest : lengths.find((one) => one < rest && known.get(one)?.dots === 0 && known.get(one)?.numerator === -1);
+    const length = known.has(rest)
+      ? rest
+      : lengths.find((one) => one < rest && known.get(one)?.dots === 0 && known.get(one)?.numerator === -1);
     if (length === undefined) {
       break;
     }

@@ -13,7 +13,9 @@ export const mostVoices = 4;
  *     left over. Voices keep their places from bar to bar as long as all that are used anywhere fit in.
  */
 export function chooseVoices(used) {
-  const everywhere = indicesOf(used.reduce((all, bar) => bar.map((is, voice) => is || (all[voice] ?? false)).concat(all.slice(bar.length)), []));
+  const everywhere = indicesOf(
+    used.reduce((all, bar) => bar.map((is, voice) => is || (all[voice] ?? false)).concat(all.slice(bar.length)), []),
+  );
   return used.map((bar) => {
     if (everywhere.every((voice) => voice < mostVoices)) {
       return Array.from(bar.slice(0, mostVoices), (_, voice) => voice);

@@ -99,7 +99,12 @@ const mostLines = 12;
  */
 function writeStaffDetails(writer, details, staff) {
   const tunings = details.children.filter(({ name }) => name === "staff-tuning");
-  const lines = boundedInteger(details.textOf("staff-lines"), 1, mostLines, Math.max(5, Math.min(tunings.length, mostLines)));
+  const lines = boundedInteger(
+    details.textOf("staff-lines"),
+    1,
+    mostLines,
+    Math.max(5, Math.min(tunings.length, mostLines)),
+  );
   writer.open("staff-details", { number: staff });
   if (details.child("staff-lines") || tunings.length > 0) {
     writer.leaf("staff-lines", lines);

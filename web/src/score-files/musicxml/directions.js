@@ -181,7 +181,9 @@ function kindsOf(element) {
   if (element.name !== "direction") {
     return [];
   }
-  return element.children.flatMap((child) => (child.name === "direction-type" ? child.children.filter(({ name }) => kinds.has(name)) : []));
+  return element.children.flatMap((child) =>
+    child.name === "direction-type" ? child.children.filter(({ name }) => kinds.has(name)) : [],
+  );
 }
 
 /** Directions that hold until they stop, and stop after the last note of a bar. @param {Mark} mark */
@@ -211,7 +213,10 @@ const mostStrings = 12;
  * @param {XmlElement} harmony
  */
 function writeHarmony(writer, harmony) {
-  writer.open("harmony", { "print-frame": harmony.attributes.get("print-frame"), "print-object": harmony.attributes.get("print-object") });
+  writer.open("harmony", {
+    "print-frame": harmony.attributes.get("print-frame"),
+    "print-object": harmony.attributes.get("print-object"),
+  });
   for (const child of harmony.children) {
     if (child.name === "frame") {
       writeFrame(writer, child);

@@ -1,5 +1,17 @@
 // @ts-check
-import { boundedInteger, boundedNumber, lengthOf, longestBar, longestNote, mostNotesInBar, mostNotesInChord, mostStaves, quarter, tolerance, writingOf } from "./values.js";
+import {
+  boundedInteger,
+  boundedNumber,
+  lengthOf,
+  longestBar,
+  longestNote,
+  mostNotesInBar,
+  mostNotesInChord,
+  mostStaves,
+  quarter,
+  tolerance,
+  writingOf,
+} from "./values.js";
 
 /**
  * Works out when everything in a bar happens. A MusicXML measure is a list through which a position moves: notes move it
@@ -187,7 +199,9 @@ class MeasureReader {
       return false;
     }
     const type = note.textOf("type");
-    return rest.attributes.get("measure") === "yes" || ((type === "whole" || type === "") && end >= this.#metre - tolerance);
+    return (
+      rest.attributes.get("measure") === "yes" || ((type === "whole" || type === "") && end >= this.#metre - tolerance)
+    );
   }
 
   /**

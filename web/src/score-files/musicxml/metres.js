@@ -28,7 +28,9 @@ export function barLengthOf({ beats, beatType }) {
  */
 export function readMetre(time) {
   const beats = time.children.filter(({ name }) => name === "beats").map(({ text }) => sumOf(text));
-  const types = time.children.filter(({ name }) => name === "beat-type").map(({ text }) => boundedInteger(text, 1, 64, 0));
+  const types = time.children
+    .filter(({ name }) => name === "beat-type")
+    .map(({ text }) => boundedInteger(text, 1, 64, 0));
   if (beats.length === 0 || beats.length !== types.length || types.some((type) => !Number.isInteger(Math.log2(type)))) {
     return null;
   }

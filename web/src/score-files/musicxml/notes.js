@@ -91,14 +91,20 @@ function writePitch(writer, note, part) {
   if (instrument) {
     writer.open("unpitched");
     writer.leaf("display-step", unpitched?.textOf("display-step") ?? pitch?.textOf("step") ?? "");
-    writer.leaf("display-octave", boundedInteger((unpitched ?? pitch)?.textOf(unpitched ? "display-octave" : "octave") ?? "", 0, 9, 4));
+    writer.leaf(
+      "display-octave",
+      boundedInteger((unpitched ?? pitch)?.textOf(unpitched ? "display-octave" : "octave") ?? "", 0, 9, 4),
+    );
     writer.close("unpitched");
     writer.leaf("instrument", "", { id: instrument });
     return;
   }
   const key = keyOf(pitch);
   writer.open("pitch");
-  writer.leaf("step", pitch && key !== null ? pitch.textOf("step").toUpperCase() : unpitched?.textOf("display-step") || "C");
+  writer.leaf(
+    "step",
+    pitch && key !== null ? pitch.textOf("step").toUpperCase() : unpitched?.textOf("display-step") || "C",
+  );
   const alter = key === null ? 0 : Math.trunc(boundedNumber(pitch?.textOf("alter") ?? "", -4, 4, 0));
   if (alter !== 0) {
     writer.leaf("alter", alter);

@@ -73,7 +73,9 @@ function directionsOf(signs, all) {
     fine: Direction.TargetFine,
     toCoda: Direction.JumpDaCoda,
     daCapo: { coda: Direction.JumpDaCapoAlCoda, fine: Direction.JumpDaCapoAlFine, end: Direction.JumpDaCapo }[kind],
-    dalSegno: { coda: Direction.JumpDalSegnoAlCoda, fine: Direction.JumpDalSegnoAlFine, end: Direction.JumpDalSegno }[kind],
+    dalSegno: { coda: Direction.JumpDalSegnoAlCoda, fine: Direction.JumpDalSegnoAlFine, end: Direction.JumpDalSegno }[
+      kind
+    ],
   };
   return [...signs].map((sign) => table[sign]);
 }

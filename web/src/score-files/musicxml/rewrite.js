@@ -114,7 +114,14 @@ function readBars(sources) {
   let metre = commonMetre;
   for (let index = 0; index < count; index++) {
     const next = metreAt(sources, index);
-    bars.push({ metre: next ?? metre, metreChanges: next !== null, length: 0, partial: false, signs: noSigns(), tempos: [] });
+    bars.push({
+      metre: next ?? metre,
+      metreChanges: next !== null,
+      length: 0,
+      partial: false,
+      signs: noSigns(),
+      tempos: [],
+    });
     metre = next ?? metre;
   }
   return bars;
@@ -152,8 +159,10 @@ function readPart(source, bars) {
   const measures = source.measures.map((measure, index) => readMeasure(measure, state, barLengthOf(bars[index].metre)));
   const staffCount = countStaves(measures);
   const staves = assignVoices(measures, staffCount);
-  const attributes = attributesAtBars(measures, (bar, staff, time) =>
-    staves[bar][staff - 1]?.every((events) => events.every(({ rest, onset }) => rest || onset >= time)) ?? true,
+  const attributes = attributesAtBars(
+    measures,
+    (bar, staff, time) =>
+      staves[bar][staff - 1]?.every((events) => events.every(({ rest, onset }) => rest || onset >= time)) ?? true,
   );
   return { source, measures, attributes, staves, staffCount };
 }
@@ -168,7 +177,8 @@ function measureBars(bars, parts) {
   bars.forEach((bar, index) => {
     const nominal = barLengthOf(bar.metre);
     const extent = Math.max(0, ...parts.map((measures) => measures[index]?.extent ?? 0));
-    bar.length = extent > 0 && Math.abs(extent - nominal) > tolerance ? Math.min(extent, longestBar * quarter) : nominal;
+    bar.length =
+      extent > 0 && Math.abs(extent - nominal) > tolerance ? Math.min(extent, longestBar * quarter) : nominal;
     bar.partial = bar.length !== nominal;
   });
 }
@@ -179,7 +189,10 @@ function measureBars(bars, parts) {
  */
 function readSigns(bars, parts) {
   const signs = bars.map((bar) => bar.signs);
-  readBarLines(parts.map((measures) => measures.map(({ barLines }) => barLines)), signs);
+  readBarLines(
+    parts.map((measures) => measures.map(({ barLines }) => barLines)),
+    signs,
+  );
   bars.forEach(({ length }, index) => {
     for (const measures of parts) {
       for (const { element, onset } of measures[index]?.marks ?? []) {
@@ -258,7 +271,10 @@ class PartWriter {
     this.#facts = {
       tiesFrom: new Map(ties.map(({ from }, number) => [from, number + 1])),
       tiesTo: new Map(ties.map(({ to }, number) => [to, number + 1])),
-      strings: part.staves.length === 0 ? [] : Array.from({ length: part.staffCount }, (_, staff) => stringsOf(part.attributes, staff + 1)),
+      strings:
+        part.staves.length === 0
+          ? []
+          : Array.from({ length: part.staffCount }, (_, staff) => stringsOf(part.attributes, staff + 1)),
       instrumentOf: (note) => drumOf(part.source, note),
       fifths: 0,
     };
@@ -367,7 +383,11 @@ class PartWriter {
     const fillUpTo = (end) => {
       for (const { ticks, writing } of end > position ? writingsFor(end - position) : []) {
         this.#leftovers.hiddenRests.push({ part: this.#index, staff, bar: index, voice, beat: beat++ });
-        writeRest(this.#writer, { staff: staff + 1, voice: voice + 1, ticks, fillsBar: false, inChord: false }, writing);
+        writeRest(
+          this.#writer,
+          { staff: staff + 1, voice: voice + 1, ticks, fillsBar: false, inChord: false },
+          writing,
+        );
         position += ticks;
       }
     };
@@ -383,7 +403,13 @@ class PartWriter {
         this.#leftovers.hiddenRests.push({ part: this.#index, staff, bar: index, voice, beat });
       }
       event.notes.forEach((note, i) => {
-        const place = { staff: staff + 1, voice: voice + 1, ticks: end - event.onset, fillsBar: event.fillsBar, inChord: i > 0 };
+        const place = {
+          staff: staff + 1,
+          voice: voice + 1,
+          ticks: end - event.onset,
+          fillsBar: event.fillsBar,
+          inChord: i > 0,
+        };
         writeNote(this.#writer, note, place, this.#facts);
         if (this.#crossTied.has(note)) {
           this.#notePlaces.set(note, { part: this.#index, staff, bar: index, voice, beat, note: i });

@@ -77,7 +77,14 @@ function inTime(staves, length) {
   const all = staves.flatMap((voices, staff) =>
     voices.flatMap((events, voice) =>
       events
-        .map(({ notes, onset, end, rest }, i) => ({ notes, onset, end: i + 1 === events.length ? length : end, staff, voice, rest }))
+        .map(({ notes, onset, end, rest }, i) => ({
+          notes,
+          onset,
+          end: i + 1 === events.length ? length : end,
+          staff,
+          voice,
+          rest,
+        }))
         .filter(({ rest }) => !rest),
     ),
   );

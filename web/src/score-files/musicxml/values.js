@@ -109,7 +109,10 @@ export function lengthOf({ type, dots, actual, normal }) {
  * @returns {Writing | null} the one value that lasts exactly so long
  */
 export function writingFor(ticks) {
-  for (const [actual, normal] of [[1, 1], [3, 2]]) {
+  for (const [actual, normal] of [
+    [1, 1],
+    [3, 2],
+  ]) {
     for (const [type, plain] of noteTypes) {
       for (const dots of actual === 1 ? [0, 1, 2] : [0]) {
         if (Math.abs((plain * (2 - 1 / (1 << dots)) * normal) / actual - ticks) <= 1) {
@@ -154,7 +157,15 @@ export function writingsFor(ticks) {
   return parts;
 }
 
-const steps = new Map([["C", 0], ["D", 2], ["E", 4], ["F", 5], ["G", 7], ["A", 9], ["B", 11]]);
+const steps = new Map([
+  ["C", 0],
+  ["D", 2],
+  ["E", 4],
+  ["F", 5],
+  ["G", 7],
+  ["A", 9],
+  ["B", 11],
+]);
 
 /**
  * @param {XmlElement | undefined} pitch

@@ -80,7 +80,15 @@ function inOrder(events, displaced) {
       placed.pop();
       placed.push(event);
       end = Math.max(event.end, end);
-    } else if (last && !event.rest && !last.rest && !last.grace && !event.grace && last.onset === event.onset && last.end === event.end) {
+    } else if (
+      last &&
+      !event.rest &&
+      !last.rest &&
+      !last.grace &&
+      !event.grace &&
+      last.onset === event.onset &&
+      last.end === event.end
+    ) {
       last.notes.push(...event.notes);
     } else if (!event.rest) {
       displaced.push(event);
@@ -128,7 +136,9 @@ function voiceOrders(measures, staffCount) {
   const names = [...counts.keys()].sort((a, b) => (Number(a) || 0) - (Number(b) || 0) || (a < b ? -1 : 1));
   return Array.from({ length: staffCount }, (_, staff) => {
     const present = names.filter((name) => (counts.get(name)?.[staff] ?? 0) > 0);
-    const atHome = present.filter((name) => counts.get(name)?.every((count) => count <= (counts.get(name)?.[staff] ?? 0)));
+    const atHome = present.filter((name) =>
+      counts.get(name)?.every((count) => count <= (counts.get(name)?.[staff] ?? 0)),
+    );
     return [...atHome, ...present.filter((name) => !atHome.includes(name))];
   });
 }
