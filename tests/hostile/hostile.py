@@ -2,7 +2,7 @@
 """Opens hostile files in the running program, and after each a good one.
 
 Each file has to leave the window answering, the memory of all processes within a gigabyte of what it was, the page
-alive, and the next good file open. The named files are opened three times in one process; generated ones follow for as
+alive, and the next good file open. Over a generated file the page may not answer, if it can be stopped then. The named files are opened three times in one process; generated ones follow for as
 long as the time allows. What goes wrong is written down with its file, which is kept.
 """
 import argparse
@@ -32,6 +32,8 @@ class Run:
         self.good = build / "tests" / "scores" / "ferry.gp"
         self.opened, self.faults, self.largest, self.longest = 0, [], 0.0, 0.0
         self.window, self.usual = None, 0.0
+        # Generated files over which the page did not answer for so long that a reader would have stopped it.
+        self.stopped = []
 
     def start(self):
         self.window = driven.Window(self.build, self.environment)
@@ -53,7 +55,7 @@ class Run:
         if memory > GROWTH:
             raise driven.Fault(f"the program has {memory:.0f} MB more than before")
 
-    def open(self, path):
+    def open(self, path, generated):
         window = self.window
         said, before = len(window.log), window.state()
         window.do("open", str(path))
@@ -66,6 +68,9 @@ class Run:
         state = window.wait(settled, READING, self.measure)
         if state is None:
             raise driven.Fault("the file is neither shown nor refused")
+        if state["health"] == "not answering" and generated:
+            self.stop_reading(path)
+            return
         if state["health"] != "well":
             raise driven.Fault("the page does not answer" if state["health"] == "not answering" else "the page has ended")
         if state["pdf"]:
@@ -73,6 +78,14 @@ class Run:
             window.wait(lambda _: time.monotonic() > end, READING, self.measure)
         elif state["scores"] > before["scores"]:
             self.play()
+
+    def stop_reading(self, path):
+        """What a reader does who is told that the page does not answer. It may have answered meanwhile."""
+        self.stopped.append(path.name)
+        print(f"stopped {path.name}", flush=True)
+        self.window.do("stopReading")
+        if not self.window.wait(lambda state: state["health"] != "not answering", 10):
+            raise driven.Fault("the page cannot be stopped")
 
     def play(self):
         """What is shown is played for a moment, if it can be."""
@@ -84,10 +97,10 @@ class Run:
             if window.state()["health"] != "well" or window.ask("1 + 1", 15) != 2:
                 raise driven.Fault("the page does not answer when it plays")
 
-    def try_file(self, path):
+    def try_file(self, path, generated=False):
         self.opened += 1
         try:
-            self.open(path)
+            self.open(path, generated)
             self.open_good()
             self.measure()
         except driven.Fault as fault:
@@ -148,7 +161,7 @@ def main():
                 break
             path = folder / name
             path.write_bytes(data)
-            run.try_file(path)
+            run.try_file(path, generated=True)
             path.unlink()
             generated += 1
     except TimeoutError:
@@ -159,7 +172,7 @@ def main():
         display.close()
         shutil.rmtree(folder, ignore_errors=True)
     print(f"{run.opened} files opened ({len(files)} of them named, {rounds} rounds; {generated} generated, seed {chosen.seed}) "
-          f"in {(time.monotonic() - began) / 60:.1f} minutes: {len(run.faults)} faults. Longest answer of the window "
+          f"in {(time.monotonic() - began) / 60:.1f} minutes: {len(run.faults)} faults, {len(run.stopped)} stopped by hand. Longest answer of the window "
           f"{run.longest:.2f} s, at most {run.largest:.0f} MB more than with a good file.")
     for name, fault in run.faults:
         print(f"  {name}: {fault}")
