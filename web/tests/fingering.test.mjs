@@ -100,53 +100,51 @@ const samples = ["canon.gp5", "serenade.gp", "effects.gp4"].map((name) =>
 );
 const present = samples.filter((file) => existsSync(file));
 
-test("for pieces that guitarists wrote down, chords can be gripped, keys stay, and the hand moves less than theirs", (t) => {
-  if (present.length === 0) {
-    t.diagnostic("no samples here");
-    return;
-  }
-  let theirs = 0;
-  let ours = 0;
-  let chords = 0;
-  let ungrippable = 0;
-  for (const file of present) {
-    const settings = new alphaTab.Settings();
-    const { tracks } = alphaTab.importer.ScoreLoader.loadScoreFromBytes(new Uint8Array(readFileSync(file)), settings);
-    for (const { staves, playbackInfo } of tracks) {
-      const [staff] = staves;
-      if (staff.isPercussion || !staff.isStringed || playbackInfo.program < 24 || playbackInfo.program > 31) {
-        continue;
-      }
-      const open = staff.tuning.map((key) => key + staff.capo);
-      const beats = staff.bars.flatMap(({ voices }) => voices.flatMap((voice) => voice.beats));
-      const notes = beats
-        .filter(({ graceType }) => graceType === alphaTab.model.GraceType.None)
-        .flatMap((beat) => beat.notes.filter((note) => note.isStringed && !note.isTieDestination && !note.isDead))
-        .map((note) => ({ ...spanOf(note), key: note.fret + note.stringTuning, fret: note.fret }))
-        .sort((a, b) => a.start - b.start);
-      const chosen = chooseFingering(notes, open);
-      const events = new Map();
-      notes.forEach(({ start, key, fret }, i) => {
-        assert.equal(open[chosen[i].string] + chosen[i].fret, key);
-        const event = events.get(start) ?? { theirs: [], ours: [], strings: new Set() };
-        event.theirs.push(fret);
-        event.ours.push(chosen[i].fret);
-        event.strings.add(chosen[i].string);
-        events.set(start, event);
-      });
-      const all = [...events.values()];
-      theirs += shifts(all.map((event) => event.theirs));
-      ours += shifts(all.map((event) => event.ours));
-      for (const event of all.filter((e) => e.ours.length > 1)) {
-        const pressed = event.ours.filter((fret) => fret > 0);
-        const wide = pressed.length > 0 && Math.max(...pressed) - Math.min(...pressed) > 4;
-        chords++;
-        ungrippable += wide || event.strings.size < event.ours.length ? 1 : 0;
+if (present.length > 0) {
+  test("for pieces that guitarists wrote down, chords can be gripped, keys stay, and the hand moves less than theirs", (t) => {
+    let theirs = 0;
+    let ours = 0;
+    let chords = 0;
+    let ungrippable = 0;
+    for (const file of present) {
+      const settings = new alphaTab.Settings();
+      const { tracks } = alphaTab.importer.ScoreLoader.loadScoreFromBytes(new Uint8Array(readFileSync(file)), settings);
+      for (const { staves, playbackInfo } of tracks) {
+        const [staff] = staves;
+        if (staff.isPercussion || !staff.isStringed || playbackInfo.program < 24 || playbackInfo.program > 31) {
+          continue;
+        }
+        const open = staff.tuning.map((key) => key + staff.capo);
+        const beats = staff.bars.flatMap(({ voices }) => voices.flatMap((voice) => voice.beats));
+        const notes = beats
+          .filter(({ graceType }) => graceType === alphaTab.model.GraceType.None)
+          .flatMap((beat) => beat.notes.filter((note) => note.isStringed && !note.isTieDestination && !note.isDead))
+          .map((note) => ({ ...spanOf(note), key: note.fret + note.stringTuning, fret: note.fret }))
+          .sort((a, b) => a.start - b.start);
+        const chosen = chooseFingering(notes, open);
+        const events = new Map();
+        notes.forEach(({ start, key, fret }, i) => {
+          assert.equal(open[chosen[i].string] + chosen[i].fret, key);
+          const event = events.get(start) ?? { theirs: [], ours: [], strings: new Set() };
+          event.theirs.push(fret);
+          event.ours.push(chosen[i].fret);
+          event.strings.add(chosen[i].string);
+          events.set(start, event);
+        });
+        const all = [...events.values()];
+        theirs += shifts(all.map((event) => event.theirs));
+        ours += shifts(all.map((event) => event.ours));
+        for (const event of all.filter((e) => e.ours.length > 1)) {
+          const pressed = event.ours.filter((fret) => fret > 0);
+          const wide = pressed.length > 0 && Math.max(...pressed) - Math.min(...pressed) > 4;
+          chords++;
+          ungrippable += wide || event.strings.size < event.ours.length ? 1 : 0;
+        }
       }
     }
-  }
-  t.diagnostic(`${ours} shifts for ${theirs}, ${ungrippable} of ${chords} chords cannot be gripped`);
-  assert.ok(chords > 100);
-  assert.ok(ungrippable <= chords / 1000, `${ungrippable} of ${chords}`);
-  assert.ok(ours <= 1.2 * theirs, `${ours} for ${theirs}`);
-});
+    t.diagnostic(`${ours} shifts for ${theirs}, ${ungrippable} of ${chords} chords cannot be gripped`);
+    assert.ok(chords > 100);
+    assert.ok(ungrippable <= chords / 1000, `${ungrippable} of ${chords}`);
+    assert.ok(ours <= 1.2 * theirs, `${ours} for ${theirs}`);
+  });
+}
