@@ -66,7 +66,11 @@ new IdleCollection(api, playback, document);
 SynthPlayer.lost.on(() => host.reportSynthLost());
 outputStatus.changed.on((working) => {
   host.reportAudioOutput(working);
-  notice.keep(working ? null : outputStatus.hadDevice ? lostOutput : noOutput);
+  notice.keep(!working && outputStatus.hadDevice ? lostOutput : null);
+  if (!working && !outputStatus.hadDevice) {
+    // The music does not wait for it: said once, it need not cover the score.
+    notice.tellProblem(noOutput);
+  }
 });
 
 // What fails in a task of its own reaches nobody else.

@@ -13,6 +13,8 @@ function shownSentences() {
     [/problem: (?:"([^"]+)"|`([^`]+)`)/g, source("score-files/score-files.js")],
     [/#refuse\((?:"([^"]+)"|`([^`]+)`)/g, source("session/score-session.js")],
     [/#show\("([^"]+)"/g, source("score-view/notice.js")],
+    [/^const (?:lostOutput|noOutput) = "([^"]+)"/gm, source("main.js")],
+    [/^const tooLong = "([^"]+)"/gm, source("rendering/worker-renderer.js")],
     [/translated\((?:"([^"]+)"|`([^`]+)`)/g, source("score-view/score-header.js")],
   ];
   const found = patterns.flatMap(([pattern, text]) => [...text.matchAll(pattern)].map((match) => match[1] ?? match[2]));
@@ -21,7 +23,7 @@ function shownSentences() {
 
 test("every sentence that is shown is translated into every language, and no other", () => {
   const shown = [...shownSentences()].sort();
-  assert.ok(shown.length > 9, shown.join("\n"));
+  assert.ok(shown.length > 12, shown.join("\n"));
   for (const [language, known] of Object.entries(texts)) {
     assert.deepEqual(Object.keys(known).sort(), shown, language);
     for (const [english, translation] of Object.entries(known)) {

@@ -82,10 +82,12 @@ export class Notice {
     clearTimeout(this.#timer);
     this.#opening = kind === "opening";
     const element = this.#element;
-    if (element.hidden || element.className !== kind) {
+    const sentence = translated(text);
+    // Set anew it would be faded in anew.
+    if (element.hidden || element.className !== kind || element.textContent !== sentence) {
       element.hidden = false;
       element.className = kind;
-      element.textContent = translated(text);
+      element.textContent = sentence;
     }
     element.style.animationDelay = `${delay}ms`;
   }
