@@ -88,7 +88,7 @@ class TestMediaPlayer final : public QObject {
     {
         QCoreApplication::processEvents();
         m_client->get(root, u"Identity"_s);
-        m_client->call(root, u"None"_s);
+        m_client->call(u"org.freedesktop.DBus.Peer"_s, u"Ping"_s);
     }
 
     QVariant get(const QString &property) { return m_client->get(player, property); }

@@ -175,7 +175,9 @@ private Q_SLOTS:
         const TestSurroundings world;
         const auto document = PDFDocument::open(world.file(u"x.pdf"_s, TestPDFs::boundlessForm()).toLocalFile());
         QVERIFY(document);
-        QVERIFY(document->picture(0, QSize(50, 70)).isNull());
+        const bool drawn = !document->picture(0, QSize(50, 70)).isNull();
+        // The drawing library of Debian 13 ends such a form by itself. Goes when Debian 12 is dropped.
+        QCOMPARE(drawn, QT_VERSION >= QT_VERSION_CHECK(6, 8, 0));
         rusage used{};
         QCOMPARE(::getrusage(RUSAGE_CHILDREN, &used), 0);
         QVERIFY2(used.ru_maxrss < 800 << 10, qPrintable(QString::number(qint64(used.ru_maxrss))));
