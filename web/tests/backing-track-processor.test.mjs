@@ -197,3 +197,10 @@ test("garbage is collected when the page asks for it", () => {
   thread.post({ collect: true });
   assert.equal(collected, 1);
 });
+
+test("a node that is being disconnected gets no channels, and plays on afterwards", () => {
+  const thread = loaded(tone);
+  thread.post({ playing: true });
+  assert.equal(thread.callDisconnected(), true);
+  assert.ok(sharpest(thread.render(0.5)[0]) > 0);
+});

@@ -56,6 +56,11 @@ class Stage {
     return before;
   }
 
+  /** A call for a node that is not connected. */
+  callDisconnected() {
+    return this.#processor.process([], [[]]);
+  }
+
   page(message) {
     this.#processor.port.onmessage({ data: message });
   }
@@ -240,4 +245,9 @@ test("where no synthesizer is heard any more it is silent", () => {
   const after = stage.render(5);
   assert.ok(after[255] < after[0] / 100 && after.slice(256).every((sample) => sample === 0));
   assert.equal(stage.questions.length, length);
+});
+
+test("a node that is being disconnected gets no channels, which is no fault", () => {
+  const stage = new Stage();
+  assert.equal(stage.callDisconnected(), true);
 });

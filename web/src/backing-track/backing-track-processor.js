@@ -190,6 +190,10 @@ class BackingTrackProcessor extends AudioWorkletProcessor {
    */
   process(_inputs, outputs) {
     const [left, right] = outputs[0];
+    if (!left || !right) {
+      // Newer versions of Chromium give no channels to a node that is being disconnected.
+      return true;
+    }
     this.#wait();
     if (this.#playing && this.#stretch && !this.#waiting) {
       this.#play(this.#stretch, left, right);

@@ -144,8 +144,12 @@ class SoundProcessor extends AudioWorkletProcessor {
    * @param {Float32Array[][]} outputs
    */
   process(_inputs, outputs) {
-    const left = outputs[0][0];
-    const right = outputs[0][1];
+    const [left, right] = outputs[0];
+    if (!left || !right) {
+      // Newer versions of Chromium give no channels to a node that is being disconnected. Nobody would hear them, and an
+      // exception here would end the sound for good.
+      return true;
+    }
     if (this.#playing) {
       this.#noticeCallback();
       const taken = this.#ring.take(left, right);

@@ -37,6 +37,11 @@ export class AudioThread {
     this.post({ chunk: { first, blocks: channels.map(blocksOf), onsets, last } });
   }
 
+  /** A call for a node that is not connected. */
+  callDisconnected() {
+    return this.#processor.process([], [[]]);
+  }
+
   /** @returns {Float32Array[]} left and right, of whole blocks */
   render(seconds) {
     const blocks = Math.round((seconds * sampleRate) / 128);
