@@ -24,7 +24,7 @@ namespace WindowMemory {
 
 QString userFilePath()
 {
-    // What is not absolute does not count, says the XDG Base Directory Specification.
+    // What is not absolute does not count, say the XDG base directories.
     const QString named = qEnvironmentVariable("XDG_STATE_HOME");
     const QString folder = QDir::isAbsolutePath(named) ? named : QDir::homePath() + u"/.local/state"_s;
     return folder + u"/quaverly/window.json"_s;

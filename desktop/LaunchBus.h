@@ -8,7 +8,7 @@
 
 #include <chrono>
 
-/// Launches over the session bus, in the words of the Desktop Entry Specification (org.freedesktop.Application).
+/// Launches over the session bus, in the words of desktop entries (org.freedesktop.Application).
 ///
 /// The program that holds a session's name is the one that runs. The bus gives a name to one program only, and takes it
 /// back when that program ends in any way.
