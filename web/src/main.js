@@ -56,9 +56,9 @@ const scoreView = new ScoreView(api, scorePage, viewport, scoreHeader, scoreFoot
 });
 const pointerInput = new PointerInput(api, playback, viewport);
 new AutoScroll(api, playback, viewport);
-new Cursor(api);
+const cursor = new Cursor(api);
 const notice = new Notice(element("notice"));
-const session = new ScoreSession({ api, playback, mixer, pointerInput, scoreView, notice, post });
+const session = new ScoreSession({ api, playback, mixer, pointerInput, scoreView, cursor, notice, post });
 new SoundBank(api, post);
 new IdleCollection(api, playback, document);
 

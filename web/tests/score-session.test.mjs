@@ -29,15 +29,26 @@ const unreadable = Uint8Array.of(1, 2, 3);
 function session() {
   const log = [];
   const messages = [];
+  const paints = [];
   const leaving = (name) => ({ leaveScore: () => log.push(`${name} leaves`) });
   const settings = new alphaTab.Settings();
   const api = {
     settings,
     score: null,
-    scorePrepared: new Signal(),
+    playerReady: new Signal(),
+    startPlayer: () => log.push("player starts"),
+    prepareSound: () => log.push("sound"),
     backingTrack: null,
     otherPlayer: false,
-    workerRenderer: { batchShown: new Signal(), read: () => 1, recognize: () => {} },
+    workerRenderer: {
+      batchShown: new Signal(),
+      remainderShown: new Signal(),
+      gaveUp: new Signal(),
+      read: () => 1,
+      recognize: () => {},
+      holdRemainder: () => log.push("remainder held"),
+      resume: () => log.push("remainder"),
+    },
     choosePlayer: (mode) => {
       log.push(`player ${alphaTab.PlayerMode[mode]}`);
       return api.otherPlayer;
@@ -47,7 +58,7 @@ function session() {
   const playback = {
     ...leaving("playback"),
     handOver: () => log.push("playback hands over"),
-    announceLength: () => {},
+    announceLength: () => log.push("length"),
     repeatPosition: () => log.push("position again"),
   };
   const scoreView = {
@@ -60,10 +71,16 @@ function session() {
     },
   };
   const notice = {
-    beginOpening: async () => {},
+    beginOpening: () => {},
     continueOpening: () => {},
-    endOpening: () => {},
+    endOpening: () => log.push("notice ends"),
     tellProblem: () => {},
+  };
+  const timing = {
+    after: () => 0,
+    cancel: () => {},
+    afterPaint: (work) => paints.push(work),
+    afterSight: (work) => work(),
   };
   const own = new ScoreSession({
     api,
@@ -71,10 +88,12 @@ function session() {
     mixer: leaving("mixer"),
     pointerInput: leaving("pointer"),
     scoreView,
+    cursor: { showAtStart: () => log.push("cursor") },
     notice,
     post: (message) => messages.push(message),
+    timing,
   });
-  return { own, api, log, messages, notice, types: () => messages.map(({ type }) => type) };
+  return { own, api, log, messages, paints, types: () => messages.map(({ type }) => type) };
 }
 
 test("another score replaces range, position and mix of the one before, and then is shown from its top", async () => {
@@ -87,6 +106,7 @@ test("another score replaces range, position and mix of the one before, and then
     "mixer leaves",
     "player EnabledSynthesizer",
     "top",
+    "remainder held",
     "shows First",
   ]);
   const [{ type, title, tracks, hasBackingTrack }] = messages;
@@ -107,21 +127,31 @@ test("a file that cannot be read leaves everything as it is, and says why", asyn
 });
 
 test("of files in quick succession the last that can be read stays, however long each takes", async () => {
-  const { own, api, log, notice } = session();
-  /** @type {() => void} */
-  let goOn = () => {};
-  notice.beginOpening = () => new Promise((resolve) => (goOn = resolve));
-  const first = own.open(file("First"));
-  await new Promise((resolve) => setTimeout(resolve));
-  notice.beginOpening = async () => {};
+  const { own, api, log, paints } = session();
+  // A long file waits for the notice.
+  const first = own.open(file("First".padEnd(100_000)));
   await Promise.all([own.open(file("Second")), own.open(unreadable)]);
-  goOn();
+  assert.equal(paints.length, 1);
+  paints[0]();
   await first;
   assert.equal(api.score.title, "Second");
   assert.deepEqual(
     log.filter((entry) => entry.startsWith("shows")),
     ["shows Second"],
   );
+});
+
+test("a score is seen before its sound is prepared, and its remainder laid out when it can be played", async () => {
+  const { own, api, log } = session();
+  await own.open(file("First"));
+  log.length = 0;
+  api.workerRenderer.batchShown.trigger({ first: true, last: false });
+  assert.deepEqual(log.splice(0), ["notice ends", "cursor", "sound", "length"]);
+  api.playerReady.trigger();
+  assert.deepEqual(log.splice(0), ["remainder"]);
+  api.workerRenderer.remainderShown.trigger();
+  api.workerRenderer.batchShown.trigger({ first: false, last: true });
+  assert.deepEqual(log, ["notice ends"]);
 });
 
 test("a backing track plays unless the synthesizer is preferred, and changing that hands the playback over", async () => {

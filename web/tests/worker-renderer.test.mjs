@@ -272,9 +272,9 @@ test("the first layout batch makes a new notation and shows it, the next ones ad
   worker.answer({ kind: "drawn", renderId, batch: batch(["A", "b"], { first: true, height: 200 }) });
   assert.deepEqual(take(), ["new notation", "bounds of A", "picture of A", "bounds of b", "200 high", "shown first"]);
   worker.answer({ kind: "drawn", renderId, batch: batch(["c"], { height: 300 }) });
-  assert.deepEqual(take(), ["bounds of c"]);
+  assert.deepEqual(take(), ["bounds of c", "remainder shown"]);
   worker.answer({ kind: "drawn", renderId, batch: batch(["d"], { last: true, height: 400 }) });
-  assert.deepEqual(take(), ["bounds of d", "400 high", "shown last"]);
+  assert.deepEqual(take(), ["bounds of d", "remainder shown", "400 high", "shown last"]);
 });
 
 test("a partial that came into view is painted on demand", () => {
@@ -366,16 +366,16 @@ test("settings go to the worker, without the player's, which it has no use for",
 test("render passes stop after their beginning while the remainder is held, until it may go on", () => {
   const { worker, renderer } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
-  assert.equal(worker.last.remainderHeld, false);
-  renderer.holdRemainder();
+  assert.equal(worker.last.remainderTimeoutMs, 0);
+  renderer.holdRemainder(1500);
   renderer.renderScore(scoreOf("d4"), [0]);
-  assert.equal(worker.last.remainderHeld, true);
+  assert.equal(worker.last.remainderTimeoutMs, 1500);
   renderer.resume();
   assert.deepEqual(worker.last, { cmd: "resume" });
   renderer.resume();
   assert.equal(worker.count("resume"), 1);
   renderer.render();
-  assert.equal(worker.last.remainderHeld, false);
+  assert.equal(worker.last.remainderTimeoutMs, 0);
 });
 
 test("the worker ends with the renderer", () => {

@@ -8,20 +8,12 @@ import { setRenderer } from "./internals/alphatab-internals.js";
 import { separateChannels, withChannels } from "./track-channels.js";
 import { WorkerRenderer } from "../rendering/worker-renderer.js";
 
-/** How long the sound waits for the first systems of a score. */
-const firstScreenTimeoutMs = 1000;
-
-/** How long after its start the page makes a player when nothing is opened. */
-const idlePlayerDelayMs = 400;
-
 /**
- * alphaTab with the page's settings, rendered by a worker of the page's own. A score is seen first, then ready to play,
- * then rendered to its end: the player is started, and the score prepared for playing once, when its first systems can
- * be seen, and rendering goes on when the score can be played. All three at once would take each other's processor.
+ * alphaTab with the page's settings, rendered by a worker of the page's own. A score that is shown is prepared for playing
+ * once, when the page says so: alphaTab would do it at once, and again with each change of player.
  */
 export class PageApi extends alphaTab.AlphaTabApi {
   #soundHeldBack = false;
-  #soundTimer = 0;
   /** @type {import("../shared/alphatab.js").Score | null} */
   #preparedScore = null;
   #preparedMode = alphaTab.PlayerMode.Disabled;
@@ -44,8 +36,6 @@ export class PageApi extends alphaTab.AlphaTabApi {
   synth = null;
   /** @type {Emitter<void>} the first player exists */
   playerStarted = new Emitter();
-  /** @type {Emitter<void>} the score shown last has its length and is on its way to the player */
-  scorePrepared = new Emitter();
   /** @type {Emitter<unknown>} the score shown last cannot be prepared for playing, and why */
   preparationFailed = new Emitter();
 
@@ -65,11 +55,6 @@ export class PageApi extends alphaTab.AlphaTabApi {
     this.workerRenderer = new WorkerRenderer(renderWorker, viewport, startRenderWorker);
     this.workerRenderer.updateSettings(this.settings);
     setRenderer(this, this.workerRenderer);
-    this.workerRenderer.batchShown.on(
-      ({ first }) => first && this.#soundHeldBack && afterSight(() => this.#prepareSound()),
-    );
-    this.playerReady.on(() => this.workerRenderer.resume());
-    this.#soundTimer = setTimeout(() => this.#startPlayer(), idlePlayerDelayMs);
   }
 
   /** Whether the score shown last has its length and is on its way to the player. */
@@ -78,15 +63,12 @@ export class PageApi extends alphaTab.AlphaTabApi {
   }
 
   /**
-   * Draws a score with all its tracks, and then prepares it for playing.
+   * Draws a score with all its tracks. It waits for prepareSound().
    *
    * @param {import("../shared/alphatab.js").Score} score
    */
   show(score) {
     this.#soundHeldBack = true;
-    clearTimeout(this.#soundTimer);
-    this.#soundTimer = setTimeout(() => this.#prepareSound(), firstScreenTimeoutMs);
-    this.workerRenderer.holdRemainder();
     this.renderScore(score, [-1]);
     if (!this.#playerStarted && this.#wantedMode === alphaTab.PlayerMode.EnabledSynthesizer) {
       SynthPlayer.prepare();
@@ -105,7 +87,8 @@ export class PageApi extends alphaTab.AlphaTabApi {
     return mode !== this.actualPlayerMode;
   }
 
-  #startPlayer() {
+  /** Makes the first player, if there is none yet. */
+  startPlayer() {
     if (!this.#playerStarted) {
       this.#playerStarted = true;
       this.settings.player.playerMode = this.#wantedMode;
@@ -114,14 +97,11 @@ export class PageApi extends alphaTab.AlphaTabApi {
     }
   }
 
-  #prepareSound() {
-    if (this.#soundHeldBack) {
-      this.#soundHeldBack = false;
-      clearTimeout(this.#soundTimer);
-      this.#startPlayer();
-      this.loadMidiForScore();
-      this.scorePrepared.trigger();
-    }
+  /** Prepares the score shown last for playing: it has its length then, and is on its way to the player. */
+  prepareSound() {
+    this.#soundHeldBack = false;
+    this.startPlayer();
+    this.loadMidiForScore();
   }
 
   /** @override */
@@ -209,20 +189,6 @@ function nextFrame() {
       }
     });
   };
-}
-
-/**
- * Calls back when what was put on the page by now can be seen: the frame after the one with it in begins when that has
- * been painted. A hidden page paints nothing.
- *
- * @param {() => void} callback
- */
-function afterSight(callback) {
-  if (document.hidden) {
-    setTimeout(callback);
-  } else {
-    requestAnimationFrame(() => requestAnimationFrame(() => setTimeout(callback)));
-  }
 }
 
 function pageSettings() {

@@ -24,9 +24,6 @@ import { collectThoroughly } from "../shared/garbage.js";
 const warmUpScore = `\\title "" \\track \\staff {score tabs} :8 3.3 5.3{h} :4 7.2{b (0 4)} (0.1 2.2 2.3) r |
   :16 3.3 5.3{h} 2.4{sl} 4.4 :2 0.6{v} :8 3.5 3.5 | \\track \\staff {score} \\clef F4 :4 c3 :8 e3 g3 :2 c4 | :1 c3`;
 
-/** How long the remainder of a render pass is held back at most. */
-const remainderTimeoutMs = 2000;
-
 separateSectionMarks();
 
 /** The page's settings; a render pass under way keeps those it began with. */
@@ -39,7 +36,8 @@ let read = null;
 /** @type {LayoutRun | null} */
 let run = null;
 let renderId = 0;
-let remainderHeld = false;
+/** How long the render pass waits with its remainder for "resume". */
+let remainderTimeoutMs = 0;
 let next = 0;
 
 /** @param {Answer} answer */
@@ -62,7 +60,7 @@ function answer(request) {
       draw(request);
       break;
     case "resume":
-      remainderHeld = false;
+      remainderTimeoutMs = 0;
       proceed();
       break;
     case "stop":
@@ -91,7 +89,7 @@ function draw(request) {
   }
   run = null;
   renderId = request.renderId;
-  remainderHeld = request.remainderHeld;
+  remainderTimeoutMs = request.remainderTimeoutMs;
   if (held?.file !== request.file) {
     post({ kind: "missing", renderId });
     return;
@@ -125,7 +123,7 @@ function proceed() {
     if (batch) {
       post({ kind: "drawn", renderId, batch });
       current.delivered(batch);
-      wait = batch.first && remainderHeld ? remainderTimeoutMs : 0;
+      wait = batch.first ? remainderTimeoutMs : 0;
     }
     run = current.finished ? null : current;
   } catch (reason) {

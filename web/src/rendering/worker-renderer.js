@@ -25,7 +25,7 @@ import { anchorIn, viewAt } from "./scroll-anchor.js";
  * @typedef {{ cmd: "settings", settings: Map<string, unknown> | null }
  *   | { cmd: "read", file: number, bytes: Uint8Array }
  *   | { cmd: "draw", renderId: number, file: number, score: Map<string, unknown> | null, tracks: number[], width: number,
- *       view: View, anchor: ScrollAnchor | null, textWidths: Map<string, unknown>, remainderHeld: boolean, atOnce:
+ *       view: View, anchor: ScrollAnchor | null, textWidths: Map<string, unknown>, remainderTimeoutMs: number, atOnce:
  *       boolean }
  *   | { cmd: "resume" }
  *   | { cmd: "stop" }
@@ -67,6 +67,8 @@ export class WorkerRenderer {
    *     (its last)
    */
   batchShown = new Emitter();
+  /** @type {Emitter<void>} a layout batch that is not the first is on the score page */
+  remainderShown = new Emitter();
 
   /** @type {BoundsLookup | null} */
   boundsLookup = null;
@@ -101,7 +103,8 @@ export class WorkerRenderer {
   /** @type {WeakMap<Score, number>} the number of each score's file with the worker */
   #fileOf = new WeakMap();
   #renderId = 0;
-  #remainderHeld = false;
+  /** How long a render pass waits with its remainder, in milliseconds. */
+  #remainderTimeoutMs = 0;
   /** @type {Score | null} */
   #score = null;
   /** @type {number[]} */
@@ -133,7 +136,7 @@ export class WorkerRenderer {
       this.#scoreInWork = this.#score;
       worker.postMessage({ cmd: "ping", number });
     };
-    const isBusy = () => this.#inRenderPass && !this.#remainderHeld;
+    const isBusy = () => this.#inRenderPass && this.#remainderTimeoutMs === 0;
     return new WorkerWatch(ping, () => this.#replaceWorker(), isBusy);
   }
 
@@ -187,15 +190,19 @@ export class WorkerRenderer {
     this.#post({ cmd: "stop" });
   }
 
-  /** From now on render passes stop after what can be seen, until resume(). */
-  holdRemainder() {
-    this.#remainderHeld = true;
+  /**
+   * From now on render passes stop after what can be seen, until resume().
+   *
+   * @param {number} timeoutMs how long each of them waits for that
+   */
+  holdRemainder(timeoutMs) {
+    this.#remainderTimeoutMs = timeoutMs;
   }
 
   /** Has the render pass under way go on to its end, and those to come not stop. */
   resume() {
-    if (this.#remainderHeld) {
-      this.#remainderHeld = false;
+    if (this.#remainderTimeoutMs > 0) {
+      this.#remainderTimeoutMs = 0;
       this.#post({ cmd: "resume" });
     }
   }
@@ -280,7 +287,7 @@ export class WorkerRenderer {
         anchor: this.#anchor,
         // The page measures the fonts, which the worker cannot.
         textWidths: letterWidths(),
-        remainderHeld: this.#remainderHeld,
+        remainderTimeoutMs: this.#remainderTimeoutMs,
         // A reader far on in the system would be lost with its beginning alone.
         atOnce: this.#sideways && this.#shown.sideways && this.#shown.score === score,
       });
@@ -358,6 +365,9 @@ export class WorkerRenderer {
     }
     this.#addBounds(batch.bounds);
     this.#inRenderPass = !batch.last;
+    if (!batch.first) {
+      this.remainderShown.trigger();
+    }
     if (batch.first || batch.last) {
       this.drewAgain = this.#shown.score === this.#score;
       this.renderFinished.trigger(this.#sizeOf(batch));

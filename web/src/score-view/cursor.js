@@ -26,11 +26,6 @@ export class Cursor {
     api.uiFacade.createCursors = () => this.#cursors;
     api.uiFacade.destroyCursors = () => {};
     api.customCursorHandler = this;
-    api.workerRenderer.batchShown.on(({ first }) => {
-      if (first && !api.hasPrepared) {
-        this.#showAtStart();
-      }
-    });
   }
 
   /** @param {Parameters<CursorHandler["onAttach"]>[0]} cursors */
@@ -44,7 +39,7 @@ export class Cursor {
    * alphaTab learns where the beats lie in time when the score is prepared for playing. That its first beat comes first
    * is known before, so that the score's first picture shows the cursor too.
    */
-  #showAtStart() {
+  showAtStart() {
     const beat = this.#api.boundsLookup?.staffSystems[0]?.bars[0]?.bars[0]?.beats[0];
     const cursors = this.#cursors;
     if (beat && cursors) {

@@ -12,9 +12,6 @@ const openingDelayMs = 300;
 /** How long a problem stays to be read. */
 const problemTimeMs = 9000;
 
-/** Shorter files are read faster than the delay. In bytes. */
-const longFile = 100_000;
-
 export class Notice {
   #element;
   #timer = 0;
@@ -28,19 +25,11 @@ export class Notice {
     this.#element = element;
   }
 
-  /**
-   * A file is about to be read, which holds up the page. What is on the screen before that can still appear: it is only
-   * faded in, which needs no script. Therefore a long file waits until it is there.
-   *
-   * @param {number} size of the file in bytes
-   */
-  async beginOpening(size) {
+  /** A file is about to be read, which holds up the page: what appears late is faded in, which needs no script. */
+  beginOpening() {
     this.#openedAt = performance.now();
     this.#opening = true;
     this.#show("Opening the score…", "opening", openingDelayMs);
-    if (size >= longFile) {
-      await nextPaint();
-    }
   }
 
   /** The file has been read, and its score is being drawn. */
@@ -100,17 +89,4 @@ export class Notice {
       this.#show(this.#kept, "kept", 0);
     }
   }
-}
-
-/** When what is on the page by now has been handed over to be painted; a hidden page paints nothing. */
-function nextPaint() {
-  return new Promise((resolve) => {
-    if (document.hidden) {
-      setTimeout(resolve);
-    } else {
-      requestAnimationFrame(() => setTimeout(resolve));
-      // A window that is covered has no frames.
-      setTimeout(resolve, 100);
-    }
-  });
 }

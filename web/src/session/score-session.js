@@ -4,6 +4,7 @@ import { renderWorkerReady } from "../rendering/render-worker-start.js";
 import { BackingTracks } from "../backing-track/backing-tracks.js";
 import { scoreOrder } from "../playback/score-order.js";
 import { CallOrder } from "./call-order.js";
+import { LoadSequence } from "./load-sequence.js";
 import { fetchBytes } from "../shared/resources.js";
 import { exportGuitarPro } from "../score-files/guitar-pro/export.js";
 import { readScore } from "../score-files/score-files.js";
@@ -17,8 +18,10 @@ import { readScore } from "../score-files/score-files.js";
  * @property {import("../playback/mixer.js").Mixer} mixer
  * @property {import("../score-view/pointer-input.js").PointerInput} pointerInput
  * @property {import("../score-view/score-view.js").ScoreView} scoreView
+ * @property {import("../score-view/cursor.js").Cursor} cursor
  * @property {import("../score-view/notice.js").Notice} notice
  * @property {import("../bridge/bridge.js").Post} post
+ * @property {import("./load-sequence.js").Dependencies} [timing] the browser's where there is none
  */
 export class ScoreSession {
   #api;
@@ -31,9 +34,10 @@ export class ScoreSession {
   #backingTracks = new BackingTracks();
   #preferSynthesizer = false;
   #calls = new CallOrder();
+  #loading;
 
   /** @param {Dependencies} dependencies */
-  constructor({ api, playback, mixer, pointerInput, scoreView, notice, post }) {
+  constructor({ api, playback, mixer, pointerInput, scoreView, cursor, notice, post, timing }) {
     this.#api = api;
     this.#playback = playback;
     this.#mixer = mixer;
@@ -41,8 +45,7 @@ export class ScoreSession {
     this.#scoreView = scoreView;
     this.#notice = notice;
     this.#post = post;
-    api.scorePrepared.on(() => playback.announceLength());
-    api.workerRenderer.batchShown.on(() => notice.endOpening());
+    this.#loading = loadSequence(api, playback, cursor, notice, timing);
   }
 
   /** @param {Uint8Array | null} bytes null when they could not be decoded */
@@ -71,12 +74,14 @@ export class ScoreSession {
     }
     const renderer = this.#api.workerRenderer;
     const file = bytes && renderer.read(bytes);
-    await this.#notice.beginOpening(bytes?.length ?? 0);
+    const load = this.#loading.begin(bytes?.length ?? 0);
+    await load.mayRead;
     if (!this.#calls.counts(call)) {
       return;
     }
     const reading = readScore(bytes, this.#api.settings);
     if ("problem" in reading) {
+      this.#loading.refuse(load);
       this.#refuse(reading.problem);
       return;
     }
@@ -89,7 +94,7 @@ export class ScoreSession {
     }
     if (this.#calls.counts(call)) {
       try {
-        this.#show(reading.score);
+        this.#show(reading.score, load);
       } catch (reason) {
         const message = reason instanceof Error ? reason.message : String(reason);
         this.#refuse(`The score cannot be shown as a whole (${message}).`);
@@ -144,8 +149,11 @@ export class ScoreSession {
     }
   }
 
-  /** @param {import("../shared/alphatab.js").Score} score */
-  #show(score) {
+  /**
+   * @param {import("../shared/alphatab.js").Score} score
+   * @param {import("./load-sequence.js").Load} load
+   */
+  #show(score, load) {
     this.#scoreView.leaveScore();
     this.#pointerInput.leaveScore();
     this.#playback.leaveScore();
@@ -164,6 +172,7 @@ export class ScoreSession {
     if (scoreOrder(score).tooLong) {
       this.#post({ type: "error", message: "The score's repeats have no end in sight: it plays straight through." });
     }
+    this.#loading.show(load);
     this.#scoreView.show(score);
   }
 
@@ -177,4 +186,37 @@ export class ScoreSession {
     const mode = this.#api.backingTrack && !this.#preferSynthesizer ? EnabledExternalMedia : EnabledSynthesizer;
     return this.#api.choosePlayer(mode);
   }
+}
+
+/**
+ * @param {Dependencies["api"]} api
+ * @param {Dependencies["playback"]} playback
+ * @param {Dependencies["cursor"]} cursor
+ * @param {Dependencies["notice"]} notice
+ * @param {Dependencies["timing"]} timing
+ */
+function loadSequence(api, playback, cursor, notice, timing) {
+  const { workerRenderer } = api;
+  const sequence = new LoadSequence(
+    {
+      announce: () => notice.beginOpening(),
+      holdRemainder: (timeoutMs) => workerRenderer.holdRemainder(timeoutMs),
+      layOutRemainder: () => workerRenderer.resume(),
+      showCursor: () => cursor.showAtStart(),
+      startPlayer: () => api.startPlayer(),
+      prepareSound: () => {
+        api.prepareSound();
+        playback.announceLength();
+      },
+    },
+    timing,
+  );
+  workerRenderer.batchShown.on((batch) => {
+    notice.endOpening();
+    sequence.batchShown(batch);
+  });
+  workerRenderer.remainderShown.on(() => sequence.remainderShown());
+  workerRenderer.gaveUp.on(() => sequence.endShown());
+  api.playerReady.on(() => sequence.soundReady());
+  return sequence;
 }

@@ -54,6 +54,7 @@ export function viewport(scrolled = { view, position: { left: 0, top: 0 }, moveT
   renderer.partialRenderFinished.on(({ id }) => events.push(`picture of ${id}`));
   renderer.renderFinished.on(({ totalHeight }) => events.push(`${totalHeight} high`));
   renderer.batchShown.on(({ first, last }) => events.push(`shown${first ? " first" : ""}${last ? " last" : ""}`));
+  renderer.remainderShown.on(() => events.push("remainder shown"));
   renderer.error.on(({ message }) => events.push(`error: ${message}`));
   return { worker, renderer, events, take: () => events.splice(0) };
 }
