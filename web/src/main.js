@@ -18,6 +18,8 @@ import { playInOrder } from "./alphatab/play-through.js";
 import { Playback } from "./playback/playback.js";
 import { scoreOrder } from "./playback/score-order.js";
 import { PointerInput } from "./score-view/pointer-input.js";
+import { RangeLayer } from "./score-view/range-layer.js";
+import { RangeSelection } from "./score-view/range-selection.js";
 import { SynthPlayer } from "./synth/synth-player.js";
 import { ScoreView } from "./score-view/score-view.js";
 import { SoundBank } from "./sounds/sound-bank.js";
@@ -54,7 +56,8 @@ const scoreView = new ScoreView(api, scorePage, viewport, scoreHeader, scoreFoot
   post({ type: "rendered" });
   instruments.scoreDrawn();
 });
-const pointerInput = new PointerInput(api, playback, viewport);
+const rangeSelection = new RangeSelection(api, playback, new RangeLayer(api));
+const pointerInput = new PointerInput(api, playback, viewport, rangeSelection);
 new AutoScroll(api, playback, viewport);
 const cursor = new Cursor(api);
 const notice = new Notice(element("notice"));

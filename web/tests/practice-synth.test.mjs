@@ -59,6 +59,22 @@ test("a range starts over on the beat", () => {
   assertAt(onsets(played.render(7.9)), evenBeats(16, 500));
 });
 
+test("of what begins where a range ends nothing sounds", () => {
+  for (const tempo of [60, 93.75, 100, 120, 137]) {
+    for (const speed of [0.5, 0.8, 1, 1.1]) {
+      const played = playedScore(`\\tempo ${tempo} ${bar} ${bar}`);
+      played.metronome.configure({ volume: 1, sound: "tick", accent: true, mode: "bar" });
+      played.metronome.turn(true);
+      played.playback.setSpeed(speed);
+      played.playback.setLooping(true);
+      played.playback.setRange({ startTick: 960, endTick: 4 * 960 });
+      played.playback.seekToTick(960);
+      played.playback.playPause();
+      assert.deepEqual(onsets(played.render(12)), [], `${tempo} at ${speed}`);
+    }
+  }
+});
+
 test("speed stretches the clicks, also in the middle of playing", () => {
   const played = playedScore(`\\tempo 120 ${bar} ${bar}`);
   played.metronome.turn(true);

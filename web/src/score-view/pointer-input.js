@@ -1,18 +1,17 @@
 // @ts-check
+import { compare, wholeBars } from "../timing/marked-range.js";
+import { beatSpan } from "./beat-span.js";
+
 /**
  * Reads the mouse on the score: a click on a beat goes there and clears the range, a drag over beats chooses the range
- * that looping loops. The range is drawn here and not by alphaTab, which stumbles over a range whose tracks are
- * hidden or whose score is gone.
+ * that looping loops, a double click the bar. The range's ends are dragged by their handles.
  *
  * @typedef {import("../shared/alphatab.js").Beat} Beat
- * @typedef {{ x: number, y: number, w: number, h: number }} Box
+ * @typedef {import("../timing/marked-range.js").MarkedRange} MarkedRange
  */
 
 /** A press becomes a drag when the mouse has moved this far, in CSS pixels. */
 const dragThreshold = 4;
-
-/** A range ends this many ticks before the beat after it, so that the note there is not struck. */
-const endMargin = 50;
 
 /** A drag within one beat chooses it when it is this long, in CSS pixels: a hand that shakes means a click. */
 const oneBeatDrag = 14;
@@ -24,41 +23,45 @@ const edge = 36;
 const edgeSpeed = 900;
 
 /**
- * @typedef {{ beat: Beat, x: number, y: number, dragging: boolean, extending: boolean }} Press where it was, in the
- *     view
+ * @typedef {object} Press
+ * @property {Beat | null} beat that was pressed; null on a handle
+ * @property {import("./range-layer.js").RangeEnd | null} handle
+ * @property {number} x in the view
+ * @property {number} y
+ * @property {boolean} dragging
+ * @property {boolean} extending whether the range is extended from where it was begun
+ * @property {boolean} exact whether a range over several bars ends at beats
  */
 
 export class PointerInput {
   #api;
   #playback;
+  #selection;
   #notation;
   #viewport;
-  #layer = document.createElement("div");
   /** @type {Press | null} */
   #press = null;
   /** Where the pointer is while it is pressed. */
   #pointer = { x: 0, y: 0 };
   /** When the view was scrolled last because the pointer is at its edge; null while it is not. @type {number | null} */
   #scrolledAt = null;
-  /** @type {{ first: Beat, last: Beat } | null} */
+  /** What is being chosen. @type {MarkedRange | null} */
   #range = null;
-  /** The range before the press, which stays when that comes to nothing. @type {{ first: Beat, last: Beat } | null} */
-  #rangeBefore = null;
-  /** The beat at which the range was begun. @type {Beat | null} */
+  /** The beat at which the range was begun. @type {MarkedRange | null} */
   #anchor = null;
 
   /**
    * @param {import("../alphatab/page-api.js").PageApi} api
    * @param {import("../playback/playback.js").Playback} playback
    * @param {HTMLElement} viewport what scrolls
+   * @param {import("./range-selection.js").RangeSelection} selection
    */
-  constructor(api, playback, viewport) {
+  constructor(api, playback, viewport, selection) {
     this.#api = api;
     this.#playback = playback;
+    this.#selection = selection;
     this.#notation = api.notation;
     this.#viewport = viewport;
-    this.#notation.append(this.#layer);
-    this.#layer.className = "ranges";
     // alphaTab takes a press for a drag of its own. It does not scroll until that ends on its surface, and a captured
     // pointer is released on the notation.
     this.#notation.addEventListener("mousedown", (event) => event.stopPropagation(), { capture: true });
@@ -66,30 +69,31 @@ export class PointerInput {
     this.#notation.addEventListener("pointermove", (event) => this.#onMove(event));
     this.#notation.addEventListener("pointerup", (event) => this.#onRelease(event));
     this.#notation.addEventListener("pointercancel", () => this.#cancel());
+    this.#notation.addEventListener("dblclick", (event) => this.#onDoubleClick(event));
     // The wheel takes another beat under a pointer that stays.
     viewport.addEventListener("scroll", () => this.#extend(), { passive: true });
-    api.postRenderFinished.on(() => this.#draw());
   }
 
   /** To be called before another score is handed to alphaTab. */
   leaveScore() {
     this.#press = null;
     this.#anchor = null;
-    this.#choose(null);
+    this.#selection.choose(null);
   }
 
   /** @param {PointerEvent} event */
   #onPress(event) {
-    const beat = event.button === 0 ? this.#beatAt(event.clientX, event.clientY) : null;
-    if (!beat) {
+    const handle = event.button === 0 ? handleAt(event) : null;
+    const beat = event.button === 0 && !handle ? this.#beatAt(event.clientX, event.clientY) : null;
+    if (!beat && !handle) {
       return;
     }
-    const extending = event.shiftKey;
-    this.#press = { beat, x: event.clientX, y: event.clientY, dragging: false, extending };
+    const extending = event.shiftKey && !handle;
+    this.#press = { beat, handle, x: event.clientX, y: event.clientY, dragging: false, extending, exact: exact(event) };
     this.#pointer = { x: event.clientX, y: event.clientY };
-    this.#rangeBefore = this.#range;
-    if (!extending) {
-      this.#anchor = beat;
+    this.#range = this.#selection.range;
+    if (beat && !extending) {
+      this.#anchor = beatSpan(this.#api, beat);
     }
     this.#notation.setPointerCapture(event.pointerId);
     this.#extend();
@@ -104,6 +108,7 @@ export class PointerInput {
     } else if (press) {
       this.#pointer = { x: event.clientX, y: event.clientY };
       press.dragging ||= this.#distance(press) >= dragThreshold;
+      press.exact = exact(event);
       this.#extend();
       this.#scrollAtEdge();
     }
@@ -125,12 +130,38 @@ export class PointerInput {
     const y = Math.min(Math.max(this.#pointer.y, view.top), view.top + this.#viewport.clientHeight - 1);
     const beat = this.#beatAt(x, y);
     if (beat) {
-      const anchor = this.#anchor ?? this.#beatPlayed() ?? press.beat;
-      this.#anchor = anchor;
-      const chosen = beat !== anchor || press.extending || this.#distance(press) >= oneBeatDrag;
-      this.#range = chosen ? this.#inOrder(anchor, beat) : null;
-      this.#draw();
+      const span = beatSpan(this.#api, beat);
+      this.#range = press.handle ? this.#withEndAt(press.handle, span) : this.#rangeTo(span, press);
+      this.#selection.preview(this.#range);
     }
+  }
+
+  /**
+   * @param {import("./range-layer.js").RangeEnd} end
+   * @param {MarkedRange} beat at which the range is to begin or to end
+   * @returns {MarkedRange | null}
+   */
+  #withEndAt(end, beat) {
+    const moved =
+      this.#range && (end === "start" ? { ...this.#range, start: beat.start } : { ...this.#range, end: beat.end });
+    return moved && compare(moved.start, moved.end) < 0 ? moved : this.#range;
+  }
+
+  /**
+   * @param {MarkedRange} beat under the pointer
+   * @param {Press} press
+   * @returns {MarkedRange | null} from where it was begun to there
+   */
+  #rangeTo(beat, press) {
+    const anchor = this.#anchor ?? this.#selection.beatAtCursor() ?? beat;
+    this.#anchor = anchor;
+    if (compare(beat.start, anchor.start) === 0 && !press.extending && this.#distance(press) < oneBeatDrag) {
+      return null;
+    }
+    const [first, last] = compare(anchor.start, beat.start) <= 0 ? [anchor, beat] : [beat, anchor];
+    const range = { start: first.start, end: last.end };
+    const snaps = first.start.bar !== last.start.bar && !press.extending && !press.exact;
+    return snaps ? wholeBars(range) : range;
   }
 
   /** Scrolls on for as long as a drag is held at the edge of the view. */
@@ -179,38 +210,33 @@ export class PointerInput {
       return;
     }
     this.#notation.releasePointerCapture(event.pointerId);
-    if (this.#range && (press.dragging || press.extending)) {
-      this.#choose(this.#range);
-      this.#playback.seekToTick(this.#startOf(this.#range.first));
-    } else {
-      this.#choose(null);
+    if (press.handle) {
+      if (press.dragging) {
+        this.#selection.choose(this.#range);
+      }
+    } else if (this.#range && (press.dragging || press.extending)) {
+      this.#selection.choose(this.#range);
+      this.#selection.seekToStart();
+    } else if (press.beat) {
+      this.#selection.choose(null);
       this.#playback.seekToTick(this.#startOf(press.beat));
+    }
+  }
+
+  /** The clicks before it went to the beat and cleared the range. @param {MouseEvent} event */
+  #onDoubleClick(event) {
+    const beat = handleAt(event) ? null : this.#beatAt(event.clientX, event.clientY);
+    if (beat) {
+      this.#anchor = beatSpan(this.#api, beat);
+      this.#selection.chooseBar(beat.voice.bar.index);
     }
   }
 
   #cancel() {
     this.#press = null;
     this.#scrolledAt = null;
-    this.#range = this.#rangeBefore;
-    this.#draw();
-  }
-
-  /** The beat at which the music is. */
-  #beatPlayed() {
-    const tracks = new Set(this.#api.tracks.map((track) => track.index));
-    return this.#api.tickCache?.findBeat(tracks, this.#playback.tick)?.beat ?? null;
-  }
-
-  /** @param {{ first: Beat, last: Beat } | null} range */
-  #choose(range) {
-    this.#range = range;
-    this.#draw();
-    this.#playback.setRange(
-      range && {
-        startTick: this.#startOf(range.first),
-        endTick: this.#startOf(range.last) + range.last.playbackDuration - endMargin,
-      },
-    );
+    this.#range = this.#selection.range;
+    this.#selection.preview(this.#range);
   }
 
   /**
@@ -221,14 +247,6 @@ export class PointerInput {
   #beatAt(x, y) {
     const origin = this.#notation.getBoundingClientRect();
     return this.#api.boundsLookup?.getBeatAtPos(x - origin.left, y - origin.top) ?? null;
-  }
-
-  /**
-   * @param {Beat} one
-   * @param {Beat} other
-   */
-  #inOrder(one, other) {
-    return this.#startOf(one) <= this.#startOf(other) ? { first: one, last: other } : { first: other, last: one };
   }
 
   /**
@@ -246,47 +264,17 @@ export class PointerInput {
     const later = played.filter(({ masterBar }) => masterBar.index > index).map(({ start }) => start);
     return later.length > 0 ? Math.min(...later) : (played.at(-1)?.start ?? 0);
   }
+}
 
-  #draw() {
-    const boxes = this.#range ? this.#boxesOf(this.#range.first, this.#range.last) : [];
-    this.#notation.classList.toggle("with-range", boxes.length > 0);
-    this.#layer.replaceChildren(
-      ...boxes.map(({ x, y, w, h }) => {
-        const box = document.createElement("div");
-        box.className = "range";
-        Object.assign(box.style, { left: `${x}px`, top: `${y}px`, width: `${w}px`, height: `${h}px` });
-        return box;
-      }),
-    );
-  }
+/** @param {MouseEvent} event */
+function handleAt(event) {
+  const { rangeEnd } = /** @type {Partial<HTMLElement>} */ (event.target ?? {}).dataset ?? {};
+  return rangeEnd === "start" || rangeEnd === "end" ? rangeEnd : null;
+}
 
-  /**
-   * One box for each staff system that the range covers.
-   *
-   * @param {Beat} first
-   * @param {Beat} last
-   * @returns {Box[]}
-   */
-  #boxesOf(first, last) {
-    const lookup = this.#api.boundsLookup;
-    const start = lookup?.findBeat(first);
-    const end = lookup?.findBeat(last);
-    const systems = lookup?.staffSystems ?? [];
-    const from = start?.barBounds.masterBarBounds.staffSystemBounds?.index;
-    const to = end?.barBounds.masterBarBounds.staffSystemBounds?.index;
-    if (!start || !end || from === undefined || to === undefined) {
-      return [];
-    }
-    const startX = first.index === 0 ? start.barBounds.masterBarBounds.visualBounds.x : start.realBounds.x;
-    const endX = end.realBounds.x + end.realBounds.w;
-    return systems.slice(from, to + 1).map((system, offset) => {
-      const box = system.visualBounds;
-      const left = offset === 0 ? startX : box.x;
-      const right = from + offset === to ? endX : box.x + box.w;
-      const { y, h } = system.bars[0]?.visualBounds ?? box;
-      return { x: left, y, w: right - left, h };
-    });
-  }
+/** Window managers keep one key or the other to themselves. @param {MouseEvent} event */
+function exact({ altKey, ctrlKey }) {
+  return altKey || ctrlKey;
 }
 
 /**
