@@ -36,6 +36,8 @@ export class PageApi extends alphaTab.AlphaTabApi {
   synth = null;
   /** @type {Emitter<void>} the first player exists */
   playerStarted = new Emitter();
+  /** @type {Emitter<void>} the score shown last has its length and is on its way to the player */
+  scorePrepared = new Emitter();
   /** @type {Emitter<unknown>} the score shown last cannot be prepared for playing, and why */
   preparationFailed = new Emitter();
 
@@ -102,6 +104,7 @@ export class PageApi extends alphaTab.AlphaTabApi {
     this.#soundHeldBack = false;
     this.startPlayer();
     this.loadMidiForScore();
+    this.scorePrepared.trigger();
   }
 
   /** @override */
