@@ -7,6 +7,9 @@
 #include "app/StartupLog.h"
 #include "app/WindowActivation.h"
 #include "app/WindowMemory.h"
+#include "app/menus/PlaybackMenu.h"
+#include "app/menus/PracticeMenu.h"
+#include "app/menus/ViewMenu.h"
 #include "controller/AlphaTabController.h"
 #include "desktop/Launch.h"
 #include "engine_host/bridge/BridgeCalls.h"
@@ -42,7 +45,9 @@ QuaverlyApp::QuaverlyApp(AlphaTabController &controller, QString memoryFile)
     m_window.setMinimumSize(minimumSize);
     m_window.setCentralWidget(m_content);
     buildFileMenu();
-    buildViewMenu();
+    m_window.menuBar()->addMenu(new ViewMenu(controller, m_window));
+    m_window.menuBar()->addMenu(new PlaybackMenu(controller, &m_window));
+    m_window.menuBar()->addMenu(new PracticeMenu(controller, &m_window));
     buildHelpMenu();
     m_window.installEventFilter(this);
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
@@ -81,21 +86,6 @@ void QuaverlyApp::buildFileMenu()
     quit->setMenuRole(QAction::QuitRole);
 }
 
-void QuaverlyApp::buildViewMenu()
-{
-    QMenu *menu = m_window.menuBar()->addMenu(tr("&View"));
-    QAction *play = menu->addAction(QString(), this, [this] { m_controller.js(BridgeCalls::playPause()); });
-    m_controller.isPlaying.observe(play, [play](bool playing) { play->setText(playing ? tr("Pause") : tr("Play")); });
-    m_controller.hasScore.observe(play, [play](bool hasScore) { play->setEnabled(hasScore); });
-
-    menu->addSeparator();
-    m_fullScreen = menu->addAction(tr("Full Screen"));
-    m_fullScreen->setShortcut(QKeySequence(Qt::Key_F11));
-    m_fullScreen->setCheckable(true);
-    connect(m_fullScreen, &QAction::triggered, &m_window,
-        [this] { m_window.setWindowState(m_window.windowState() ^ Qt::WindowFullScreen); });
-}
-
 void QuaverlyApp::buildHelpMenu()
 {
     QMenu *menu = m_window.menuBar()->addMenu(tr("&Help"));
@@ -117,8 +107,6 @@ bool QuaverlyApp::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched == &m_window && event->type() == QEvent::Close)
         rememberWindow();
-    else if (watched == &m_window && event->type() == QEvent::WindowStateChange)
-        m_fullScreen->setChecked(m_window.isFullScreen());
     return QObject::eventFilter(watched, event);
 }
 

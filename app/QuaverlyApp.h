@@ -7,8 +7,6 @@
 
 class AlphaTabController;
 class ContentView;
-class QAction;
-class QMenu;
 struct Launch;
 
 /// The application's one window with its menu commands.
@@ -31,7 +29,6 @@ public:
 
 private:
     void buildFileMenu();
-    void buildViewMenu();
     void buildHelpMenu();
     void placeWindow();
     void showWindow();
@@ -42,5 +39,4 @@ private:
     const QString m_memoryFile;
     QMainWindow m_window;
     ContentView *m_content = nullptr;
-    QAction *m_fullScreen = nullptr;
 };

@@ -7,6 +7,7 @@
 #include "controller/TrackInfo.h"
 #include "engine_host/bridge/BridgeMessages.h"
 #include "engine_host/bridge/MessageReceiver.h"
+#include "engine_host/bridge/ScoreSection.h"
 #include "pdf/conversion/ConversionProgress.h"
 #include "pdf/conversion/PDFOpening.h"
 #include "pdf/conversion/Result.h"
@@ -55,6 +56,8 @@ public:
     Published<QString> artist;
     Published<QList<TrackInfo>> tracks;
     Published<bool> hasBackingTrack{ false };
+    /// What the score marks, in the order of playing.
+    Published<QList<ScoreSection>> sections;
     /// Whether the page is there and answers.
     Published<PageHealth> pageHealth{ PageHealth::Well };
 
@@ -97,6 +100,8 @@ public:
     QWidget *webView() const;
     /// Evaluates `script` in the page; a failure leaves one log line and nothing else.
     void js(const QString &script);
+    /// Hands the page a key that it answers for (PageReports::pressKey).
+    void pressKey(const QString &key);
     /// A picture of the page's visible content; null when there is none.
     void snapshot(std::function<void(const QImage &)> arrived);
     void handle(const QVariantMap &message) override;
@@ -135,6 +140,10 @@ public:
     void setTrackVolume(int id, double volume);
     /// Sends the visible tracks to the page; with none visible the page keeps what it shows.
     void setVisibleTracks();
+
+    // View
+    /// @param steps of 0.1, down where negative; ends at 0.5 and 2
+    void stepZoom(int steps);
 
     // Transport
     /// @param fraction of the whole score; values outside 0...1 are pulled into the range

@@ -1,6 +1,7 @@
 #include "controller/AlphaTabController.h"
 #include "controller/SmokeTest.h"
 #include "engine_host/bridge/BridgeCalls.h"
+#include "engine_host/bridge/PageReports.h"
 #include "engine_host/bridge/ScriptHandler.h"
 #include "pdf/conversion/ConversionWorker.h"
 #include "pdf/conversion/Folders.h"
@@ -61,6 +62,8 @@ AlphaTabController::AlphaTabController(Surroundings surroundings)
     , m_engine(m_surroundings.makeEngine(*m_scriptHandler, m_surroundings.webFolder))
 {
     m_scriptHandler->setController(this);
+    connect(&m_engine->reports(), &PageReports::sectionsChanged, this,
+        [this](const QList<ScoreSection> &list) { sections = list; });
     startSmokeLog();
     loadRecents();
     QThreadPool::globalInstance()->start(&PDFConverter::WorkingFolder::sweep);
@@ -98,6 +101,17 @@ void AlphaTabController::js(const QString &script)
             log(u"[Quaverly] JS error: "_s + *error);
     });
 }
+
+void AlphaTabController::stepZoom(int steps)
+{
+    constexpr double step = 0.1;
+    constexpr double smallest = 0.5;
+    constexpr double largest = 2.0;
+    const double wanted = zoom + steps * step;
+    zoom = steps < 0 ? std::max(wanted, smallest) : std::min(wanted, largest);
+}
+
+void AlphaTabController::pressKey(const QString &key) { m_engine->reports().pressKey(key); }
 
 void AlphaTabController::snapshot(std::function<void(const QImage &)> arrived)
 {

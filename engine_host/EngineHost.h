@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 
+class PageReports;
 class QImage;
 class QUrl;
 class QWidget;
@@ -28,6 +29,8 @@ public:
     virtual void endPage() = 0;
     /// Takes a picture of the page's visible content; a null image when there is none.
     virtual void snapshot(std::function<void(const QImage &)> arrived) = 0;
+    /// What the page reports beside its messages, and the keys that it is handed; lives as long as this host.
+    virtual PageReports &reports() = 0;
     /// The one web view, owned by this host; null where there is none (tests).
     virtual QWidget *view() const = 0;
 };

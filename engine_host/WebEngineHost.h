@@ -36,6 +36,7 @@ public:
     void load(const QUrl &url) override;
     void endPage() override;
     void snapshot(std::function<void(const QImage &)> arrived) override;
+    PageReports &reports() override { return *m_reports; }
     QWidget *view() const override;
 
     /// Null once the application is about to quit.

@@ -292,6 +292,96 @@
     </message>
 </context>
 <context>
+    <name>PlaybackMenu</name>
+    <message>
+        <source>&amp;Playback</source>
+        <translation>&amp;Wiedergabe</translation>
+    </message>
+    <message>
+        <source>To the Start</source>
+        <translation>Zum Anfang</translation>
+    </message>
+    <message>
+        <source>Previous Beat</source>
+        <translation>Voriger Schlag</translation>
+    </message>
+    <message>
+        <source>Next Beat</source>
+        <translation>Nächster Schlag</translation>
+    </message>
+    <message>
+        <source>Previous Bar</source>
+        <translation>Voriger Takt</translation>
+    </message>
+    <message>
+        <source>Next Bar</source>
+        <translation>Nächster Takt</translation>
+    </message>
+    <message>
+        <source>Previous Section</source>
+        <translation>Voriger Abschnitt</translation>
+    </message>
+    <message>
+        <source>Next Section</source>
+        <translation>Nächster Abschnitt</translation>
+    </message>
+    <message>
+        <source>Sections</source>
+        <translation>Abschnitte</translation>
+    </message>
+    <message>
+        <source>Slower</source>
+        <translation>Langsamer</translation>
+    </message>
+    <message>
+        <source>Faster</source>
+        <translation>Schneller</translation>
+    </message>
+    <message>
+        <source>A Little Slower</source>
+        <translation>Ein wenig langsamer</translation>
+    </message>
+    <message>
+        <source>A Little Faster</source>
+        <translation>Ein wenig schneller</translation>
+    </message>
+    <message>
+        <source>Written Speed</source>
+        <translation>Notiertes Tempo</translation>
+    </message>
+    <message>
+        <source>Loop</source>
+        <translation>Schleife</translation>
+    </message>
+    <message>
+        <source>Metronome</source>
+        <translation>Metronom</translation>
+    </message>
+    <message>
+        <source>Count-in</source>
+        <translation>Einzähler</translation>
+    </message>
+</context>
+<context>
+    <name>PracticeMenu</name>
+    <message>
+        <source>P&amp;ractice</source>
+        <translation>&amp;Üben</translation>
+    </message>
+    <message>
+        <source>Show a Track Alone</source>
+        <translation>Eine Spur allein zeigen</translation>
+    </message>
+    <message>
+        <source>Solo</source>
+        <translation>Solo</translation>
+    </message>
+    <message>
+        <source>Mute</source>
+        <translation>Stumm</translation>
+    </message>
+</context>
+<context>
     <name>ProblemReport</name>
     <message>
         <source>Report a Problem</source>
@@ -327,22 +417,6 @@
     <message>
         <source>Quit</source>
         <translation>Beenden</translation>
-    </message>
-    <message>
-        <source>&amp;View</source>
-        <translation>&amp;Ansicht</translation>
-    </message>
-    <message>
-        <source>Pause</source>
-        <translation>Pause</translation>
-    </message>
-    <message>
-        <source>Play</source>
-        <translation>Wiedergabe</translation>
-    </message>
-    <message>
-        <source>Full Screen</source>
-        <translation>Vollbild</translation>
     </message>
     <message>
         <source>&amp;Help</source>
@@ -532,6 +606,41 @@
     <message>
         <source>On every ¼ beat</source>
         <translation>Auf jeden ¼ Schlag</translation>
+    </message>
+</context>
+<context>
+    <name>ViewMenu</name>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Pause</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Wiedergabe</translation>
+    </message>
+    <message>
+        <source>Zoom In</source>
+        <translation>Vergrößern</translation>
+    </message>
+    <message>
+        <source>Zoom Out</source>
+        <translation>Verkleinern</translation>
+    </message>
+    <message>
+        <source>Natural Size</source>
+        <translation>Natürliche Größe</translation>
+    </message>
+    <message>
+        <source>Horizontal</source>
+        <translation>Horizontal</translation>
+    </message>
+    <message>
+        <source>Full Screen</source>
+        <translation>Vollbild</translation>
     </message>
 </context>
 <context>

@@ -292,6 +292,96 @@
     </message>
 </context>
 <context>
+    <name>PlaybackMenu</name>
+    <message>
+        <source>&amp;Playback</source>
+        <translation>&amp;Lecture</translation>
+    </message>
+    <message>
+        <source>To the Start</source>
+        <translation>Au début</translation>
+    </message>
+    <message>
+        <source>Previous Beat</source>
+        <translation>Temps précédent</translation>
+    </message>
+    <message>
+        <source>Next Beat</source>
+        <translation>Temps suivant</translation>
+    </message>
+    <message>
+        <source>Previous Bar</source>
+        <translation>Mesure précédente</translation>
+    </message>
+    <message>
+        <source>Next Bar</source>
+        <translation>Mesure suivante</translation>
+    </message>
+    <message>
+        <source>Previous Section</source>
+        <translation>Section précédente</translation>
+    </message>
+    <message>
+        <source>Next Section</source>
+        <translation>Section suivante</translation>
+    </message>
+    <message>
+        <source>Sections</source>
+        <translation>Sections</translation>
+    </message>
+    <message>
+        <source>Slower</source>
+        <translation>Plus lentement</translation>
+    </message>
+    <message>
+        <source>Faster</source>
+        <translation>Plus vite</translation>
+    </message>
+    <message>
+        <source>A Little Slower</source>
+        <translation>Un peu plus lentement</translation>
+    </message>
+    <message>
+        <source>A Little Faster</source>
+        <translation>Un peu plus vite</translation>
+    </message>
+    <message>
+        <source>Written Speed</source>
+        <translation>Tempo écrit</translation>
+    </message>
+    <message>
+        <source>Loop</source>
+        <translation>Boucle</translation>
+    </message>
+    <message>
+        <source>Metronome</source>
+        <translation>Métronome</translation>
+    </message>
+    <message>
+        <source>Count-in</source>
+        <translation>Décompte</translation>
+    </message>
+</context>
+<context>
+    <name>PracticeMenu</name>
+    <message>
+        <source>P&amp;ractice</source>
+        <translation>&amp;Exercice</translation>
+    </message>
+    <message>
+        <source>Show a Track Alone</source>
+        <translation>Afficher une piste seule</translation>
+    </message>
+    <message>
+        <source>Solo</source>
+        <translation>Solo</translation>
+    </message>
+    <message>
+        <source>Mute</source>
+        <translation>Muet</translation>
+    </message>
+</context>
+<context>
     <name>ProblemReport</name>
     <message>
         <source>Report a Problem</source>
@@ -327,22 +417,6 @@
     <message>
         <source>Quit</source>
         <translation>Quitter</translation>
-    </message>
-    <message>
-        <source>&amp;View</source>
-        <translation>&amp;Affichage</translation>
-    </message>
-    <message>
-        <source>Pause</source>
-        <translation>Pause</translation>
-    </message>
-    <message>
-        <source>Play</source>
-        <translation>Lecture</translation>
-    </message>
-    <message>
-        <source>Full Screen</source>
-        <translation>Plein écran</translation>
     </message>
     <message>
         <source>&amp;Help</source>
@@ -532,6 +606,41 @@
     <message>
         <source>On every ¼ beat</source>
         <translation>À chaque ¼ de temps</translation>
+    </message>
+</context>
+<context>
+    <name>ViewMenu</name>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Affichage</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Pause</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Lecture</translation>
+    </message>
+    <message>
+        <source>Zoom In</source>
+        <translation>Agrandir</translation>
+    </message>
+    <message>
+        <source>Zoom Out</source>
+        <translation>Réduire</translation>
+    </message>
+    <message>
+        <source>Natural Size</source>
+        <translation>Taille naturelle</translation>
+    </message>
+    <message>
+        <source>Horizontal</source>
+        <translation>Horizontal</translation>
+    </message>
+    <message>
+        <source>Full Screen</source>
+        <translation>Plein écran</translation>
     </message>
 </context>
 <context>

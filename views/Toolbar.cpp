@@ -8,15 +8,9 @@
 #include <QHBoxLayout>
 #include <QSignalBlocker>
 
-#include <algorithm>
-
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr double zoomStep = 0.1;
-constexpr double minimumZoom = 0.5;
-constexpr double maximumZoom = 2.0;
 
 Button *toolButton(const QString &icon, const QString &name)
 {
@@ -76,18 +70,12 @@ QWidget *Toolbar::makeScoreTools()
 
     Button *zoomOut = toolButton(u"minus.magnifyingglass"_s, tr("Zoom out"));
     zoomOut->setToolTip(tr("Zoom out"));
-    connect(zoomOut, &Button::clicked, this, [this] { stepZoom(-zoomStep); });
+    connect(zoomOut, &Button::clicked, this, [this] { m_controller.stepZoom(-1); });
     layout->addWidget(zoomOut);
 
     Button *zoomIn = toolButton(u"plus.magnifyingglass"_s, tr("Zoom in"));
     zoomIn->setToolTip(tr("Zoom in"));
-    connect(zoomIn, &Button::clicked, this, [this] { stepZoom(zoomStep); });
+    connect(zoomIn, &Button::clicked, this, [this] { m_controller.stepZoom(1); });
     layout->addWidget(zoomIn);
     return tools;
-}
-
-void Toolbar::stepZoom(double step)
-{
-    const double wanted = m_controller.zoom + step;
-    m_controller.zoom = step < 0 ? std::max(wanted, minimumZoom) : std::min(wanted, maximumZoom);
 }

@@ -14,7 +14,6 @@ public:
 
 private:
     QWidget *makeScoreTools();
-    void stepZoom(double step);
 
     AlphaTabController &m_controller;
 };

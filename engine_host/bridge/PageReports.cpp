@@ -1,5 +1,7 @@
 #include "engine_host/bridge/PageReports.h"
 
+#include <cmath>
+
 using namespace Qt::StringLiterals;
 
 PageReports::PageReports(QObject *parent)
@@ -12,3 +14,19 @@ QString PageReports::name() { return u"host"_s; }
 void PageReports::reportAudioOutput(bool working) { Q_EMIT audioOutputChanged(working); }
 
 void PageReports::reportSynthLost() { Q_EMIT synthLost(); }
+
+void PageReports::reportSections(const QVariantList &sections)
+{
+    QList<ScoreSection> list;
+    for (const QVariant &entry : sections) {
+        const QVariantMap section = entry.toMap();
+        bool isNumber = false;
+        const double start = section.value(u"start"_s).toDouble(&isNumber);
+        const QString title = section.value(u"title"_s).toString();
+        if (isNumber && std::isfinite(start) && start >= 0 && !title.isEmpty())
+            list.append({ title, start });
+    }
+    Q_EMIT sectionsChanged(list);
+}
+
+void PageReports::pressKey(const QString &key) { Q_EMIT keyPressed(key); }

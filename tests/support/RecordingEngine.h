@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine_host/EngineHost.h"
+#include "engine_host/bridge/PageReports.h"
 
 #include <QImage>
 #include <QPointer>
@@ -24,6 +25,11 @@ struct EngineRecord {
     /// What every evaluation fails with, if anything.
     std::optional<QString> error;
 
+    /// What the page of the test reports.
+    PageReports reports;
+    /// Every key that the page was handed, in order.
+    QStringList keys;
+
     /// The scripts since the last call of this.
     QStringList take() { return std::exchange(scripts, {}); }
 };
@@ -34,6 +40,8 @@ public:
     explicit RecordingEngine(std::shared_ptr<EngineRecord> record)
         : m_record(std::move(record))
     {
+        QObject::connect(&m_record->reports, &PageReports::keyPressed, &m_context,
+            [this](const QString &key) { m_record->keys << key; });
     }
 
     ~RecordingEngine() override { delete m_view.data(); }
@@ -54,6 +62,8 @@ public:
         arrived(m_record->picture);
     }
 
+    PageReports &reports() override { return m_record->reports; }
+
     QWidget *view() const override
     {
         // Made when first wanted: tests of the controller alone run without any widget.
@@ -64,5 +74,6 @@ public:
 
 private:
     const std::shared_ptr<EngineRecord> m_record;
+    QObject m_context;
     mutable QPointer<QWidget> m_view;
 };

@@ -2,6 +2,9 @@
 import { decodeBase64, encodeBase64 } from "./bridge/base64.js";
 import { connect, expose } from "./bridge/bridge.js";
 import { Cursor } from "./score-view/cursor.js";
+import { keyTable } from "./score-view/keys.js";
+import { Movement } from "./score-view/movement.js";
+import { markedSections } from "./score-view/steps.js";
 import { Viewport } from "./score-view/viewport.js";
 import { ScoreSession } from "./session/score-session.js";
 import { PageApi } from "./alphatab/page-api.js";
@@ -41,7 +44,7 @@ function element(id) {
 }
 
 playInOrder((score) => scoreOrder(score).bars);
-const { post, host } = connect();
+const { post, host, keyPressed } = connect();
 const scorePage = element("score-page");
 const viewport = element("viewport");
 const api = new PageApi(element("notation"), new Viewport(viewport, element("notation")));
@@ -60,10 +63,18 @@ const rangeSelection = new RangeSelection(api, playback, new RangeLayer(api));
 const pointerInput = new PointerInput(api, playback, viewport, rangeSelection);
 new AutoScroll(api, playback, viewport);
 const cursor = new Cursor(api);
+const keys = keyTable({ movement: new Movement(api, playback) });
+keyPressed.on((key) => keys[key]?.());
 const notice = new Notice(element("notice"));
 const session = new ScoreSession({ api, playback, mixer, pointerInput, scoreView, cursor, notice, post });
 new SoundBank(api, post);
 new IdleCollection(api, playback, document);
+
+api.scoreLoaded.on(() => host.reportSections([]));
+api.scorePrepared.on(() => {
+  const sections = markedSections(api.tickCache?.masterBars ?? []);
+  host.reportSections(sections.map(({ title, tick }) => ({ title, start: playback.scoreMs(tick) })));
+});
 
 // Nothing but a page that is loaded anew brings it back.
 SynthPlayer.lost.on(() => host.reportSynthLost());

@@ -6,6 +6,7 @@ import { callNames, connect, expose, messageTypes } from "../src/bridge/bridge.j
 function heldChannel() {
   const received = [];
   let open;
+  let press;
   const scope = {
     qt: { webChannelTransport: {} },
     QWebChannel: class {
@@ -15,12 +16,14 @@ function heldChannel() {
         const host = {
           reportAudioOutput: (working) => received.push({ working }),
           reportSynthLost: () => received.push("synth lost"),
+          reportSections: (sections) => received.push({ sections }),
+          keyPressed: { connect: (receive) => (press = receive) },
         };
         open = () => ready({ objects: { qv, host } });
       }
     },
   };
-  return { scope, received, open: () => open() };
+  return { scope, received, open: () => open(), press: (key) => press(key) };
 }
 
 test("there are twenty calls and eight messages, each once", () => {
@@ -49,7 +52,23 @@ test("what the page reports to its host arrives like a message, and is none", ()
   open();
   host.reportAudioOutput(true);
   host.reportSynthLost();
-  assert.deepEqual(received, [{ working: false }, { working: true }, "synth lost"]);
+  host.reportSections([{ title: "A", start: 5 }]);
+  assert.deepEqual(received, [
+    { working: false },
+    { working: true },
+    "synth lost",
+    { sections: [{ title: "A", start: 5 }] },
+  ]);
+});
+
+test("a key that the program hands over arrives in the page", () => {
+  const { scope, open, press } = heldChannel();
+  const { keyPressed } = connect(scope);
+  const keys = [];
+  keyPressed.on((key) => keys.push(key));
+  open();
+  press("Ctrl+Left");
+  assert.deepEqual(keys, ["Ctrl+Left"]);
 });
 
 test("no time leaves the page that cannot be shown", () => {

@@ -1,4 +1,6 @@
 // @ts-check
+import { Emitter } from "../shared/emitter.js";
+
 /**
  * Both directions between the page and the program around it, in one place: the calls the program makes on
  * `window.qv` and the messages the page posts back.
@@ -45,6 +47,8 @@
  * @typedef {object} Host What the page reports of itself to what is around it; the program's state does not depend on it.
  * @property {(working: boolean) => void} reportAudioOutput The page has no audio output any more, or has one again.
  * @property {() => void} reportSynthLost Nothing but a page that is loaded anew has a synthesizer again.
+ * @property {(sections: { title: string, start: number }[]) => void} reportSections Those of the score that is shown; they
+ *     start at a score time.
  */
 
 /** @type {readonly (keyof Calls)[]} */
@@ -88,20 +92,25 @@ export function expose(calls) {
  * channel around it (a plain browser) they go nowhere.
  *
  * @param {any} [scope] where the channel's two globals are looked up
- * @returns {{ post: Post, host: Host }}
+ * @returns {{ post: Post, host: Host, keyPressed: Emitter<string> }} `keyPressed` with the keys of keys.js
  */
 export function connect(scope = globalThis) {
+  /** @type {Emitter<string>} */
+  const keyPressed = new Emitter();
   const transport = scope.qt?.webChannelTransport;
   if (!transport || !scope.QWebChannel) {
-    return { post: () => {}, host: { reportAudioOutput: () => {}, reportSynthLost: () => {} } };
+    const host = { reportAudioOutput: () => {}, reportSynthLost: () => {}, reportSections: () => {} };
+    return { post: () => {}, host, keyPressed };
   }
-  /** @typedef {{ qv?: { postMessage: Post }, host?: Host }} Receivers */
+  /** @typedef {{ connect: (receive: (key: string) => void) => void }} KeySignal */
+  /** @typedef {{ qv?: { postMessage: Post }, host?: Host & { keyPressed?: KeySignal } }} Receivers */
   /** @type {((receivers: Receivers) => void)[] | null} */
   let waiting = [];
   /** @type {Receivers} */
   let receivers = {};
   new scope.QWebChannel(transport, (/** @type {{ objects: Receivers }} */ channel) => {
     receivers = channel.objects;
+    receivers.host?.keyPressed?.connect((key) => keyPressed.trigger(key));
     for (const send of waiting ?? []) {
       send(receivers);
     }
@@ -123,7 +132,9 @@ export function connect(scope = globalThis) {
     host: {
       reportAudioOutput: (working) => deliver(({ host }) => host?.reportAudioOutput(working)),
       reportSynthLost: () => deliver(({ host }) => host?.reportSynthLost()),
+      reportSections: (sections) => deliver(({ host }) => host?.reportSections(sections)),
     },
+    keyPressed,
   };
 }
 

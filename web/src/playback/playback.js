@@ -81,6 +81,11 @@ export class Playback {
     return this.#syncPoints.map(({ synthTime, syncTime }) => ({ scoreMs: synthTime, backingTrackMs: syncTime }));
   }
 
+  /** What looping loops; null for the whole score. @returns {TickRange | null} */
+  get range() {
+    return this.#range;
+  }
+
   /** What is played over and over; null while nothing is. @returns {TickRange | null} */
   get loop() {
     return this.#api.isLooping ? (this.#range ?? { startTick: 0, endTick: Infinity }) : null;
@@ -95,6 +100,21 @@ export class Playback {
   msUntil(tick) {
     const tempoMap = this.#tempoMap;
     return (tempoMap.msAt(tick + this.#tickShift) - tempoMap.msAt(this.#tick + this.#tickShift)) / this.#speed;
+  }
+
+  /**
+   * @param {number} ms as played, at the speed that is set
+   * @returns {number} how many ticks before the position that is
+   */
+  ticksIn(ms) {
+    const tempoMap = this.#tempoMap;
+    const now = this.#tick + this.#tickShift;
+    return now - tempoMap.tickAt(Math.max(tempoMap.msAt(now) - ms * this.#speed, 0));
+  }
+
+  /** @param {number} tick @returns {number} milliseconds of score time */
+  scoreMs(tick) {
+    return this.#tempoMap.msAt(tick + this.#tickShift);
   }
 
   get atStart() {

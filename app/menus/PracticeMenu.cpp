@@ -1,0 +1,40 @@
+#include "app/menus/PracticeMenu.h"
+
+#include "app/menus/TrackMenu.h"
+#include "controller/AlphaTabController.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+PracticeMenu::PracticeMenu(AlphaTabController &controller, QWidget *parent)
+    : QMenu(tr("P&ractice"), parent)
+    , m_controller(controller)
+{
+    addTracks();
+}
+
+PracticeMenu::~PracticeMenu() = default;
+
+void PracticeMenu::addTracks()
+{
+    const auto isAlone = [this](const TrackInfo &track) {
+        const QList<TrackInfo> &all = m_controller.tracks;
+        return track.visible && all.size() > 1
+            && std::count_if(all.cbegin(), all.cend(), [](const TrackInfo &other) { return other.visible; }) == 1;
+    };
+    addMenu(
+        new TrackMenu(m_controller, tr("Show a Track Alone"), {}, isAlone, [this](int id) { showAlone(id); }, this));
+    addMenu(new TrackMenu(
+        m_controller, tr("Solo"), u"Shift+"_s, [](const TrackInfo &track) { return track.solo; },
+        [this](int id) { m_controller.toggleSolo(id); }, this));
+    addMenu(new TrackMenu(
+        m_controller, tr("Mute"), u"Alt+"_s, [](const TrackInfo &track) { return track.mute; },
+        [this](int id) { m_controller.toggleMute(id); }, this));
+}
+
+void PracticeMenu::showAlone(int id)
+{
+    m_controller.tracks = m_alone.chosen(m_controller.tracks, id);
+    m_controller.setVisibleTracks();
+}

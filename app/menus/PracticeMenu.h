@@ -1,0 +1,24 @@
+#pragma once
+
+#include "app/menus/AloneTrack.h"
+
+#include <QMenu>
+
+class AlphaTabController;
+
+/// What helps to practise: what is repeated, and which tracks are seen and heard.
+class PracticeMenu final : public QMenu {
+    Q_OBJECT
+    Q_DISABLE_COPY_MOVE(PracticeMenu)
+
+public:
+    explicit PracticeMenu(AlphaTabController &controller, QWidget *parent = nullptr);
+    ~PracticeMenu() override;
+
+private:
+    void addTracks();
+    void showAlone(int id);
+
+    AlphaTabController &m_controller;
+    AloneTrack m_alone;
+};

@@ -1,0 +1,286 @@
+#include "app/QuaverlyApp.h"
+#include "app/menus/AloneTrack.h"
+#include "controller/AlphaTabController.h"
+#include "pdf/conversion/PDFDocument.h"
+#include "tests/support/TestSurroundings.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+class TestMenus final : public QObject {
+    Q_OBJECT
+
+private:
+    std::unique_ptr<TestSurroundings> m_world;
+    std::unique_ptr<AlphaTabController> m_controller;
+    std::unique_ptr<QuaverlyApp> m_app;
+
+    QMenu *menu(const QString &title) const
+    {
+        for (QMenu *menu : m_app->window().menuBar()->findChildren<QMenu *>() + m_app->window().findChildren<QMenu *>())
+            if (QString(menu->title()).remove(u'&') == title)
+                return menu;
+        return nullptr;
+    }
+
+    QWidget *named(const QString &name) const
+    {
+        for (QWidget *widget : m_app->window().findChildren<QWidget *>())
+            if (widget->accessibleName() == name)
+                return widget;
+        return nullptr;
+    }
+
+    void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
+    {
+        QWidget *holder = m_app->window().focusWidget();
+        QTest::keyClick(holder ? holder : &m_app->window(), Qt::Key(key), modifiers);
+    }
+
+    void openScore() const
+    {
+        m_controller->handle({ { u"type"_s, u"ready"_s } });
+        m_controller->tracks = { { .id = 0, .name = u"Lead & Rhythm"_s }, { .id = 1, .name = u"Bass"_s },
+            { .id = 4, .name = u"Drums"_s } };
+        m_controller->hasScore = true;
+        m_world->engine->take();
+    }
+
+    void openPdf() const
+    {
+        {
+            QPdfWriter writer(m_world->path(u"x.pdf"_s));
+            QPainter painter(&writer);
+        }
+        m_controller->pdfDocument = PDFDocument::open(m_world->path(u"x.pdf"_s));
+        QVERIFY(m_controller->pdfDocument.value());
+    }
+
+private Q_SLOTS:
+    void init()
+    {
+        m_world = std::make_unique<TestSurroundings>();
+        m_controller = std::make_unique<AlphaTabController>(m_world->make());
+        m_app = std::make_unique<QuaverlyApp>(*m_controller);
+        QVERIFY(QTest::qWaitForWindowActive(&m_app->window()));
+    }
+
+    void cleanup()
+    {
+        m_app.reset();
+        m_controller.reset();
+    }
+
+    void theMenusAreInOrder()
+    {
+        QStringList titles;
+        for (const QAction *action : m_app->window().menuBar()->actions())
+            titles << action->text().remove(u'&');
+        QCOMPARE(titles, (QStringList{ u"File"_s, u"View"_s, u"Playback"_s, u"Practice"_s, u"Help"_s }));
+    }
+
+    void noKeyIsTakenTwice()
+    {
+        QHash<QKeySequence, QString> taken;
+        for (const QAction *action : m_app->window().findChildren<QAction *>()) {
+            for (const QKeySequence &key : action->shortcuts()) {
+                QVERIFY2(!taken.contains(key), qPrintable(key.toString() + u' ' + taken.value(key) + action->text()));
+                taken.insert(key, action->text());
+            }
+        }
+        QVERIFY(taken.size() > 30);
+    }
+
+    void thePageGetsItsKeysWhileAScoreIsSeen()
+    {
+        press(Qt::Key_Right);
+        QCOMPARE(m_world->engine->keys, QStringList());
+        openScore();
+        press(Qt::Key_Home);
+        press(Qt::Key_Backspace);
+        press(Qt::Key_Left);
+        press(Qt::Key_Right, Qt::ControlModifier);
+        press(Qt::Key_Left, Qt::AltModifier);
+        QCOMPARE(
+            m_world->engine->keys, (QStringList{ u"Home"_s, u"Home"_s, u"Left"_s, u"Ctrl+Right"_s, u"Alt+Left"_s }));
+        m_world->engine->keys.clear();
+        m_controller->pageHealth = PageHealth::NotAnswering;
+        press(Qt::Key_Right);
+        m_controller->pageHealth = PageHealth::Well;
+        openPdf();
+        press(Qt::Key_Right);
+        QCOMPARE(m_world->engine->keys, QStringList());
+    }
+
+    void everyControlLeavesThemTheirKeys()
+    {
+        openScore();
+        QTRY_VERIFY(named(u"Mute Bass"_s) && named(u"Mute Bass"_s)->isVisible());
+        int controls = 0;
+        for (QWidget *control : m_app->window().findChildren<QWidget *>()) {
+            if (!control->isVisible() || !control->isEnabled() || !(control->focusPolicy() & Qt::TabFocus)
+                || control->window() != &m_app->window())
+                continue;
+            control->setFocus();
+            if (m_app->window().focusWidget() != control)
+                continue;
+            ++controls;
+            m_world->engine->keys.clear();
+            const double speed = m_controller->tempoPercent;
+            const double position = m_controller->currentTime;
+            press(Qt::Key_Right);
+            press(Qt::Key_Left);
+            press(Qt::Key_Home);
+            press(Qt::Key_L);
+            press(Qt::Key_L);
+            QVERIFY2(m_world->engine->keys == QStringList({ u"Right"_s, u"Left"_s, u"Home"_s }),
+                qPrintable(control->accessibleName() + m_world->engine->keys.join(u' ')));
+            QCOMPARE(m_controller->tempoPercent.value(), speed);
+            QCOMPARE(m_controller->currentTime.value(), position);
+            QVERIFY(!m_controller->looping);
+        }
+        // The tool bar's, the transport bar's and the rows'.
+        QVERIFY2(controls > 15, qPrintable(QString::number(controls)));
+    }
+
+    void upAndDownStayTheSliders()
+    {
+        openScore();
+        QWidget *tempo = named(u"Speed"_s);
+        QVERIFY(tempo);
+        tempo->setFocus();
+        press(Qt::Key_Up);
+        QCOMPARE(m_controller->tempoPercent.value(), 101.0);
+        press(Qt::Key_Down);
+        press(Qt::Key_Down);
+        QCOMPARE(m_controller->tempoPercent.value(), 99.0);
+    }
+
+    void speed()
+    {
+        press(Qt::Key_Minus);
+        QCOMPARE(m_controller->tempoPercent.value(), 95.0);
+        press(Qt::Key_Minus, Qt::ShiftModifier);
+        QCOMPARE(m_controller->tempoPercent.value(), 94.0);
+        press(Qt::Key_Equal);
+        press(Qt::Key_Equal, Qt::ShiftModifier);
+        QCOMPARE(m_controller->tempoPercent.value(), 100.0);
+        m_controller->tempoPercent = 198;
+        press(Qt::Key_Equal);
+        QCOMPARE(m_controller->tempoPercent.value(), 200.0);
+        m_controller->tempoPercent = 26;
+        press(Qt::Key_Minus);
+        QCOMPARE(m_controller->tempoPercent.value(), 25.0);
+        press(Qt::Key_0);
+        QCOMPARE(m_controller->tempoPercent.value(), 100.0);
+    }
+
+    void switches()
+    {
+        press(Qt::Key_L);
+        QVERIFY(m_controller->looping);
+        press(Qt::Key_N);
+        QVERIFY(m_controller->metronome);
+        press(Qt::Key_C);
+        QVERIFY(m_controller->countIn);
+        press(Qt::Key_H);
+        QVERIFY(m_controller->horizontalLayout);
+        for (int key : { Qt::Key_L, Qt::Key_N, Qt::Key_C, Qt::Key_H })
+            press(key);
+        QVERIFY(!m_controller->looping && !m_controller->metronome && !m_controller->countIn);
+        QVERIFY(!m_controller->horizontalLayout);
+        // The file's recording cannot count in.
+        m_controller->hasBackingTrack = true;
+        press(Qt::Key_C);
+        QVERIFY(!m_controller->countIn);
+        m_controller->preferSynth = true;
+        press(Qt::Key_C);
+        QVERIFY(m_controller->countIn);
+    }
+
+    void zoom()
+    {
+        press(Qt::Key_Plus, Qt::ControlModifier);
+        press(Qt::Key_Equal, Qt::ControlModifier);
+        QCOMPARE(m_controller->zoom.value(), 1.2);
+        press(Qt::Key_Minus, Qt::ControlModifier);
+        QCOMPARE(m_controller->zoom.value(), 1.1);
+        press(Qt::Key_0, Qt::ControlModifier);
+        QCOMPARE(m_controller->zoom.value(), 1.0);
+    }
+
+    void numbersAreTracks()
+    {
+        openScore();
+        press(Qt::Key_2);
+        QCOMPARE(m_world->engine->take(), QStringList{ u"window.qv.renderTracks([1])"_s });
+        press(Qt::Key_3);
+        QCOMPARE(m_world->engine->take(), QStringList{ u"window.qv.renderTracks([4])"_s });
+        press(Qt::Key_3);
+        QCOMPARE(m_world->engine->take(), QStringList{ u"window.qv.renderTracks([0,1,4])"_s });
+        press(Qt::Key_3, Qt::ShiftModifier);
+        QCOMPARE(m_world->engine->take(), QStringList{ u"window.qv.setTrackSolo(4, true)"_s });
+        press(Qt::Key_1, Qt::AltModifier);
+        QCOMPARE(m_world->engine->take(), QStringList{ u"window.qv.setTrackMute(0, true)"_s });
+        press(Qt::Key_4);
+        QCOMPARE(m_world->engine->take(), QStringList());
+        QMenu *solo = menu(u"Solo"_s);
+        QVERIFY(solo);
+        QCOMPARE(solo->actions()[0]->text(), u"Lead && Rhythm"_s);
+        QVERIFY(!solo->actions()[0]->isChecked());
+        QVERIFY(solo->actions()[2]->isChecked());
+        QVERIFY(!solo->actions()[3]->isVisible());
+    }
+
+    void aTrackAloneGoesBackToWhatWasShown()
+    {
+        const auto shown = [](const QList<TrackInfo> &tracks) {
+            QList<int> ids;
+            for (const TrackInfo &track : tracks)
+                if (track.visible)
+                    ids << track.id;
+            return ids;
+        };
+        AloneTrack alone;
+        QList<TrackInfo> tracks{ { .id = 0, .name = {} }, { .id = 1, .name = {} },
+            { .id = 2, .name = {}, .visible = false } };
+        tracks = alone.chosen(tracks, 2);
+        QCOMPARE(shown(tracks), QList{ 2 });
+        tracks = alone.chosen(tracks, 1);
+        QCOMPARE(shown(tracks), QList{ 1 });
+        tracks = alone.chosen(tracks, 1);
+        QCOMPARE(shown(tracks), (QList{ 0, 1 }));
+        // Another score with one track only.
+        QCOMPARE(shown(AloneTrack().chosen({ { .id = 7, .name = {} } }, 7)), QList{ 7 });
+        QCOMPARE(shown(alone.chosen({ { .id = 7, .name = {} } }, 7)), QList{ 7 });
+    }
+
+    void sectionsAreGoneToByTheMenu()
+    {
+        openScore();
+        QMenu *sections = menu(u"Sections"_s);
+        QVERIFY(sections && !sections->menuAction()->isEnabled());
+        m_world->engine->reports.reportSections({
+            QVariantMap{ { u"title"_s, u"Intro"_s }, { u"start"_s, 0 } },
+            QVariantMap{ { u"title"_s, u"A & B"_s }, { u"start"_s, 2500.5 } },
+            QVariantMap{ { u"title"_s, u"never"_s }, { u"start"_s, u"x"_s } },
+            u"no section"_s,
+        });
+        QVERIFY(sections->menuAction()->isEnabled());
+        QCOMPARE(sections->actions().size(), 2);
+        QCOMPARE(sections->actions()[1]->text(), u"A && B"_s);
+        sections->actions()[1]->trigger();
+        QCOMPARE(m_world->engine->take(), QStringList{ u"window.qv.seekToTime(2500.5)"_s });
+        m_world->engine->reports.reportSections({});
+        QVERIFY(!sections->menuAction()->isEnabled());
+    }
+};
+
+QTEST_MAIN(TestMenus)
+#include "test_menus.moc"
