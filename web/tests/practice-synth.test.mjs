@@ -120,6 +120,49 @@ test("the count-in has the metre, the tempo and the speed of the position it lea
   assertAt(onsets(played.render(9)), evenBeats(7, 250));
 });
 
+/** How loud each click of a sound is. */
+const loudness = (sound, clicks) =>
+  clicks.map((at) =>
+    sound
+      .slice((at / 1000) * sampleRate, (at / 1000 + 0.1) * sampleRate)
+      .reduce((most, one) => Math.max(most, Math.abs(one)), 0),
+  );
+
+test("an upbeat is counted in by a bar and the beats before it, which begin one more bar", () => {
+  for (const [upbeat, clicks] of [
+    ["\\ts 4 4 \\ac :4 r", 7],
+    ["\\ts 4 4 \\ac :8 r", 8],
+    ["\\ts 3 4 \\ac :4 r r", 4],
+  ]) {
+    const played = playedScore(`\\tempo 120 ${upbeat} | r.1 |`);
+    const metre = Number(/ts (\d)/.exec(upbeat)[1]);
+    played.metronome.configure({ volume: 1, sound: "tick", accent: true, mode: "bar" });
+    played.metronome.turn(true);
+    played.playback.setCountIn(true);
+    played.playback.playPause();
+    const sound = played.render(8);
+    const counted = evenBeats(clicks, 500);
+    // The first click of the metronome is that of the bar behind the upbeat.
+    const heard = onsets(sound);
+    assertAt(heard.slice(0, clicks), counted);
+    assert.ok(Math.abs(heard[clicks] - 500 * 2 * metre) <= 2 * sample, `${upbeat}: ${heard}`);
+    const loud = loudness(sound, counted).map((peak, _, all) => peak > 0.9 * Math.max(...all));
+    assert.deepEqual(
+      loud,
+      counted.map((_, beat) => beat % metre === 0),
+      upbeat,
+    );
+  }
+});
+
+test("from a later bar of a score with an upbeat one bar is counted", () => {
+  const played = playedScore(`\\tempo 120 \\ts 4 4 \\ac :4 r | r r r r | r r r r |`);
+  played.playback.setCountIn(true);
+  played.playback.seekToTick(960);
+  played.playback.playPause();
+  assertAt(onsets(played.render(8)), evenBeats(4, 500));
+});
+
 test("the position waits while a bar is counted in", () => {
   const played = playedScore(`\\tempo 120 ${bar} ${bar}`);
   const positions = [];

@@ -1,15 +1,23 @@
 // @ts-check
 /**
- * The count-in: one whole bar before the music starts, in the metre and at the tempo of the position it starts from.
+ * The count-in: one whole bar before the music starts, in the metre and at the tempo of the position it starts from. An
+ * upbeat is led into: behind the whole bar come the beats of its own bar that are not written.
  *
  * @typedef {object} MeteredBar a bar in the order of playing, repeats written out
  * @property {number} start tick
  * @property {number} end tick
  * @property {number} numerator of the time signature: how many beats a whole bar has
  * @property {number} denominator of the time signature: the note value that is one beat
+ * @property {boolean} pickup whether the bar is an upbeat, shorter than its time signature
  *
- * @typedef {{ beats: number, beatLength: number }} Count beatLength in milliseconds of score time
+ * @typedef {object} Count
+ * @property {number} beats until the music starts; before an upbeat not always a whole number
+ * @property {number} barBeats each of so many begins a bar
+ * @property {number} beatLength milliseconds of score time
  */
+
+/** alphaTab reports positions a tick late: beats before an upbeat are counted in such parts of a beat. */
+const beatParts = 48;
 
 /**
  * @param {MeteredBar[]} bars in rising order
@@ -23,5 +31,11 @@ export function countInAt(bars, tempoMap, tick, ticksPerQuarter) {
   if (!bar) {
     return null;
   }
-  return { beats: bar.numerator, beatLength: ((ticksPerQuarter * 4) / bar.denominator) * tempoMap.msPerTickAt(tick) };
+  const beat = (ticksPerQuarter * 4) / bar.denominator;
+  const before = bar.pickup ? Math.max(bar.numerator - (bar.end - tick) / beat, 0) : 0;
+  return {
+    beats: bar.numerator + Math.round(before * beatParts) / beatParts,
+    barBeats: bar.numerator,
+    beatLength: beat * tempoMap.msPerTickAt(tick),
+  };
 }

@@ -5,7 +5,7 @@ import { levels } from "../clicks/click-pattern.js";
 
 /**
  * The metronome's clicks as notes of a playback, on channels of their own: one for each level of the pattern, and two
- * for the count-in behind those, its first beat and the others.
+ * for the count-in behind those, the first beats of bars and the others.
  *
  * @typedef {import("../shared/alphatab.js").MidiFile} MidiFile
  */

@@ -17,9 +17,10 @@ import { Instruments } from "./instruments.js";
  * - Its sounds can be replaced while it plays.
  *
  * @typedef {object} CountIn
- * @property {number} beats none for no count-in
+ * @property {number} beats none for no count-in; the last one may be cut short
+ * @property {number} barBeats each of so many begins a bar
  * @property {number} beatLength milliseconds of score time
- * @property {number} first channel of the first beat
+ * @property {number} first channel of the first beat of a bar
  * @property {number} others channel of the other beats
  * @property {number} key what the click is
  * @property {number} velocity 0 to 1
@@ -435,7 +436,8 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
    */
   #renderCountIn(countIn, samples, at) {
     const perFrame = (1000 / this.#sampleRate) * this.#sequencer.playbackSpeed;
-    const until = Math.round((this.#clicks * countIn.beatLength - this.#countedIn) / perFrame);
+    const next = Math.min(this.#clicks, countIn.beats);
+    const until = Math.round((next * countIn.beatLength - this.#countedIn) / perFrame);
     if (until > 0) {
       const count = Math.min(step, until);
       this.#synthesizer.synthesize(samples, at * 2, count);
@@ -443,7 +445,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
       return count;
     }
     if (this.#clicks < countIn.beats) {
-      const channel = this.#clicks === 0 ? countIn.first : countIn.others;
+      const channel = this.#clicks % countIn.barBeats === 0 ? countIn.first : countIn.others;
       this.#synthesizer.channelSetBankPreset(channel, countIn.bank.number, countIn.bank.program);
       this.#synthesizer.channelNoteOn(channel, countIn.key, countIn.velocity);
       this.#clicks++;
