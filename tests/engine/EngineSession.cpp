@@ -116,9 +116,9 @@ double EngineSession::position() const { return last(u"position"_s).value(u"curr
 
 double EngineSession::length() const { return last(u"position"_s).value(u"endTime"_s, -1).toDouble(); }
 
-void EngineSession::listen()
+QString EngineSession::listenScript()
 {
-    valueOf(uR"((() => {
+    return uR"((() => {
         const connect = AudioNode.prototype.connect;
         const taps = [];
         AudioNode.prototype.connect = function (target, ...rest) {
@@ -141,8 +141,10 @@ void EngineSession::listen()
             return Math.max(0, ...peaks);
         };
         return true;
-    })())"_s);
+    })())"_s;
 }
+
+void EngineSession::listen() { valueOf(listenScript()); }
 
 double EngineSession::loudness() { return valueOf(u"loudness()"_s).toDouble(); }
 

@@ -55,6 +55,9 @@ public:
     QStringList complaints() const { return m_complaints; }
     WebEngineHost &host() { return *m_host; }
 
+    /// Lets what leaves the page for the audio output be looked at from now on: `tap` is the newest AnalyserNode before
+    /// an output, `loudness()` the peak of the last three quarters of a second.
+    static QString listenScript();
     /// From now on what leaves the page for the audio output can be measured with loudness().
     void listen();
     /// Peak of the last three quarters of a second, 0 to 1.

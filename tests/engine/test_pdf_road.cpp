@@ -1,7 +1,11 @@
 #include "app/QuaverlyApp.h"
 #include "controller/AlphaTabController.h"
+#include "engine_host/EnginePage.h"
+#include "engine_host/bridge/BridgeCalls.h"
 #include "pdf/viewing/PDFSheetView.h"
 #include "pdf/viewing/PageCells.h"
+#include "tests/engine/EngineSession.h"
+#include "tests/pdf/conversion/Archives.h"
 #include "tests/pdf/conversion/StandIn.h"
 #include "tests/support/EngineTestMain.h"
 #include "tests/support/TestPDFs.h"
@@ -16,6 +20,7 @@
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QTimer>
 
 using namespace Qt::StringLiterals;
@@ -81,8 +86,56 @@ public:
         return QDir(temporary()).entryList({ u"qv-omr-*"_s }, QDir::AllEntries | QDir::NoDotAndDotDot);
     }
 
+    /// The value of an expression in the page.
+    QVariant valueOf(const QString &expression) const
+    {
+        bool arrived = false;
+        QVariant answer;
+        host->page()->runJavaScript(expression, [&](const QVariant &value) {
+            answer = value;
+            arrived = true;
+        });
+        return waitFor([&] { return arrived; }) ? answer : QVariant();
+    }
+
+    /// Converts the PDF that is shown, and waits for the score.
+    bool convert()
+    {
+        auto *button = shown<QAbstractButton>(u"Convert to Guitar Pro"_s);
+        if (!button)
+            return false;
+        button->click();
+        return waitFor([&] { return !controller.converting.value(); })
+            && waitFor([&] { return controller.hasScore && controller.playerReady && controller.endTime > 0; });
+    }
+
+    /// How many digits of a tablature are drawn in what is in view. Strings are drawn as filled boxes, digits as texts.
+    int fretNumbers() const
+    {
+        return valueOf(uR"([...document.querySelectorAll("#notation text")]
+            .filter(({ textContent }) => /^\d+$/.test(textContent.trim())).length)"_s)
+            .toInt();
+    }
+
+    /// Whether the sound of the last moment has this partial, at most 20 dB below its strongest.
+    bool sounds(double hertz) const
+    {
+        return valueOf(uR"((() => {
+            const tap = globalThis.tap;
+            if (!tap) return false;
+            const spectrum = new Float32Array(tap.frequencyBinCount);
+            tap.getFloatFrequencyData(spectrum);
+            const strongest = spectrum.reduce((peak, level) => Math.max(peak, level), -Infinity);
+            const bin = Math.round(%1 / (tap.context.sampleRate / tap.fftSize));
+            const level = Math.max(...spectrum.subarray(bin - 1, bin + 2));
+            return strongest > -60 && level > strongest - 20;
+        })())"_s.arg(hertz))
+            .toBool();
+    }
+
     TestSurroundings world;
     const StandIn standIn;
+    WebEngineHost *host = nullptr; ///< the one that the controller made
     AlphaTabController controller;
     QuaverlyApp application;
     QMainWindow &window;
@@ -101,7 +154,11 @@ private:
         world.environment.insert(u"QV_AUDIVERIS"_s, StandIn::program());
         Surroundings made = world.make();
         made.webFolder = qEnvironmentVariable("QUAVERLY_WEB_FOLDER");
-        made.makeEngine = Surroundings::system().makeEngine;
+        made.makeEngine = [this](ScriptHandler &handler, const std::optional<QString> &webFolder) {
+            auto one = std::make_unique<WebEngineHost>(handler, webFolder);
+            host = one.get();
+            return one;
+        };
         return made;
     }
 };
@@ -139,6 +196,53 @@ private Q_SLOTS:
         QCOMPARE(program.world.windowTitles->constLast(), u"song (converted)"_s);
         QCOMPARE(c.recentFiles.value(), QList<QUrl>{ sheet });
         QCOMPARE(program.leftBehind(), QStringList());
+    }
+
+    void aSheetWithTablatureBecomesAGuitarThatCanBeExported()
+    {
+        Program program("guitar");
+        AlphaTabController &c = program.controller;
+        QVERIFY(waitFor([&] { return c.bridgeReady.value(); }));
+        QVERIFY(program.valueOf(EngineSession::listenScript()).toBool());
+        QVERIFY(program.drop(QUrl::fromLocalFile(SHEETS u"/tab-joined.pdf"_s)));
+        QVERIFY(waitFor([&] { return program.shown<PDFSheetView>() != nullptr; }));
+        QVERIFY(program.convert());
+
+        // As the screen shows it. alphaTab draws the tablature's numbers as texts.
+        QCOMPARE(c.tracks.value().size(), 1);
+        QCOMPARE(c.tracks.value().constFirst().name, u"Guitar"_s);
+        QVERIFY(waitFor([&] { return program.fretNumbers() > 0; }));
+        const int fretNumbers = program.fretNumbers();
+
+        // C5 is written. A guitar sounds an octave lower.
+        c.js(BridgeCalls::setLooping(true));
+        c.js(BridgeCalls::playPause());
+        QVERIFY2(waitFor([&] { return program.sounds(261.6); }), "C4 is heard");
+        QVERIFY2(!program.sounds(130.8), "and no octave below it");
+        c.js(BridgeCalls::playPause());
+
+        const QString saved = program.world.path(u"saved.gp"_s);
+        program.world.dialogs->fileToSave = QUrl::fromLocalFile(saved);
+        c.js(BridgeCalls::exportGp());
+        // The panel comes when the page's message has been dealt with.
+        QVERIFY(waitFor([&] {
+            program.world.letTimePass();
+            return QFile::exists(saved);
+        }));
+        const QString score = QString::fromUtf8(memberOf(saved, "Content/score.gpif"));
+        QVERIFY(score.contains(u"<Pitches>40 45 50 55 59 64</Pitches>"_s));
+        const QRegularExpressionMatch instrument = QRegularExpression(u"<Program>(\\d+)</Program>"_s).match(score);
+        QVERIFY(instrument.hasMatch());
+        QVERIFY2(instrument.captured(1).toInt() >= 24 && instrument.captured(1).toInt() <= 31, "a guitar's program");
+
+        const double length = c.endTime;
+        QVERIFY(program.drop(QUrl::fromLocalFile(saved)));
+        QVERIFY(waitFor([&] { return c.recentFiles.value().constFirst() == QUrl::fromLocalFile(saved); }));
+        QVERIFY(waitFor([&] { return c.hasScore && c.playerReady && std::abs(c.endTime - length) < 1; }));
+        QCOMPARE(c.tracks.value().constFirst().name, u"Guitar"_s);
+        QVERIFY(waitFor([&] { return program.fretNumbers() == fretNumbers; }));
+        c.js(BridgeCalls::playPause());
+        QVERIFY2(waitFor([&] { return program.sounds(261.6); }), "C4 is heard again");
     }
 
     void aSheetThatCannotBeReadStaysAndTheUserIsTold()

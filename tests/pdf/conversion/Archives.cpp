@@ -25,3 +25,22 @@ void writeArchive(const QString &path, const QList<Member> &members, const QByte
     if (zip_close(archive) != 0)
         qFatal("cannot write %s: %s", qPrintable(path), zip_strerror(archive));
 }
+
+QByteArray memberOf(const QString &archivePath, const QByteArray &name)
+{
+    zip_t *archive = zip_open(QFile::encodeName(archivePath).constData(), ZIP_RDONLY, nullptr);
+    if (!archive)
+        return {};
+    QByteArray bytes;
+    zip_stat_t stat;
+    if (zip_stat(archive, name.constData(), 0, &stat) == 0) {
+        bytes.resize(qsizetype(stat.size));
+        zip_file_t *file = zip_fopen(archive, name.constData(), 0);
+        if (!file || zip_fread(file, bytes.data(), stat.size) != zip_int64_t(stat.size))
+            bytes.clear();
+        if (file)
+            zip_fclose(file);
+    }
+    zip_discard(archive);
+    return bytes;
+}
