@@ -1,7 +1,9 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { contexts, settled, told } from "./support/audio-context.mjs";
 import { pass } from "./support/clock.mjs";
+import { standIn } from "./support/stand-in.mjs";
 
 const { AudioOutput } = await import("../src/synth/audio-output.js");
 
@@ -14,7 +16,7 @@ async function ports() {
 }
 
 test("it sleeps when there has been nothing to hear for a while", async () => {
-  const port = {};
+  const port = standIn({});
   audioOutput.connect(port);
   audioOutput.wake(port);
   await settled();
@@ -29,7 +31,7 @@ test("it sleeps when there has been nothing to hear for a while", async () => {
 });
 
 test("a synthesizer that another one has taken the place of has no say any more", async () => {
-  const [first, second] = [{ name: "first" }, { name: "second" }];
+  const [first, second] = standIn([{ name: "first" }, { name: "second" }]);
   audioOutput.connect(first);
   audioOutput.connect(second);
   audioOutput.wake(second);

@@ -1,48 +1,54 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { decodeBackingTrack } from "../src/backing-track/decode/backing-track-decoder.js";
 import { joined, noise, text, wave } from "./support/audio-files.mjs";
 import { onsets, strokes } from "./support/sounds.mjs";
+import { standIn } from "./support/stand-in.mjs";
 
 const rate = 44100;
 const broken = text("cannot be decoded");
 
 /** Decodes WAVE files of 16 bits, and none with that text in it. */
-globalThis.OfflineAudioContext = class {
-  constructor(_channels, _length, sampleRate) {
-    this.sampleRate = sampleRate;
-  }
-
-  async decodeAudioData(buffer) {
-    const bytes = Buffer.from(buffer);
-    decodedLengths.push(bytes.length);
-    if (bytes.includes(broken) || bytes.toString("latin1", 0, 4) !== "RIFF") {
-      throw new Error("Unable to decode audio data");
+globalThis.OfflineAudioContext = standIn(
+  class {
+    constructor(_channels, _length, sampleRate) {
+      this.sampleRate = sampleRate;
     }
-    const count = bytes.readUInt16LE(22);
-    const samples = new Int16Array(buffer.slice(44));
-    const channels = Array.from({ length: count }, (_, channel) =>
-      Float32Array.from(
-        { length: Math.floor(samples.length / count) },
-        (_, frame) => samples[frame * count + channel] / 32767,
-      ),
-    );
-    return { length: channels[0].length, numberOfChannels: count, getChannelData: (channel) => channels[channel] };
-  }
-};
+
+    async decodeAudioData(buffer) {
+      const bytes = Buffer.from(buffer);
+      decodedLengths.push(bytes.length);
+      if (bytes.includes(Buffer.from(broken)) || bytes.toString("latin1", 0, 4) !== "RIFF") {
+        throw new Error("Unable to decode audio data");
+      }
+      const count = bytes.readUInt16LE(22);
+      const samples = new Int16Array(buffer.slice(44));
+      const channels = Array.from({ length: count }, (_, channel) =>
+        Float32Array.from(
+          { length: Math.floor(samples.length / count) },
+          (_, frame) => samples[frame * count + channel] / 32767,
+        ),
+      );
+      return { length: channels[0].length, numberOfChannels: count, getChannelData: (channel) => channels[channel] };
+    }
+  },
+);
 
 /** A worker that works at once. */
-globalThis.Worker = class {
+class FakeWorker {
   static running = 0;
   static made = 0;
+  /** @type {(event: { data: unknown }) => void} */
+  onmessage = () => {};
   #listening;
 
   constructor(script) {
-    Worker.running++;
+    FakeWorker.running++;
     this.#listening = new Promise((resolve) => {
       globalThis.addEventListener = (_, listener) => resolve(listener);
     });
-    void import(`${script}?${Worker.made++}`);
+    void import(`${script}?${FakeWorker.made++}`);
   }
 
   async postMessage(data) {
@@ -52,9 +58,10 @@ globalThis.Worker = class {
   }
 
   terminate() {
-    Worker.running--;
+    FakeWorker.running--;
   }
-};
+}
+globalThis.Worker = standIn(FakeWorker);
 
 const decodedLengths = [];
 
@@ -64,7 +71,7 @@ async function decoded(bytes, wanted = rate) {
   for await (const chunk of decodeBackingTrack(bytes, wanted)) {
     chunks.push(chunk);
   }
-  assert.equal(Worker.running, 0);
+  assert.equal(FakeWorker.running, 0);
   assert.deepEqual(
     chunks.map(({ first }) => first),
     chunks.map((_, index) => index === 0),
@@ -150,7 +157,7 @@ test("what cannot be cut is decoded as a whole", async () => {
 test("a backing track of which nothing can be decoded is an error, and leaves nothing behind", async () => {
   for (const bytes of [noise(100000), wave({ channels: 1, data: joined(broken, noise(1000)) })]) {
     await assert.rejects(decoded(bytes), /Unable to decode/);
-    assert.equal(Worker.running, 0);
+    assert.equal(FakeWorker.running, 0);
   }
 });
 
@@ -159,5 +166,5 @@ test("nobody has to listen to the end", async () => {
     assert.ok(chunk.first);
     break;
   }
-  assert.equal(Worker.running, 0);
+  assert.equal(FakeWorker.running, 0);
 });

@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { contexts, settled, told, volumes } from "./support/audio-context.mjs";
@@ -5,6 +6,7 @@ import "./support/clock.mjs";
 
 const { BackingTrackPlayer } = await import("../src/backing-track/backing-track-player.js");
 
+/** @type {import("../src/backing-track/backing-track-player.js").Ticking} */
 const ticking = { levels: 2, sound: "woodblock", accent: true, volume: 0.5 };
 
 test("without a backing track nothing is opened; when one is about to play the audio thread hears how things are", async () => {

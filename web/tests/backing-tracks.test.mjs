@@ -1,23 +1,28 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { BackingTracks } from "../src/backing-track/backing-tracks.js";
+import { standIn } from "./support/stand-in.mjs";
 
 /** Lengths of what was decoded. */
 const decoded = [];
+/** @type {(bytes: Uint8Array) => boolean} */
 let readable = () => true;
 
-globalThis.OfflineAudioContext = class {
-  async decodeAudioData(buffer) {
-    decoded.push(buffer.byteLength);
-    if (!readable(new Uint8Array(buffer))) {
-      throw new Error("not read");
+globalThis.OfflineAudioContext = standIn(
+  class {
+    async decodeAudioData(buffer) {
+      decoded.push(buffer.byteLength);
+      if (!readable(new Uint8Array(buffer))) {
+        throw new Error("not read");
+      }
+      structuredClone(buffer, { transfer: [buffer] });
     }
-    structuredClone(buffer, { transfer: [buffer] });
-  }
-};
+  },
+);
 
 const large = 3 << 20;
-const scoreWith = (rawAudioFile) => ({ backingTrack: rawAudioFile && { rawAudioFile } });
+const scoreWith = (rawAudioFile) => standIn({ backingTrack: rawAudioFile && { rawAudioFile } });
 
 async function judged(bytes, isReadable) {
   decoded.length = 0;

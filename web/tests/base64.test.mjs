@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { decodeBase64, encodeBase64 } from "../src/bridge/base64.js";

@@ -1,10 +1,18 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { alphaTab, scoreOf } from "./support/played-score.mjs";
+import { standIn } from "./support/stand-in.mjs";
 
 const { buildPlayback, providePlayback } = await import("../src/playback/build-playback.js");
 
 const bar = "c4.4 d4.4 e4.4 f4.4 |";
+
+/**
+ * @param {import("@coderline/alphatab").midi.MidiFile} midi
+ * @returns {import("@coderline/alphatab").midi.NoteOnEvent[]} its notes
+ */
+const noteEvents = (midi) => standIn(midi.events.filter((event) => event instanceof alphaTab.midi.NoteOnEvent));
 
 /** A score of tracks that are all written for the percussion channel. */
 function drums(count) {
@@ -39,7 +47,7 @@ test("a score's times, clicks and count-in come from one step", () => {
 
 test("the clicks lie on channels above all others, in time with the notes, and end before the track does", () => {
   const { midi, clicks } = buildPlayback(scoreOf(`${bar} ${bar}`), generated);
-  const notes = midi.events.filter((event) => event instanceof alphaTab.midi.NoteOnEvent);
+  const notes = noteEvents(midi);
   const own = notes.filter(({ channel }) => channel >= clicks.firstChannel);
   assert.deepEqual(
     own.map(({ tick }) => tick),
@@ -58,9 +66,8 @@ test("each track plays on channels that no other plays on, drums too, and clicks
   const [one, two] = [channels.get(0), channels.get(1)];
   assert.equal(one.filter((channel) => two.includes(channel)).length, 0);
   assert.ok([...one, ...two].every((channel) => channel < clicks.firstChannel));
-  const played = midi.events.filter(
-    (event) =>
-      event instanceof alphaTab.midi.NoteOnEvent && event.noteVelocity > 0 && event.channel < clicks.firstChannel,
+  const played = noteEvents(midi).filter(
+    ({ noteVelocity, channel }) => noteVelocity > 0 && channel < clicks.firstChannel,
   );
   assert.equal(played.filter(({ channel }) => two.includes(channel)).length, 4);
 });
@@ -81,13 +88,14 @@ test("everybody gets the same value, in whatever order", () => {
   const score = scoreOf(bar);
   const { midi, bars } = generated(score);
   const received = [];
-  let load;
-  const api = {
+  /** @type {(midi: import("@coderline/alphatab").midi.MidiFile) => void} */
+  let load = () => assert.fail("nobody wants the notes");
+  const api = standIn({
     score,
     tickCache: { masterBars: bars },
     trackChannels: new Map(),
     midiLoad: { on: (receive) => (load = receive) },
-  };
+  });
   providePlayback(
     api,
     [1, 2, 3].map((user) => ({ use: (built) => received.push([user, built]) })),

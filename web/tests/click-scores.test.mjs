@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { existsSync, readFileSync } from "node:fs";
 import { join } from "node:path";
@@ -15,14 +16,16 @@ import { PlayedScore, alphaTab, scoreOf } from "./support/played-score.mjs";
  */
 function clicksIn(played, mode) {
   const { midi, playback } = played;
-  const notes = midi.tracks[0].events.filter(
+  /** @type {(import("@coderline/alphatab").midi.MidiEvent & { channel?: number })[]} */
+  const events = midi.tracks[0].events;
+  const notes = events.filter(
     (event) =>
       event instanceof alphaTab.midi.NoteOnEvent &&
       event.noteKey === clickKey("woodblock", false) &&
       event.track === 0 &&
       event.noteVelocity === 112,
   );
-  const top = Math.max(...midi.tracks[0].events.map((event) => event.channel ?? 0));
+  const top = Math.max(...events.map((event) => event.channel ?? 0));
   const firstChannel = top - 5;
   return notes
     .filter(({ channel }) => channel >= firstChannel && channel - firstChannel < audibleLevels(mode))

@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { createRequire } from "node:module";
 import { test } from "node:test";
@@ -22,6 +23,7 @@ const memoryMb = 700;
 /** A worker that is replaced when a file was too much for it. */
 class Tester {
   #worker = null;
+  /** @type {(report: any) => void} */
   #answer = () => {};
 
   async #start() {
@@ -29,7 +31,9 @@ class Tester {
       resourceLimits: { maxOldGenerationSizeMb: memoryMb },
     });
     worker.on("message", (report) => this.#answer(report));
-    worker.on("error", (error) => this.#answer({ fatal: error.code ?? error.message }));
+    worker.on("error", (/** @type {NodeJS.ErrnoException} */ error) =>
+      this.#answer({ fatal: error.code ?? error.message }),
+    );
     this.#worker = worker;
     await new Promise((resolve) => (this.#answer = resolve));
   }
@@ -57,8 +61,10 @@ class Tester {
   }
 }
 
+/** @type {(3 | 4 | 5)[]} */
+const versions = [3, 4, 5];
 const settings = new alphaTab.Settings();
-const made = (version) => makeGuitarPro(version, song);
+const made = (/** @type {3 | 4 | 5} */ version) => makeGuitarPro(version, song);
 const gpif = unzip(exportGuitarPro(readScore(made(5), settings).score, settings))["Content/score.gpif"].toString(
   "utf8",
 );
@@ -85,7 +91,7 @@ test("the files are read while they are whole", () => {
 });
 
 test("files without bars or tracks have no music in them", () => {
-  for (const version of [3, 4, 5]) {
+  for (const version of versions) {
     for (const part of [{ bars: [] }, { tracks: [] }]) {
       assert.match(
         readScore(makeGuitarPro(version, { ...song, ...part }), settings).problem,

@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { existsSync, readFileSync, readdirSync } from "node:fs";
 import { join } from "node:path";
@@ -26,10 +27,11 @@ const texScore = (text) => alphaTab.importer.ScoreLoader.loadAlphaTex(text, sett
 /** What the format does not hold, as docs/export.md tells. */
 const notHeld = new Set(["changes of volume and balance", "lines"]);
 
-/** @param {Record<string, unknown>} found */
+/** @param {ReturnType<typeof differences>} found */
 const unexpected = (found) => Object.fromEntries(Object.entries(found).filter(([kind]) => !notHeld.has(kind)));
 
 /** The song without what the format does not hold of it. */
+/** @type {import("./support/gp-maker.mjs").MadeSong} */
 const held = structuredClone(song);
 for (const beat of held.tracks[0].bars.flat()) {
   for (const note of Object.values(beat.notes ?? {})) {
@@ -42,7 +44,7 @@ for (const beat of held.tracks[0].bars.flat()) {
 }
 delete held.tracks[0].bars[0][0].chord;
 
-for (const version of [3, 4, 5]) {
+for (const version of /** @type {(3 | 4 | 5)[]} */ ([3, 4, 5])) {
   test(`a Guitar Pro ${version} file of our own`, () => {
     assert.deepEqual(unexpected(lost(read(makeGuitarPro(version, held)))), {});
   });

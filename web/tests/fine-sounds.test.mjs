@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { dirname, join } from "node:path";
@@ -5,23 +6,29 @@ import { test } from "node:test";
 import { buildClickBank } from "../src/clicks/click-bank.js";
 import { zonesFor } from "../src/soundfont/sound-file.js";
 import { PlayedScore, sampleRate, scoreOf } from "./support/played-score.mjs";
+import { standIn } from "./support/stand-in.mjs";
 
 // Sounds that take the place of the light bank's while a score plays, as numbers that can be told apart.
 
 const lightBank = readFileSync(join(dirname(process.env.QUAVERLY_ALPHATAB), "soundfont/sonivox.sf2"));
 
+/** @type {[number, number]} */
 const everyKey = [0, 127];
 const generator = { modes: 54 };
 const steady = 60;
 
-/** A rectangle of `half` samples up and as many down, over and over: at its root it has `sampleRate / half / 2` Hz. */
+/**
+ * A rectangle of `half` samples up and as many down, over and over: at its root it has `sampleRate / half / 2` Hz.
+ *
+ * @returns {{ samples: Int16Array, rate: number, root: number, correction: number, loop: [number, number] }}
+ */
 function rectangle(half, level) {
   const length = half * 8;
   const samples = Int16Array.from({ length }, (_, at) => (Math.floor(at / half) % 2 === 0 ? level : -level));
   return { samples, rate: sampleRate, root: steady, correction: 0, loop: [half * 2, half * 4] };
 }
 
-/** @param {{ keys?: [number, number], velocities?: [number, number], wave: ReturnType<typeof rectangle> }[]} parts */
+/** @param {{ keys?: [number, number], velocities?: [number, number], wave: ReturnType<typeof rectangle> }[]} parts @returns {import("../src/soundfont/fine-preset.js").FineSound} */
 function sound(parts, program = 25) {
   return {
     name: "Hand-made",
@@ -58,7 +65,8 @@ const longNote = "\\tempo 120 \\instrument 25 . C4.1 | C4.1 |";
 const peak = (sound) => sound.reduce((most, one) => Math.max(most, Math.abs(one)), 0);
 /** How often it crosses zero upwards, a second. */
 const pitch = (sound) =>
-  (sound.reduce((sum, one, at) => sum + (at > 0 && sound[at - 1] < 0 && one >= 0), 0) * sampleRate) / sound.length;
+  (sound.reduce((sum, one, at) => sum + Number(at > 0 && sound[at - 1] < 0 && one >= 0), 0) * sampleRate) /
+  sound.length;
 
 test("what the score plays is told with its notes", () => {
   const { program, softest } = soundOf(playedScore(longNote));
@@ -81,12 +89,14 @@ test("a loop is exact to the sample, for as long as the note lasts", () => {
 });
 
 test("root, rate and correction of a sample tune it", () => {
-  for (const [change, expected] of [
+  /** @type {[Partial<ReturnType<typeof rectangle>>, number][]} */
+  const cases = [
     [{}, 400],
     [{ root: 48 }, 800],
     [{ rate: sampleRate / 2 }, 200],
     [{ correction: 100 }, 400 * 2 ** (1 / 12)],
-  ]) {
+  ];
+  for (const [change, expected] of cases) {
     const played = playedScore(longNote);
     replace(played, sound([{ wave: { ...rectangle(60, 8000), ...change } }]));
     played.playback.playPause();
@@ -97,6 +107,7 @@ test("root, rate and correction of a sample tune it", () => {
 
 test("a note sounds from the zone of its key", () => {
   const played = playedScore("\\tempo 120 \\instrument 25 . C4.2 C5.2 |");
+  /** @type {Parameters<typeof sound>[0]} */
   const parts = [
     { keys: [0, 65], wave: rectangle(60, 8000) },
     { keys: [66, 127], wave: { ...rectangle(30, 8000), root: 72 } },
@@ -188,7 +199,7 @@ test("the metronome clicks on", () => {
 
 test("a sound that comes late is not put among those of the next score", () => {
   const played = playedScore(longNote);
-  const { synth } = played;
+  const synth = standIn(played.synth);
   const { index } = soundOf(played);
   synth.loadMidiFile(played.midi);
   const before = synth.synthesizer.presets[index];
@@ -198,7 +209,7 @@ test("a sound that comes late is not put among those of the next score", () => {
 
 test("the light bank is not copied", () => {
   const played = playedScore(longNote);
-  const { regions } = played.synth.synthesizer.presets[soundOf(played).index];
+  const { regions } = standIn(played.synth).synthesizer.presets[soundOf(played).index];
   assert.equal(new Set(regions.map(({ samples }) => samples.buffer)).size, 1);
   assert.ok(regions.every(({ samples }) => samples instanceof Int16Array && samples.length > 0));
 });

@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { existsSync, readFileSync } from "node:fs";
 import { createRequire } from "node:module";
@@ -17,7 +18,7 @@ const line = (...steps) =>
 function shape(keys) {
   const frets = ["x", "x", "x", "x", "x", "x"];
   for (const placement of chooseFingering(line(keys), tuning)) {
-    frets[5 - placement.string] = placement.fret;
+    frets[5 - placement.string] = String(placement.fret);
   }
   return frets.join(" ");
 }

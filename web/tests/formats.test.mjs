@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { decodeText } from "../src/score-files/containers/text-encoding.js";

@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { existsSync, readFileSync } from "node:fs";
 import { createRequire } from "node:module";
@@ -50,6 +51,7 @@ test("what alphaTab does not read is left out, and an archive without a score is
 /** What is read from the front has no directory; these tests read by it. */
 function withEnd(stored) {
   const bytes = Buffer.from(stored);
+  /** @type {Record<string, Buffer>} */
   const files = {};
   for (let at = 0; bytes.readUInt32LE(at) === 0x04034b50;) {
     const [length, nameLength] = [bytes.readUInt32LE(at + 22), bytes.readUInt16LE(at + 26)];

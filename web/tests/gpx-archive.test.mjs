@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { existsSync, readFileSync } from "node:fs";
 import { createRequire } from "node:module";

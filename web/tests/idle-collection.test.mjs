@@ -1,16 +1,18 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { Emitter } from "../src/shared/emitter.js";
 import { IdleCollection } from "../src/session/idle-collection.js";
 import { pass } from "./support/clock.mjs";
 import { watchCollections } from "./support/collections.mjs";
+import { standIn } from "./support/stand-in.mjs";
 
 /** A page at work; what is collected is written down. */
 function page() {
   const collected = [];
-  globalThis.gc = () => collected.push("page");
+  globalThis.gc = standIn(() => collected.push("page"));
   watchCollections(() => collected.push("page thoroughly"));
-  globalThis.requestIdleCallback = (callback) => callback();
+  globalThis.requestIdleCallback = standIn((callback) => callback());
   const api = {
     workerRenderer: { batchShown: new Emitter(), collectGarbage: () => collected.push("renderer") },
     playerReady: new Emitter(),
@@ -20,7 +22,7 @@ function page() {
   };
   const playback = { playing: false };
   const view = new EventTarget();
-  const collection = new IdleCollection(api, playback, view);
+  const collection = new IdleCollection(standIn(api), playback, view);
   return { collected, api, playback, view, collection };
 }
 

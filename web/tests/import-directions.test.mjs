@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { readFileSync, readdirSync } from "node:fs";
 import { dirname, join, normalize } from "node:path";
@@ -27,7 +28,9 @@ const layers = [
 const named = /(?:from|import\(|import|URL\()\s*"(\.[^"]+\.js)"/g;
 
 const layerOf = (folder) => layers.findIndex((layer) => layer.includes(folder));
-const modules = readdirSync(source, { recursive: true }).filter((path) => path.endsWith(".js"));
+const modules = readdirSync(source, { recursive: true })
+  .map(String)
+  .filter((path) => path.endsWith(".js"));
 
 test("every folder of the page has its layer", () => {
   assert.deepEqual([...new Set(modules.map(dirname))].sort(), layers.flat().sort());

@@ -1,9 +1,11 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { readFileSync, readdirSync } from "node:fs";
 import { test } from "node:test";
 import { Signal } from "./support/signal.mjs";
 import { keyTable } from "../src/score-view/keys.js";
 import { Movement } from "../src/score-view/movement.js";
+import { standIn } from "./support/stand-in.mjs";
 
 /** A bar of four quarter notes of track 0, which begins a section or not. */
 function bar(index, section = null) {
@@ -33,7 +35,7 @@ function page({ tick = 0, playing = false, range = null } = {}) {
   };
   const seeks = [];
   const playback = { tick, playing, range, ticksIn: () => 400, seekToTick: (to) => seeks.push(to) };
-  const movement = new Movement(api, playback);
+  const movement = new Movement(standIn(api), standIn(playback));
   const keys = keyTable({ movement });
   const report = (currentTick) => {
     playback.tick = currentTick;
@@ -50,10 +52,11 @@ test("the menus hand the page exactly the keys that it answers for", () => {
   const sent = sources.flatMap((source) =>
     Array.from(source.matchAll(/pageKey\(\s*tr\("[^"]*"\),\s*u"(\S+?)[ "]/g), ([, key]) => key),
   );
-  assert.deepEqual(sent.sort(), Object.keys(keyTable({})).sort());
+  assert.deepEqual(sent.sort(), Object.keys(keyTable(standIn({}))).sort());
 });
 
 test("beats, bars and sections lead on and back", () => {
+  /** @type {[string, number, number][]} */
   const cases = [
     ["Right", 3840, 4800],
     ["Left", 3840, 2880],

@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { positionAt, ticksOf, wholeBars } from "../src/timing/marked-range.js";

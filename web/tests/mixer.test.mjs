@@ -1,7 +1,9 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { Mixer } from "../src/playback/mixer.js";
 import { Signal } from "./support/signal.mjs";
+import { standIn } from "./support/stand-in.mjs";
 
 /** A score of two tracks, the first of which plays on two channels; what the player is set to is kept by channel. */
 function mixed() {
@@ -16,8 +18,8 @@ function mixed() {
   }
   const api = { playerReady: new Signal(), player, score: { tracks: [{ index: 0 }, { index: 1 }] } };
   const solos = [];
-  const mixer = new Mixer(api, (anySolo) => solos.push(anySolo));
-  mixer.use({ channels });
+  const mixer = new Mixer(standIn(api), (anySolo) => solos.push(anySolo));
+  mixer.use(standIn({ channels }));
   return { mixer, api, set, solos };
 }
 

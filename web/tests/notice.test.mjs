@@ -1,6 +1,8 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { Notice } from "../src/score-view/notice.js";
+import { standIn } from "./support/stand-in.mjs";
 
 /** A notice on an element that is as much as it needs, and what is put off. @param {import("node:test").TestContext} t */
 function noticeOf(t) {
@@ -9,7 +11,7 @@ function noticeOf(t) {
   t.mock.method(globalThis, "clearTimeout", (id) => held.delete(id));
   const element = { hidden: true, className: "", textContent: "", style: {} };
   const runTimers = () => [...held.values()].forEach((run) => run());
-  return { element, notice: new Notice(element), runTimers };
+  return { element, notice: new Notice(standIn(element)), runTimers };
 }
 
 test("a second problem is said in the place of the first, and goes after a while", (t) => {

@@ -1,6 +1,8 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { OutputStatus, OutputWatch } from "../src/audio/output-watch.js";
+import { standIn } from "./support/stand-in.mjs";
 
 /** A sound system with a context on it, and a clock that goes on when it is told to. */
 class SoundSystem {
@@ -31,7 +33,7 @@ class SoundSystem {
         system.plays = true;
       },
     };
-    this.watch = new OutputWatch(this.context, {
+    this.watch = new OutputWatch(standIn(this.context), {
       devices: async () => (this.answers ? (this.hasDevice ? [{ kind: "audiooutput" }] : []) : new Promise(() => {})),
       status: this.status,
       now: () => this.time,

@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { existsSync, readFileSync } from "node:fs";
 import { createRequire } from "node:module";
@@ -32,6 +33,8 @@ function play(score) {
     new alphaTab.midi.AlphaSynthMidiFileHandler(midi),
   );
   generator.generate();
+  /** @type {any[]} */
+  const events = midi.events;
   const points = (list) =>
     list.map(({ synthTick, synthTime, syncTime }) => [synthTick, Math.round(synthTime), Math.round(syncTime)]);
   return {
@@ -39,7 +42,7 @@ function play(score) {
     starts: generator.tickLookup.masterBars.map(({ start }) => start),
     ends: generator.tickLookup.masterBars.map(({ end }) => end),
     // Metres excepted: alphaTab goes by the bar before, also when that is not played.
-    events: midi.events
+    events: events
       .filter(({ type }) => type !== alphaTab.midi.MidiEventType.TimeSignature)
       .map(({ tick, type, noteKey, noteDuration, beatsPerMinute }) => [
         tick,

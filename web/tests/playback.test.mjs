@@ -1,7 +1,9 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { Signal } from "./support/signal.mjs";
 import { alphaTab } from "./support/played-score.mjs";
+import { standIn } from "./support/stand-in.mjs";
 
 const { TempoMap } = await import("../src/timing/tempo-map.js");
 const { Playback } = await import("../src/playback/playback.js");
@@ -17,12 +19,10 @@ function transport({
   const messages = [];
   const notation = new EventTarget();
   const api = {
-    ...Object.fromEntries(
-      ["preparationFailed", "playerReady", "playerStateChanged", "playerPositionChanged"].map((name) => [
-        name,
-        new Signal(),
-      ]),
-    ),
+    preparationFailed: new Signal(),
+    playerReady: new Signal(),
+    playerStateChanged: new Signal(),
+    playerPositionChanged: new Signal(),
     notation,
     score,
     isReadyForPlayback: ready,
@@ -48,14 +48,16 @@ function transport({
       calls.push(["volume", volume]);
     },
   };
-  const playback = new Playback(api, (message) => messages.push(message));
+  const playback = new Playback(standIn(api), (message) => messages.push(message));
   const load = () => {
-    playback.use({
-      tempoMap: new TempoMap([], 40 * 960, 960),
-      tickShift: 0,
-      countIn: (tick) => ({ tick }),
-      syncPoints: [],
-    });
+    playback.use(
+      standIn({
+        tempoMap: new TempoMap([], 40 * 960, 960),
+        tickShift: 0,
+        countIn: (tick) => ({ tick }),
+        syncPoints: [],
+      }),
+    );
     notation.dispatchEvent(new Event("alphaTab.midiFileLoaded"));
   };
   if (score) {

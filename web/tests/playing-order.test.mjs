@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { mostBars, playingOrder } from "../src/timing/playing-order.js";
@@ -119,6 +120,7 @@ function random(seed) {
 }
 
 test("whatever is written comes to an end, and soon", () => {
+  /** @type {any[]} */
   const names = ["Fine", "Segno", "SegnoSegno", "Coda", "DoubleCoda", "ToCoda", "ToDoubleCoda"].concat(
     ["DaCapo", "DalSegno", "DalSegnoSegno"].flatMap((jump) =>
       ["", "AlCoda", "AlDoubleCoda", "AlFine"].map((aim) => jump + aim),

@@ -1,11 +1,13 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { PointerInput } from "../src/score-view/pointer-input.js";
 import { RangeLayer } from "../src/score-view/range-layer.js";
 import { RangeSelection } from "../src/score-view/range-selection.js";
 import { Signal } from "./support/signal.mjs";
+import { standIn } from "./support/stand-in.mjs";
 
-globalThis.document = {
+globalThis.document = standIn({
   createElement: () => ({
     style: {},
     dataset: {},
@@ -14,8 +16,8 @@ globalThis.document = {
       this.handles = children.filter(({ className }) => className === "range-handle");
     },
   }),
-};
-globalThis.requestAnimationFrame = () => {};
+});
+globalThis.requestAnimationFrame = standIn(() => {});
 
 /** Beats of 960 ticks, each 100 pixels wide, in bars of four; the third bar is never played. */
 const beats = Array.from({ length: 16 }, (_, index) => ({
@@ -39,6 +41,7 @@ function barBounds(index, zoom) {
 function page({ tick = 0 } = {}) {
   const box = { left: 0, top: 0 };
   const notation = Object.assign(new EventTarget(), {
+    layer: standIn(null),
     append: (layer) => (notation.layer = layer),
     getBoundingClientRect: () => box,
     setPointerCapture: () => {},
@@ -53,7 +56,7 @@ function page({ tick = 0 } = {}) {
   });
   const bars = [0, 1, 3].map((index) => ({ start: index * 3840, end: (index + 1) * 3840, masterBar: { index } }));
   const view = { zoom: 1 };
-  const api = {
+  const api = standIn({
     notation,
     postRenderFinished: new Signal(),
     scorePrepared: new Signal(),
@@ -72,13 +75,17 @@ function page({ tick = 0 } = {}) {
       getRelativeBeatPlaybackRange: (beat) => ({ startTick: beat.playbackStart, endTick: beat.playbackStart + 960 }),
       findBeat: (_, at) => ({ beat: beats[Math.floor(at / 960)] }),
     },
-  };
+  });
   const seeks = [];
   const ranges = [];
-  const playback = { tick, seekToTick: (to) => seeks.push(to), setRange: (range) => ranges.push(range) };
+  const playback = standIn({
+    tick,
+    seekToTick: (to) => seeks.push(to),
+    setRange: (range) => ranges.push(range),
+  });
   const selection = new RangeSelection(api, playback, new RangeLayer(api));
-  const input = new PointerInput(api, playback, viewport, selection);
-  const pointer = (type, x, { target, ...more } = {}) => {
+  const input = new PointerInput(api, playback, standIn(viewport), selection);
+  const pointer = (type, x, { target, ...more } = standIn({})) => {
     const event = Object.assign(new Event(type), {
       button: 0,
       buttons: 1,

@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { readFile } from "node:fs/promises";
 import { dirname, join } from "node:path";
@@ -129,11 +130,13 @@ const loudness = (sound, clicks) =>
   );
 
 test("an upbeat is counted in by a bar and the beats before it, which begin one more bar", () => {
-  for (const [upbeat, clicks] of [
+  /** @type {[string, number][]} */
+  const upbeats = [
     ["\\ts 4 4 \\ac :4 r", 7],
     ["\\ts 4 4 \\ac :8 r", 8],
     ["\\ts 3 4 \\ac :4 r r", 4],
-  ]) {
+  ];
+  for (const [upbeat, clicks] of upbeats) {
     const played = playedScore(`\\tempo 120 ${upbeat} | r.1 |`);
     const metre = Number(/ts (\d)/.exec(upbeat)[1]);
     played.metronome.configure({ volume: 1, sound: "tick", accent: true, mode: "bar" });

@@ -1,20 +1,26 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { Signal } from "./support/signal.mjs";
 import { alphaTab } from "./support/played-score.mjs";
 import { bytesOf, document as musicXml, note, attributes } from "./support/musicxml-maker.mjs";
+import { standIn } from "./support/stand-in.mjs";
 
 // The render worker is ready at once.
-globalThis.Worker = class {
-  addEventListener(type, receive) {
-    if (type === "message") {
-      queueMicrotask(receive);
+globalThis.Worker = standIn(
+  class {
+    addEventListener(type, receive) {
+      if (type === "message") {
+        queueMicrotask(receive);
+      }
     }
-  }
-};
-globalThis.OfflineAudioContext = class {
-  decodeAudioData = async () => ({});
-};
+  },
+);
+globalThis.OfflineAudioContext = standIn(
+  class {
+    decodeAudioData = async () => ({});
+  },
+);
 const { ScoreSession } = await import("../src/session/score-session.js");
 
 const file = (title) =>
@@ -82,17 +88,19 @@ function session() {
     afterPaint: (work) => paints.push(work),
     afterSight: (work) => work(),
   };
-  const own = new ScoreSession({
-    api,
-    playback,
-    mixer: leaving("mixer"),
-    pointerInput: leaving("pointer"),
-    scoreView,
-    cursor: { showAtStart: () => log.push("cursor") },
-    notice,
-    post: (message) => messages.push(message),
-    timing,
-  });
+  const own = new ScoreSession(
+    standIn({
+      api,
+      playback,
+      mixer: leaving("mixer"),
+      pointerInput: leaving("pointer"),
+      scoreView,
+      cursor: { showAtStart: () => log.push("cursor") },
+      notice,
+      post: (message) => messages.push(message),
+      timing,
+    }),
+  );
   return { own, api, log, messages, paints, types: () => messages.map(({ type }) => type) };
 }
 

@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { createRequire } from "node:module";
 import { test } from "node:test";

@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { segmentsOf } from "../src/backing-track/decode/segments.js";

@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { readSoundFile, to16BitSamples } from "../src/soundfont/sound-file.js";

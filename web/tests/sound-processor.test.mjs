@@ -1,7 +1,9 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { SampleRing } from "../src/audio/sample-ring.js";
 import { pass } from "./support/clock.mjs";
+import { standIn } from "./support/stand-in.mjs";
 
 const block = 128;
 /** Frames that the sound system takes at once. */
@@ -10,9 +12,11 @@ const callback = 1024;
 const perMillisecond = 48;
 
 let Processor;
-globalThis.AudioWorkletProcessor = class {
-  port = {};
-};
+globalThis.AudioWorkletProcessor = standIn(
+  class {
+    port = {};
+  },
+);
 globalThis.registerProcessor = (_, processor) => (Processor = processor);
 await import("../src/synth/sound-processor.js");
 

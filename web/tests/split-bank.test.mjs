@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { spawnSync } from "node:child_process";
 import { mkdtempSync, readFileSync, readdirSync, rmSync, writeFileSync } from "node:fs";
@@ -44,7 +45,9 @@ const sample = (index, more) => ({
   ...more,
 });
 
+/** @type {Parameters<typeof makeBank>[0]["presets"][0]} */
 const guitar = { name: "Guitar", bank: 0, program: 25, zones: [[[generator.instrument, 0]]] };
+/** @type {Parameters<typeof makeBank>[0]} */
 const bank = {
   presets: [
     { name: "Drums", bank: 128, program: 0, zones: [[[generator.instrument, 1]]] },

@@ -1,3 +1,4 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { test } from "node:test";
@@ -9,6 +10,7 @@ const source = (path) => readFileSync(new URL(`../src/${path}`, import.meta.url)
 
 /** The sentences that readers see, as they stand in the sources. */
 function shownSentences() {
+  /** @type {[RegExp, string][]} */
   const patterns = [
     [/problem: (?:"([^"]+)"|`([^`]+)`)/g, source("score-files/score-files.js")],
     [/#refuse\((?:"([^"]+)"|`([^`]+)`)/g, source("session/score-session.js")],

@@ -1,10 +1,12 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { createRequire } from "node:module";
 import { test } from "node:test";
+import { standIn } from "./support/stand-in.mjs";
 
 // What is waited for must not keep the tests from ending.
 const { setTimeout: systemTimeout } = globalThis;
-globalThis.setTimeout = (...what) => systemTimeout(...what).unref();
+globalThis.setTimeout = standIn((work, ms) => systemTimeout(work, ms).unref());
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
@@ -16,7 +18,7 @@ test("a score that the worker has read is asked for by its number", () => {
   const { worker, renderer } = viewport();
   const bytes = new Uint8Array([1, 2, 3]);
   const file = renderer.read(bytes);
-  assert.deepEqual(worker.last, { cmd: "read", file, bytes });
+  assert.deepEqual({ ...worker.last }, { cmd: "read", file, bytes });
   const score = scoreOf("c4");
   renderer.recognize(score, file);
   renderer.renderScore(score, [0]);
@@ -29,7 +31,7 @@ test("a score that the worker has read is asked for by its number", () => {
 
 test("the worker is told how wide letters are, which only the page can measure", () => {
   const { worker, renderer } = viewport();
-  alphaTab.platform.FontSizes.fontSizeLookupTables.set("Measured Serif", [[3, 5, 8]]);
+  standIn(alphaTab.platform).FontSizes.fontSizeLookupTables.set("Measured Serif", [[3, 5, 8]]);
   renderer.renderScore(scoreOf("c4"), [0]);
   assert.deepEqual(worker.last.textWidths.get("Measured Serif"), [[3, 5, 8]]);
 });
@@ -138,7 +140,7 @@ test("a line without an end is drawn anew as a whole, and begins when it is new"
     worker.answer({ kind: "drawn", renderId, batch: batch(["A"], { first: true, last: true }) });
     return atOnce;
   };
-  const lay = (layout) => {
+  const lay = (/** @type {"Horizontal" | "Page"} */ layout) => {
     settings.display.layoutMode = alphaTab.LayoutMode[layout];
     renderer.updateSettings(settings);
     renderer.render();
@@ -346,9 +348,7 @@ test("what goes wrong in the worker reaches alphaTab, of whichever render pass",
   const { worker, renderer, take } = viewport();
   renderer.renderScore(scoreOf("c4"), [0]);
   worker.answer({ kind: "failed", message: "no such clef" });
-  const broken = new Event("error");
-  broken.message = "no such script";
-  worker.dispatchEvent(broken);
+  worker.dispatchEvent(Object.assign(new Event("error"), { message: "no such script" }));
   assert.deepEqual(take(), ["error: no such clef", "error: no such script"]);
 });
 
@@ -371,7 +371,7 @@ test("render passes stop after their beginning while the remainder is held, unti
   renderer.renderScore(scoreOf("d4"), [0]);
   assert.equal(worker.last.remainderTimeoutMs, 1500);
   renderer.resume();
-  assert.deepEqual(worker.last, { cmd: "resume" });
+  assert.deepEqual({ ...worker.last }, { cmd: "resume" });
   renderer.resume();
   assert.equal(worker.count("resume"), 1);
   renderer.render();
@@ -444,13 +444,13 @@ test("a new notation knows nothing of the places of the one before", () => {
 function atWorkers(t) {
   const timers = [];
   const { setTimeout: real } = globalThis;
-  globalThis.setTimeout = (work, ms) => timers.push({ work, ms });
+  globalThis.setTimeout = standIn((work, ms) => timers.push({ work, ms }));
   t.after(() => (globalThis.setTimeout = real));
   const workers = [new FakeWorker()];
   const scrolled = { view, position: { left: 0, top: 0 }, moveTo: () => {} };
-  const renderer = new WorkerRenderer(workers[0], scrolled, () => {
+  const renderer = new WorkerRenderer(standIn(workers[0]), scrolled, () => {
     workers.push(new FakeWorker());
-    return workers.at(-1);
+    return standIn(workers.at(-1));
   });
   renderer.width = 900;
   renderer.updateSettings(new alphaTab.Settings());

@@ -76,7 +76,8 @@ export class BackingTrackPlayer {
   #generation = 0;
   #presentedMs = 0;
   #startingOver = false;
-  #sleep = 0;
+  /** @type {ReturnType<typeof setTimeout> | undefined} */
+  #sleep;
 
   /** @param {BackingTrack | null} backingTrack null for silence */
   load(backingTrack) {

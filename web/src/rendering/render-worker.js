@@ -53,7 +53,7 @@ function answer(request) {
       break;
     case "read": {
       const reading = readScore(request.bytes, settings);
-      read = "score" in reading ? { file: request.file, score: reading.score } : null;
+      read = reading.score ? { file: request.file, score: reading.score } : null;
       break;
     }
     case "draw":

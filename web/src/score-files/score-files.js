@@ -15,7 +15,7 @@ import { assignInstruments, isRecognised } from "./recognised-parts.js";
  *
  * @typedef {import("../shared/alphatab.js").Score} Score
  * @typedef {import("../shared/alphatab.js").Settings} Settings
- * @typedef {{ score: Score } | { problem: string }} Reading
+ * @typedef {{ score: Score, problem?: undefined } | { score?: undefined, problem: string }} Reading
  */
 
 /** How much the score of a Guitar Pro file may unpack to, in bytes: many times what the longest scores do. */

@@ -42,8 +42,10 @@ export class AutoScroll {
   #jumped = false;
   /** Whether readers have scrolled since the score was opened. */
   #readerScrolled = false;
-  #soon = 0;
-  #lookAheadTimer = 0;
+  /** @type {ReturnType<typeof setTimeout> | undefined} */
+  #soon;
+  /** @type {ReturnType<typeof setTimeout> | undefined} */
+  #lookAheadTimer;
   /**
    * @type {{ system: number, top: number } | null} the staff system that has made room for the next, and where it was
    */

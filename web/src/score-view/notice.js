@@ -14,7 +14,8 @@ const problemTimeMs = 9000;
 
 export class Notice {
   #element;
-  #timer = 0;
+  /** @type {ReturnType<typeof setTimeout> | undefined} */
+  #timer;
   #openedAt = 0;
   #opening = false;
   /** @type {string | null} what is true for longer than the other things that are said */

@@ -46,7 +46,8 @@ const steps = [
 
 export class IdleCollection {
   #playback;
-  #timer = 0;
+  /** @type {ReturnType<typeof setTimeout> | undefined} */
+  #timer;
   /** @type {Step[]} */
   #left = [];
   #api;

@@ -80,7 +80,7 @@ export class ScoreSession {
       return;
     }
     const reading = readScore(bytes, this.#api.settings);
-    if ("problem" in reading) {
+    if (reading.problem !== undefined) {
       this.#loading.refuse(load);
       this.#refuse(reading.problem);
       return;

@@ -23,7 +23,8 @@ export class AudioOutput {
   #node = this.#build();
   /** @type {MessagePort | null} to the synthesizer that sounds; posts of another one no longer count */
   #port = null;
-  #sleep = 0;
+  /** @type {ReturnType<typeof setTimeout> | undefined} */
+  #sleep;
 
   /** In samples a second. */
   get sampleRate() {

@@ -13,7 +13,8 @@ export class PlaybackClock {
   #at = 0;
   /** Never less than the time before. */
   #reported = 0;
-  #timer = 0;
+  /** @type {ReturnType<typeof setTimeout> | undefined} */
+  #timer;
 
   /** @param {Pick<import("./practice-synth.js").PracticeSynth, "sampleRate" | "nextNote" | "presented">} synth */
   constructor(synth) {

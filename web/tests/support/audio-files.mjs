@@ -1,3 +1,4 @@
+// @ts-check
 // Audio files made up for the tests: their frames and pages are in order, what is in them sounds of nothing.
 
 /** Bytes that differ from each other and are the same each time. */

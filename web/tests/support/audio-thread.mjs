@@ -1,3 +1,4 @@
+// @ts-check
 // The audio thread, without an audio output: what it would play is returned.
 import { findOnsets } from "../../src/backing-track/decode/onsets.js";
 import { blocksOf, sampleRate } from "./sounds.mjs";

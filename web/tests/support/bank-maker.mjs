@@ -1,3 +1,4 @@
+// @ts-check
 // Makes small sound banks in the SoundFont format, with everything spelled out that a real one has.
 
 const text = (value, length) => Buffer.concat([Buffer.from(value, "latin1"), Buffer.alloc(length)], length);

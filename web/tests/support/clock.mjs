@@ -1,15 +1,17 @@
+// @ts-check
 // Time that passes when it is told to. Takes the place of setTimeout() and Date.now() from the import on.
+import { standIn } from "./stand-in.mjs";
 
 let now = 1_700_000_000_000;
 let count = 0;
 /** @type {Map<number, { due: number, action: () => void }>} */
 const waiting = new Map();
 
-globalThis.setTimeout = (action, delay = 0) => {
+globalThis.setTimeout = standIn((action, delay = 0) => {
   waiting.set(++count, { due: now + delay, action });
   return count;
-};
-globalThis.clearTimeout = (id) => waiting.delete(id);
+});
+globalThis.clearTimeout = standIn((id) => waiting.delete(id));
 Date.now = () => now;
 
 /** @param {number} milliseconds that pass, with everything that is due meanwhile */

@@ -1,3 +1,4 @@
+// @ts-check
 // A thorough collection of garbage is asked for by a buffer that cannot be had.
 
 const RealBuffer = ArrayBuffer;

@@ -1,3 +1,4 @@
+// @ts-check
 // Reads, plays, draws and writes damaged files one after the other, and tells how each went.
 import { createRequire } from "node:module";
 import { parentPort } from "node:worker_threads";

@@ -1,5 +1,7 @@
+// @ts-check
 import assert from "node:assert/strict";
 import { createRequire } from "node:module";
+import { standIn } from "./stand-in.mjs";
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
@@ -9,6 +11,7 @@ export const view = { left: 0, top: 0, right: 900, bottom: 600 };
 
 /** The render worker, without a worker: what it is asked is written down, and the test answers. */
 export class FakeWorker extends EventTarget {
+  /** @type {any[]} */
   asked = [];
   pings = [];
   answersPings = true;
@@ -43,10 +46,14 @@ export class FakeWorker extends EventTarget {
   }
 }
 
-/** A renderer at its worker, with everything that it told alphaTab. */
+/**
+ * A renderer at its worker, with everything that it told alphaTab.
+ *
+ * @param {import("../../src/rendering/scroll-anchor.js").ScrolledView} scrolled
+ */
 export function viewport(scrolled = { view, position: { left: 0, top: 0 }, moveTo: () => assert.fail("moved") }) {
   const worker = new FakeWorker();
-  const renderer = new WorkerRenderer(worker, scrolled, () => assert.fail("replaced"));
+  const renderer = new WorkerRenderer(standIn(worker), scrolled, () => assert.fail("replaced"));
   renderer.width = 900;
   const events = [];
   renderer.preRender.on(() => events.push("new notation"));

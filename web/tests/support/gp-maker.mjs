@@ -1,3 +1,4 @@
+// @ts-check
 // Makes Guitar Pro 3, 4 and 5 files.
 
 const versions = { 3: "FICHIER GUITAR PRO v3.00", 4: "FICHIER GUITAR PRO v4.06", 5: "FICHIER GUITAR PRO v5.10" };
@@ -71,9 +72,11 @@ class Writer {
  *   whammy?: [number, number][], stroke?: [number, number], fadeIn?: boolean, mix?: Record<string, number>, notes?: Record<number, MadeNote> }} MadeBeat length from -2, a
  *   whole note, up; notes by their strings, the highest one is 0
  *
+ * @typedef {{ metre?: [number, number], start?: boolean, count?: number, ending?: number, section?: string, key?: number }} MadeBar
+ * @typedef {{ title?: string, tempo?: number, lyrics?: string, bars: MadeBar[], tracks: { name: string, tuning?: number[], drums?: boolean, capo?: number, bars: MadeBeat[][] }[], directions?: number[] }} MadeSong
+ *
  * @param {3 | 4 | 5} version
- * @param {{ title?: string, tempo?: number, lyrics?: string, bars: { metre?: [number, number], start?: boolean, count?: number, ending?: number, section?: string,
- *   key?: number }[], tracks: { name: string, tuning?: number[], drums?: boolean, capo?: number, bars: MadeBeat[][] }[], directions?: number[] }} song
+ * @param {MadeSong} song
  */
 export function makeGuitarPro(version, { title = "Made", tempo = 120, lyrics = "", bars, tracks, directions = [] }) {
   const out = new Writer().field(versions[version], 30);
@@ -132,6 +135,7 @@ export function makeGuitarPro(version, { title = "Made", tempo = 120, lyrics = "
   return out.bytes;
 }
 
+/** @param {Writer} out @param {number} version @param {MadeBar} bar */
 function writeBar(out, version, { metre, start, count, ending, section, key }) {
   const flags =
     (metre ? 3 : 0) |
@@ -330,7 +334,7 @@ function writeNoteEffects(out, version, { bend, grace, trill, slide, letRing, ha
   }
 }
 
-/** A song with something of everything that these files hold. */
+/** A song with something of everything that these files hold. @type {MadeSong} */
 export const song = {
   title: "Made for tests",
   tempo: 96,

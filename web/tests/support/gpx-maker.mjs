@@ -1,3 +1,4 @@
+// @ts-check
 // Makes Guitar Pro 6 files: containers of sectors, and their compression.
 
 const sectorLength = 4096;

@@ -1,3 +1,4 @@
+// @ts-check
 import { createRequire } from "node:module";
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
@@ -15,7 +16,12 @@ export const rest = (duration, attributes = "") =>
 export const forward = (duration) => `<forward><duration>${duration}</duration></forward>`;
 export const backup = (duration) => `<backup><duration>${duration}</duration></backup>`;
 
-/** Divisions of a quarter and the metre, with further attributes. */
+/**
+ * Divisions of a quarter and the metre, with further attributes.
+ *
+ * @param {number} [divisions]
+ * @param {number | string} [beats]
+ */
 export const attributes = (divisions = 1, beats = 4, more = "") =>
   `<attributes><divisions>${divisions}</divisions><time><beats>${beats}</beats><beat-type>4</beat-type></time>${more}</attributes>`;
 
@@ -59,7 +65,9 @@ export function notesOf(score) {
   new midi.MidiFileGenerator(score, new Settings(), new midi.AlphaSynthMidiFileHandler(file)).generate();
   const notes = [];
   const sounding = new Map();
-  for (const event of file.tracks.flatMap(({ events }) => events)) {
+  /** @type {any[]} */
+  const events = file.tracks.flatMap((track) => track.events);
+  for (const event of events) {
     const id = `${event.channel} ${event.noteKey}`;
     if (event.type === midi.MidiEventType.NoteOn) {
       const note = { time: event.tick / 960, key: event.noteKey, length: 0 };

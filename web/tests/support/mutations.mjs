@@ -1,3 +1,4 @@
+// @ts-check
 // Damages files, always in the same way.
 
 /** Numbers from 0 up to 1. @param {number} seed above 0 */

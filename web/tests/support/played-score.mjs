@@ -1,5 +1,8 @@
+// @ts-check
 // Plays scores in Node, with alphaTab itself: what the page's worker renders, sample by sample.
 import { createRequire } from "node:module";
+import { Signal } from "./signal.mjs";
+import { standIn } from "./stand-in.mjs";
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 export const { alphaTab } = globalThis;
@@ -16,19 +19,6 @@ const { scoreOrder } = await import("../../src/playback/score-order.js");
 
 playInOrder((score) => scoreOrder(score).bars);
 
-/** An event of alphaTab's. */
-class Signal {
-  #listeners = [];
-
-  on(listener) {
-    this.#listeners.push(listener);
-  }
-
-  trigger(...details) {
-    this.#listeners.forEach((listener) => listener(...details));
-  }
-}
-
 /** @param {string} text alphaTex */
 export function scoreOf(text) {
   return alphaTab.importer.ScoreLoader.loadAlphaTex(text, new alphaTab.Settings());
@@ -38,7 +28,7 @@ export function scoreOf(text) {
 export class PlayedScore {
   streams = 0;
   messages = [];
-  api = {
+  api = standIn({
     midiLoad: new Signal(),
     preparationFailed: new Signal(),
     playerReady: new Signal(),
@@ -51,7 +41,7 @@ export class PlayedScore {
     playsBackingTrack: false,
     trackChannels: new Map(),
     backingTrackPlayer: { setClicks: () => {}, setLoop: () => {} },
-  };
+  });
 
   /** @param {import("../../src/shared/alphatab.js").Score} score */
   constructor(score) {

@@ -1,3 +1,4 @@
+// @ts-check
 // Scores as Audiveris 5.11 was seen to write them, in the words that it uses.
 
 /**

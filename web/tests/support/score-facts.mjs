@@ -1,3 +1,4 @@
+// @ts-check
 // What a score says, as lists of short texts by kind: two scores say the same when their lists are the same.
 import { createHash } from "node:crypto";
 import { createRequire } from "node:module";
@@ -155,7 +156,9 @@ function playingFacts(score) {
   );
   generator.generate();
   const { NoteOn, NoteOff, TempoChange } = alphaTab.midi.MidiEventType;
-  return midi.events
+  /** @type {any[]} */
+  const events = midi.events;
+  return events
     .filter(({ type }) => type === NoteOn || type === NoteOff || type === TempoChange)
     .map(
       (event) =>
@@ -270,6 +273,7 @@ export function factsOf(score) {
  * @returns {Record<string, { missing: string[], added: string[] }>} the kinds in which two scores differ
  */
 export function differences(before, after) {
+  /** @type {Record<string, { missing: string[], added: string[] }>} */
   const found = {};
   for (const kind of Object.keys(before)) {
     const counts = new Map();

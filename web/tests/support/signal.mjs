@@ -1,3 +1,4 @@
+// @ts-check
 /** An event of alphaTab's kind, which tests trigger. */
 export class Signal {
   #receivers = [];

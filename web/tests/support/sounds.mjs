@@ -1,3 +1,4 @@
+// @ts-check
 // Sounds made up for the tests, as 16-bit samples, and what is heard when they are stretched.
 import { findOnsets } from "../../src/backing-track/decode/onsets.js";
 import { DecodedTrack } from "../../src/backing-track/stretch/decoded-track.js";

@@ -1,3 +1,4 @@
+// @ts-check
 // Scores as one line of signs, for tests of the order in which bars are played.
 
 /**
