@@ -54,6 +54,17 @@ bool takeTablatureOff(GrayBitmap &page)
     return erased;
 }
 
+/// The first page that Audiveris takes in no form, before any work is put into the others.
+std::optional<Failure> tooLargeInAnyForm(const PageRasters &pages)
+{
+    for (int index = 0; index < pages.count(); ++index) {
+        const std::optional<qint64> pixels = pages.pixels(index);
+        if (pixels && *pixels > mostPixels * pixelsOfDrawnPdf)
+            return tooLargeFailure(index, *pixels);
+    }
+    return std::nullopt;
+}
+
 /// One page after the other, so that one raster is alive at a time.
 Result<PageImages> writePages(PageRasters &pages, const WorkingFolder &folder, const ProgressReport &report)
 {
@@ -74,7 +85,7 @@ Result<PageImages> writePages(PageRasters &pages, const WorkingFolder &folder, c
         const qint64 pixels = qint64(bitmap->width) * bitmap->height;
         if (!tooLarge && pixels > mostPixels)
             tooLarge = tooLargeFailure(index, pixels);
-        if (tooLarge && (images.erased || pixels > mostPixels * pixelsOfDrawnPdf))
+        if (tooLarge && images.erased)
             return *tooLarge;
         const QString file = folder.path(u"page-%1.png"_s.arg(index + 1, 3, 10, QLatin1Char('0')));
         if (std::optional<Failure> failure = writePNG(*bitmap, file))
@@ -114,6 +125,8 @@ Result<QByteArray> convert(const QString &pdf, const QString &audiveris, const s
     const WorkingFolder folder(debugDir);
     if (folder.failure())
         return *folder.failure();
+    if (std::optional<Failure> failure = tooLargeInAnyForm(*pages))
+        return *std::move(failure);
 
     const Result<PageImages> images = writePages(*pages, folder, report);
     if (!images)

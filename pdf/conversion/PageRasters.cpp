@@ -62,6 +62,14 @@ bool PageRasters::start()
     return true;
 }
 
+std::optional<qint64> PageRasters::pixels(int index) const
+{
+    const QSizeF size = index >= 0 && index < count() ? rasterSize(m_boxes[std::size_t(index)]) : QSizeF();
+    if (size.width() < 1 || size.height() < 1 || size.width() * size.height() > double(mostBytes))
+        return std::nullopt;
+    return qint64(size.width()) * qint64(size.height());
+}
+
 Result<std::optional<GrayBitmap>> PageRasters::render(int index, std::vector<quint8> storage)
 {
     if (index < 0 || index >= count())

@@ -25,6 +25,10 @@ public:
     /// At least 1.
     int count() const { return int(m_boxes.size()); }
 
+    /// How many pixels render() makes of page `index`, known before anything is drawn; nothing where it fails for its
+    /// size.
+    std::optional<qint64> pixels(int index) const;
+
     /// The whole media box of page `index`, as it is displayed, on white: one PDF unit is 25/3 pixels. Nothing for a
     /// page that is too damaged to be taken out of the file.
     ///

@@ -202,6 +202,24 @@ private Q_SLOTS:
         QVERIFY(converted(pdf({ notation, large })));
     }
 
+    void aPageThatIsTooLargeInAnyFormIsSaidBeforeAnyWork()
+    {
+        const StandIn engine(m_folder->path());
+        const TestPDFs::Page poster{ .media = "0 0 1600 1600" };
+        int told = 0;
+        const Result<QByteArray> result = convert(
+            pdf({ notation, withTab, poster }), StandIn::program(), {}, {}, [&told](const Progress &) { ++told; });
+        QVERIFY(!result);
+        QVERIFY2(result.failure().message.startsWith(
+                     u"Audiveris failed.\n\nPage 3 is too large for it: 177.8 million pixels"_s),
+            qPrintable(result.failure().message));
+        QCOMPARE(told, 0);
+        QVERIFY2(engine.report().isEmpty(), "it was run all the same");
+        QVERIFY(leftBehind().isEmpty());
+        // Of what cannot even be drawn something else is said.
+        QCOMPARE(failure(pdf({ { .media = "0 0 14400 14400" } })), u"Could not rasterize a PDF page."_s);
+    }
+
     void progress()
     {
         const StandIn engine(m_folder->path(), "steps");
