@@ -30,3 +30,15 @@ void PageReports::reportSections(const QVariantList &sections)
 }
 
 void PageReports::pressKey(const QString &key) { Q_EMIT keyPressed(key); }
+
+void PageReports::reportRange(const QVariantMap &range) { Q_EMIT rangeChanged(MarkedRange::fromMap(range)); }
+
+void PageReports::reportPrintPrepared(bool succeeded) { Q_EMIT printPrepared(succeeded); }
+
+void PageReports::chooseRange(const MarkedRange &range) { Q_EMIT rangeWanted(range.toMap()); }
+
+void PageReports::showFretboard(bool shown, bool leftHanded) { Q_EMIT fretboardWanted(shown, leftHanded); }
+
+void PageReports::wantPrint(double width, double height) { Q_EMIT printWanted(width, height); }
+
+void PageReports::endPrint() { Q_EMIT printEnded(); }

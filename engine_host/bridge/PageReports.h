@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine_host/bridge/MarkedRange.h"
 #include "engine_host/bridge/ScoreSection.h"
 
 #include <QList>
@@ -29,15 +30,37 @@ public:
     /// text nor time is left out.
     Q_INVOKABLE void reportSections(const QVariantList &sections);
 
+    /// Called by the page: what looping loops, as MarkedRange::toMap has it; what is no range stands for the whole
+    /// score.
+    Q_INVOKABLE void reportRange(const QVariantMap &range);
+    /// Called by the page: the pages that wantPrint() wants are there to be printed, or cannot be.
+    Q_INVOKABLE void reportPrintPrepared(bool succeeded);
+
     /// Hands the page a key that it answers for.
     ///
     /// @param key as QKeySequence::PortableText has it: "Ctrl+Left"
     void pressKey(const QString &key);
+    /// Has the page choose what looping loops.
+    void chooseRange(const MarkedRange &range);
+    /// Has the page show the fretboard or not, and for which hand.
+    void showFretboard(bool shown, bool leftHanded);
+    /// Has the page make pages of its score, for as much room as each of them has, in CSS pixels.
+    void wantPrint(double width, double height);
+    /// Those pages are printed: nobody needs them any more.
+    void endPrint();
 
 Q_SIGNALS:
     void audioOutputChanged(bool working);
     void synthLost();
     void sectionsChanged(const QList<ScoreSection> &sections);
-    /// For the page. It is a signal and no key event, because Chromium drops events while something else has the focus.
+    void rangeChanged(const std::optional<MarkedRange> &range);
+    void printPrepared(bool succeeded);
+
+    // For the page
+    /// It is a signal and no key event, because Chromium drops events while something else has the focus.
     void keyPressed(const QString &key);
+    void rangeWanted(const QVariantMap &range);
+    void fretboardWanted(bool shown, bool leftHanded);
+    void printWanted(double width, double height);
+    void printEnded();
 };

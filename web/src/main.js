@@ -8,6 +8,7 @@ import { markedSections } from "./score-view/steps.js";
 import { Viewport } from "./score-view/viewport.js";
 import { ScoreSession } from "./session/score-session.js";
 import { PageApi } from "./alphatab/page-api.js";
+import { FretboardSwitch } from "./fretboard/fretboard-switch.js";
 import { FineInstruments } from "./sounds/fine-instruments.js";
 import { AutoScroll } from "./score-view/auto-scroll.js";
 import { ScoreFooter } from "./score-view/score-footer.js";
@@ -20,7 +21,9 @@ import { providePlayback } from "./playback/build-playback.js";
 import { playInOrder } from "./alphatab/play-through.js";
 import { Playback } from "./playback/playback.js";
 import { scoreOrder } from "./playback/score-order.js";
+import { PrintedScore } from "./printing/printed-score.js";
 import { PointerInput } from "./score-view/pointer-input.js";
+import { fromHost, toHost } from "./score-view/host-range.js";
 import { RangeLayer } from "./score-view/range-layer.js";
 import { RangeSelection } from "./score-view/range-selection.js";
 import { SynthPlayer } from "./synth/synth-player.js";
@@ -44,7 +47,7 @@ function element(id) {
 }
 
 playInOrder((score) => scoreOrder(score).bars);
-const { post, host, keyPressed } = connect();
+const { post, host, keyPressed, rangeWanted, fretboardWanted, printWanted, printEnded } = connect();
 const scorePage = element("score-page");
 const viewport = element("viewport");
 const api = new PageApi(element("notation"), new Viewport(viewport, element("notation")));
@@ -75,6 +78,23 @@ api.scorePrepared.on(() => {
   const sections = markedSections(api.tickCache?.masterBars ?? []);
   host.reportSections(sections.map(({ title, tick }) => ({ title, start: playback.scoreMs(tick) })));
 });
+
+// Behind the message of the score that it belongs to.
+rangeSelection.changed.on((range) => queueMicrotask(() => host.reportRange(range ? toHost(range) : {})));
+rangeWanted.on((range) => rangeSelection.choose(fromHost(range, api.score?.masterBars.length ?? 0)));
+
+const fretboard = new FretboardSwitch({ api, playback, mixer }, document.body);
+fretboardWanted.on((state) => fretboard.set(state));
+
+const printedScore = new PrintedScore(api, document.body);
+printWanted.on((room) => {
+  const failed = (/** @type {unknown} */ reason) => {
+    post({ type: "error", message: `The score cannot be printed (${reason}).` });
+    host.reportPrintPrepared(false);
+  };
+  printedScore.prepare(room).then(host.reportPrintPrepared, failed);
+});
+printEnded.on(() => printedScore.remove());
 
 // Nothing but a page that is loaded anew brings it back.
 SynthPlayer.lost.on(() => host.reportSynthLost());

@@ -8,7 +8,8 @@ import { standIn } from "./support/stand-in.mjs";
 function heldChannel() {
   const received = [];
   let open;
-  let press;
+  const receivers = {};
+  const signal = (name) => ({ connect: (receive) => (receivers[name] = receive) });
   const scope = {
     qt: { webChannelTransport: {} },
     QWebChannel: class {
@@ -19,13 +20,20 @@ function heldChannel() {
           reportAudioOutput: (working) => received.push({ working }),
           reportSynthLost: () => received.push("synth lost"),
           reportSections: (sections) => received.push({ sections }),
-          keyPressed: { connect: (receive) => (press = receive) },
+          reportRange: (range) => received.push({ range }),
+          reportPrintPrepared: (succeeded) => received.push({ succeeded }),
+          ...Object.fromEntries(
+            ["keyPressed", "rangeWanted", "fretboardWanted", "printWanted", "printEnded"].map((name) => [
+              name,
+              signal(name),
+            ]),
+          ),
         };
         open = () => ready({ objects: { qv, host } });
       }
     },
   };
-  return { scope, received, open: () => open(), press: (key) => press(key) };
+  return { scope, received, open: () => open(), emit: (name, ...values) => receivers[name](...values) };
 }
 
 test("there are twenty calls and eight messages, each once", () => {
@@ -55,22 +63,47 @@ test("what the page reports to its host arrives like a message, and is none", ()
   host.reportAudioOutput(true);
   host.reportSynthLost();
   host.reportSections([{ title: "A", start: 5 }]);
+  host.reportRange({});
+  host.reportPrintPrepared(true);
   assert.deepEqual(received, [
     { working: false },
     { working: true },
     "synth lost",
     { sections: [{ title: "A", start: 5 }] },
+    { range: {} },
+    { succeeded: true },
   ]);
 });
 
 test("a key that the program hands over arrives in the page", () => {
-  const { scope, open, press } = heldChannel();
+  const { scope, open, emit } = heldChannel();
   const { keyPressed } = connect(scope);
   const keys = [];
   keyPressed.on((key) => keys.push(key));
   open();
-  press("Ctrl+Left");
+  emit("keyPressed", "Ctrl+Left");
   assert.deepEqual(keys, ["Ctrl+Left"]);
+});
+
+test("what the program wants beside its calls arrives in the page", () => {
+  const { scope, open, emit } = heldChannel();
+  const wishes = connect(scope);
+  const arrived = [];
+  for (const name of ["rangeWanted", "fretboardWanted", "printWanted", "printEnded"]) {
+    wishes[name].on((value) => arrived.push([name, value]));
+  }
+  open();
+  const range = { startBar: 1, startTick: 0, endBar: 2, endTick: -1 };
+  emit("rangeWanted", range);
+  emit("fretboardWanted", true, false);
+  emit("printWanted", 700, 1000);
+  emit("printEnded");
+  assert.deepEqual(arrived, [
+    ["rangeWanted", range],
+    ["fretboardWanted", { shown: true, leftHanded: false }],
+    ["printWanted", { width: 700, height: 1000 }],
+    ["printEnded", undefined],
+  ]);
 });
 
 test("no time leaves the page that cannot be shown", () => {

@@ -10,8 +10,8 @@ const source = fileURLToPath(new URL("../src", import.meta.url));
 /** From the top down: a folder may import from those in lines below its own. */
 const layers = [
   ["."],
-  ["session"],
-  ["score-view", "metronome", "sounds"],
+  ["session", "printing"],
+  ["score-view", "fretboard", "metronome", "sounds"],
   ["playback"],
   ["alphatab"],
   ["rendering", "synth", "backing-track"],

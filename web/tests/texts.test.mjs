@@ -18,6 +18,7 @@ function shownSentences() {
     [/^const (?:lostOutput|noOutput) = "([^"]+)"/gm, source("main.js")],
     [/^const tooLong = "([^"]+)"/gm, source("rendering/worker-renderer.js")],
     [/translated\((?:"([^"]+)"|`([^`]+)`)/g, source("score-view/score-header.js")],
+    [/translated\((?:"([^"]+)"|`([^`]+)`)/g, source("fretboard/fretboard.js")],
   ];
   const found = patterns.flatMap(([pattern, text]) => [...text.matchAll(pattern)].map((match) => match[1] ?? match[2]));
   return new Set(found.map((sentence) => sentence.replace(/\$\{[^}]*(?:\([^)]*\))?\}/, "%1")));

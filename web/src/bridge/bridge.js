@@ -49,6 +49,19 @@ import { Emitter } from "../shared/emitter.js";
  * @property {() => void} reportSynthLost Nothing but a page that is loaded anew has a synthesizer again.
  * @property {(sections: { title: string, start: number }[]) => void} reportSections Those of the score that is shown; they
  *     start at a score time.
+ * @property {(range: HostRange | {}) => void} reportRange What looping loops; without members for the whole score.
+ * @property {(succeeded: boolean) => void} reportPrintPrepared The pages for a printer are there, or cannot be made.
+ *
+ * @typedef {{ startBar: number, startTick: number, endBar: number, endTick: number }} HostRange of the score as it is
+ *     written; an end tick below 0 is the end of the bar
+ *
+ * @typedef {object} Wishes what the program wants of the page beside its calls
+ * @property {Emitter<string>} keyPressed One of the keys of keys.js.
+ * @property {Emitter<HostRange>} rangeWanted Looping is to loop that.
+ * @property {Emitter<{ shown: boolean, leftHanded: boolean }>} fretboardWanted
+ * @property {Emitter<{ width: number, height: number }>} printWanted Pages for a printer are to be made, each with so much
+ *     room in CSS pixels.
+ * @property {Emitter<void>} printEnded Nobody needs those pages any more.
  */
 
 /** @type {readonly (keyof Calls)[]} */
@@ -92,25 +105,37 @@ export function expose(calls) {
  * channel around it (a plain browser) they go nowhere.
  *
  * @param {any} [scope] where the channel's two globals are looked up
- * @returns {{ post: Post, host: Host, keyPressed: Emitter<string> }} `keyPressed` with the keys of keys.js
+ * @returns {{ post: Post, host: Host } & Wishes}
  */
 export function connect(scope = globalThis) {
-  /** @type {Emitter<string>} */
-  const keyPressed = new Emitter();
+  /** @type {Wishes} */
+  const wishes = {
+    keyPressed: new Emitter(),
+    rangeWanted: new Emitter(),
+    fretboardWanted: new Emitter(),
+    printWanted: new Emitter(),
+    printEnded: new Emitter(),
+  };
   const transport = scope.qt?.webChannelTransport;
   if (!transport || !scope.QWebChannel) {
-    const host = { reportAudioOutput: () => {}, reportSynthLost: () => {}, reportSections: () => {} };
-    return { post: () => {}, host, keyPressed };
+    const nothing = () => {};
+    const host = {
+      reportAudioOutput: nothing,
+      reportSynthLost: nothing,
+      reportSections: nothing,
+      reportRange: nothing,
+      reportPrintPrepared: nothing,
+    };
+    return { post: nothing, host, ...wishes };
   }
-  /** @typedef {{ connect: (receive: (key: string) => void) => void }} KeySignal */
-  /** @typedef {{ qv?: { postMessage: Post }, host?: Host & { keyPressed?: KeySignal } }} Receivers */
+  /** @typedef {{ qv?: { postMessage: Post }, host?: Host & Partial<Record<keyof Wishes, Signal>> }} Receivers */
   /** @type {((receivers: Receivers) => void)[] | null} */
   let waiting = [];
   /** @type {Receivers} */
   let receivers = {};
   new scope.QWebChannel(transport, (/** @type {{ objects: Receivers }} */ channel) => {
     receivers = channel.objects;
-    receivers.host?.keyPressed?.connect((key) => keyPressed.trigger(key));
+    passOn(receivers.host ?? {}, wishes);
     for (const send of waiting ?? []) {
       send(receivers);
     }
@@ -133,9 +158,25 @@ export function connect(scope = globalThis) {
       reportAudioOutput: (working) => deliver(({ host }) => host?.reportAudioOutput(working)),
       reportSynthLost: () => deliver(({ host }) => host?.reportSynthLost()),
       reportSections: (sections) => deliver(({ host }) => host?.reportSections(sections)),
+      reportRange: (range) => deliver(({ host }) => host?.reportRange(range)),
+      reportPrintPrepared: (succeeded) => deliver(({ host }) => host?.reportPrintPrepared(succeeded)),
     },
-    keyPressed,
+    ...wishes,
   };
+}
+
+/**
+ * @typedef {{ connect: (receive: (...values: any[]) => void) => void }} Signal of an object of the program
+ *
+ * @param {Partial<Record<keyof Wishes, Signal>>} signals
+ * @param {Wishes} wishes
+ */
+function passOn(signals, wishes) {
+  signals.keyPressed?.connect((key) => wishes.keyPressed.trigger(key));
+  signals.rangeWanted?.connect((range) => wishes.rangeWanted.trigger(range));
+  signals.fretboardWanted?.connect((shown, leftHanded) => wishes.fretboardWanted.trigger({ shown, leftHanded }));
+  signals.printWanted?.connect((width, height) => wishes.printWanted.trigger({ width, height }));
+  signals.printEnded?.connect(() => wishes.printEnded.trigger());
 }
 
 /**

@@ -1,4 +1,5 @@
 // @ts-check
+import { Emitter } from "../shared/emitter.js";
 
 /**
  * Mutes, solos and volumes of the tracks. They belong to one score and start afresh with the next.
@@ -12,6 +13,8 @@ export class Mixer {
   #onSoloChanged;
   /** @type {Map<number, Strip>} */
   #strips = new Map();
+  /** @type {Emitter<void>} */
+  soloChanged = new Emitter();
 
   /**
    * @param {import("../alphatab/page-api.js").PageApi} api
@@ -33,10 +36,16 @@ export class Mixer {
     this.#strips.clear();
     this.#api.player?.resetChannelStates();
     this.#onSoloChanged(false);
+    this.soloChanged.trigger();
   }
 
   get anySolo() {
-    return [...this.#strips.values()].some((strip) => strip.solo);
+    return this.soloed.length > 0;
+  }
+
+  /** Indices of the tracks that are soloed. */
+  get soloed() {
+    return [...this.#strips].filter(([, strip]) => strip.solo).map(([track]) => track);
   }
 
   /**
@@ -54,6 +63,7 @@ export class Mixer {
   setSolo(trackId, solo) {
     this.#change(trackId, { solo: Boolean(solo) });
     this.#onSoloChanged(this.anySolo);
+    this.soloChanged.trigger();
   }
 
   /**

@@ -16,6 +16,8 @@ export const texts = {
     "The file is neither a Guitar Pro nor a MusicXML score.": "Die Datei ist weder Guitar Pro noch MusicXML.",
     "The score has no music in it.": "Die Partitur enthält keine Musik.",
     "The score file is damaged or cut short (%1).": "Die Datei ist beschädigt oder unvollständig (%1).",
+    "%1 is percussion: there are no strings and no keys to show.":
+      "%1 ist Schlagzeug: Es gibt weder Saiten noch Tasten zu zeigen.",
     "The score takes too long to be drawn.": "Die Partitur braucht zu lange, um gezeichnet zu werden.",
     "There is no audio output. The music plays without a sound.":
       "Es gibt keine Audioausgabe. Die Musik läuft, ohne zu klingen.",
@@ -34,6 +36,8 @@ export const texts = {
     "The file is neither a Guitar Pro nor a MusicXML score.": "Ce fichier n’est ni du Guitar Pro ni du MusicXML.",
     "The score has no music in it.": "La partition ne contient pas de musique.",
     "The score file is damaged or cut short (%1).": "Le fichier est endommagé ou incomplet (%1).",
+    "%1 is percussion: there are no strings and no keys to show.":
+      "%1 est une batterie : il n’y a ni cordes ni touches à montrer.",
     "The score takes too long to be drawn.": "La partition met trop de temps à se dessiner.",
     "There is no audio output. The music plays without a sound.":
       "Il n’y a pas de sortie audio. La musique se joue sans son.",
