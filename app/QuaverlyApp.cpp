@@ -7,6 +7,7 @@
 #include "app/StartupLog.h"
 #include "app/WindowActivation.h"
 #include "app/WindowMemory.h"
+#include "app/menus/MenuItems.h"
 #include "app/menus/PlaybackMenu.h"
 #include "app/menus/PracticeMenu.h"
 #include "app/menus/ViewMenu.h"
@@ -81,6 +82,9 @@ void QuaverlyApp::buildFileMenu()
 
     menu->insertMenu(exportGp, new RecentFilesMenu(m_controller, menu));
     menu->addSeparator();
+    const MenuItems items(m_controller, *menu);
+    items.needsScore(items.command(tr("Print…"), u"Ctrl+P"_s, [this] { m_controller.print(); }));
+    menu->addSeparator();
     QAction *quit = menu->addAction(tr("Quit"), &m_window, &QWidget::close);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
     quit->setMenuRole(QAction::QuitRole);
@@ -118,6 +122,8 @@ void QuaverlyApp::placeWindow()
             screens << screen->availableGeometry();
         m_window.setGeometry(WindowMemory::pulledIn(place->geometry, screens));
         m_content->setSidebarWidth(place->sidebarWidth);
+        m_controller.leftHandedFretboard = place->leftHandedFretboard;
+        m_controller.fretboard = place->fretboard;
         if (place->maximized)
             m_window.setWindowState(Qt::WindowMaximized);
         return;
@@ -139,6 +145,7 @@ void QuaverlyApp::showWindow()
 void QuaverlyApp::rememberWindow()
 {
     if (!m_memoryFile.isEmpty())
-        WindowMemory::write(
-            m_memoryFile, { m_window.normalGeometry(), m_window.isMaximized(), m_content->sidebarWidth() });
+        WindowMemory::write(m_memoryFile,
+            { m_window.normalGeometry(), m_window.isMaximized(), m_content->sidebarWidth(), m_controller.fretboard,
+                m_controller.leftHandedFretboard });
 }

@@ -1,5 +1,7 @@
 #include "app/WindowMemory.h"
 
+#include "controller/StateFolder.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -22,13 +24,7 @@ qint64 area(const QRect &rect) { return rect.isEmpty() ? 0 : qint64(rect.width()
 
 namespace WindowMemory {
 
-QString userFilePath()
-{
-    // What is not absolute does not count, say the XDG base directories.
-    const QString named = qEnvironmentVariable("XDG_STATE_HOME");
-    const QString folder = QDir::isAbsolutePath(named) ? named : QDir::homePath() + u"/.local/state"_s;
-    return folder + u"/quaverly/window.json"_s;
-}
+QString userFilePath() { return StateFolder::path() + u"/window.json"_s; }
 
 std::optional<Place> read(const QString &filePath)
 {
@@ -40,7 +36,8 @@ std::optional<Place> read(const QString &filePath)
     const QRect geometry(number(u"x"_s), number(u"y"_s), number(u"width"_s), number(u"height"_s));
     if (geometry.isEmpty())
         return std::nullopt;
-    return Place{ geometry, object[u"maximized"_s].toBool(), number(u"sidebarWidth"_s) };
+    return Place{ geometry, object[u"maximized"_s].toBool(), number(u"sidebarWidth"_s), object[u"fretboard"_s].toBool(),
+        object[u"leftHandedFretboard"_s].toBool() };
 }
 
 void write(const QString &filePath, const Place &place)
@@ -51,7 +48,8 @@ void write(const QString &filePath, const Place &place)
         return;
     const QJsonObject object{ { u"x"_s, place.geometry.x() }, { u"y"_s, place.geometry.y() },
         { u"width"_s, place.geometry.width() }, { u"height"_s, place.geometry.height() },
-        { u"maximized"_s, place.maximized }, { u"sidebarWidth"_s, place.sidebarWidth } };
+        { u"maximized"_s, place.maximized }, { u"sidebarWidth"_s, place.sidebarWidth },
+        { u"fretboard"_s, place.fretboard }, { u"leftHandedFretboard"_s, place.leftHandedFretboard } };
     file.write(QJsonDocument(object).toJson());
     file.commit();
 }

@@ -15,6 +15,8 @@ struct Place {
     QRect geometry;
     bool maximized = false;
     int sidebarWidth = 0;
+    bool fretboard = false;
+    bool leftHandedFretboard = false;
 
     bool operator==(const Place &) const = default;
 };

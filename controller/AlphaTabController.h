@@ -5,7 +5,9 @@
 #include "controller/ScoreSource.h"
 #include "controller/Surroundings.h"
 #include "controller/TrackInfo.h"
+#include "engine_host/PrintTarget.h"
 #include "engine_host/bridge/BridgeMessages.h"
+#include "engine_host/bridge/MarkedRange.h"
 #include "engine_host/bridge/MessageReceiver.h"
 #include "engine_host/bridge/ScoreSection.h"
 #include "pdf/conversion/ConversionProgress.h"
@@ -73,6 +75,8 @@ public:
     Published<bool> converting{ false };
     /// Of the conversion that is going on.
     Published<PDFConverter::Progress> conversionProgress;
+    /// From the choice of a printer or file until the score is there.
+    Published<bool> printing{ false };
     /// A whole sentence for the user; nothing when all is well.
     Published<std::optional<QString>> conversionError;
 
@@ -95,6 +99,12 @@ public:
     Published<bool> horizontalLayout;
     /// The buttons offer 0.5...2.
     Published<double> zoom;
+    /// Whether scores come back as they were left: mixer, position, and the settings from tempoPercent on that a score
+    /// has to itself.
+    Published<bool> rememberScores;
+    /// The strip below the score that shows where the notes are pressed.
+    Published<bool> fretboard;
+    Published<bool> leftHandedFretboard;
 
     /// The one web view, null where there is none to show (tests).
     QWidget *webView() const;
@@ -132,6 +142,9 @@ public:
     void saveRecents();
     void clearRecents();
 
+    /// Prints what is shown of the score, to a printer or a file that the user chooses.
+    void print();
+
     // Mixer; an id that no track has is ignored
     void toggleVisible(int id);
     void toggleMute(int id);
@@ -161,6 +174,7 @@ private:
     void apply(const BridgeMessages::Unknown &);
 
     void pushMetronomeConfig();
+    void showFretboard();
     void soundSourceChanged();
 
     void loadScore(const QUrl &url);
@@ -189,11 +203,21 @@ private:
     void returnToMixer();
     void returnToPosition();
 
+    // What is remembered of scores
+    void rememberScoresChanged();
+    /// The key of what is no file; empty while nothing is remembered.
+    QString keyOf(const ScoreSource &source) const;
+    void rememberShownScore();
+    void recallScore();
+    void recallMixer(const QList<TrackInfo> &remembered);
+    void recallPosition();
+
     void loadRecents();
     void recordRecent(const QUrl &url);
 
     bool editTrack(int id, const std::function<void(TrackInfo &)> &change);
 
+    void printed(const QString &path, const PrintResult &result);
     void saveGp(const QString &base64, const QString &title);
 
     void startSmokeLog();
@@ -209,10 +233,18 @@ private:
     /// The score that the page was last asked for, and the one that it shows.
     ScoreSource m_requestedSource;
     ScoreSource m_shownSource;
+    /// The same two in the memory of scores; empty where nothing is remembered.
+    QString m_requestedKey;
+    QString m_shownKey;
+    /// Where the score was left, until it can be sought.
+    std::optional<double> m_recalledPosition;
+    /// What looping loops.
+    std::optional<MarkedRange> m_range;
     /// Set from the loading of a page anew until its score has its position again.
     std::optional<Return> m_return;
     const std::unique_ptr<EngineHost> m_engine;
     std::unique_ptr<FileReading> m_reading;
+    std::unique_ptr<FileReading> m_keyReading;
     std::unique_ptr<PDFOpening> m_opening;
     std::unique_ptr<ConversionWorker> m_conversion;
 };

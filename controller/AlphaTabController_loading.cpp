@@ -46,8 +46,10 @@ void AlphaTabController::load(const QUrl &url)
 
 void AlphaTabController::loadScore(const QUrl &url)
 {
-    m_reading = std::make_unique<FileReading>(url.toLocalFile(), m_surroundings.inBackground,
-        [this, url](const FileReading::Result &result) { scoreRead(url, result); });
+    m_reading = std::make_unique<FileReading>(
+        url.toLocalFile(), m_surroundings.inBackground,
+        [this, url](const FileReading::Result &result) { scoreRead(url, result); },
+        rememberScores ? FileReading::Key::OfContent : FileReading::Key::None);
 }
 
 void AlphaTabController::scoreRead(const QUrl &url, const FileReading::Result &result)
@@ -68,6 +70,7 @@ void AlphaTabController::scoreRead(const QUrl &url, const FileReading::Result &r
         return;
     }
     m_requestedSource = url;
+    m_requestedKey = result.key;
     js(*result.call);
     pdfDocument = nullptr;
     pdfURL = std::nullopt;
@@ -82,6 +85,7 @@ void AlphaTabController::loadConverted(const QByteArray &musicXml)
         return;
     }
     m_requestedSource = musicXml;
+    m_requestedKey = keyOf(m_requestedSource);
     js(BridgeCalls::loadBase64(musicXml));
 }
 

@@ -23,6 +23,9 @@ void AlphaTabController::apply(const BridgeMessages::Ready &)
 {
     bridgeReady = true;
     pushMetronomeConfig();
+    // A page that was loaded anew has none.
+    if (fretboard)
+        showFretboard();
     if (m_return)
         resendSettings();
     if (const std::optional<QUrl> pending = std::exchange(m_pendingURL, std::nullopt)) {
@@ -38,12 +41,16 @@ void AlphaTabController::apply(const BridgeMessages::PlayerReady &)
 {
     playerReady = true;
     returnToPosition();
+    recallPosition();
     if (m_smokeTest)
         js(BridgeCalls::playPause());
 }
 
 void AlphaTabController::apply(const BridgeMessages::Score &score)
 {
+    // The tracks of the last message stay where there are none: it is the same score still.
+    if (score.tracks)
+        rememberShownScore();
     title = score.title;
     artist = score.artist;
     if (score.tracks) {
@@ -61,6 +68,9 @@ void AlphaTabController::apply(const BridgeMessages::Score &score)
     if (!title.value().isEmpty())
         setWindowTitle(title);
     m_shownSource = m_requestedSource;
+    m_shownKey = m_requestedKey;
+    if (score.tracks)
+        recallScore();
     returnToMixer();
 }
 
@@ -71,12 +81,14 @@ void AlphaTabController::apply(const BridgeMessages::Position &position)
     currentTime = position.currentTime;
     endTime = position.endTime;
     returnToPosition();
+    recallPosition();
 }
 
 void AlphaTabController::apply(const BridgeMessages::Error &error)
 {
     m_surroundings.log(u"[Quaverly] alphaTab error: "_s + error.message);
     m_requestedSource = m_shownSource;
+    m_requestedKey = m_shownKey;
 }
 
 void AlphaTabController::apply(const BridgeMessages::GpData &answer)

@@ -35,6 +35,8 @@ void AlphaTabController::startPageWith(const Return &target)
     m_return = target;
     m_requestedSource = {};
     m_shownSource = {};
+    m_requestedKey.clear();
+    m_shownKey.clear();
     if (std::holds_alternative<std::monostate>(target.source))
         hasScore = false;
     pageHealth = PageHealth::Well;

@@ -1,4 +1,5 @@
 #include "controller/AlphaTabController.h"
+#include "controller/ScoreMemory.h"
 #include "controller/SmokeTest.h"
 #include "engine_host/bridge/BridgeCalls.h"
 #include "engine_host/bridge/PageReports.h"
@@ -7,6 +8,7 @@
 #include "pdf/conversion/Folders.h"
 #include "pdf/conversion/PDFDocument.h"
 
+#include <QCoreApplication>
 #include <QImage>
 #include <QThreadPool>
 
@@ -54,6 +56,9 @@ AlphaTabController::AlphaTabController(Surroundings surroundings)
           })
     , horizontalLayout(false, [this] { js(BridgeCalls::setLayout(horizontalLayout)); })
     , zoom(1.0, [this] { js(BridgeCalls::setZoom(zoom)); })
+    , rememberScores(surroundings.scoreMemory->isOn(), [this] { rememberScoresChanged(); })
+    , fretboard(false, [this] { showFretboard(); })
+    , leftHandedFretboard(false, [this] { showFretboard(); })
     , m_surroundings(std::move(surroundings))
     , m_scriptHandler(std::make_unique<ScriptHandler>(m_surroundings.log))
     , m_smokeTest(SmokeTest::isAskedFor(m_surroundings.environment, m_surroundings.temporaryFolder))
@@ -64,9 +69,17 @@ AlphaTabController::AlphaTabController(Surroundings surroundings)
     m_scriptHandler->setController(this);
     connect(&m_engine->reports(), &PageReports::sectionsChanged, this,
         [this](const QList<ScoreSection> &list) { sections = list; });
+    connect(&m_engine->reports(), &PageReports::rangeChanged, this,
+        [this](const std::optional<MarkedRange> &range) { m_range = range; });
     startSmokeLog();
     loadRecents();
     QThreadPool::globalInstance()->start(&PDFConverter::WorkingFolder::sweep);
+    isPlaying.onChange(this, [this](bool playing) {
+        if (!playing)
+            rememberShownScore();
+    });
+    if (qApp)
+        connect(qApp, &QCoreApplication::aboutToQuit, this, &AlphaTabController::rememberShownScore);
     m_engine->load(pageAddress());
 }
 
@@ -94,8 +107,10 @@ void AlphaTabController::js(const QString &script)
             startPageWith({ .source = DemoScore() });
         return;
     }
-    if (demo)
+    if (demo) {
         m_requestedSource = DemoScore();
+        m_requestedKey = keyOf(m_requestedSource);
+    }
     m_engine->evaluate(script, [log = m_surroundings.log](const std::optional<QString> &error) {
         if (error)
             log(u"[Quaverly] JS error: "_s + *error);
@@ -122,6 +137,8 @@ void AlphaTabController::pushMetronomeConfig()
 {
     js(BridgeCalls::configMetronome(metronomeVolume, metronomeSound, metronomeAccent, metronomeMode));
 }
+
+void AlphaTabController::showFretboard() { m_engine->reports().showFretboard(fretboard, leftHandedFretboard); }
 
 void AlphaTabController::soundSourceChanged()
 {

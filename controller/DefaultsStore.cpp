@@ -1,5 +1,6 @@
 #include "controller/DefaultsStore.h"
 
+#include "controller/FolderLock.h"
 #include "controller/WholeFile.h"
 
 #include <QDir>
@@ -10,44 +11,11 @@
 #include <QStandardPaths>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
-#include <fcntl.h>
-#include <sys/file.h>
-#include <thread>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
-
-/// Keeps other programs from writing a folder's settings at the same time.
-///
-/// The system gives the lock back when a program ends in any way. One that stands still with the lock in its hands
-/// shall not hold up the window: after a moment the writer goes on without.
-class FolderLock final {
-    Q_DISABLE_COPY_MOVE(FolderLock)
-
-public:
-    explicit FolderLock(const QString &folder)
-        : m_folder(::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
-    {
-        constexpr auto lockTimeout = 200ms;
-        const auto deadline = std::chrono::steady_clock::now() + lockTimeout;
-        while (
-            m_folder >= 0 && ::flock(m_folder, LOCK_EX | LOCK_NB) != 0 && std::chrono::steady_clock::now() < deadline)
-            std::this_thread::sleep_for(1ms);
-    }
-    ~FolderLock()
-    {
-        if (m_folder >= 0)
-            ::close(m_folder);
-    }
-
-private:
-    const int m_folder;
-};
 
 /// The value to store where another program may have stored one since: ours, but lists keep what others put in and go
 /// without what others took out.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine_host/PrintTarget.h"
+
 #include <QStringList>
 #include <QUrl>
 
@@ -17,4 +19,8 @@ public:
     /// Lets the user choose where to save, with a first proposal for the name. Nothing when the user cancels.
     /// @param proposedName may hold any characters, also such as no file name can have
     virtual std::optional<QUrl> chooseFileToSave(const QString &proposedName, const QString &extension) = 0;
+
+    /// Lets the user choose a printer or a PDF file, and the paper. Nothing when the user cancels.
+    /// @param title of what is to be printed; may hold any characters
+    virtual std::optional<PrintTarget> choosePrintTarget(const QString &title) = 0;
 };

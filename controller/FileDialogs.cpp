@@ -1,5 +1,7 @@
 #include "controller/FileDialogs.h"
 
+#include "controller/PrintPanel.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
@@ -79,6 +81,8 @@ std::optional<QUrl> FileDialogs::chooseFileToSave(const QString &proposedName, c
         return std::nullopt;
     return dialog.selectedUrls().constFirst();
 }
+
+std::optional<PrintTarget> FileDialogs::choosePrintTarget(const QString &title) { return PrintPanel::choose(title); }
 
 QString FileDialogs::documentsFolder()
 {

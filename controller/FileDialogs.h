@@ -11,6 +11,7 @@ class FileDialogs final : public Dialogs {
 public:
     std::optional<QUrl> chooseFileToOpen(const QStringList &extensions) override;
     std::optional<QUrl> chooseFileToSave(const QString &proposedName, const QString &extension) override;
+    std::optional<PrintTarget> choosePrintTarget(const QString &title) override;
 
     /// Where panels begin.
     static QString documentsFolder();

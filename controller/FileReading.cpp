@@ -1,5 +1,6 @@
 #include "controller/FileReading.h"
 
+#include "controller/ScoreMemory.h"
 #include "engine_host/bridge/BridgeCalls.h"
 
 #include <QFile>
@@ -122,18 +123,21 @@ struct FileReading::Shared {
 
 QString FileReading::tooLarge() { return tr("The file is larger than 200 MB."); }
 
-FileReading::Result FileReading::read(const QString &path)
+FileReading::Result FileReading::read(const QString &path, Key key)
 {
     const Bytes file = readWhole(path);
-    return file.bytes ? Result{ BridgeCalls::loadBase64(*file.bytes), {} } : Result{ std::nullopt, file.error };
+    if (!file.bytes)
+        return { std::nullopt, file.error, {} };
+    return { BridgeCalls::loadBase64(*file.bytes), {},
+        key == Key::OfContent ? ScoreMemory::keyFor(*file.bytes) : QString() };
 }
 
-FileReading::FileReading(const QString &path, const Background &background, Arrived arrived)
+FileReading::FileReading(const QString &path, const Background &background, Arrived arrived, Key key)
     : m_shared(std::make_shared<Shared>())
 {
     m_shared->reading = this;
     m_shared->arrived = std::move(arrived);
-    background([shared = m_shared, path] { shared->deliver(read(path)); });
+    background([shared = m_shared, path, key] { shared->deliver(read(path, key)); });
 }
 
 FileReading::~FileReading()

@@ -21,11 +21,16 @@ public:
     /// The sentence for a file that is.
     static QString tooLarge();
 
+    /// Whether the file's key in the memory of scores is worked out: that takes a look at every byte.
+    enum class Key { None, OfContent };
+
     struct Result {
         /// Nothing where the file could not be read.
         std::optional<QString> call;
         /// Why it could not.
         QString error;
+        /// ScoreMemory::keyFor the content, if that was asked for.
+        QString key;
     };
     /// Takes the result, on the main thread.
     using Arrived = std::function<void(const Result &)>;
@@ -33,11 +38,11 @@ public:
     using Background = std::function<void(std::function<void()> work)>;
 
     /// Starts at once. `arrived` is called once, and may end this object.
-    FileReading(const QString &path, const Background &background, Arrived arrived);
+    FileReading(const QString &path, const Background &background, Arrived arrived, Key key = Key::None);
     ~FileReading() override;
 
     /// The call for the file at `path`. Waits for the file; any thread.
-    static Result read(const QString &path);
+    static Result read(const QString &path, Key key = Key::None);
 
 private:
     struct Shared;

@@ -19,6 +19,10 @@ public:
 
     std::optional<QUrl> chooseFileToOpen(const QStringList &extensions) override;
     std::optional<QUrl> chooseFileToSave(const QString &proposedName, const QString &extension) override;
+    std::optional<PrintTarget> choosePrintTarget(const QString &title) override
+    {
+        return m_otherwise->choosePrintTarget(title);
+    }
 
 private:
     struct Answer {

@@ -2,6 +2,7 @@
 
 #include "controller/FileDialogs.h"
 #include "controller/PortalDialogs.h"
+#include "controller/SmokeTest.h"
 #include "controller/WindowTitle.h"
 #include "engine_host/WebEngineHost.h"
 #include "engine_host/process/SystemLog.h"
@@ -42,6 +43,9 @@ Surroundings Surroundings::system()
         real.dialogs = std::make_unique<PortalDialogs>(QDBusConnection::sessionBus(), std::move(real.dialogs));
     real.environment = QProcessEnvironment::systemEnvironment();
     real.temporaryFolder = u"/tmp"_s;
+    // What nobody watches always looks the same.
+    const bool unattended = SmokeTest::isAskedFor(real.environment, real.temporaryFolder);
+    real.scoreMemory = std::make_unique<ScoreMemory>(unattended ? QString() : ScoreMemory::userFilePath(), real.log);
     real.webFolder = WebFolder::find(QCoreApplication::applicationDirPath());
     real.makeEngine = [](ScriptHandler &scriptHandler, const std::optional<QString> &webFolder) {
         return std::make_unique<WebEngineHost>(scriptHandler, webFolder);

@@ -2,6 +2,7 @@
 
 #include "controller/DefaultsStore.h"
 #include "controller/Dialogs.h"
+#include "controller/ScoreMemory.h"
 #include "engine_host/EngineHost.h"
 
 #include <QProcessEnvironment>
@@ -21,6 +22,7 @@ struct Surroundings {
         = std::function<std::unique_ptr<EngineHost>(ScriptHandler &, const std::optional<QString> &webFolder)>;
 
     std::unique_ptr<DefaultsStore> defaults;
+    std::unique_ptr<ScoreMemory> scoreMemory;
     std::unique_ptr<Dialogs> dialogs;
     QProcessEnvironment environment;
     /// Where the marker files are looked for and the diagnostic files go by default.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine_host/PrintTarget.h"
+
 #include <QString>
 
 #include <functional>
@@ -31,6 +33,8 @@ public:
     virtual void snapshot(std::function<void(const QImage &)> arrived) = 0;
     /// What the page reports beside its messages, and the keys that it is handed; lives as long as this host.
     virtual PageReports &reports() = 0;
+    /// Prints what the page shows of the score. `printed` is called once, when that is done or has failed.
+    virtual void print(const PrintTarget &target, std::function<void(const PrintResult &)> printed) = 0;
     /// The one web view, owned by this host; null where there is none (tests).
     virtual QWidget *view() const = 0;
 };

@@ -2,6 +2,7 @@
 
 #include "engine_host/EnginePage.h"
 #include "engine_host/EngineView.h"
+#include "engine_host/ScorePrinting.h"
 #include "engine_host/bridge/PageReports.h"
 #include "engine_host/bridge/ScriptEvaluation.h"
 #include "engine_host/bridge/ScriptHandler.h"
@@ -81,6 +82,7 @@ WebEngineHost::WebEngineHost(ScriptHandler &scriptHandler, const std::optional<Q
     watchPage();
     takeReports();
     m_view->setPage(m_page.get());
+    m_printing = std::make_unique<ScorePrinting>(*m_view, *m_page, *m_reports);
     connect(qApp, &QCoreApplication::aboutToQuit, this, &WebEngineHost::shutDown);
 }
 
@@ -92,6 +94,7 @@ void WebEngineHost::shutDown()
     // application.
     m_watch.reset();
     m_audioRecovery.reset();
+    m_printing.reset();
     m_view.reset();
     m_page.reset();
     m_profile.reset();
@@ -204,6 +207,14 @@ void WebEngineHost::load(const QUrl &url)
 void WebEngineHost::snapshot(std::function<void(const QImage &)> arrived)
 {
     arrived(m_view ? m_view->grab().toImage() : QImage());
+}
+
+void WebEngineHost::print(const PrintTarget &target, std::function<void(const PrintResult &)> printed)
+{
+    if (m_printing)
+        m_printing->print(target, std::move(printed));
+    else
+        printed({});
 }
 
 QWidget *WebEngineHost::view() const { return m_view.get(); }

@@ -15,6 +15,7 @@ class PageWatch;
 class QWebChannel;
 class QWebEngineProfile;
 class RequestInterceptor;
+class ScorePrinting;
 class ScriptHandler;
 class WebSchemeHandler;
 
@@ -37,6 +38,7 @@ public:
     void endPage() override;
     void snapshot(std::function<void(const QImage &)> arrived) override;
     PageReports &reports() override { return *m_reports; }
+    void print(const PrintTarget &target, std::function<void(const PrintResult &)> printed) override;
     QWidget *view() const override;
 
     /// Null once the application is about to quit.
@@ -62,5 +64,6 @@ private:
     std::unique_ptr<AudioRecovery> m_audioRecovery;
     std::unique_ptr<PageWatch> m_watch;
     std::unique_ptr<EnginePage> m_page;
+    std::unique_ptr<ScorePrinting> m_printing;
     ScriptHandler &m_scriptHandler;
 };

@@ -34,6 +34,10 @@
         <source>Could not save: %1</source>
         <translation>Speichern nicht möglich: %1</translation>
     </message>
+    <message>
+        <source>The score could not be printed.</source>
+        <translation>Die Partitur konnte nicht gedruckt werden.</translation>
+    </message>
 </context>
 <context>
     <name>BridgeMessages</name>
@@ -380,6 +384,17 @@
         <source>Mute</source>
         <translation>Stumm</translation>
     </message>
+    <message>
+        <source>Remember Each Piece</source>
+        <translation>Jedes Stück merken</translation>
+    </message>
+</context>
+<context>
+    <name>PrintPanel</name>
+    <message>
+        <source>Print</source>
+        <translation>Drucken</translation>
+    </message>
 </context>
 <context>
     <name>ProblemReport</name>
@@ -433,6 +448,10 @@
     <message>
         <source>Guide</source>
         <translation>Handbuch</translation>
+    </message>
+    <message>
+        <source>Print…</source>
+        <translation>Drucken…</translation>
     </message>
 </context>
 <context>
@@ -641,6 +660,14 @@
     <message>
         <source>Full Screen</source>
         <translation>Vollbild</translation>
+    </message>
+    <message>
+        <source>Fretboard</source>
+        <translation>Griffbrett</translation>
+    </message>
+    <message>
+        <source>Left-Handed Fretboard</source>
+        <translation>Griffbrett für Linkshänder</translation>
     </message>
 </context>
 <context>

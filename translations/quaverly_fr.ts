@@ -34,6 +34,10 @@
         <source>Could not save: %1</source>
         <translation>Enregistrement impossible&#xa0;:&#xa0;%1</translation>
     </message>
+    <message>
+        <source>The score could not be printed.</source>
+        <translation>La partition n’a pas pu être imprimée.</translation>
+    </message>
 </context>
 <context>
     <name>BridgeMessages</name>
@@ -380,6 +384,17 @@
         <source>Mute</source>
         <translation>Muet</translation>
     </message>
+    <message>
+        <source>Remember Each Piece</source>
+        <translation>Mémoriser chaque morceau</translation>
+    </message>
+</context>
+<context>
+    <name>PrintPanel</name>
+    <message>
+        <source>Print</source>
+        <translation>Imprimer</translation>
+    </message>
 </context>
 <context>
     <name>ProblemReport</name>
@@ -433,6 +448,10 @@
     <message>
         <source>Guide</source>
         <translation>Guide</translation>
+    </message>
+    <message>
+        <source>Print…</source>
+        <translation>Imprimer…</translation>
     </message>
 </context>
 <context>
@@ -641,6 +660,14 @@
     <message>
         <source>Full Screen</source>
         <translation>Plein écran</translation>
+    </message>
+    <message>
+        <source>Fretboard</source>
+        <translation>Manche</translation>
+    </message>
+    <message>
+        <source>Left-Handed Fretboard</source>
+        <translation>Manche pour gauchers</translation>
     </message>
 </context>
 <context>

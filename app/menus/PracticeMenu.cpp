@@ -1,5 +1,6 @@
 #include "app/menus/PracticeMenu.h"
 
+#include "app/menus/MenuItems.h"
 #include "app/menus/TrackMenu.h"
 #include "controller/AlphaTabController.h"
 
@@ -12,6 +13,9 @@ PracticeMenu::PracticeMenu(AlphaTabController &controller, QWidget *parent)
     , m_controller(controller)
 {
     addTracks();
+    addSeparator();
+    const MenuItems items(controller, *this);
+    items.tick(tr("Remember Each Piece"), {}, controller.rememberScores);
 }
 
 PracticeMenu::~PracticeMenu() = default;

@@ -19,6 +19,8 @@ ViewMenu::ViewMenu(AlphaTabController &controller, QMainWindow &window)
     addSeparator();
     addSizes(items);
     addSeparator();
+    addFretboard(items);
+    addSeparator();
     addFullScreen(items);
     window.installEventFilter(this);
 }
@@ -39,6 +41,12 @@ void ViewMenu::addSizes(const MenuItems &items)
     items.needsNoPdf(items.command(tr("Zoom Out"), u"Ctrl+-"_s, [this] { m_controller.stepZoom(-1); }));
     items.needsNoPdf(items.command(tr("Natural Size"), u"Ctrl+0"_s, [this] { m_controller.zoom = 1.0; }));
     items.needsNoPdf(items.tick(tr("Horizontal"), u"H"_s, m_controller.horizontalLayout));
+}
+
+void ViewMenu::addFretboard(const MenuItems &items)
+{
+    items.needsNoPdf(items.tick(tr("Fretboard"), u"B"_s, m_controller.fretboard));
+    items.needsNoPdf(items.tick(tr("Left-Handed Fretboard"), {}, m_controller.leftHandedFretboard));
 }
 
 void ViewMenu::addFullScreen(const MenuItems &items)

@@ -20,6 +20,7 @@ public:
 private:
     void addPlay();
     void addSizes(const MenuItems &items);
+    void addFretboard(const MenuItems &items);
     void addFullScreen(const MenuItems &items);
 
     AlphaTabController &m_controller;

@@ -97,6 +97,49 @@ private Q_SLOTS:
         QVERIFY(taken.size() > 30);
     }
 
+    void theFretboardIsShownAndTurnedRound()
+    {
+        QList<QPair<bool, bool>> wanted;
+        connect(&m_world->engine->reports, &PageReports::fretboardWanted, this,
+            [&wanted](bool shown, bool leftHanded) { wanted << qMakePair(shown, leftHanded); });
+        press(Qt::Key_B);
+        m_controller->leftHandedFretboard = true;
+        // A page that is loaded anew has none.
+        m_controller->handle({ { u"type"_s, u"ready"_s } });
+        press(Qt::Key_B);
+        m_controller->handle({ { u"type"_s, u"ready"_s } });
+        using Wanted = QList<QPair<bool, bool>>;
+        QCOMPARE(wanted, (Wanted{ { true, false }, { true, true }, { true, true }, { false, true } }));
+    }
+
+    void printIsThereForAScore()
+    {
+        press(Qt::Key_P, Qt::ControlModifier);
+        QVERIFY(m_world->dialogs->printedTitle.isEmpty());
+        openScore();
+        m_controller->title = u"Song"_s;
+        press(Qt::Key_P, Qt::ControlModifier);
+        QCOMPARE(m_world->dialogs->printedTitle, u"Song"_s);
+        m_world->dialogs->printedTitle.clear();
+        openPdf();
+        press(Qt::Key_P, Qt::ControlModifier);
+        QVERIFY(m_world->dialogs->printedTitle.isEmpty());
+    }
+
+    void remembersEachPieceOnceThatIsSwitchedOn()
+    {
+        QAction *item = nullptr;
+        for (QAction *action : menu(u"Practice"_s)->actions()) {
+            if (action->text() == "Remember Each Piece"_L1)
+                item = action;
+        }
+        QVERIFY(item);
+        QVERIFY(!item->isChecked());
+        item->trigger();
+        QVERIFY(m_controller->rememberScores);
+        QVERIFY(m_world->scoreMemory()->isOn());
+    }
+
     void thePageGetsItsKeysWhileAScoreIsSeen()
     {
         press(Qt::Key_Right);

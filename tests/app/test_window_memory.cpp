@@ -16,7 +16,7 @@ private Q_SLOTS:
         const QTemporaryDir folder;
         const QString path = folder.filePath(u"a/b/window.json"_s);
         QVERIFY(!WindowMemory::read(path));
-        const WindowMemory::Place place{ { -20, 40, 900, 600 }, true, 260 };
+        const WindowMemory::Place place{ { -20, 40, 900, 600 }, true, 260, true, true };
         WindowMemory::write(path, place);
         QCOMPARE(WindowMemory::read(path), place);
     }

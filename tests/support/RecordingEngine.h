@@ -20,6 +20,9 @@ struct EngineRecord {
     int snapshots = 0;
     /// How often the page's process was to be ended.
     int ends = 0;
+    /// What was to be printed where, and who waits for the last of it.
+    QList<PrintTarget> prints;
+    std::function<void(const PrintResult &)> printed;
     /// What a snapshot gives.
     QImage picture;
     /// What every evaluation fails with, if anything.
@@ -60,6 +63,12 @@ public:
     {
         ++m_record->snapshots;
         arrived(m_record->picture);
+    }
+
+    void print(const PrintTarget &target, std::function<void(const PrintResult &)> printed) override
+    {
+        m_record->prints << target;
+        m_record->printed = std::move(printed);
     }
 
     PageReports &reports() override { return m_record->reports; }

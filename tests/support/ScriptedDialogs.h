@@ -8,6 +8,8 @@
 struct DialogScript {
     std::optional<QUrl> fileToOpen;
     std::optional<QUrl> fileToSave;
+    std::optional<PrintTarget> printTarget;
+    QString printedTitle;
     int opened = 0;
     int saved = 0;
     QStringList extensions;
@@ -36,6 +38,12 @@ public:
         m_script->proposedName = proposedName;
         m_script->savedExtension = extension;
         return m_script->fileToSave;
+    }
+
+    std::optional<PrintTarget> choosePrintTarget(const QString &title) override
+    {
+        m_script->printedTitle = title;
+        return m_script->printTarget;
     }
 
 private:

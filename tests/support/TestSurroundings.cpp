@@ -15,6 +15,7 @@ Surroundings TestSurroundings::make()
     Surroundings made;
     made.log = [log = log](const QString &line) { log->append(line); };
     made.defaults = defaults();
+    made.scoreMemory = scoreMemory();
     made.dialogs = std::make_unique<ScriptedDialogs>(dialogs);
     made.environment = environment;
     made.temporaryFolder = m_folder.path();
@@ -46,6 +47,12 @@ QUrl TestSurroundings::file(const QString &name, const QByteArray &bytes) const
     const bool written = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
     Q_ASSERT(written);
     return QUrl::fromLocalFile(written ? file.fileName() : QString());
+}
+
+std::unique_ptr<ScoreMemory> TestSurroundings::scoreMemory()
+{
+    return std::make_unique<ScoreMemory>(
+        path(u"state/scores.json"_s), [log = log](const QString &line) { log->append(line); });
 }
 
 std::unique_ptr<DefaultsStore> TestSurroundings::defaults()

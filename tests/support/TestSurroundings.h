@@ -33,6 +33,8 @@ public:
     QUrl file(const QString &name, const QByteArray &bytes = "x") const;
     /// A look at the settings file through a store of its own.
     std::unique_ptr<DefaultsStore> defaults();
+    /// A look at the memory of scores.
+    std::unique_ptr<ScoreMemory> scoreMemory();
 
     QProcessEnvironment environment;
     std::optional<QString> webFolder;

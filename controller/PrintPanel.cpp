@@ -1,0 +1,39 @@
+#include "controller/PrintPanel.h"
+
+#include "controller/FileDialogs.h"
+
+#include <QApplication>
+#include <QPrintDialog>
+#include <QPrinter>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// All around the paper, in millimetres.
+constexpr double margin = 12;
+
+} // namespace
+
+std::optional<PrintTarget> PrintPanel::choose(const QString &title)
+{
+    const auto printer = std::make_shared<QPrinter>(QPrinter::HighResolution);
+    printer->setDocName(title);
+    printer->setPageMargins(QMarginsF(margin, margin, margin, margin), QPageLayout::Millimeter);
+    // What is proposed for a file; a printer that the user chooses takes none.
+    const QString proposal = FileDialogs::documentsFolder() + u'/' + FileDialogs::fileNameFor(title + u".pdf"_s);
+    const bool toFile = printer->printerName().isEmpty();
+    if (toFile)
+        printer->setOutputFileName(proposal);
+    QPrintDialog dialog(printer.get(), QApplication::activeWindow());
+    dialog.setWindowTitle(tr("Print"));
+    dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintShowPageSize);
+    if (dialog.exec() != QDialog::Accepted)
+        return std::nullopt;
+    PrintTarget target{ .layout = printer->pageLayout(), .filePath = {}, .printer = nullptr };
+    if (printer->outputFormat() == QPrinter::PdfFormat)
+        target.filePath = printer->outputFileName().isEmpty() ? proposal : printer->outputFileName();
+    else
+        target.printer = printer;
+    return target;
+}

@@ -1,0 +1,89 @@
+#include "engine_host/bridge/BridgeCalls.h"
+#include "tests/engine/EngineScores.h"
+#include "tests/engine/PageTest.h"
+
+#include <QBuffer>
+#include <QPageLayout>
+#include <QPdfDocument>
+#include <QPdfSelection>
+#include <QRegularExpression>
+
+#include <optional>
+
+using namespace Qt::StringLiterals;
+
+class TestPagePrinting final : public PageTest {
+    Q_OBJECT
+
+    /// Prints what is shown into a PDF of format A4 with margins of 15 mm.
+    QByteArray print(QPageLayout::Orientation orientation = QPageLayout::Portrait)
+    {
+        const QPageLayout layout(
+            QPageSize(QPageSize::A4), orientation, QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter);
+        std::optional<PrintResult> result;
+        m_session->host().print({ .layout = layout, .filePath = u"x.pdf"_s, .printer = nullptr },
+            [&](const PrintResult &r) { result = r; });
+        if (!m_session->waitFor([&] { return result.has_value(); }, 60000))
+            return {};
+        return result->pdf;
+    }
+
+    /// The text of each page, without its blanks: they are put where letters are set one by one.
+    static QStringList textsOf(QByteArray pdf)
+    {
+        QBuffer buffer(&pdf);
+        buffer.open(QIODevice::ReadOnly);
+        QPdfDocument document;
+        document.load(&buffer);
+        QStringList texts;
+        for (int page = 0; page < document.pageCount(); ++page)
+            texts << document.getAllText(page).text().remove(QRegularExpression(u"\\s"_s));
+        return texts;
+    }
+
+    static QByteArray longTune() { return EngineScores::musicXml({ .title = u"A Long Tune"_s, .bars = 160 }); }
+
+private Q_SLOTS:
+    void everyPageHasItsNumberAndTheFirstTheTitle()
+    {
+        QVERIFY(m_session->open(longTune()));
+        const QStringList texts = textsOf(print());
+        QVERIFY(texts.size() >= 2);
+        for (qsizetype page = 0; page < texts.size(); ++page) {
+            const QString number = u"%1/%2"_s.arg(page + 1).arg(texts.size());
+            QVERIFY2(texts[page].contains(number), qPrintable(texts[page]));
+            QCOMPARE(texts[page].contains(u"ALongTune"_s), page == 0);
+        }
+    }
+
+    void everyBarIsPrintedOnce()
+    {
+        QVERIFY(m_session->open(longTune()));
+        m_session->call(BridgeCalls::setLayout(true));
+        QStringList numbers;
+        for (const QString &page : textsOf(print())) {
+            for (const QString &word : page.split(QRegularExpression(u"\\D+"_s), Qt::SkipEmptyParts))
+                numbers << word;
+        }
+        for (int bar = 2; bar <= 160; ++bar)
+            QVERIFY2(numbers.contains(QString::number(bar)), qPrintable(QString::number(bar)));
+    }
+
+    void thePageIsAfterwardsAsItWasBefore()
+    {
+        QVERIFY(m_session->open(longTune()));
+        const QString state = u"[document.getElementById('notation').innerHTML.length,"
+                              "document.querySelectorAll('#printed').length,"
+                              "document.getElementById('score-page').offsetWidth].join()"_s;
+        const QString before = m_session->valueOf(state).toString();
+        const qsizetype drawn = m_session->count(u"rendered"_s);
+        QVERIFY(!print().isEmpty());
+        QCOMPARE(m_session->valueOf(state).toString(), before);
+        QCOMPARE(m_session->count(u"rendered"_s), drawn);
+    }
+
+    void withoutAScoreNothingIsPrinted() { QVERIFY(print().isEmpty()); }
+};
+
+int main(int argc, char *argv[]) { return runEngineTest<TestPagePrinting>(argc, argv); }
+#include "test_page_printing.moc"
