@@ -17,6 +17,9 @@ public:
     ScreenAwake(const QDBusConnection &bus, AlphaTabController &controller, QObject *parent = nullptr);
     ~ScreenAwake() override;
 
+    /// Whether the desktop has agreed to keep the screen awake.
+    bool isHeld() const { return m_state == State::HeldByPortal || m_state == State::HeldByScreenSaver; }
+
 private Q_SLOTS:
     void portalResponded(uint response);
 

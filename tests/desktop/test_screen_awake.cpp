@@ -146,6 +146,7 @@ private Q_SLOTS:
         QTRY_COMPARE(portal.request.closed, 1);
         play(true);
         QTRY_COMPARE(portal.asked, 2);
+        QTRY_VERIFY(m_awake->isHeld());
         m_awake.reset();
         QTRY_COMPARE(portal.request.closed, 2);
         QVERIFY(saver.by.isEmpty());
