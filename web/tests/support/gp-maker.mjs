@@ -232,7 +232,7 @@ function writeChord(out, version, { name, first, frets }) {
     return;
   }
   out
-    .append(version === 5 ? Buffer.alloc(17) : Buffer.from([1, ...Buffer.alloc(16)]))
+    .append(Buffer.from([1, ...Buffer.alloc(16)]))
     .field(name, 21)
     .zeros(4)
     .int(first);
