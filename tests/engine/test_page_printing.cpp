@@ -6,7 +6,9 @@
 #include <QPageLayout>
 #include <QPdfDocument>
 #include <QPdfSelection>
+#include <QPrinter>
 #include <QRegularExpression>
+#include <QTemporaryDir>
 
 #include <optional>
 
@@ -80,6 +82,23 @@ private Q_SLOTS:
         QVERIFY(!print().isEmpty());
         QCOMPARE(m_session->valueOf(state).toString(), before);
         QCOMPARE(m_session->count(u"rendered"_s), drawn);
+    }
+
+    void aPrinterGetsThePages()
+    {
+        QVERIFY(m_session->open(longTune()));
+        const QTemporaryDir folder;
+        const auto printer = std::make_shared<QPrinter>();
+        printer->setOutputFormat(QPrinter::PdfFormat);
+        printer->setOutputFileName(folder.filePath(u"printed.pdf"_s));
+        std::optional<PrintResult> result;
+        m_session->host().print({ .layout = printer->pageLayout(), .filePath = {}, .printer = printer },
+            [&](const PrintResult &r) { result = r; });
+        QVERIFY(m_session->waitFor([&] { return result.has_value(); }, 60000));
+        QVERIFY(result->succeeded);
+        QPdfDocument document;
+        document.load(folder.filePath(u"printed.pdf"_s));
+        QVERIFY(document.pageCount() >= 2);
     }
 
     void withoutAScoreNothingIsPrinted() { QVERIFY(print().isEmpty()); }

@@ -71,7 +71,7 @@ export class Fretboard {
     this.#endings.forEach((end) => end());
     this.#resizes.disconnect();
     this.#strip.remove();
-    this.#body.classList.remove("with-fretboard");
+    this.#body.classList.remove("with-fretboard", "bare-fretboard");
   }
 
   /** @param {boolean} leftHanded */
@@ -93,8 +93,10 @@ export class Fretboard {
   /** Draws the instrument without its notes, and then those. */
   #draw() {
     const instrument = this.#instrument;
+    const isBare = !instrument || instrument.kind === "percussion";
     this.#dotOf = () => null;
-    if (!instrument || instrument.kind === "percussion") {
+    this.#body.classList.toggle("bare-fretboard", isBare);
+    if (isBare) {
       const sentence = document.createElement("p");
       sentence.textContent = instrument ? nothingToShow(this.#track?.name ?? "") : "";
       this.#strip.replaceChildren(sentence);
@@ -112,7 +114,8 @@ export class Fretboard {
     }
     picture.setAttribute("aria-label", this.#track?.name ?? "");
     picture.append(this.#notes);
-    this.#strip.classList.toggle("left-handed", this.#leftHanded && instrument.kind === "strings");
+    // Away from the names of the first frets or keys.
+    this.#strip.classList.toggle("named-at-end", this.#leftHanded || instrument.kind === "keys");
     this.#strip.replaceChildren(picture, name);
     this.#slice = null;
     this.#light();
