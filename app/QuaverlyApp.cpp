@@ -10,6 +10,7 @@
 #include "app/menus/MenuItems.h"
 #include "app/menus/PlaybackMenu.h"
 #include "app/menus/PracticeMenu.h"
+#include "app/menus/ShortcutsWindow.h"
 #include "app/menus/ViewMenu.h"
 #include "controller/AlphaTabController.h"
 #include "desktop/Launch.h"
@@ -32,6 +33,17 @@ namespace {
 
 constexpr QSize minimumSize(760, 520);
 constexpr QSize preferredSize(1180, 780);
+
+/// Brings the window of its kind to the front, and makes it where there is none.
+template <typename Window, typename... About> void showOnce(QWidget &parent, const About &...about)
+{
+    auto *window = parent.findChild<Window *>();
+    if (!window)
+        window = new Window(about..., &parent);
+    window->show();
+    window->raise();
+    window->activateWindow();
+}
 
 } // namespace
 
@@ -93,15 +105,11 @@ void QuaverlyApp::buildFileMenu()
 void QuaverlyApp::buildHelpMenu()
 {
     QMenu *menu = m_window.menuBar()->addMenu(tr("&Help"));
-    QAction *guide = menu->addAction(tr("Guide"), &m_window, [this] {
-        auto *window = m_window.findChild<GuideWindow *>();
-        if (!window)
-            window = new GuideWindow(&m_window);
-        window->show();
-        window->raise();
-        window->activateWindow();
-    });
-    guide->setShortcut(QKeySequence(Qt::Key_F1));
+    const QMenuBar &menus = *m_window.menuBar();
+    QAction *shortcuts = menu->addAction(
+        tr("Keyboard Shortcuts"), &m_window, [this, &menus] { showOnce<ShortcutsWindow>(m_window, menus); });
+    shortcuts->setShortcut(QKeySequence(Qt::Key_F1));
+    menu->addAction(tr("Guide"), &m_window, [this] { showOnce<GuideWindow>(m_window); });
     menu->addAction(tr("Report a Problem"), &m_window, [this] { ProblemReport::copy(m_window); });
     QAction *about = menu->addAction(tr("About Quaverly"), &m_window, [this] { (new AboutPanel(&m_window))->open(); });
     about->setMenuRole(QAction::AboutRole);

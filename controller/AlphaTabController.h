@@ -10,6 +10,7 @@
 #include "engine_host/bridge/MarkedRange.h"
 #include "engine_host/bridge/MessageReceiver.h"
 #include "engine_host/bridge/ScoreSection.h"
+#include "engine_host/bridge/ShownStaves.h"
 #include "pdf/conversion/ConversionProgress.h"
 #include "pdf/conversion/PDFOpening.h"
 #include "pdf/conversion/Result.h"
@@ -70,6 +71,10 @@ public:
     Published<std::optional<QUrl>> pdfURL;
     /// The page index to scroll to.
     Published<std::optional<int>> pdfScrollTarget;
+    /// Turns the pages, 1 on or -1 back, with each assignment.
+    Published<int> pdfTurn{ 0 };
+    /// Whether they are turned by half pages.
+    Published<bool> pdfHalfTurns{ false };
     /// 1...6
     Published<int> pdfPagesAcross;
     Published<bool> converting{ false };
@@ -105,6 +110,10 @@ public:
     /// The strip below the score that shows where the notes are pressed.
     Published<bool> fretboard;
     Published<bool> leftHandedFretboard;
+    /// What staves with strings show.
+    Published<ShownStaves> staves;
+    /// Light notation on dark paper, of scores and of PDFs.
+    Published<bool> darkPaper;
 
     /// The one web view, null where there is none to show (tests).
     QWidget *webView() const;

@@ -23,6 +23,19 @@ int storedPagesAcross(const DefaultsStore &defaults)
     return static_cast<int>(std::clamp<qint64>(defaults.integer(u"pdfPagesAcross"_s).value_or(2), 1, 6));
 }
 
+QString wordFor(ShownStaves staves)
+{
+    switch (staves) {
+    case ShownStaves::Both:
+        return u"both"_s;
+    case ShownStaves::Tablature:
+        return u"tablature"_s;
+    case ShownStaves::Notation:
+        return u"notation"_s;
+    }
+    return {};
+}
+
 } // namespace
 
 AlphaTabController::AlphaTabController(Surroundings surroundings)
@@ -59,6 +72,8 @@ AlphaTabController::AlphaTabController(Surroundings surroundings)
     , rememberScores(surroundings.scoreMemory->isOn(), [this] { rememberScoresChanged(); })
     , fretboard(false, [this] { showFretboard(); })
     , leftHandedFretboard(false, [this] { showFretboard(); })
+    , staves(ShownStaves::Both, [this] { m_engine->reports().setLook(u"staves"_s, wordFor(staves)); })
+    , darkPaper(false, [this] { m_engine->reports().setLook(u"dark"_s, darkPaper.value()); })
     , m_surroundings(std::move(surroundings))
     , m_scriptHandler(std::make_unique<ScriptHandler>(m_surroundings.log))
     , m_smokeTest(SmokeTest::isAskedFor(m_surroundings.environment, m_surroundings.temporaryFolder))

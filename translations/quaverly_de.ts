@@ -388,6 +388,38 @@
         <source>Remember Each Piece</source>
         <translation>Jedes Stück merken</translation>
     </message>
+    <message>
+        <source>Turn by Half Pages</source>
+        <translation>Halbe Seiten blättern</translation>
+    </message>
+    <message>
+        <source>Passage Begins Here</source>
+        <translation>Stelle beginnt hier</translation>
+    </message>
+    <message>
+        <source>Passage Ends Here</source>
+        <translation>Stelle endet hier</translation>
+    </message>
+    <message>
+        <source>Passage a Beat Shorter</source>
+        <translation>Stelle einen Schlag kürzer</translation>
+    </message>
+    <message>
+        <source>Passage a Beat Longer</source>
+        <translation>Stelle einen Schlag länger</translation>
+    </message>
+    <message>
+        <source>Passage a Bar Shorter</source>
+        <translation>Stelle einen Takt kürzer</translation>
+    </message>
+    <message>
+        <source>Passage a Bar Longer</source>
+        <translation>Stelle einen Takt länger</translation>
+    </message>
+    <message>
+        <source>Let Go of the Passage</source>
+        <translation>Stelle loslassen</translation>
+    </message>
 </context>
 <context>
     <name>PrintPanel</name>
@@ -453,6 +485,10 @@
         <source>Print…</source>
         <translation>Drucken…</translation>
     </message>
+    <message>
+        <source>Keyboard Shortcuts</source>
+        <translation>Tastenkürzel</translation>
+    </message>
 </context>
 <context>
     <name>RecentFilesList</name>
@@ -481,6 +517,49 @@
     <message>
         <source>Music is playing</source>
         <translation>Musik wird wiedergegeben</translation>
+    </message>
+</context>
+<context>
+    <name>ShortcutsWindow</name>
+    <message>
+        <source>Keyboard Shortcuts</source>
+        <translation>Tastenkürzel</translation>
+    </message>
+    <message>
+        <source>Play or pause</source>
+        <translation>Abspielen oder anhalten</translation>
+    </message>
+    <message>
+        <source>Space</source>
+        <translation>Leertaste</translation>
+    </message>
+    <message>
+        <source>Make the score larger or smaller</source>
+        <translation>Die Noten größer oder kleiner zeigen</translation>
+    </message>
+    <message>
+        <source>Ctrl and the wheel</source>
+        <translation>Strg und das Mausrad</translation>
+    </message>
+    <message>
+        <source>From control to control</source>
+        <translation>Von Bedienelement zu Bedienelement</translation>
+    </message>
+    <message>
+        <source>Tab, Shift+Tab</source>
+        <translation>Tab, Umschalt+Tab</translation>
+    </message>
+    <message>
+        <source>Move the slider that has the focus</source>
+        <translation>Den Regler mit dem Fokus bewegen</translation>
+    </message>
+    <message>
+        <source>Up, Down</source>
+        <translation>Auf, Ab</translation>
+    </message>
+    <message>
+        <source>Everywhere in the window</source>
+        <translation>Überall im Fenster</translation>
     </message>
 </context>
 <context>
@@ -668,6 +747,38 @@
     <message>
         <source>Left-Handed Fretboard</source>
         <translation>Griffbrett für Linkshänder</translation>
+    </message>
+    <message>
+        <source>Dark Paper</source>
+        <translation>Dunkles Papier</translation>
+    </message>
+    <message>
+        <source>Notation and Tablature</source>
+        <translation>Noten und Tabulatur</translation>
+    </message>
+    <message>
+        <source>Tablature Only</source>
+        <translation>Nur Tabulatur</translation>
+    </message>
+    <message>
+        <source>Notation Only</source>
+        <translation>Nur Noten</translation>
+    </message>
+    <message>
+        <source>Staves</source>
+        <translation>Notensysteme</translation>
+    </message>
+    <message>
+        <source>Next Staves</source>
+        <translation>Nächste Notensysteme</translation>
+    </message>
+    <message>
+        <source>Page Up</source>
+        <translation>Seite zurück</translation>
+    </message>
+    <message>
+        <source>Page Down</source>
+        <translation>Seite weiter</translation>
     </message>
 </context>
 <context>

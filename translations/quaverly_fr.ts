@@ -388,6 +388,38 @@
         <source>Remember Each Piece</source>
         <translation>Mémoriser chaque morceau</translation>
     </message>
+    <message>
+        <source>Turn by Half Pages</source>
+        <translation>Tourner par demi-pages</translation>
+    </message>
+    <message>
+        <source>Passage Begins Here</source>
+        <translation>Le passage commence ici</translation>
+    </message>
+    <message>
+        <source>Passage Ends Here</source>
+        <translation>Le passage finit ici</translation>
+    </message>
+    <message>
+        <source>Passage a Beat Shorter</source>
+        <translation>Passage plus court d’un temps</translation>
+    </message>
+    <message>
+        <source>Passage a Beat Longer</source>
+        <translation>Passage plus long d’un temps</translation>
+    </message>
+    <message>
+        <source>Passage a Bar Shorter</source>
+        <translation>Passage plus court d’une mesure</translation>
+    </message>
+    <message>
+        <source>Passage a Bar Longer</source>
+        <translation>Passage plus long d’une mesure</translation>
+    </message>
+    <message>
+        <source>Let Go of the Passage</source>
+        <translation>Abandonner le passage</translation>
+    </message>
 </context>
 <context>
     <name>PrintPanel</name>
@@ -453,6 +485,10 @@
         <source>Print…</source>
         <translation>Imprimer…</translation>
     </message>
+    <message>
+        <source>Keyboard Shortcuts</source>
+        <translation>Raccourcis clavier</translation>
+    </message>
 </context>
 <context>
     <name>RecentFilesList</name>
@@ -481,6 +517,49 @@
     <message>
         <source>Music is playing</source>
         <translation>Lecture de musique en cours</translation>
+    </message>
+</context>
+<context>
+    <name>ShortcutsWindow</name>
+    <message>
+        <source>Keyboard Shortcuts</source>
+        <translation>Raccourcis clavier</translation>
+    </message>
+    <message>
+        <source>Play or pause</source>
+        <translation>Lire ou mettre en pause</translation>
+    </message>
+    <message>
+        <source>Space</source>
+        <translation>Espace</translation>
+    </message>
+    <message>
+        <source>Make the score larger or smaller</source>
+        <translation>Agrandir ou réduire la partition</translation>
+    </message>
+    <message>
+        <source>Ctrl and the wheel</source>
+        <translation>Ctrl et la molette</translation>
+    </message>
+    <message>
+        <source>From control to control</source>
+        <translation>D’une commande à l’autre</translation>
+    </message>
+    <message>
+        <source>Tab, Shift+Tab</source>
+        <translation>Tab, Maj+Tab</translation>
+    </message>
+    <message>
+        <source>Move the slider that has the focus</source>
+        <translation>Déplacer le curseur qui a le focus</translation>
+    </message>
+    <message>
+        <source>Up, Down</source>
+        <translation>Haut, Bas</translation>
+    </message>
+    <message>
+        <source>Everywhere in the window</source>
+        <translation>Partout dans la fenêtre</translation>
     </message>
 </context>
 <context>
@@ -668,6 +747,38 @@
     <message>
         <source>Left-Handed Fretboard</source>
         <translation>Manche pour gauchers</translation>
+    </message>
+    <message>
+        <source>Dark Paper</source>
+        <translation>Papier sombre</translation>
+    </message>
+    <message>
+        <source>Notation and Tablature</source>
+        <translation>Notation et tablature</translation>
+    </message>
+    <message>
+        <source>Tablature Only</source>
+        <translation>Tablature seule</translation>
+    </message>
+    <message>
+        <source>Notation Only</source>
+        <translation>Notation seule</translation>
+    </message>
+    <message>
+        <source>Staves</source>
+        <translation>Portées</translation>
+    </message>
+    <message>
+        <source>Next Staves</source>
+        <translation>Portées suivantes</translation>
+    </message>
+    <message>
+        <source>Page Up</source>
+        <translation>Page précédente</translation>
+    </message>
+    <message>
+        <source>Page Down</source>
+        <translation>Page suivante</translation>
     </message>
 </context>
 <context>

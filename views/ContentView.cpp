@@ -108,7 +108,8 @@ ContentView::ContentView(AlphaTabController &controller, QWidget *parent)
     layout->setSpacing(0);
     auto *toolbar = new Toolbar(controller);
     layout->addWidget(toolbar);
-    layout->addWidget(new Separator(Qt::Horizontal));
+    auto *line = new Separator(Qt::Horizontal);
+    layout->addWidget(line);
 
     auto *columns = new QSplitter(Qt::Horizontal);
     columns->setHandleWidth(1);
@@ -122,6 +123,7 @@ ContentView::ContentView(AlphaTabController &controller, QWidget *parent)
     columns->setStretchFactor(0, 0);
     columns->setStretchFactor(1, 1);
     m_columns = columns;
+    m_aroundTheScore = { toolbar, line, sidebar };
     setSidebarWidth(idealSidebar);
     layout->addWidget(columns, 1);
 
@@ -138,7 +140,22 @@ ContentView::ContentView(AlphaTabController &controller, QWidget *parent)
 
 ContentView::~ContentView() = default;
 
-int ContentView::sidebarWidth() const { return m_columns->sizes().constFirst(); }
+int ContentView::sidebarWidth() const { return m_widthBefore.value_or(m_columns->sizes().constFirst()); }
+
+void ContentView::setStage(bool on)
+{
+    if (on == m_widthBefore.has_value())
+        return;
+    const int width = sidebarWidth();
+    m_widthBefore = on ? std::optional(width) : std::nullopt;
+    for (QWidget *widget : std::as_const(m_aroundTheScore))
+        widget->setVisible(!on);
+    if (!on)
+        setSidebarWidth(width);
+    // What had the focus may be hidden now.
+    else if (window()->focusWidget() && !window()->focusWidget()->isVisible())
+        setFocus();
+}
 
 void ContentView::setSidebarWidth(int width)
 {

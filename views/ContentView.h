@@ -4,6 +4,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 class AlphaTabController;
 class PageRenderQueue;
@@ -24,6 +25,8 @@ public:
     int sidebarWidth() const;
     /// Pulled into what a sidebar may have.
     void setSidebarWidth(int width);
+    /// Shows the score and its controls alone, without toolbar and sidebar.
+    void setStage(bool on);
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -42,6 +45,9 @@ private:
 
     AlphaTabController &m_controller;
     const std::shared_ptr<PageRenderQueue> m_pages;
+    QWidgetList m_aroundTheScore;
+    /// Of the sidebar while it is hidden.
+    std::optional<int> m_widthBefore;
     QSplitter *m_columns = nullptr;
     QWidget *m_score = nullptr;
     QPointer<QMessageBox> m_alert;

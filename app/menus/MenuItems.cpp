@@ -26,11 +26,16 @@ MenuItems::MenuItems(AlphaTabController &controller, QMenu &menu)
 {
 }
 
-QAction *MenuItems::pageKey(const QString &title, const QString &keys) const
+QAction *MenuItems::pageKey(const QString &title, const QString &keys, std::function<void()> inPdf) const
 {
     const QString key = keys.section(u' ', 0, 0);
-    QAction *item = command(title, keys, [&controller = m_controller, key] { controller.pressKey(key); });
-    needsScore(item);
+    QAction *item = command(title, keys, [&controller = m_controller, key, inPdf] {
+        if (controller.pdfDocument.value())
+            inPdf();
+        else
+            controller.pressKey(key);
+    });
+    whileSeen(item, bool(inPdf));
     return item;
 }
 
@@ -53,11 +58,13 @@ QAction *MenuItems::tick(const QString &title, const QString &keys, Published<bo
     return item;
 }
 
-void MenuItems::needsScore(QAction *item) const
+void MenuItems::needsScore(QAction *item) const { whileSeen(item, false); }
+
+void MenuItems::whileSeen(QAction *item, bool inPdf) const
 {
-    const auto refresh = [&controller = m_controller, item] {
-        item->setEnabled(controller.hasScore && !controller.pdfDocument.value()
-            && controller.pageHealth.value() == PageHealth::Well);
+    const auto refresh = [&controller = m_controller, item, inPdf] {
+        const bool answers = controller.hasScore && controller.pageHealth.value() == PageHealth::Well;
+        item->setEnabled(controller.pdfDocument.value() ? inPdf : answers);
     };
     m_controller.hasScore.observe(item, [refresh](bool) { refresh(); });
     m_controller.pdfDocument.onChange(item, [refresh](const auto &) { refresh(); });

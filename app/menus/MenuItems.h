@@ -24,7 +24,8 @@ public:
     /// An item that the page answers for: it hands the page its key, the first of `keys`.
     ///
     /// @param keys as QKeySequence::PortableText has them, apart by blanks; web/src/score-view/keys.js has the first
-    QAction *pageKey(const QString &title, const QString &keys) const;
+    /// @param inPdf what it does while a PDF is shown; without it, nothing
+    QAction *pageKey(const QString &title, const QString &keys, std::function<void()> inPdf = {}) const;
     /// An item that does something in the window.
     QAction *command(const QString &title, const QString &keys, std::function<void()> action) const;
     /// An item with a tick, which shows a property and sets it.
@@ -36,6 +37,8 @@ public:
     void needsNoPdf(QAction *item) const;
 
 private:
+    void whileSeen(QAction *item, bool inPdf) const;
+
     AlphaTabController &m_controller;
     QMenu &m_menu;
 };

@@ -12,13 +12,27 @@ PracticeMenu::PracticeMenu(AlphaTabController &controller, QWidget *parent)
     : QMenu(tr("P&ractice"), parent)
     , m_controller(controller)
 {
+    const MenuItems items(controller, *this);
+    addRange(items);
+    addSeparator();
     addTracks();
     addSeparator();
-    const MenuItems items(controller, *this);
     items.tick(tr("Remember Each Piece"), {}, controller.rememberScores);
+    items.tick(tr("Turn by Half Pages"), {}, controller.pdfHalfTurns);
 }
 
 PracticeMenu::~PracticeMenu() = default;
+
+void PracticeMenu::addRange(const MenuItems &items)
+{
+    items.pageKey(tr("Passage Begins Here"), u"["_s);
+    items.pageKey(tr("Passage Ends Here"), u"]"_s);
+    items.pageKey(tr("Passage a Beat Shorter"), u"Shift+Left"_s);
+    items.pageKey(tr("Passage a Beat Longer"), u"Shift+Right"_s);
+    items.pageKey(tr("Passage a Bar Shorter"), u"Ctrl+Shift+Left"_s);
+    items.pageKey(tr("Passage a Bar Longer"), u"Ctrl+Shift+Right"_s);
+    items.pageKey(tr("Let Go of the Passage"), u"Esc"_s);
+}
 
 void PracticeMenu::addTracks()
 {

@@ -5,6 +5,7 @@
 #include <QMenu>
 
 class AlphaTabController;
+class MenuItems;
 
 /// What helps to practise: what is repeated, and which tracks are seen and heard.
 class PracticeMenu final : public QMenu {
@@ -16,6 +17,7 @@ public:
     ~PracticeMenu() override;
 
 private:
+    void addRange(const MenuItems &items);
     void addTracks();
     void showAlone(int id);
 

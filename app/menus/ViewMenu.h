@@ -21,7 +21,10 @@ private:
     void addPlay();
     void addSizes(const MenuItems &items);
     void addFretboard(const MenuItems &items);
+    void addStaves(const MenuItems &items);
+    void addPages(const MenuItems &items);
     void addFullScreen(const MenuItems &items);
+    void showFullScreen(bool on);
 
     AlphaTabController &m_controller;
     QMainWindow &m_window;

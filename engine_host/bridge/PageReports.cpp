@@ -29,6 +29,12 @@ void PageReports::reportSections(const QVariantList &sections)
     Q_EMIT sectionsChanged(list);
 }
 
+void PageReports::setLook(const QString &name, const QVariant &value)
+{
+    m_look.insert(name, value);
+    Q_EMIT lookChanged();
+}
+
 void PageReports::pressKey(const QString &key) { Q_EMIT keyPressed(key); }
 
 void PageReports::reportRange(const QVariantMap &range) { Q_EMIT rangeChanged(MarkedRange::fromMap(range)); }

@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QString>
 #include <QVariantList>
+#include <QVariantMap>
 
 /// What the page reports of itself to the host around it, and the keys that the host hands it: whether the page can be
 /// heard at all, and what the menus need to know of the score.
@@ -15,6 +16,9 @@
 class PageReports final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PageReports)
+
+    /// For the page: how it is to show the score, beside what the calls say. Also a page that is loaded anew finds it.
+    Q_PROPERTY(QVariantMap look READ look NOTIFY lookChanged)
 
 public:
     explicit PageReports(QObject *parent = nullptr);
@@ -35,6 +39,9 @@ public:
     Q_INVOKABLE void reportRange(const QVariantMap &range);
     /// Called by the page: the pages that wantPrint() wants are there to be printed, or cannot be.
     Q_INVOKABLE void reportPrintPrepared(bool succeeded);
+    QVariantMap look() const { return m_look; }
+    /// @param name "dark" with a boolean, or "staves" with "both", "tablature" or "notation"
+    void setLook(const QString &name, const QVariant &value);
 
     /// Hands the page a key that it answers for.
     ///
@@ -63,4 +70,8 @@ Q_SIGNALS:
     void fretboardWanted(bool shown, bool leftHanded);
     void printWanted(double width, double height);
     void printEnded();
+    void lookChanged();
+
+private:
+    QVariantMap m_look{ { QStringLiteral("dark"), false }, { QStringLiteral("staves"), QStringLiteral("both") } };
 };

@@ -22,6 +22,8 @@ constexpr double greatestSide = 30000;
 
 /// Paper is white, whatever the window's colours are.
 const QColor onPaper(128, 128, 128);
+/// As dark as the score page is then (page.css).
+const QColor darkPaper(0x1f, 0x20, 0x24);
 constexpr int leastWidthOfText = 120;
 
 /// A cross on small pages, words on larger ones.
@@ -85,17 +87,23 @@ void PDFPageCell::setPicture(const QString &renderKey, const PagePicture &pictur
         m_picture = picture;
 }
 
-void PDFPageCell::paint(QPainter &painter, const QRectF &place) const
+void PDFPageCell::paint(QPainter &painter, const QRectF &place, bool dark) const
 {
     PageShadow::paint(painter, place);
+    painter.save();
     if (m_picture.isNull()) {
         painter.fillRect(place, Qt::white);
         if (m_undrawable)
             paintUndrawable(painter, place);
-        return;
+    } else {
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
+        painter.drawImage(place, m_picture.forWidth(place.width() * painter.device()->devicePixelRatioF()));
     }
-    painter.save();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(place, m_picture.forWidth(place.width() * painter.device()->devicePixelRatioF()));
+    if (dark) {
+        painter.setCompositionMode(QPainter::CompositionMode_Difference);
+        painter.fillRect(place, Qt::white);
+        painter.setCompositionMode(QPainter::CompositionMode_Lighten);
+        painter.fillRect(place, darkPaper);
+    }
     painter.restore();
 }

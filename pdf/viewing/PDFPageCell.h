@@ -42,7 +42,7 @@ public:
 
     /// Paints the picture, white paper or, on that, that the page cannot be drawn into `place`, with a shadow around
     /// it. Sharp where `place` lies on whole pixels.
-    void paint(QPainter &painter, const QRectF &place) const;
+    void paint(QPainter &painter, const QRectF &place, bool dark = false) const;
 
 private:
     std::shared_ptr<const PDFDocument> m_document;

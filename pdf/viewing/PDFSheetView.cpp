@@ -76,6 +76,8 @@ PDFSheetView::PDFSheetView(AlphaTabController &controller, std::shared_ptr<const
         scrollTo(*page);
         m_controller.pdfScrollTarget = std::nullopt;
     });
+    controller.darkPaper.onChange(this, [this](bool) { viewport()->update(); });
+    controller.pdfTurn.onChange(this, [this](int direction) { turn(direction); });
     layOut();
 }
 
@@ -120,6 +122,18 @@ void PDFSheetView::layOut()
     bar->setValue(qRound(std::clamp(heightOf(m_anchor), 0.0, double(bar->maximum()))));
     keepCells();
     viewport()->update();
+}
+
+/// At once and without gliding: who plays reads on in the same moment.
+void PDFSheetView::turn(int direction)
+{
+    QScrollBar *bar = verticalScrollBar();
+    const int screenful = bar->pageStep();
+    const int step = m_controller.pdfHalfTurns
+        ? qRound(m_layout.halfPageFrom(bar->value(), direction, screenful)) - bar->value()
+        : direction * screenful;
+    m_scrolling->stop();
+    bar->setValue(bar->value() + step);
 }
 
 void PDFSheetView::scrollTo(int page)
@@ -193,7 +207,7 @@ void PDFSheetView::paintEvent(QPaintEvent *event)
     for (int page = pages.first; page <= pages.last; ++page) {
         const QRectF place = placeOf(page);
         if (place.intersects(dirty))
-            m_cells->cell(page).paint(painter, place);
+            m_cells->cell(page).paint(painter, place, m_controller.darkPaper);
     }
     if (m_showsFocus)
         Theme::paintFocusRing(painter, viewport()->rect(), Theme::radius - 3, palette());
@@ -218,6 +232,12 @@ void PDFSheetView::keyPressEvent(QKeyEvent *event)
 {
     QScrollBar *bar = verticalScrollBar();
     switch (event->key()) {
+    case Qt::Key_PageUp:
+        turn(-1);
+        break;
+    case Qt::Key_PageDown:
+        turn(1);
+        break;
     case Qt::Key_Home:
         bar->setValue(bar->minimum());
         break;

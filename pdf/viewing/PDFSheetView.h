@@ -54,6 +54,7 @@ private:
     double heightOf(const Anchor &anchor) const;
 
     void layOut();
+    void turn(int direction);
     void scrollTo(int page);
     void keepCells();
     QRectF placeOf(int page) const;

@@ -42,3 +42,19 @@ PageGridLayout::Range PageGridLayout::pagesBetween(double top, double bottom) co
     return { int(first - m_rows.begin()) * m_columns,
         std::min(int(end - m_rows.begin()) * m_columns, pageCount()) - 1 };
 }
+
+double PageGridLayout::halfPageFrom(double top, int direction, double farthest) const
+{
+    // Rows begin on any fraction of a pixel, and a view on a whole one.
+    constexpr double same = 1;
+    double found = top + direction * farthest;
+    for (const Row &row : m_rows) {
+        for (const double stop : { row.top, row.top + row.height / 2 }) {
+            if (direction > 0 && stop > top + same)
+                found = std::min(found, stop);
+            else if (direction < 0 && stop < top - same)
+                found = std::max(found, stop);
+        }
+    }
+    return found;
+}

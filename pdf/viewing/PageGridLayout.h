@@ -42,6 +42,9 @@ public:
     QRectF cell(int index) const;
     /// The whole rows that show something between the two heights.
     Range pagesBetween(double top, double bottom) const;
+    /// The next beginning or middle of a row from `top` on, or back where `direction` is negative; `farthest` away at
+    /// most.
+    double halfPageFrom(double top, int direction, double farthest) const;
 
 private:
     struct Row {

@@ -10,6 +10,7 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QTest>
+#include <QWheelEvent>
 
 using namespace Qt::StringLiterals;
 
@@ -203,6 +204,50 @@ private Q_SLOTS:
         press(Qt::Key_Down);
         press(Qt::Key_Down);
         QCOMPARE(m_controller->tempoPercent.value(), 99.0);
+    }
+
+    void pageKeysTurnWhatIsSeen()
+    {
+        openScore();
+        press(Qt::Key_PageDown);
+        press(Qt::Key_BracketLeft);
+        press(Qt::Key_Left, Qt::ControlModifier | Qt::ShiftModifier);
+        press(Qt::Key_Escape);
+        QCOMPARE(m_world->engine->keys, (QStringList{ u"PgDown"_s, u"["_s, u"Ctrl+Shift+Left"_s, u"Esc"_s }));
+        m_world->engine->keys.clear();
+        openPdf();
+        QList<int> turns;
+        m_controller->pdfTurn.onChange(m_app.get(), [&turns](int direction) { turns << direction; });
+        // Wherever the focus is.
+        for (QWidget *control : m_app->window().findChildren<QWidget *>()) {
+            if (!control->isVisible() || !control->isEnabled() || !(control->focusPolicy() & Qt::TabFocus))
+                continue;
+            control->setFocus();
+            turns.clear();
+            press(Qt::Key_PageDown);
+            press(Qt::Key_PageUp);
+            QVERIFY2(turns == QList({ 1, -1 }), qPrintable(control->accessibleName()));
+        }
+        QCOMPARE(m_world->engine->keys, QStringList());
+    }
+
+    void theWheelZoomsWithCtrl()
+    {
+        openScore();
+        QWidget *view = m_controller->webView();
+        const auto turn = [view](int eighths, Qt::KeyboardModifiers modifiers) {
+            QWheelEvent event({ 5, 5 }, view->mapToGlobal(QPointF(5, 5)), {}, { 0, eighths }, Qt::NoButton, modifiers,
+                Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(view, &event);
+        };
+        turn(120, Qt::NoModifier);
+        QCOMPARE(m_controller->zoom.value(), 1.0);
+        turn(120, Qt::ControlModifier);
+        QCOMPARE(m_controller->zoom.value(), 1.1);
+        // A wheel that turns without steps.
+        for (int i = 0; i < 8; ++i)
+            turn(-30, Qt::ControlModifier);
+        QCOMPARE(m_controller->zoom.value(), 0.9);
     }
 
     void speed()

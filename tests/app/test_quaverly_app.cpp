@@ -3,6 +3,7 @@
 #include "app/QuaverlyApp.h"
 #include "app/WindowActivation.h"
 #include "app/WindowMemory.h"
+#include "app/menus/ShortcutsWindow.h"
 #include "controller/AlphaTabController.h"
 #include "desktop/Launch.h"
 #include "engine_host/process/SystemLog.h"
@@ -242,7 +243,7 @@ private Q_SLOTS:
     {
         QAction *action = command(u"Help"_s, u"Guide"_s);
         QVERIFY(action);
-        QCOMPARE(action->shortcut(), QKeySequence(u"F1"_s));
+        QVERIFY(action->shortcut().isEmpty());
         action->trigger();
         action->trigger();
         QCOMPARE(m_app->window().findChildren<GuideWindow *>().size(), 1);
@@ -269,6 +270,31 @@ private Q_SLOTS:
         QCOMPARE(pages.size(), 2);
         guide->setSource(QUrl(u"qrc:/guide/index.md#keys"_s));
         QCOMPARE(guide->textCursor().block().text(), u"Keys"_s);
+    }
+
+    void theShortcutsAreThoseOfTheMenus()
+    {
+        QAction *action = command(u"Help"_s, u"Keyboard Shortcuts"_s);
+        QVERIFY(action);
+        QCOMPARE(action->shortcut(), QKeySequence(u"F1"_s));
+        action->trigger();
+        action->trigger();
+        QCOMPARE(m_app->window().findChildren<ShortcutsWindow *>().size(), 1);
+        const auto *shortcuts = m_app->window().findChild<ShortcutsWindow *>();
+        QVERIFY(shortcuts->isVisible());
+        const QString text = shortcuts->toPlainText();
+        int items = 0;
+        for (const QAction *item : m_app->window().findChildren<QAction *>()) {
+            if (item->shortcut().isEmpty() || item->text().isEmpty())
+                continue;
+            ++items;
+            const QString title = QString(item->text()).remove(u'&');
+            QVERIFY2(text.contains(title), qPrintable(title));
+            QVERIFY2(text.contains(item->shortcut().toString(QKeySequence::NativeText)), qPrintable(title));
+        }
+        QVERIFY(items > 30);
+        QVERIFY(text.contains("Space"_L1));
+        QVERIFY2(text.contains(u"1 … 9"_s) && text.contains(u"Alt+1 … Alt+9"_s), qPrintable(text));
     }
 
     void thereIsNoNewCommand() { QVERIFY(!command(u"File"_s, u"New"_s)); }

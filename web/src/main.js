@@ -22,12 +22,14 @@ import { playInOrder } from "./alphatab/play-through.js";
 import { Playback } from "./playback/playback.js";
 import { scoreOrder } from "./playback/score-order.js";
 import { PrintedScore } from "./printing/printed-score.js";
+import { Paging } from "./score-view/paging.js";
 import { PointerInput } from "./score-view/pointer-input.js";
 import { fromHost, toHost } from "./score-view/host-range.js";
 import { RangeLayer } from "./score-view/range-layer.js";
 import { RangeSelection } from "./score-view/range-selection.js";
 import { SynthPlayer } from "./synth/synth-player.js";
 import { ScoreView } from "./score-view/score-view.js";
+import { SectionMarks } from "./score-view/section-marks.js";
 import { SoundBank } from "./sounds/sound-bank.js";
 import { IdleCollection } from "./session/idle-collection.js";
 
@@ -47,7 +49,7 @@ function element(id) {
 }
 
 playInOrder((score) => scoreOrder(score).bars);
-const { post, host, keyPressed, rangeWanted, fretboardWanted, printWanted, printEnded } = connect();
+const { post, host, keyPressed, lookWanted, rangeWanted, fretboardWanted, printWanted, printEnded } = connect();
 const scorePage = element("score-page");
 const viewport = element("viewport");
 const api = new PageApi(element("notation"), new Viewport(viewport, element("notation")));
@@ -62,12 +64,18 @@ const scoreView = new ScoreView(api, scorePage, viewport, scoreHeader, scoreFoot
   post({ type: "rendered" });
   instruments.scoreDrawn();
 });
+lookWanted.on((look) => scoreView.setLook(look));
 const rangeSelection = new RangeSelection(api, playback, new RangeLayer(api));
 const pointerInput = new PointerInput(api, playback, viewport, rangeSelection);
-new AutoScroll(api, playback, viewport);
+const autoScroll = new AutoScroll(api, playback, viewport);
 const cursor = new Cursor(api);
-const keys = keyTable({ movement: new Movement(api, playback) });
+const keys = keyTable({
+  movement: new Movement(api, playback),
+  ranges: rangeSelection,
+  paging: new Paging(api, viewport, autoScroll),
+});
 keyPressed.on((key) => keys[key]?.());
+new SectionMarks(api, playback, viewport, element("section-marks"));
 const notice = new Notice(element("notice"));
 const session = new ScoreSession({ api, playback, mixer, pointerInput, scoreView, cursor, notice, post });
 new SoundBank(api, post);

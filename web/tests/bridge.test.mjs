@@ -8,6 +8,7 @@ import { standIn } from "./support/stand-in.mjs";
 function heldChannel() {
   const received = [];
   let open;
+  let object;
   const receivers = {};
   const signal = (name) => ({ connect: (receive) => (receivers[name] = receive) });
   const scope = {
@@ -22,18 +23,26 @@ function heldChannel() {
           reportSections: (sections) => received.push({ sections }),
           reportRange: (range) => received.push({ range }),
           reportPrintPrepared: (succeeded) => received.push({ succeeded }),
+          look: { dark: false, staves: "both" },
           ...Object.fromEntries(
-            ["keyPressed", "rangeWanted", "fretboardWanted", "printWanted", "printEnded"].map((name) => [
+            ["keyPressed", "lookChanged", "rangeWanted", "fretboardWanted", "printWanted", "printEnded"].map((name) => [
               name,
               signal(name),
             ]),
           ),
         };
+        object = host;
         open = () => ready({ objects: { qv, host } });
       }
     },
   };
-  return { scope, received, open: () => open(), emit: (name, ...values) => receivers[name](...values) };
+  return {
+    scope,
+    received,
+    open: () => open(),
+    host: () => object,
+    emit: (name, ...values) => receivers[name](...values),
+  };
 }
 
 test("there are twenty calls and eight messages, each once", () => {
@@ -83,6 +92,20 @@ test("a key that the program hands over arrives in the page", () => {
   open();
   emit("keyPressed", "Ctrl+Left");
   assert.deepEqual(keys, ["Ctrl+Left"]);
+});
+
+test("how the score is to look is known from the beginning, and with each change", () => {
+  const { scope, open, emit, host } = heldChannel();
+  const { lookWanted } = connect(scope);
+  const looks = [];
+  lookWanted.on((wanted) => looks.push(wanted));
+  open();
+  host().look = { dark: true, staves: "notation" };
+  emit("lookChanged");
+  assert.deepEqual(looks, [
+    { dark: false, staves: "both" },
+    { dark: true, staves: "notation" },
+  ]);
 });
 
 test("what the program wants beside its calls arrives in the page", () => {

@@ -36,13 +36,48 @@ function page({ tick = 0, playing = false, range = null } = {}) {
   const seeks = [];
   const playback = { tick, playing, range, ticksIn: () => 400, seekToTick: (to) => seeks.push(to) };
   const movement = new Movement(standIn(api), standIn(playback));
-  const keys = keyTable({ movement });
+  const keys = keyTable(standIn({ movement }));
   const report = (currentTick) => {
     playback.tick = currentTick;
     api.playerPositionChanged.trigger({ isSeek: true, currentTick });
   };
   return { api, playback, seeks, report, press: (...pressed) => pressed.forEach((key) => keys[key]()) };
 }
+
+test("the range's keys are those of its ends, and the page keys turn", () => {
+  const calls = [];
+  const record = (name) => ({
+    get:
+      (_, method) =>
+      (...values) =>
+        calls.push([`${name}.${method}`, ...values]),
+  });
+  const parts = { ranges: new Proxy({}, record("ranges")), paging: new Proxy({}, record("paging")) };
+  const keys = keyTable(standIn(parts));
+  const pressed = [
+    "[",
+    "]",
+    "Shift+Left",
+    "Shift+Right",
+    "Ctrl+Shift+Left",
+    "Ctrl+Shift+Right",
+    "Esc",
+    "PgUp",
+    "PgDown",
+  ];
+  pressed.forEach((key) => keys[key]());
+  assert.deepEqual(calls, [
+    ["ranges.setRangeStart"],
+    ["ranges.setRangeEnd"],
+    ["ranges.moveRangeEnd", "beat", -1],
+    ["ranges.moveRangeEnd", "beat", 1],
+    ["ranges.moveRangeEnd", "bar", -1],
+    ["ranges.moveRangeEnd", "bar", 1],
+    ["ranges.letGo"],
+    ["paging.turn", -1],
+    ["paging.turn", 1],
+  ]);
+});
 
 test("the menus hand the page exactly the keys that it answers for", () => {
   const folder = new URL("../../app/menus/", import.meta.url);

@@ -53,6 +53,22 @@ private Q_SLOTS:
         QCOMPARE(grid(10, 6, 1000).cellWidth(), (1000 - 32 - 5 * 14) / 6.0);
     }
 
+    void halfPages()
+    {
+        // Rows of 968 pixels at 16, 998 and so on.
+        const PageGridLayout layout = grid(std::vector<double>(3, 1.0), 1, 1000);
+        QCOMPARE(layout.halfPageFrom(0, 1, 800), 16.0);
+        QCOMPARE(layout.halfPageFrom(16, 1, 800), 16.0 + 484);
+        QCOMPARE(layout.halfPageFrom(16.4, 1, 800), 16.0 + 484);
+        QCOMPARE(layout.halfPageFrom(500, 1, 800), 998.0);
+        QCOMPARE(layout.halfPageFrom(998, -1, 800), 500.0);
+        QCOMPARE(layout.halfPageFrom(700, -1, 800), 500.0);
+        // Nothing is passed over that was not in view.
+        QCOMPARE(layout.halfPageFrom(16, 1, 300), 316.0);
+        QCOMPARE(layout.halfPageFrom(998, -1, 300), 698.0);
+        QCOMPARE(layout.halfPageFrom(16, -1, 300), -284.0);
+    }
+
     void pagesStandInRows()
     {
         const PageGridLayout layout = grid(5, 2, 1000);

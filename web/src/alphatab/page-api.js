@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
+import { notationColors } from "../rendering/notation-colors.js";
 import { renderWorker, startRenderWorker } from "../rendering/render-worker-start.js";
 import { Emitter } from "../shared/emitter.js";
 import { BackingTrackPlayer } from "../backing-track/backing-track-player.js";
@@ -246,8 +247,7 @@ function chooseFonts(resources) {
    */
   const font = (families, size, style = Plain, weight = Regular) =>
     alphaTab.model.Font.withFamilyList([...families], size, style, weight);
-  // Second voices are told apart by their stems; alphaTab's own light gray is hard to read.
-  resources.secondaryGlyphColor = new alphaTab.model.Color(74, 74, 82, 255);
+  Object.assign(resources, notationColors(false));
   resources.titleFont = font(serif, 30);
   resources.subTitleFont = font(serif, 18);
   resources.wordsFont = font(serif, 14);

@@ -55,8 +55,12 @@ import { Emitter } from "../shared/emitter.js";
  * @typedef {{ startBar: number, startTick: number, endBar: number, endTick: number }} HostRange of the score as it is
  *     written; an end tick below 0 is the end of the bar
  *
+ * @typedef {"both" | "tablature" | "notation"} ShownStaves What staves with strings show.
+ * @typedef {{ dark: boolean, staves: ShownStaves }} Look
+ *
  * @typedef {object} Wishes what the program wants of the page beside its calls
  * @property {Emitter<string>} keyPressed One of the keys of keys.js.
+ * @property {Emitter<Look>} lookWanted How the score is to look, at the beginning and with each change.
  * @property {Emitter<HostRange>} rangeWanted Looping is to loop that.
  * @property {Emitter<{ shown: boolean, leftHanded: boolean }>} fretboardWanted
  * @property {Emitter<{ width: number, height: number }>} printWanted Pages for a printer are to be made, each with so much
@@ -111,6 +115,7 @@ export function connect(scope = globalThis) {
   /** @type {Wishes} */
   const wishes = {
     keyPressed: new Emitter(),
+    lookWanted: new Emitter(),
     rangeWanted: new Emitter(),
     fretboardWanted: new Emitter(),
     printWanted: new Emitter(),
@@ -128,7 +133,7 @@ export function connect(scope = globalThis) {
     };
     return { post: nothing, host, ...wishes };
   }
-  /** @typedef {{ qv?: { postMessage: Post }, host?: Host & Partial<Record<keyof Wishes, Signal>> }} Receivers */
+  /** @typedef {{ qv?: { postMessage: Post }, host?: Host & HostSignals }} Receivers */
   /** @type {((receivers: Receivers) => void)[] | null} */
   let waiting = [];
   /** @type {Receivers} */
@@ -168,11 +173,16 @@ export function connect(scope = globalThis) {
 /**
  * @typedef {{ connect: (receive: (...values: any[]) => void) => void }} Signal of an object of the program
  *
- * @param {Partial<Record<keyof Wishes, Signal>>} signals
+ * @typedef {Partial<Record<keyof Wishes | "lookChanged", Signal>> & { look?: Look }} HostSignals `look` as it is now
+ *
+ * @param {HostSignals} signals
  * @param {Wishes} wishes
  */
 function passOn(signals, wishes) {
   signals.keyPressed?.connect((key) => wishes.keyPressed.trigger(key));
+  const tellLook = () => signals.look && wishes.lookWanted.trigger(signals.look);
+  signals.lookChanged?.connect(tellLook);
+  tellLook();
   signals.rangeWanted?.connect((range) => wishes.rangeWanted.trigger(range));
   signals.fretboardWanted?.connect((shown, leftHanded) => wishes.fretboardWanted.trigger({ shown, leftHanded }));
   signals.printWanted?.connect((width, height) => wishes.printWanted.trigger({ width, height }));

@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
+import { notationColors } from "../rendering/notation-colors.js";
 import { startRenderWorker } from "../rendering/render-worker-start.js";
 
 /**
@@ -18,11 +19,11 @@ const everything = { left: -1e9, top: -1e9, right: 1e9, bottom: 1e9 };
  * @param {Score} score
  * @param {readonly number[]} tracks indices
  * @param {import("../shared/alphatab.js").Settings} settings the page's; they stay as they are
- * @param {{ width: number, scale: number }} size the width in CSS pixels
+ * @param {{ width: number, scale: number, staves: import("../bridge/bridge.js").ShownStaves }} look the width in CSS pixels
  * @param {AbortSignal} signal ends the render pass; the promise then stays open
  * @returns {Promise<System[]>}
  */
-export function systemsFor(score, tracks, settings, { width, scale }, signal) {
+export function systemsFor(score, tracks, settings, { width, scale, staves }, signal) {
   const worker = startRenderWorker();
   signal.addEventListener("abort", () => worker.terminate());
   /** @type {Promise<System[]>} */
@@ -62,6 +63,7 @@ export function systemsFor(score, tracks, settings, { width, scale }, signal) {
       textWidths: letterWidths(),
       remainderTimeoutMs: 0,
       atOnce: false,
+      staves,
     });
   });
   return drawn.finally(() => worker.terminate());
@@ -78,6 +80,7 @@ function forPrinter(settings, scale) {
   copy.display.layoutMode = alphaTab.LayoutMode.Page;
   copy.display.scale = scale;
   copy.display.padding = [0, 0];
+  Object.assign(copy.display.resources, notationColors(false));
   // The header tells of it.
   copy.notation.elements.set(alphaTab.NotationElement.EffectCapo, false);
   const values = alphaTab.model.JsonConverter.settingsToJsObject(copy);

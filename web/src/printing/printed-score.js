@@ -47,6 +47,7 @@ export class PrintedScore {
   async prepare(room) {
     this.remove();
     const { score, tracks, settings } = this.#api;
+    const { staves } = this.#api.workerRenderer;
     if (!score || tracks.length === 0) {
       return false;
     }
@@ -57,12 +58,12 @@ export class PrintedScore {
     const pageHeight = room.height - numberHeight;
     const atFirst = settings.display.scale * scaleAtZoom1;
     const { pages, header, footer } = this.#begin(score, tracks, room, atFirst);
-    let systems = await systemsFor(score, indices, settings, { width, scale: atFirst }, pass.signal);
+    let systems = await systemsFor(score, indices, settings, { width, staves, scale: atFirst }, pass.signal);
     const smaller = shrinkage(heightsOf(systems), pageHeight, header.offsetHeight);
     if (smaller < 1) {
       const scale = atFirst * smaller * 0.98;
       pages.style.setProperty("--zoom", String(scale));
-      systems = await systemsFor(score, indices, settings, { width, scale }, pass.signal);
+      systems = await systemsFor(score, indices, settings, { width, staves, scale }, pass.signal);
     }
     const surfaceClass = this.#api.notation.querySelector(".at-surface")?.className ?? "at-surface at";
     const blocks = [...systems.map((system) => notation(system, surfaceClass)), footer];

@@ -4,6 +4,7 @@ import { alphaTab } from "../shared/alphatab.js";
 import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
 import { separateSectionMarks } from "./effect-bands.js";
 import { LayoutRun } from "./layout-run.js";
+import { showStaves } from "./shown-staves.js";
 import { arrangeStaffNames } from "./staff-names.js";
 import { readScore } from "../score-files/score-files.js";
 import { collectThoroughly } from "../shared/garbage.js";
@@ -97,6 +98,7 @@ function draw(request) {
   setTextWidths(request.textWidths);
   renderer.updateSettings(settings);
   renderer.width = request.width;
+  showStaves(held.score, request.staves);
   arrangeStaffNames(held.score, request.tracks);
   run = new LayoutRun(renderer, held.score, request.tracks, request.view, request.anchor, request.atOnce);
   if (request.atOnce) {

@@ -11,6 +11,7 @@ import { anchorIn, viewAt } from "./scroll-anchor.js";
  * the other.
  *
  * @typedef {import("../shared/alphatab.js").Score} Score
+ * @typedef {import("../bridge/bridge.js").ShownStaves} ShownStaves
  * @typedef {import("./layout-run.js").Partial} Partial
  * @typedef {import("./layout-run.js").LayoutBatch} LayoutBatch
  * @typedef {import("./scroll-anchor.js").View} View
@@ -26,7 +27,7 @@ import { anchorIn, viewAt } from "./scroll-anchor.js";
  *   | { cmd: "read", file: number, bytes: Uint8Array }
  *   | { cmd: "draw", renderId: number, file: number, score: Map<string, unknown> | null, tracks: number[], width: number,
  *       view: View, anchor: ScrollAnchor | null, textWidths: Map<string, unknown>, remainderTimeoutMs: number, atOnce:
- *       boolean }
+ *       boolean, staves: ShownStaves }
  *   | { cmd: "resume" }
  *   | { cmd: "stop" }
  *   | { cmd: "paint", id: string }
@@ -73,6 +74,8 @@ export class WorkerRenderer {
   /** @type {BoundsLookup | null} */
   boundsLookup = null;
   width = 0;
+  /** @type {ShownStaves} what the next render pass shows of staves with strings */
+  staves = "both";
 
   /** @type {number | null} the bar with the cursor, by its index */
   cursorBar = null;
@@ -288,6 +291,7 @@ export class WorkerRenderer {
         // The page measures the fonts, which the worker cannot.
         textWidths: letterWidths(),
         remainderTimeoutMs: this.#remainderTimeoutMs,
+        staves: this.staves,
         // A reader far on in the system would be lost with its beginning alone.
         atOnce: this.#sideways && this.#shown.sideways && this.#shown.score === score,
       });

@@ -64,7 +64,7 @@ export class AutoScroll {
     this.#viewport = viewport;
     api.customScrollHandler = this;
     for (const gesture of ["wheel", "touchmove", "keydown", "mousedown"]) {
-      viewport.ownerDocument.addEventListener(gesture, (event) => this.#noticeReader(event), {
+      viewport.ownerDocument.addEventListener(gesture, (event) => this.#noticeGesture(event), {
         capture: true,
         passive: true,
       });
@@ -166,19 +166,24 @@ export class AutoScroll {
     }
   }
 
+  /** To be called before readers scroll otherwise than by what their page hears of itself. */
+  noticeReader() {
+    this.#lastOwnScroll = performance.now();
+    this.#readerScrolled = true;
+    this.#madeRoom = null;
+    clearTimeout(this.#soon);
+    this.#stopGlide();
+  }
+
   /** @param {Event} event */
-  #noticeReader(event) {
+  #noticeGesture(event) {
     // A press on the score itself chooses a position; one on the viewport's edge is the scroll bar being taken.
     const scrolls =
       event instanceof KeyboardEvent
         ? scrollKeys.has(event.key)
         : event.type !== "mousedown" || event.target === this.#viewport;
     if (scrolls) {
-      this.#lastOwnScroll = performance.now();
-      this.#readerScrolled = true;
-      this.#madeRoom = null;
-      clearTimeout(this.#soon);
-      this.#stopGlide();
+      this.noticeReader();
     }
   }
 

@@ -7,10 +7,13 @@
  */
 
 /**
- * @param {{ movement: import("./movement.js").Movement }} parts
+ * @param {object} parts
+ * @param {import("./movement.js").Movement} parts.movement
+ * @param {import("./range-selection.js").RangeSelection} parts.ranges
+ * @param {import("./paging.js").Paging} parts.paging
  * @returns {KeyTable}
  */
-export function keyTable({ movement }) {
+export function keyTable({ movement, ranges, paging }) {
   return {
     Home: () => movement.toStart(),
     Left: () => movement.byBeat(-1),
@@ -19,5 +22,14 @@ export function keyTable({ movement }) {
     "Ctrl+Right": () => movement.byBar(1),
     "Alt+Left": () => movement.bySection(-1),
     "Alt+Right": () => movement.bySection(1),
+    "[": () => ranges.setRangeStart(),
+    "]": () => ranges.setRangeEnd(),
+    "Shift+Left": () => ranges.moveRangeEnd("beat", -1),
+    "Shift+Right": () => ranges.moveRangeEnd("beat", 1),
+    "Ctrl+Shift+Left": () => ranges.moveRangeEnd("bar", -1),
+    "Ctrl+Shift+Right": () => ranges.moveRangeEnd("bar", 1),
+    Esc: () => ranges.letGo(),
+    PgUp: () => paging.turn(-1),
+    PgDown: () => paging.turn(1),
   };
 }

@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
+import { notationColors } from "../rendering/notation-colors.js";
 
 /**
  * The score page with the notation on it: which tracks it shows, how they are laid out, how large they are drawn.
@@ -19,6 +20,7 @@ export class ScoreView {
   #scoreFooter;
   #onRendered;
   #renderId = 0;
+  #dark = false;
 
   /**
    * @param {import("../alphatab/page-api.js").PageApi} api
@@ -104,6 +106,21 @@ export class ScoreView {
       this.#api.settings.display.scale = zoom;
       this.#redraw();
     }
+  }
+
+  /** @param {import("../bridge/bridge.js").Look} look */
+  setLook({ dark, staves }) {
+    const renderer = this.#api.workerRenderer;
+    if (dark === this.#dark && staves === renderer.staves) {
+      return;
+    }
+    renderer.staves = staves;
+    if (dark !== this.#dark) {
+      this.#dark = dark;
+      Object.assign(this.#api.settings.display.resources, notationColors(dark));
+      renderer.changeScorePage(() => document.documentElement.classList.toggle("dark", dark));
+    }
+    this.#redraw();
   }
 
   /**

@@ -3,7 +3,7 @@
  * Where one can go in a score from where the music is: the beats, bars and sections in the order of playing.
  *
  * @typedef {import("@coderline/alphatab").midi.MasterBarTickLookup} PlayedBar
- * @typedef {{ title: string, tick: number }} Section
+ * @typedef {{ title: string, tick: number, bar: number }} Section `bar` by its index in the score
  */
 
 /**
@@ -41,7 +41,7 @@ export function sectionsOf(bars) {
       return [];
     }
     before = bar;
-    return [{ title, tick: bar.start }];
+    return [{ title, tick: bar.start, bar: bar.masterBar.index }];
   });
 }
 

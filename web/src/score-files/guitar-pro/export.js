@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "../../shared/alphatab.js";
 import { foldBend } from "./bends.js";
+import { writtenFolding } from "./long-rests.js";
 import { mergeVoices } from "./merge.js";
 import { chooseVoices, mostVoices } from "./voices.js";
 
@@ -25,6 +26,7 @@ export function exportGuitarPro(score, settings) {
   const copy = JsonConverter.jsObjectToScore(/** @type {object} */ (JsonConverter.scoreToJsObject(score)), settings);
   // The copy's sound would be a copy as well.
   copy.backingTrack = score.backingTrack;
+  copy.stylesheet.perTrackMultiBarRest = writtenFolding(score);
   giveShortBarsTheirMetre(copy);
   for (const track of copy.tracks) {
     numberArticulations(track);
