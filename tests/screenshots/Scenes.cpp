@@ -117,6 +117,7 @@ QList<Scene> scenes()
     const auto nine = [](AlphaTabController &controller) { tracks(controller, u"Nonet"_s, numbered(9)); };
     const auto thirty = [](AlphaTabController &controller) { tracks(controller, QString(), numbered(30)); };
     const auto recording = [](AlphaTabController &controller) { controller.hasBackingTrack = true; };
+    const auto withFretboard = [](AlphaTabController &controller) { controller.fretboard = true; };
     const auto failed = [](AlphaTabController &controller) {
         controller.conversionError = u"Audiveris was not found. Install it and try again."_s;
     };
@@ -145,6 +146,9 @@ QList<Scene> scenes()
         { u"playing-dark"_s, usual, true, PlayingDemo, practising, {} },
         { u"playing-smallest"_s, smallest, false, PlayingDemo, practising, {} },
         { u"playing-largest"_s, largest, false, PlayingDemo, practising, {} },
+        { u"fretboard"_s, usual, false, PlayingDemo, withFretboard, {} },
+        { u"fretboard-dark"_s, usual, true, PlayingDemo, withFretboard, {} },
+        { u"fretboard-smallest"_s, smallest, false, PlayingDemo, withFretboard, {} },
         { u"popover"_s, usual, false, Demo, practising, openPopover },
         { u"popover-dark"_s, usual, true, Demo, practising, openPopover },
         { u"popover-off"_s, usual, false, Demo, recording, openPopover },

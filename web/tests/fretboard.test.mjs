@@ -39,6 +39,15 @@ test("a note that is tied goes on and is not struck next", () => {
   assert.equal(at(1920), "3.3 > 5.3");
 });
 
+test("a note rings on until its string is played again or a rest comes", () => {
+  const at = lookUp(scoreOf(":4 3.3{lr} 0.1{lr} 5.3 r | 2.2{lr} 1.1 r 3.3"));
+  assert.equal(at(960), "0.1 3.3 > 5.3");
+  assert.equal(at(1920), "5.3 0.1 > ");
+  assert.equal(at(2880), " > 2.2");
+  assert.equal(at(3840 + 960), "1.1 2.2 > ");
+  assert.equal(at(3840 + 2880), "3.3 > ");
+});
+
 test("voices sound together, each as long as its own beats", () => {
   const at = lookUp(scoreOf("\\voice :4 1.1 2.1 3.1 4.1 \\voice :2 0.6 0.5"));
   assert.equal(at(0), "1.1 0.6 > 2.1");

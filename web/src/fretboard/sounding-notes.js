@@ -53,9 +53,29 @@ export function notesAt(bars, position, track, loop) {
   const sounding = beatsIn(position.slice, track);
   const struck = beatAfter(bars, position, track, new Set(sounding), loop).flatMap(({ notes }) => notes);
   return {
-    sounding: sounding.flatMap(({ notes }) => notes),
+    sounding: sounding.flatMap((beat) => [...beat.notes, ...ringingInto(beat)]),
     next: struck.filter((note) => !note.isTieDestination),
   };
+}
+
+/**
+ * Notes of earlier beats of the bar that still ring: until their string is played again, or until a rest. What rings on
+ * from the bar before is left out; which bar that was depends on repeats.
+ *
+ * @param {Beat} beat
+ */
+function ringingInto(beat) {
+  /** @type {Note[]} */
+  const ringing = [];
+  const taken = new Set(beat.notes.map(({ string }) => string));
+  let earlier = beat.isRest ? null : beat.previousBeat;
+  while (earlier && !earlier.isRest && earlier.voice.bar === beat.voice.bar) {
+    const { notes } = earlier;
+    ringing.push(...notes.filter((note) => note.isLetRing && note.isStringed && !taken.has(note.string)));
+    notes.forEach(({ string }) => taken.add(string));
+    earlier = earlier.previousBeat;
+  }
+  return ringing;
 }
 
 /**
