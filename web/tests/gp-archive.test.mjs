@@ -64,6 +64,10 @@ function withEnd(stored) {
   return zip(files);
 }
 
+test("an element with an end is one: exported scores have many", () => {
+  assert.ok(repackGp(archive(`<GPIF>${"<Note></Note>".repeat(700000)}</GPIF>`), limit));
+});
+
 test("more than a score ever has is not read at all", () => {
   assert.throws(() => repackGp(archive("<a/>".repeat(1200000)), limit), /elements/);
   assert.match(

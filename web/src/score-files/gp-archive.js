@@ -1,6 +1,6 @@
 // @ts-check
 import { ZipReader } from "./containers/zip-reader.js";
-import { countTags, mostTags } from "./gpx-archive.js";
+import { countElements, mostElements } from "./gpx-archive.js";
 import { storedZip } from "./stored-zip.js";
 import { withoutGaps } from "./xml-gaps.js";
 
@@ -30,7 +30,7 @@ export function repackGp(bytes, limit) {
     return null;
   }
   const score = withoutGaps(zip.read(description, limit));
-  if (countTags(score) > mostTags) {
+  if (countElements(score) > mostElements) {
     throw new Error("it has more elements than any score");
   }
   /** @type {Map<string, Uint8Array>} */

@@ -22,8 +22,8 @@ const nameLength = 127;
 
 const scoreName = "score.gpif";
 
-/** Tags in a score of many thousand bars. alphaTab keeps some hundred bytes for each. */
-export const mostTags = 1e6;
+/** Elements in a score of many thousand bars. alphaTab keeps some hundred bytes for each. */
+export const mostElements = 1e6;
 
 /** What alphaTab reads beside the score. A score can be read without any of it. */
 const optional = ["BinaryStylesheet", "PartConfiguration", "LayoutConfiguration"];
@@ -52,15 +52,16 @@ export function repackGpx(bytes, limit, alone = false) {
     }
   }
   const score = files.get(scoreName);
-  return score && countTags(score) <= mostTags ? storedZip(files) : null;
+  return score && countElements(score) <= mostElements ? storedZip(files) : null;
 }
 
 /** @param {Uint8Array} xml */
-export function countTags(xml) {
-  const less = "<".charCodeAt(0);
+export function countElements(xml) {
+  const [less, slash] = ["<".charCodeAt(0), "/".charCodeAt(0)];
   let count = 0;
   for (let at = xml.indexOf(less); at >= 0; at = xml.indexOf(less, at + 1)) {
-    count++;
+    // The end of an element is none.
+    count += xml[at + 1] === slash ? 0 : 1;
   }
   return count;
 }
