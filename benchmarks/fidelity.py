@@ -4,17 +4,21 @@
 
 The collection is the corpus inside the Python package music21, installed into an environment of its own in build/. For each
 file it prints the share of MuseScore's notes that Quaverly plays with the same key within an eighth of a quarter note, the
-share of Quaverly's that MuseScore plays, and where the first one is missing; the worst files come last. MuseScore's answers
-are kept, so that only the first run takes long.
+share of Quaverly's that MuseScore plays, and where the first one is missing; the worst files come last. Files that do not
+agree are compared again without repeats and jumps, without grace notes and ornaments, and without either: that tells what
+the two read in another way. MuseScore's answers are kept, so that only the first run takes long.
 """
 
 import bisect
+import collections
 import hashlib
 import json
 import os
 import pathlib
 import subprocess
 import sys
+
+from reading import variants
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
 WORK = TOP / "build" / "fidelity"
@@ -110,30 +114,62 @@ def share(notes, others):
     return (1 - len(missing) / len(notes) if notes else 1), (missing[0] if missing else None)
 
 
+def own_notes(paths):
+    """Returns what Quaverly plays of each file, or why it plays nothing."""
+    reader = TOP / "benchmarks" / "reading" / "sounding.mjs"
+    told = subprocess.run(["node", reader, ALPHATAB], input="\n".join(map(str, paths)), capture_output=True, text=True,
+                          check=True)
+    return {pathlib.Path(answer["path"]): answer for answer in map(json.loads, told.stdout.splitlines())}
+
+
+def peer_notes(path):
+    """Returns what MuseScore plays; nothing where it did not come back in time."""
+    return read_midi(peer_file(path).read_bytes()) if peer_file(path).exists() else []
+
+
+def kinds_of(failing):
+    """Returns by file without what it agrees."""
+    changed = {path: variants.write(path, WORK / "variants") for path in failing}
+    every = [variant for paths in changed.values() for variant in paths.values()]
+    ask_peer(every)
+    own = own_notes(every)
+    kinds = {}
+    for path, paths in changed.items():
+        kinds[path] = "something else"
+        if not any(peer_notes(variant) for variant in paths.values()):
+            kinds[path] = "not told: MuseScore did not come back in time"
+        for kind, variant in paths.items():
+            notes, peer = own[variant].get("notes", []), peer_notes(variant)
+            if peer and min(share(peer, notes)[0], share(notes, peer)[0]) >= GOOD:
+                kinds[path] = kind
+                break
+    return kinds
+
+
 def main():
     arguments = [argument for argument in sys.argv[1:] if argument != "--peers"]
     folder = corpus()
     paths = sorted(path for path in folder.rglob("*") if path.suffix in (".mxl", ".xml", ".musicxml"))
     paths = [path for path in paths if not arguments or arguments[0] in str(path.relative_to(folder))]
     ask_peer(paths)
-    reader = TOP / "benchmarks" / "reading" / "sounding.mjs"
-    ours = subprocess.run(["node", reader, ALPHATAB], input="\n".join(map(str, paths)), capture_output=True, text=True, check=True)
     rows = []
-    for line in ours.stdout.splitlines():
-        answer = json.loads(line)
-        path = pathlib.Path(answer["path"])
-        if not peer_file(path).exists():
+    for path, answer in own_notes(paths).items():
+        peer = peer_notes(path)
+        if not peer:
             print(f"MuseScore has no answer: {path.relative_to(folder)}")
             continue
-        peer = read_midi(peer_file(path).read_bytes())
         found, first_missing = share(peer, answer.get("notes", []))
         told, first_extra = share(answer.get("notes", []), peer)
         rows.append((min(found, told), found, told, first_missing, first_extra, str(path.relative_to(folder)), answer.get("problem", "")))
+    kinds = kinds_of([folder / row[5] for row in rows if row[0] < GOOD and not row[6]])
     for worst, found, told, missing, extra, name, problem in sorted(rows, reverse=True):
-        note = problem or ("" if worst >= GOOD else f"first missing {missing}, first beyond {extra} (quarter, key)")
+        differs = f"{kinds.get(folder / name)}: first missing {missing}, first beyond {extra} (quarter, key)"
+        note = problem or ("" if worst >= GOOD else differs)
         print(f"{100 * found:6.1f} {100 * told:6.1f}  {name}  {note}".rstrip())
     good = sum(row[0] >= GOOD for row in rows)
     print(f"\n{good} of {len(rows)} files ({100 * good / max(1, len(rows)):.1f} %) agree to {100 * GOOD:.0f} % or better both ways")
+    for kind, count in collections.Counter(kinds.values()).most_common():
+        print(f"{count:4} differ in {kind}")
 
 
 if __name__ == "__main__":

@@ -3,7 +3,7 @@
 import re
 import zipfile
 
-
+# What a document says of its own encoding, which is another one when it is written again.
 ENCODING = re.compile("""encoding=["'][^"']*["']""")
 
 
