@@ -24,6 +24,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
+#include <QShortcut>
 
 #include <utility>
 
@@ -34,12 +35,15 @@ namespace {
 constexpr QSize minimumSize(760, 520);
 constexpr QSize preferredSize(1180, 780);
 
-/// Brings the window of its kind to the front, and makes it where there is none.
+/// Brings the window of its kind to the front, and makes it where there is none. Escape closes it.
 template <typename Window, typename... About> void showOnce(QWidget &parent, const About &...about)
 {
     auto *window = parent.findChild<Window *>();
-    if (!window)
+    if (!window) {
         window = new Window(about..., &parent);
+        new QShortcut(QKeySequence(Qt::Key_Escape), window, window, &QWidget::close);
+        window->move(parent.frameGeometry().center() - window->rect().center());
+    }
     window->show();
     window->raise();
     window->activateWindow();

@@ -23,6 +23,7 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QPointer>
+#include <QShortcut>
 #include <QSysInfo>
 #include <QTest>
 #include <QTextBlock>
@@ -295,6 +296,29 @@ private Q_SLOTS:
         QVERIFY(items > 30);
         QVERIFY(text.contains("Space"_L1));
         QVERIFY2(text.contains(u"1 … 9"_s) && text.contains(u"Alt+1 … Alt+9"_s), qPrintable(text));
+    }
+
+    void escapeClosesAWindowOfHelp_data()
+    {
+        QTest::addColumn<QString>("title");
+        QTest::newRow("guide") << u"Guide"_s;
+        QTest::newRow("shortcuts") << u"Keyboard Shortcuts"_s;
+    }
+
+    void escapeClosesAWindowOfHelp()
+    {
+        QFETCH(QString, title);
+        command(u"Help"_s, title)->trigger();
+        const auto windows = m_app->window().findChildren<QTextBrowser *>();
+        QCOMPARE(windows.size(), 1);
+        const QPointer<QTextBrowser> window = windows.constFirst();
+        // The offscreen platform gives keys to the main window only.
+        auto *escape = window->findChild<QShortcut *>();
+        QVERIFY(escape);
+        QCOMPARE(escape->key(), QKeySequence(Qt::Key_Escape));
+        Q_EMIT escape->activated();
+        QTRY_VERIFY(!window);
+        QVERIFY(m_app->window().isVisible());
     }
 
     void thereIsNoNewCommand() { QVERIFY(!command(u"File"_s, u"New"_s)); }
