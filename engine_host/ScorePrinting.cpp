@@ -9,11 +9,15 @@
 
 namespace {
 
-/// What can be printed on, in CSS pixels: 96 to the inch. A little less, so that rounding begins no further page.
+/// Chromium rounds the paper and each margin to points. What is a little higher than what remains begins a further
+/// page.
+constexpr double rounding = 3 * 96.0 / 72.0;
+
+/// What can be printed on, in CSS pixels: 96 to the inch.
 QSizeF roomOn(const QPageLayout &layout)
 {
     const QSizeF inches = layout.paintRect(QPageLayout::Inch).size();
-    return { std::floor(inches.width() * 96) - 1, std::floor(inches.height() * 96) - 1 };
+    return { std::floor(inches.width() * 96 - rounding), std::floor(inches.height() * 96 - rounding) };
 }
 
 } // namespace

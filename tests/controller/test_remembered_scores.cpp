@@ -241,6 +241,7 @@ private Q_SLOTS:
         one.open(u"a.gp"_s, "a");
         QVERIFY(!one.isAsPractised());
         QVERIFY(!world.scoreMemory()->isOn());
+        QVERIFY(!world.scoreMemory()->recall(ScoreMemory::keyFor("a")));
     }
 
     void otherTracksThanRememberedStayAsTheyAre()

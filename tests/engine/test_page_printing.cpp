@@ -18,10 +18,12 @@ class TestPagePrinting final : public PageTest {
     Q_OBJECT
 
     /// Prints what is shown into a PDF of format A4 with margins of 15 mm.
-    QByteArray print(QPageLayout::Orientation orientation = QPageLayout::Portrait)
+    QByteArray print() { return print(QPageSize::A4, QPageLayout::Portrait, 15); }
+
+    QByteArray print(QPageSize::PageSizeId size, QPageLayout::Orientation orientation, double margin)
     {
         const QPageLayout layout(
-            QPageSize(QPageSize::A4), orientation, QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter);
+            QPageSize(size), orientation, QMarginsF(margin, margin, margin, margin), QPageLayout::Millimeter);
         std::optional<PrintResult> result;
         m_session->host().print({ .layout = layout, .filePath = u"x.pdf"_s, .printer = nullptr },
             [&](const PrintResult &r) { result = r; });
@@ -69,6 +71,32 @@ private Q_SLOTS:
         }
         for (int bar = 2; bar <= 160; ++bar)
             QVERIFY2(numbers.contains(QString::number(bar)), qPrintable(QString::number(bar)));
+    }
+
+    void thereIsNoPageWithoutMusic_data()
+    {
+        QTest::addColumn<QPageSize::PageSizeId>("size");
+        QTest::addColumn<bool>("landscape");
+        QTest::addColumn<double>("margin");
+        for (const double margin : { 10.7, 15.0 }) {
+            for (const bool landscape : { false, true }) {
+                QTest::addRow("A4 %d %.1f", landscape, margin) << QPageSize::A4 << landscape << margin;
+                QTest::addRow("Letter %d %.1f", landscape, margin) << QPageSize::Letter << landscape << margin;
+            }
+        }
+    }
+
+    void thereIsNoPageWithoutMusic()
+    {
+        QFETCH(const QPageSize::PageSizeId, size);
+        QFETCH(const bool, landscape);
+        QFETCH(const double, margin);
+        QVERIFY(m_session->open(longTune()));
+        const QStringList texts
+            = textsOf(print(size, landscape ? QPageLayout::Landscape : QPageLayout::Portrait, margin));
+        QVERIFY(!texts.isEmpty());
+        const QString number = u"%1/%1"_s.arg(texts.size());
+        QVERIFY2(texts.constLast().contains(number), qPrintable(number));
     }
 
     void thePageIsAfterwardsAsItWasBefore()
