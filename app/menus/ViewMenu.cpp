@@ -23,6 +23,7 @@ ViewMenu::ViewMenu(AlphaTabController &controller, QMainWindow &window)
     addSizes(items);
     addSeparator();
     addFretboard(items);
+    addSeparator();
     addPages(items);
     addSeparator();
     addFullScreen(items);

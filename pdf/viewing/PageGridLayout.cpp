@@ -45,14 +45,14 @@ PageGridLayout::Range PageGridLayout::pagesBetween(double top, double bottom) co
 
 double PageGridLayout::halfPageFrom(double top, int direction, double farthest) const
 {
-    // Rows begin on any fraction of a pixel, and a view on a whole one.
-    constexpr double same = 1;
+    // A turn is one that is seen: the margin above the first row is none.
+    const double least = farthest / 8;
     double found = top + direction * farthest;
     for (const Row &row : m_rows) {
         for (const double stop : { row.top, row.top + row.height / 2 }) {
-            if (direction > 0 && stop > top + same)
+            if (direction > 0 && stop > top + least)
                 found = std::min(found, stop);
-            else if (direction < 0 && stop < top - same)
+            else if (direction < 0 && stop < top - least)
                 found = std::max(found, stop);
         }
     }

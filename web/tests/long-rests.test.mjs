@@ -24,26 +24,29 @@ function folded(score, tracks) {
 
 test("the long rests of a track that is shown alone are folded, and those of several are not", () => {
   const score = two();
-  foldLongRests(score);
+  foldLongRests(score, true);
   assert.deepEqual(folded(score, [0]), [1, 2]);
   assert.deepEqual(folded(score, [1]), []);
   assert.deepEqual(folded(score, [0, 1]), []);
+  foldLongRests(score, false);
+  assert.deepEqual(folded(score, [0]), [], "the endless line");
 });
 
 test("a score with one track stays as its file has it", () => {
   const score = scoreOf(rests);
-  foldLongRests(score);
+  foldLongRests(score, true);
   assert.deepEqual(folded(score, [0]), []);
 });
 
 test("an exported score has the folding of its file", () => {
   const read = (score) => alphaTab.importer.ScoreLoader.loadScoreFromBytes(exportGuitarPro(score, settings), settings);
   const plain = two();
-  foldLongRests(plain);
+  foldLongRests(plain, true);
   assert.equal(writtenFolding(plain), null);
   assert.ok(!read(plain).stylesheet.perTrackMultiBarRest?.size);
   const listed = two();
   listed.stylesheet.perTrackMultiBarRest = new Set([1]);
-  foldLongRests(listed);
+  foldLongRests(listed, true);
+  foldLongRests(listed, false);
   assert.deepEqual([...read(listed).stylesheet.perTrackMultiBarRest], [1]);
 });

@@ -57,7 +57,7 @@ private Q_SLOTS:
     {
         // Rows of 968 pixels at 16, 998 and so on.
         const PageGridLayout layout = grid(std::vector<double>(3, 1.0), 1, 1000);
-        QCOMPARE(layout.halfPageFrom(0, 1, 800), 16.0);
+        QCOMPARE(layout.halfPageFrom(0, 1, 800), 16.0 + 484);
         QCOMPARE(layout.halfPageFrom(16, 1, 800), 16.0 + 484);
         QCOMPARE(layout.halfPageFrom(16.4, 1, 800), 16.0 + 484);
         QCOMPARE(layout.halfPageFrom(500, 1, 800), 998.0);

@@ -19,12 +19,12 @@ std::shared_ptr<const PDFDocument> open(const QByteArray &bytes)
     return document;
 }
 
-QImage painted(const PDFPageCell &cell, const QRectF &place)
+QImage painted(const PDFPageCell &cell, const QRectF &place, bool dark = false)
 {
     QImage canvas(200, 200, QImage::Format_RGB32);
     canvas.fill(QColor(200, 200, 200));
     QPainter painter(&canvas);
-    cell.paint(painter, place);
+    cell.paint(painter, place, dark);
     return canvas;
 }
 
@@ -34,6 +34,23 @@ class TestPDFPageCell final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void darkPaperTurnsInkLight()
+    {
+        QImage page(100, 100, QImage::Format_RGB32);
+        page.fill(Qt::white);
+        page.setPixelColor(50, 50, Qt::black);
+        PDFPageCell cell(open(TestPDFs::colored(1)), 0, 100);
+        cell.setPicture(cell.renderKey(), PagePicture(page, 100));
+        const QImage light = painted(cell, { 20, 20, 100, 100 });
+        QCOMPARE(light.pixelColor(30, 30), QColor(Qt::white));
+        QCOMPARE(light.pixelColor(70, 70), QColor(Qt::black));
+        const QImage dark = painted(cell, { 20, 20, 100, 100 }, true);
+        QVERIFY(dark.pixelColor(30, 30).lightness() < 48 && dark.pixelColor(30, 30).lightness() > 16);
+        QCOMPARE(dark.pixelColor(70, 70), QColor(Qt::white));
+        // Nothing else turns dark.
+        QCOMPARE(dark.pixelColor(190, 190), light.pixelColor(190, 190));
+    }
+
     void aspects_data()
     {
         QTest::addColumn<QByteArray>("media");

@@ -6,6 +6,7 @@ import { separateSectionMarks } from "./effect-bands.js";
 import { LayoutRun } from "./layout-run.js";
 import { showStaves } from "./shown-staves.js";
 import { arrangeStaffNames } from "./staff-names.js";
+import { foldLongRests } from "../score-files/guitar-pro/long-rests.js";
 import { readScore } from "../score-files/score-files.js";
 import { collectThoroughly } from "../shared/garbage.js";
 
@@ -98,6 +99,7 @@ function draw(request) {
   setTextWidths(request.textWidths);
   renderer.updateSettings(settings);
   renderer.width = request.width;
+  foldLongRests(held.score, settings.display.layoutMode !== alphaTab.LayoutMode.Horizontal);
   showStaves(held.score, request.staves);
   arrangeStaffNames(held.score, request.tracks);
   run = new LayoutRun(renderer, held.score, request.tracks, request.view, request.anchor, request.atOnce);

@@ -368,6 +368,7 @@ export class WorkerRenderer {
       }
     }
     this.#addBounds(batch.bounds);
+    this.#addFolded(batch.last);
     this.#inRenderPass = !batch.last;
     if (!batch.first) {
       this.remainderShown.trigger();
@@ -423,6 +424,42 @@ export class WorkerRenderer {
       }
     }
     all.finish();
+  }
+
+  /**
+   * alphaTab does not say where the beats of a folded rest are, and then leaves its cursor where it was.
+   *
+   * @param {boolean} last whether there are no more bars
+   */
+  #addFolded(last) {
+    const all = this.boundsLookup;
+    const track = this.#tracks.length === 1 ? this.#score?.tracks[this.#tracks[0]] : null;
+    if (!all || !track?.score.stylesheet.perTrackMultiBarRest?.has(track.index)) {
+      return;
+    }
+    const shown = all.staffSystems.flatMap(({ bars }) => bars);
+    shown.forEach(({ index, bars: [box] }, position) => {
+      const end = shown[position + 1]?.index ?? (last ? track.score.masterBars.length : index);
+      const folded = track.staves.flatMap((staff) => staff.bars.slice(index, end));
+      const beats = folded.flatMap(({ voices }) => voices.flatMap((voice) => voice.beats));
+      if (end <= index + 1 || !box || box.beats.length > 0 || beats.length === 0) {
+        return;
+      }
+      const { visualBounds, realBounds } = box;
+      const onNotesX = visualBounds.x + visualBounds.w / 2;
+      const boxes = beats.map((beat) =>
+        Object.assign(new alphaTab.rendering.BeatBounds(), {
+          beat,
+          visualBounds,
+          realBounds,
+          onNotesX,
+          barBounds: box,
+        }),
+      );
+      boxes.forEach((beat) => all.addBeat(beat));
+      // For the pointer.
+      box.beats.push(boxes[0]);
+    });
   }
 }
 

@@ -4,7 +4,6 @@ import "./corrections.js";
 import { musicXmlIn } from "./compressed-musicxml.js";
 import { decodeText } from "./containers/text-encoding.js";
 import { detectFormat } from "./formats.js";
-import { foldLongRests } from "./guitar-pro/long-rests.js";
 import { boundScore } from "./score-bounds.js";
 import { repackGp } from "./gp-archive.js";
 import { repackGpx } from "./gpx-archive.js";
@@ -49,7 +48,6 @@ export function readScore(bytes, settings) {
     placeAutomations(score);
     breakableSpaces(score);
     wholeTrackNames(score);
-    foldLongRests(score);
     return { score };
   } catch (reason) {
     return { problem: `The score file is damaged or cut short (${sentenceOf(reason)}).` };

@@ -67,7 +67,9 @@ export class Movement {
   #step(ticksOf, direction) {
     const playback = this.#playback;
     const late = playback.playing ? Math.max(playback.ticksIn(lateMs), sameTick) : sameTick;
-    const ticks = ticksOf(this.#api.tickCache?.masterBars ?? []);
+    const { masterBars = [], multiBarRestInfo = null } = this.#api.tickCache ?? {};
+    const folded = new Set([...(multiBarRestInfo?.values() ?? [])].flat());
+    const ticks = ticksOf(masterBars.filter(({ masterBar }) => !folded.has(masterBar.index)));
     const target = stepFrom(ticks, this.#tick, direction, sameTick, late);
     if (target !== null) {
       this.#goTo(target);

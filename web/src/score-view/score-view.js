@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
+import { foldLongRests } from "../score-files/guitar-pro/long-rests.js";
 import { notationColors } from "../rendering/notation-colors.js";
 
 /**
@@ -64,6 +65,7 @@ export class ScoreView {
    * @param {import("../shared/alphatab.js").Score} score
    */
   show(score) {
+    this.#foldRests(score);
     this.#scoreHeader.show(score, score.tracks);
     this.#api.show(score);
   }
@@ -81,7 +83,8 @@ export class ScoreView {
   showTracks(trackIds) {
     const score = this.#api.score;
     const tracks = score ? trackIds.map((id) => score.tracks[id]).filter(Boolean) : [];
-    if (tracks.length > 0) {
+    if (score && tracks.length > 0) {
+      this.#foldRests(score);
       this.#api.workerRenderer.changeScorePage(() =>
         this.#scoreHeader.show(/** @type {import("../shared/alphatab.js").Score} */ (score), tracks),
       );
@@ -96,7 +99,12 @@ export class ScoreView {
     // One endless system has no score header to tell of the capo.
     this.#api.settings.notation.elements.set(alphaTab.NotationElement.EffectCapo, horizontal);
     this.#api.settings.display.layoutMode = horizontal ? alphaTab.LayoutMode.Horizontal : alphaTab.LayoutMode.Page;
-    this.#redraw();
+    this.#api.updateSettings();
+    if (this.#api.score) {
+      this.#foldRests(this.#api.score);
+      // Has alphaTab find out anew which bars its cursor passes over.
+      this.#api.renderTracks(this.#api.tracks);
+    }
   }
 
   /** @param {number} zoom */
@@ -139,6 +147,11 @@ export class ScoreView {
     if (this.#api.score) {
       this.#api.render();
     }
+  }
+
+  /** The render worker does the same with its score. @param {import("../shared/alphatab.js").Score} score */
+  #foldRests(score) {
+    foldLongRests(score, this.#api.settings.display.layoutMode !== alphaTab.LayoutMode.Horizontal);
   }
 
   /** A layout is finished before its systems are painted: they are painted as they come into view. */
