@@ -10,6 +10,8 @@
 #include "pdf/conversion/PDFDocument.h"
 #include "tests/support/TestSurroundings.h"
 #include "views/ContentView.h"
+#include "views/Toolbar.h"
+#include "views/TrackSidebar.h"
 
 #include <QAction>
 #include <QClipboard>
@@ -168,11 +170,20 @@ private Q_SLOTS:
         QVERIFY(action);
         QCOMPARE(action->shortcut(), QKeySequence(u"F11"_s));
         QVERIFY(!action->isChecked());
+        const auto *content = qobject_cast<ContentView *>(m_app->window().centralWidget());
+        const QWidget *toolbar = content->findChild<Toolbar *>();
+        const QWidget *sidebar = content->findChild<TrackSidebar *>();
+        const int width = content->sidebarWidth();
         action->trigger();
         QTRY_VERIFY(m_app->window().isFullScreen() && action->isChecked());
+        QTRY_VERIFY(!toolbar->isVisible() && !sidebar->isVisible());
+        // What is remembered of the window.
+        QCOMPARE(content->sidebarWidth(), width);
         // The window manager's own command.
         m_app->window().showNormal();
         QTRY_VERIFY(!action->isChecked());
+        QTRY_VERIFY(toolbar->isVisible() && sidebar->isVisible());
+        QTRY_COMPARE(content->sidebarWidth(), width);
     }
 
     void aboutTellsVersionsAndLicences()

@@ -50,6 +50,26 @@ private Q_SLOTS:
         QCOMPARE(pageGrid(w)->grid().pageCount(), 1000);
     }
 
+    void pagesAreTurnedWholeAndByHalves()
+    {
+        ShownWindow w;
+        w.openPDF(TestPDFs::colored(12));
+        w.controller.pdfPagesAcross = 1;
+        const QScrollBar *bar = pageGrid(w)->verticalScrollBar();
+        w.controller.pdfTurn = 1;
+        QCOMPARE(bar->value(), bar->pageStep());
+        w.controller.pdfTurn = -1;
+        QCOMPARE(bar->value(), 0);
+        w.controller.pdfHalfTurns = true;
+        const QRectF second = pageGrid(w)->grid().cell(1);
+        for (int i = 0; i < 20 && bar->value() < qRound(second.top()); ++i)
+            w.controller.pdfTurn = 1;
+        QCOMPARE(bar->value(), qRound(second.top()));
+        w.controller.pdfTurn = 1;
+        const int middle = qRound(second.center().y());
+        QVERIFY(bar->value() == middle || bar->value() == qRound(second.top()) + bar->pageStep());
+    }
+
     void memoryIsBoundedWhateverIsScrolled()
     {
         ShownWindow w;
