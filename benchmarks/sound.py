@@ -21,6 +21,7 @@ import time
 import numpy
 
 from soundlab.ears import errors, last_sound, onsets, silences
+from soundlab.practice import ranges, trainer
 from soundlab.room import RATE, SoundSystem, Tape, Window
 from soundlab.scores import BEAT, ON_EACH_BEAT, Desk
 from startup import Screen
@@ -390,7 +391,8 @@ def in_a_room(row):
 
 
 ROWS = {row.__name__: in_a_room(row)
-        for row in (clicks, recording, recordingseam, recordingmark, recordingdropouts, seam, mute, mark, drift, dropouts)}
+        for row in (clicks, recording, recordingseam, recordingmark, recordingdropouts, seam, ranges, trainer, mute, mark, drift,
+                    dropouts)}
 ROWS["ready"] = ready
 
 

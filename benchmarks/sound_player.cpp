@@ -3,9 +3,11 @@
 //
 //   open PATH      js SCRIPT      mute TRACK      resize WIDTH HEIGHT      wheel STEPS      positions COUNT      quit
 //   value EXPRESSION      press X Y      move X Y      release X Y
+//   choose ITEM      set NAME VALUE      tick NAME      push BUTTON
 //
 // "value" has the page work out an expression, whose value is written as a line of its own; "press", "move" and
-// "release" are the mouse's left button over the score, in the page's pixels.
+// "release" are the mouse's left button over the score, in the page's pixels. "choose" is an item of the menus, "set" a
+// number in a panel by its accessible name, "tick" a box to be ticked, "push" a button.
 // "positions" hands the window position messages as a playing page does, fifteen a second. When the main thread was
 // busy for long, "stalled" and the milliseconds are written. Every page message and every line carried out is written
 // to standard output as one line: the time in seconds of the monotonic clock, "message" or "did", and the message as
@@ -17,6 +19,8 @@
 #include "engine_host/bridge/MessageReceiver.h"
 #include "engine_host/bridge/ScriptHandler.h"
 
+#include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QJsonDocument>
@@ -24,6 +28,7 @@
 #include <QLoggingCategory>
 #include <QMouseEvent>
 #include <QSocketNotifier>
+#include <QSpinBox>
 #include <QTimer>
 #include <QUrl>
 #include <QWebEnginePage>
@@ -94,6 +99,12 @@ public:
             tellValue(argument);
         else if (command == u"press" || command == u"move" || command == u"release")
             moveMouse(command, argument);
+        else if (command == u"choose")
+            chooseItem(argument);
+        else if (command == u"set")
+            setNumber(argument.section(u' ', 0, -2), argument.section(u' ', -1).toInt());
+        else if (command == u"tick" || command == u"push")
+            pushButton(argument);
         else
             QCoreApplication::quit();
         report("did", line.toUtf8());
@@ -117,6 +128,32 @@ private:
         if (auto *view = qobject_cast<QWebEngineView *>(m_controller.webView()))
             view->page()->runJavaScript(
                 expression, [](const QVariant &value) { report("value", value.toString().toUtf8()); });
+    }
+
+    void chooseItem(const QString &text)
+    {
+        for (QAction *item : m_window.findChildren<QAction *>()) {
+            if (item->text() == text)
+                item->trigger();
+        }
+    }
+
+    void setNumber(const QString &name, int value)
+    {
+        for (auto *box : m_window.findChildren<QSpinBox *>()) {
+            if (box->accessibleName() == name)
+                box->setValue(value);
+        }
+    }
+
+    void pushButton(const QString &text)
+    {
+        for (auto *button : m_window.findChildren<QAbstractButton *>()) {
+            if (button->text() == text) {
+                button->click();
+                return;
+            }
+        }
     }
 
     /// What takes the mouse over the score; null when there is nothing.

@@ -7,6 +7,7 @@
 #include "controller/TrackInfo.h"
 #include "engine_host/PrintTarget.h"
 #include "engine_host/bridge/BridgeMessages.h"
+#include "engine_host/bridge/LoopSpan.h"
 #include "engine_host/bridge/MarkedRange.h"
 #include "engine_host/bridge/MessageReceiver.h"
 #include "engine_host/bridge/ScoreSection.h"
@@ -61,6 +62,8 @@ public:
     Published<bool> hasBackingTrack{ false };
     /// What the score marks, in the order of playing.
     Published<QList<ScoreSection>> sections;
+    /// What looping loops: the chosen range, or the whole score.
+    Published<LoopSpan> loopSpan;
     /// Whether the page is there and answers.
     Published<PageHealth> pageHealth{ PageHealth::Well };
 

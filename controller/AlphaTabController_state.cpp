@@ -86,6 +86,12 @@ AlphaTabController::AlphaTabController(Surroundings surroundings)
         [this](const QList<ScoreSection> &list) { sections = list; });
     connect(&m_engine->reports(), &PageReports::rangeChanged, this,
         [this](const std::optional<MarkedRange> &range) { m_range = range; });
+    connect(
+        &m_engine->reports(), &PageReports::loopSpanChanged, this, [this](const LoopSpan &span) { loopSpan = span; });
+    connect(&m_engine->reports(), &PageReports::loopWanted, this, [this] {
+        if (!looping)
+            looping = true;
+    });
     startSmokeLog();
     loadRecents();
     QThreadPool::globalInstance()->start(&PDFConverter::WorkingFolder::sweep);

@@ -385,6 +385,10 @@
         <translation>Stumm</translation>
     </message>
     <message>
+        <source>Speed Trainer…</source>
+        <translation>Tempotrainer…</translation>
+    </message>
+    <message>
         <source>Remember Each Piece</source>
         <translation>Jedes Stück merken</translation>
     </message>
@@ -617,6 +621,66 @@
     <message>
         <source>Tracks</source>
         <translation>Spuren</translation>
+    </message>
+</context>
+<context>
+    <name>TrainerPanel</name>
+    <message>
+        <source> %</source>
+        <extracomment>Behind a number of percent.</extracomment>
+        <translation> %</translation>
+    </message>
+    <message>
+        <source>Count in before each pass</source>
+        <translation>Vor jedem Durchgang einzählen</translation>
+    </message>
+    <message>
+        <source>Back to the first speed when stopped</source>
+        <translation>Nach dem Anhalten zurück zum ersten Tempo</translation>
+    </message>
+    <message>
+        <source>Speed Trainer</source>
+        <translation>Tempotrainer</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>From</source>
+        <translation>Von</translation>
+    </message>
+    <message>
+        <source>To</source>
+        <translation>Bis</translation>
+    </message>
+    <message>
+        <source>Step</source>
+        <translation>Schritt</translation>
+    </message>
+    <message>
+        <source>Passes per step</source>
+        <translation>Durchgänge je Schritt</translation>
+    </message>
+    <message>
+        <source>End Training</source>
+        <translation>Training beenden</translation>
+    </message>
+    <message>
+        <source>Begin Training</source>
+        <translation>Training beginnen</translation>
+    </message>
+    <message>
+        <source>Choose a passage, then begin.</source>
+        <translation>Wähle eine Stelle, dann beginne.</translation>
+    </message>
+    <message>
+        <source>%1 %: the last speed</source>
+        <translation>%1 %: das letzte Tempo</translation>
+    </message>
+    <message>
+        <source>%1 %, pass %2 of %3</source>
+        <translation>%1 %, Durchgang %2 von %3</translation>
     </message>
 </context>
 <context>

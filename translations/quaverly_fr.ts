@@ -385,6 +385,10 @@
         <translation>Muet</translation>
     </message>
     <message>
+        <source>Speed Trainer…</source>
+        <translation>Entraîneur de vitesse…</translation>
+    </message>
+    <message>
         <source>Remember Each Piece</source>
         <translation>Mémoriser chaque morceau</translation>
     </message>
@@ -617,6 +621,66 @@
     <message>
         <source>Tracks</source>
         <translation>Pistes</translation>
+    </message>
+</context>
+<context>
+    <name>TrainerPanel</name>
+    <message>
+        <source> %</source>
+        <extracomment>Behind a number of percent.</extracomment>
+        <translation> %</translation>
+    </message>
+    <message>
+        <source>Count in before each pass</source>
+        <translation>Décompter avant chaque passage</translation>
+    </message>
+    <message>
+        <source>Back to the first speed when stopped</source>
+        <translation>Revenir à la première vitesse à l’arrêt</translation>
+    </message>
+    <message>
+        <source>Speed Trainer</source>
+        <translation>Entraîneur de vitesse</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Fermer</translation>
+    </message>
+    <message>
+        <source>From</source>
+        <translation>De</translation>
+    </message>
+    <message>
+        <source>To</source>
+        <translation>À</translation>
+    </message>
+    <message>
+        <source>Step</source>
+        <translation>Pas</translation>
+    </message>
+    <message>
+        <source>Passes per step</source>
+        <translation>Passages par pas</translation>
+    </message>
+    <message>
+        <source>End Training</source>
+        <translation>Terminer l’entraînement</translation>
+    </message>
+    <message>
+        <source>Begin Training</source>
+        <translation>Commencer l’entraînement</translation>
+    </message>
+    <message>
+        <source>Choose a passage, then begin.</source>
+        <translation>Choisissez un passage, puis commencez.</translation>
+    </message>
+    <message>
+        <source>%1 %: the last speed</source>
+        <translation>%1 % : la dernière vitesse</translation>
+    </message>
+    <message>
+        <source>%1 %, pass %2 of %3</source>
+        <translation>%1 %, passage %2 sur %3</translation>
     </message>
 </context>
 <context>

@@ -2,6 +2,7 @@
 
 #include "app/menus/MenuItems.h"
 #include "app/menus/TrackMenu.h"
+#include "app/trainer/TrainerPanel.h"
 #include "controller/AlphaTabController.h"
 
 #include <algorithm>
@@ -14,6 +15,8 @@ PracticeMenu::PracticeMenu(AlphaTabController &controller, QWidget *parent)
 {
     const MenuItems items(controller, *this);
     addRange(items);
+    addSeparator();
+    addAction(tr("Speed Trainer…"), this, [this] { showTrainer(); });
     addSeparator();
     addTracks();
     addSeparator();
@@ -49,6 +52,22 @@ void PracticeMenu::addTracks()
     addMenu(new TrackMenu(
         m_controller, tr("Mute"), u"Alt+"_s, [](const TrackInfo &track) { return track.mute; },
         [this](int id) { m_controller.toggleMute(id); }, this));
+}
+
+void PracticeMenu::showTrainer()
+{
+    QWidget *window = parentWidget();
+    auto *panel = window->findChild<TrainerPanel *>();
+    if (!panel) {
+        panel = new TrainerPanel(m_controller, window);
+        // Where it hides least of the score.
+        const QPoint corner = window->mapToGlobal(window->rect().bottomRight());
+        panel->adjustSize();
+        panel->move(corner - QPoint(panel->width() + 32, panel->height() + 140));
+    }
+    panel->show();
+    panel->raise();
+    panel->activateWindow();
 }
 
 void PracticeMenu::showAlone(int id)

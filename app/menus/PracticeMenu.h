@@ -18,6 +18,7 @@ public:
 
 private:
     void addRange(const MenuItems &items);
+    void showTrainer();
     void addTracks();
     void showAlone(int id);
 

@@ -29,6 +29,14 @@ void PageReports::reportSections(const QVariantList &sections)
     Q_EMIT sectionsChanged(list);
 }
 
+void PageReports::reportLoopSpan(double startMs, double endMs)
+{
+    if (std::isfinite(startMs) && std::isfinite(endMs) && startMs >= 0 && endMs > startMs)
+        Q_EMIT loopSpanChanged({ startMs, endMs });
+}
+
+void PageReports::reportLoopWanted() { Q_EMIT loopWanted(); }
+
 void PageReports::setLook(const QString &name, const QVariant &value)
 {
     m_look.insert(name, value);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine_host/bridge/LoopSpan.h"
 #include "engine_host/bridge/MarkedRange.h"
 #include "engine_host/bridge/ScoreSection.h"
 
@@ -33,6 +34,11 @@ public:
     /// Called by the page: the sections of the score that it shows, each with "title" and "start"; what has neither
     /// text nor time is left out.
     Q_INVOKABLE void reportSections(const QVariantList &sections);
+    /// Called by the page: what looping loops, from one millisecond of score time to a later one; the whole score where
+    /// no range is chosen. Anything else is no span and is left out.
+    Q_INVOKABLE void reportLoopSpan(double startMs, double endMs);
+    /// Called by the page: the user has chosen what is to be looped in a way that asks for looping too.
+    Q_INVOKABLE void reportLoopWanted();
 
     /// Called by the page: what looping loops, as MarkedRange::toMap has it; what is no range stands for the whole
     /// score.
@@ -62,6 +68,8 @@ Q_SIGNALS:
     void sectionsChanged(const QList<ScoreSection> &sections);
     void rangeChanged(const std::optional<MarkedRange> &range);
     void printPrepared(bool succeeded);
+    void loopSpanChanged(const LoopSpan &span);
+    void loopWanted();
 
     // For the page
     /// It is a signal and no key event, because Chromium drops events while something else has the focus.

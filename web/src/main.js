@@ -66,7 +66,7 @@ const scoreView = new ScoreView(api, scorePage, viewport, scoreHeader, scoreFoot
 });
 lookWanted.on((look) => scoreView.setLook(look));
 const rangeSelection = new RangeSelection(api, playback, new RangeLayer(api));
-const pointerInput = new PointerInput(api, playback, viewport, rangeSelection);
+const pointerInput = new PointerInput(api, playback, viewport, rangeSelection, () => host.reportLoopWanted());
 const autoScroll = new AutoScroll(api, playback, viewport);
 const cursor = new Cursor(api);
 const keys = keyTable({
@@ -86,6 +86,16 @@ api.scorePrepared.on(() => {
   const sections = markedSections(api.tickCache?.masterBars ?? []);
   host.reportSections(sections.map(({ title, tick }) => ({ title, start: playback.scoreMs(tick) })));
 });
+
+const reportLoopSpan = () => {
+  const { range } = playback;
+  host.reportLoopSpan(
+    range ? playback.scoreMs(range.startTick) : 0,
+    range ? playback.scoreMs(range.endTick) : playback.endTime,
+  );
+};
+rangeSelection.changed.on(reportLoopSpan);
+api.scorePrepared.on(reportLoopSpan);
 
 // Behind the message of the score that it belongs to.
 rangeSelection.changed.on((range) => queueMicrotask(() => host.reportRange(range ? toHost(range) : {})));

@@ -24,6 +24,8 @@ function heldChannel() {
           reportRange: (range) => received.push({ range }),
           reportPrintPrepared: (succeeded) => received.push({ succeeded }),
           look: { dark: false, staves: "both" },
+          reportLoopSpan: (...loop) => received.push({ loop }),
+          reportLoopWanted: () => received.push("loop wanted"),
           ...Object.fromEntries(
             ["keyPressed", "lookChanged", "rangeWanted", "fretboardWanted", "printWanted", "printEnded"].map((name) => [
               name,
@@ -74,6 +76,8 @@ test("what the page reports to its host arrives like a message, and is none", ()
   host.reportSections([{ title: "A", start: 5 }]);
   host.reportRange({});
   host.reportPrintPrepared(true);
+  host.reportLoopSpan(500, 1500);
+  host.reportLoopWanted();
   assert.deepEqual(received, [
     { working: false },
     { working: true },
@@ -81,6 +85,8 @@ test("what the page reports to its host arrives like a message, and is none", ()
     { sections: [{ title: "A", start: 5 }] },
     { range: {} },
     { succeeded: true },
+    { loop: [500, 1500] },
+    "loop wanted",
   ]);
 });
 

@@ -203,3 +203,12 @@ test("another player goes on where this one was, and playing if it did", async (
   await new Promise((resolve) => setTimeout(resolve));
   assert.equal(names("play").length, 1);
 });
+
+test("looping that is turned on right after a seek stays where that went", () => {
+  const { playback, names, position } = transport();
+  position(5000, true);
+  playback.setRange({ startTick: 3840, endTick: 7680 });
+  playback.seekToTick(3840);
+  playback.setLooping(true);
+  assert.equal(names("tick").at(-1), 3840);
+});

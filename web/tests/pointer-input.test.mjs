@@ -84,7 +84,9 @@ function page({ tick = 0 } = {}) {
     setRange: (range) => ranges.push(range),
   });
   const selection = new RangeSelection(api, playback, new RangeLayer(api));
-  const input = new PointerInput(api, playback, standIn(viewport), selection);
+  /** @type {({ startTick: number, endTick: number } | null)[]} */
+  const loops = [];
+  const input = new PointerInput(api, playback, standIn(viewport), selection, () => loops.push(last(ranges)));
   const pointer = (type, x, { target, ...more } = standIn({})) => {
     const event = Object.assign(new Event(type), {
       button: 0,
@@ -115,7 +117,7 @@ function page({ tick = 0 } = {}) {
     view.zoom = to;
     api.postRenderFinished.trigger();
   };
-  return { input, selection, playback, pointer, drag, seeks, ranges, shown, edges, handles, zoom };
+  return { input, selection, playback, pointer, drag, seeks, ranges, loops, shown, edges, handles, zoom };
 }
 
 const last = (list) => list.at(-1);
@@ -224,13 +226,14 @@ test("a drag beyond its bar chooses whole bars; with Alt or Ctrl it ends at beat
   }
 });
 
-test("a double click chooses the bar and goes to its beginning", () => {
-  const { drag, pointer, ranges, seeks } = page();
+test("a double click chooses the bar, goes to its beginning and has it looped", () => {
+  const { drag, pointer, ranges, seeks, loops } = page();
   drag(630, 630);
   drag(630, 630);
   pointer("dblclick", 630);
   assert.deepEqual(last(ranges), bars(1, 2));
   assert.equal(last(seeks), 3840);
+  assert.deepEqual(loops, [bars(1, 2)]);
 });
 
 test("a handle moves its end beat by beat, and no end beyond the other one", () => {

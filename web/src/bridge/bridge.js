@@ -51,6 +51,8 @@ import { Emitter } from "../shared/emitter.js";
  *     start at a score time.
  * @property {(range: HostRange | {}) => void} reportRange What looping loops; without members for the whole score.
  * @property {(succeeded: boolean) => void} reportPrintPrepared The pages for a printer are there, or cannot be made.
+ * @property {(startMs: number, endMs: number) => void} reportLoopSpan What looping loops, in score time.
+ * @property {() => void} reportLoopWanted The range that was just chosen is to be looped.
  *
  * @typedef {{ startBar: number, startTick: number, endBar: number, endTick: number }} HostRange of the score as it is
  *     written; an end tick below 0 is the end of the bar
@@ -130,6 +132,8 @@ export function connect(scope = globalThis) {
       reportSections: nothing,
       reportRange: nothing,
       reportPrintPrepared: nothing,
+      reportLoopSpan: nothing,
+      reportLoopWanted: nothing,
     };
     return { post: nothing, host, ...wishes };
   }
@@ -165,6 +169,8 @@ export function connect(scope = globalThis) {
       reportSections: (sections) => deliver(({ host }) => host?.reportSections(sections)),
       reportRange: (range) => deliver(({ host }) => host?.reportRange(range)),
       reportPrintPrepared: (succeeded) => deliver(({ host }) => host?.reportPrintPrepared(succeeded)),
+      reportLoopSpan: (startMs, endMs) => deliver(({ host }) => host?.reportLoopSpan(startMs, endMs)),
+      reportLoopWanted: () => deliver(({ host }) => host?.reportLoopWanted()),
     },
     ...wishes,
   };

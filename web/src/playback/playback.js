@@ -206,6 +206,8 @@ export class Playback {
   seekToTick(tick) {
     this.#awaitedTick = null;
     this.#api.tickPosition = tick;
+    // Looping that is turned on before alphaTab reports the position stays there.
+    this.#tick = tick;
     this.#prepareCountIn(tick);
   }
 

@@ -37,6 +37,7 @@ export class PointerInput {
   #api;
   #playback;
   #selection;
+  #reportLoopWanted;
   #notation;
   #viewport;
   /** @type {Press | null} */
@@ -55,11 +56,13 @@ export class PointerInput {
    * @param {import("../playback/playback.js").Playback} playback
    * @param {HTMLElement} viewport what scrolls
    * @param {import("./range-selection.js").RangeSelection} selection
+   * @param {() => void} reportLoopWanted what is chosen now is to be looped
    */
-  constructor(api, playback, viewport, selection) {
+  constructor(api, playback, viewport, selection, reportLoopWanted) {
     this.#api = api;
     this.#playback = playback;
     this.#selection = selection;
+    this.#reportLoopWanted = reportLoopWanted;
     this.#notation = api.notation;
     this.#viewport = viewport;
     // alphaTab takes a press for a drag of its own. It does not scroll until that ends on its surface, and a captured
@@ -229,6 +232,7 @@ export class PointerInput {
     if (beat) {
       this.#anchor = beatSpan(this.#api, beat);
       this.#selection.chooseBar(beat.voice.bar.index);
+      this.#reportLoopWanted();
     }
   }
 
