@@ -40,6 +40,17 @@ private Q_SLOTS:
         QCOMPARE(valueOf(height), before);
     }
 
+    void itCanBeThereBeforeAScore()
+    {
+        // As when it was shown when the program was left. A complaint of the page fails the test.
+        m_session = std::make_unique<EngineSession>();
+        QVERIFY(m_session->start());
+        show(true);
+        QVERIFY(waitFor(u"document.getElementById('fretboard')?.offsetHeight > 0"_s));
+        QVERIFY(m_session->open(EngineScores::ferry(u"gp"_s)));
+        QVERIFY(waitFor(u"document.querySelectorAll('#fretboard .string').length > 3"_s));
+    }
+
     void itFollowsTheMusic()
     {
         show(true);

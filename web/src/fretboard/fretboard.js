@@ -63,7 +63,9 @@ export class Fretboard {
       mixer.soloChanged.on(() => this.#chooseTrack()),
     ];
     this.#chooseTrack();
-    // Its first answer comes at once.
+    // Before sizes are observed: the strip without an instrument is lower, and a size that changes while the browser
+    // notifies of sizes is an error of the page.
+    this.#draw();
     this.#resizes.observe(this.#strip);
   }
 
