@@ -236,6 +236,15 @@ test("a double click chooses the bar, goes to its beginning and has it looped", 
   assert.deepEqual(loops, [bars(1, 2)]);
 });
 
+test("a drag right after a click is no double click where it ends", () => {
+  const { drag, pointer, ranges, loops } = page();
+  drag(130, 130);
+  drag(130, 630);
+  pointer("dblclick", 630);
+  assert.deepEqual(last(ranges), bars(0, 2));
+  assert.deepEqual(loops, []);
+});
+
 test("a handle moves its end beat by beat, and no end beyond the other one", () => {
   const { drag, handles, ranges, seeks } = page();
   const pull = (index, from, to) => drag(from, to, { target: handles()[index] });

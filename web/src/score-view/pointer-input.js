@@ -42,6 +42,8 @@ export class PointerInput {
   #viewport;
   /** @type {Press | null} */
   #press = null;
+  /** Whether the last press became a drag. */
+  #dragged = false;
   /** Where the pointer is while it is pressed. */
   #pointer = { x: 0, y: 0 };
   /** When the view was scrolled last because the pointer is at its edge; null while it is not. @type {number | null} */
@@ -209,6 +211,7 @@ export class PointerInput {
     const press = this.#press;
     this.#press = null;
     this.#scrolledAt = null;
+    this.#dragged = press?.dragging ?? false;
     if (!press) {
       return;
     }
@@ -228,7 +231,8 @@ export class PointerInput {
 
   /** The clicks before it went to the beat and cleared the range. @param {MouseEvent} event */
   #onDoubleClick(event) {
-    const beat = handleAt(event) ? null : this.#beatAt(event.clientX, event.clientY);
+    // A drag right after a click counts as a double click where it ends.
+    const beat = this.#dragged || handleAt(event) ? null : this.#beatAt(event.clientX, event.clientY);
     if (beat) {
       this.#anchor = beatSpan(this.#api, beat);
       this.#selection.chooseBar(beat.voice.bar.index);
