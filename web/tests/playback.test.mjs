@@ -209,6 +209,12 @@ test("looping that is turned on right after a seek stays where that went", () =>
   position(5000, true);
   playback.setRange({ startTick: 3840, endTick: 7680 });
   playback.seekToTick(3840);
+  // Of the seek before.
+  position(5000, true);
   playback.setLooping(true);
   assert.equal(names("tick").at(-1), 3840);
+  position(3840, true);
+  position(5000, true);
+  playback.setLooping(true);
+  assert.equal(names("tick").at(-1), 5000);
 });

@@ -36,6 +36,8 @@ export class Playback {
   #tick = 0;
   /** @type {number | null} */
   #awaitedTick = null;
+  /** Where the last seek went, until alphaTab reports it: looping that is turned on meanwhile stays there. */
+  #sought = /** @type {number | null} */ (null);
   /** @type {TickRange | null} */
   #range = null;
   /** @type {(tick: number) => import("../synth/practice-synth.js").CountIn | null} */
@@ -149,6 +151,7 @@ export class Playback {
     this.#startWhenReady = false;
     this.#resumeTick = null;
     this.#awaitedTick = null;
+    this.#sought = null;
     this.#tick = 0;
     this.setRange(null);
     this.#setPlaying(false);
@@ -184,6 +187,7 @@ export class Playback {
     this.#startWhenReady = false;
     if (this.#api.score) {
       this.#awaitedTick = null;
+      this.#sought = null;
       this.#api.stop();
       if (this.#range && !this.#api.isLooping) {
         // alphaTab knows the range only while it loops.
@@ -196,6 +200,7 @@ export class Playback {
   seekToTime(ms) {
     if (this.#api.score && Number.isFinite(ms)) {
       this.#awaitedTick = null;
+      this.#sought = null;
       const scoreMs = Math.min(Math.max(ms, 0), this.endTime);
       this.#api.timePosition = scoreMs / this.#speed;
       this.#prepareCountIn(this.#tempoMap.tickAt(scoreMs) - this.#tickShift);
@@ -206,8 +211,7 @@ export class Playback {
   seekToTick(tick) {
     this.#awaitedTick = null;
     this.#api.tickPosition = tick;
-    // Looping that is turned on before alphaTab reports the position stays there.
-    this.#tick = tick;
+    this.#sought = tick;
     this.#prepareCountIn(tick);
   }
 
@@ -295,7 +299,7 @@ export class Playback {
     if (!player || (!range && !player.playbackRange)) {
       return;
     }
-    const tick = this.#tick;
+    const tick = this.#sought ?? this.#tick;
     const inside = !range || (tick >= range.startTick && tick < range.endTick);
     player.playbackRange = range ? Object.assign(new alphaTab.synth.PlaybackRange(), range) : null;
     if (inside && range) {
@@ -382,6 +386,9 @@ export class Playback {
       this.#awaitedTick = null;
     }
     this.#tick = event.currentTick;
+    if (!event.isSeek || (this.#sought !== null && Math.abs(this.#tick - this.#sought) <= sameTick)) {
+      this.#sought = null;
+    }
     // alphaTab counts in time as played, which stretches with the speed. Its own end shows by how much.
     const share = Math.min(Math.max(event.currentTime / event.endTime, 0), 1);
     const position = { currentTime: share * this.endTime, endTime: this.endTime };
