@@ -60,6 +60,19 @@ void practising(AlphaTabController &controller)
     controller.setTrackVolume(2, 0.4);
 }
 
+/// A passage that is looped at three quarters of its speed, with the fretboard.
+void passage(AlphaTabController &controller)
+{
+    controller.looping = true;
+    controller.metronome = true;
+    controller.tempoPercent = 75;
+    controller.toggleMute(1);
+    controller.fretboard = true;
+    controller.pressKey(u"["_s);
+    controller.pressKey(u"Ctrl+Shift+Right"_s);
+    controller.pressKey(u"Ctrl+Shift+Right"_s);
+}
+
 void sideways(AlphaTabController &controller) { controller.horizontalLayout = true; }
 
 void longNames(AlphaTabController &controller)
@@ -146,6 +159,7 @@ QList<Scene> scenes()
         { u"playing-dark"_s, usual, true, PlayingDemo, practising, {} },
         { u"playing-smallest"_s, smallest, false, PlayingDemo, practising, {} },
         { u"playing-largest"_s, largest, false, PlayingDemo, practising, {} },
+        { u"passage"_s, usual, false, PlayingDemo, passage, {} },
         { u"fretboard"_s, usual, false, PlayingDemo, withFretboard, {} },
         { u"fretboard-dark"_s, usual, true, PlayingDemo, withFretboard, {} },
         { u"fretboard-smallest"_s, smallest, false, PlayingDemo, withFretboard, {} },
