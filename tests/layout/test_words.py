@@ -1,4 +1,5 @@
-"""Checks that code, tests and comments say one word for one thing, as docs/glossary.md has it."""
+"""Checks that code, tests and comments say one word for one thing, as docs/glossary.md has it, and that documents keep
+to the width of the code."""
 import pathlib
 import re
 import unittest
@@ -110,6 +111,30 @@ def found_in(paths, faults_of):
             found += [f"{name}:{number}: {fault}" for fault in faults_of(line)]
         found += [f"{name}: {fault}" for fault in faults_of(path.name)]
     return "\n".join(found)
+
+
+WIDTH = 120
+
+
+def documents():
+    for pattern in ("*.md", "docs/**/*.md", "design/**/*.md", "web/*.md", "packaging/**/*.md", "benchmarks/*.md"):
+        for path in sorted(TOP.glob(pattern)):
+            if "node_modules" not in path.parts:
+                yield path.relative_to(TOP).as_posix(), path
+
+
+def too_wide(text):
+    """The numbers of lines that are longer than WIDTH. The row of a table cannot be broken."""
+    return [number for number, line in enumerate(text.splitlines(), 1) if len(line) > WIDTH and line[0] != "|"]
+
+
+class Documents(unittest.TestCase):
+    def test_no_line_is_too_wide(self):
+        found = [f"{name}:{number}" for name, path in documents() for number in too_wide(path.read_text(encoding="utf-8"))]
+        self.assertEqual(found, [])
+
+    def test_what_is_too_wide_is_noticed(self):
+        self.assertEqual(too_wide("short\n" + "x" * 121 + "\n| " + "x" * 200 + "\n" + "\u00b7" * 120), [2])
 
 
 class Words(unittest.TestCase):
