@@ -281,7 +281,9 @@ QSize Style::sizeFromContents(
     QSize result = QProxyStyle::sizeFromContents(type, option, size, widget);
     if (type == CT_MenuItem && result.height() > 12) // separators are lower
         result.rheight() += 4;
-    if (type == CT_PushButton)
-        result = result.expandedTo(QSize(84, Theme::controlHeight));
+    if (type == CT_PushButton) {
+        constexpr int besideText = 8; // beyond the margin that Fusion leaves
+        result = (result + QSize(2 * besideText, 0)).expandedTo(QSize(84, Theme::controlHeight));
+    }
     return result;
 }
