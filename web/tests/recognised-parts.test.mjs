@@ -3,7 +3,7 @@ import assert from "node:assert/strict";
 import { createRequire } from "node:module";
 import { test } from "node:test";
 import { backup, forward, note, part, recognised } from "./support/recognised.mjs";
-
+import { zipOf } from "./support/zip-maker.mjs";
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
 const { readScore } = await import("../src/score-files/score-files.js");
@@ -197,4 +197,13 @@ test("exported as Guitar Pro and opened again it is the same", () => {
     );
   });
   assert.deepEqual(heard(again.tracks[0]), heard(score.tracks[0]));
+});
+
+test("a compressed file is read like any other", () => {
+  const container = '<container><rootfiles><rootfile full-path="song.xml"/></rootfiles></container>';
+  const text = recognised([part([note("A4") + note("C5") + note("E5") + note("A5")])]);
+  const { score, problem } = readScore(zipOf({ "META-INF/container.xml": container, "song.xml": text }), settings);
+  assert.equal(problem, undefined);
+  assert.equal(score?.tracks[0].name, "Guitar");
+  assert.deepEqual(score?.tracks[0].staves[0].tuning, standard);
 });
