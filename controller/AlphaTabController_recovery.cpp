@@ -76,21 +76,8 @@ void AlphaTabController::returnToMixer()
     const QList<TrackInfo> before = std::exchange(m_return->tracks, {});
     const QList<TrackInfo> now = tracks;
     const auto same = [](const TrackInfo &a, const TrackInfo &b) { return a.id == b.id && a.name == b.name; };
-    if (!std::equal(before.begin(), before.end(), now.begin(), now.end(), same))
-        return;
-    for (const TrackInfo &track : before) {
-        if (track.mute)
-            toggleMute(track.id);
-        if (track.solo)
-            toggleSolo(track.id);
-        if (track.volume != 1.0)
-            setTrackVolume(track.id, track.volume);
-    }
-    const bool allVisible = std::all_of(before.begin(), before.end(), [](const auto &track) { return track.visible; });
-    if (!allVisible) {
-        tracks = before;
-        setVisibleTracks();
-    }
+    if (std::equal(before.begin(), before.end(), now.begin(), now.end(), same))
+        recallMixer(before);
 }
 
 /// The position can be given back when the score's length is known and the player can play it: a seek before that is
