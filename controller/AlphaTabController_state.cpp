@@ -1,6 +1,7 @@
 #include "controller/AlphaTabController.h"
 #include "controller/ScoreMemory.h"
 #include "controller/SmokeTest.h"
+#include "controller/ZoomRange.h"
 #include "engine_host/bridge/BridgeCalls.h"
 #include "engine_host/bridge/PageReports.h"
 #include "engine_host/bridge/ScriptHandler.h"
@@ -141,10 +142,8 @@ void AlphaTabController::js(const QString &script)
 void AlphaTabController::stepZoom(int steps)
 {
     constexpr double step = 0.1;
-    constexpr double smallest = 0.5;
-    constexpr double largest = 2.0;
     const double wanted = zoom + steps * step;
-    zoom = steps < 0 ? std::max(wanted, smallest) : std::min(wanted, largest);
+    zoom = steps < 0 ? std::max(wanted, ZoomRange::smallest) : std::min(wanted, ZoomRange::largest);
 }
 
 void AlphaTabController::pressKey(const QString &key) { m_engine->reports().pressKey(key); }

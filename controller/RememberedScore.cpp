@@ -1,5 +1,8 @@
 #include "controller/RememberedScore.h"
 
+#include "controller/SpeedRange.h"
+#include "controller/ZoomRange.h"
+
 #include <QJsonArray>
 
 #include <algorithm>
@@ -42,8 +45,9 @@ QJsonObject RememberedScore::toJson() const
 RememberedScore RememberedScore::fromJson(const QJsonObject &object)
 {
     RememberedScore score;
-    score.tempoPercent = std::clamp(object[u"tempoPercent"_s].toDouble(score.tempoPercent), 25.0, 200.0);
-    score.zoom = std::clamp(object[u"zoom"_s].toDouble(score.zoom), 0.5, 2.0);
+    score.tempoPercent
+        = std::clamp(object[u"tempoPercent"_s].toDouble(score.tempoPercent), SpeedRange::slowest, SpeedRange::fastest);
+    score.zoom = std::clamp(object[u"zoom"_s].toDouble(score.zoom), ZoomRange::smallest, ZoomRange::largest);
     score.horizontalLayout = object[u"horizontalLayout"_s].toBool();
     score.looping = object[u"looping"_s].toBool();
     score.metronome = object[u"metronome"_s].toBool();

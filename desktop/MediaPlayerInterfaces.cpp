@@ -1,6 +1,7 @@
 #include "desktop/MediaPlayerInterfaces.h"
 
 #include "controller/AlphaTabController.h"
+#include "controller/SpeedRange.h"
 #include "desktop/MediaPlayer.h"
 #include "engine_host/bridge/BridgeCalls.h"
 
@@ -18,10 +19,6 @@ namespace {
 
 /// The page's time to say that it plays or has paused.
 constexpr auto stateTimeout = 1s;
-
-/// What the slider offers.
-constexpr double slowestPercent = 25;
-constexpr double fastestPercent = 200;
 
 qlonglong microseconds(double milliseconds) { return std::llround(milliseconds * 1000); }
 
@@ -82,12 +79,12 @@ void MediaPlayerControls::setRate(double rate)
     if (rate == 0)
         Pause();
     else
-        m_controller.tempoPercent = std::clamp(rate * 100, slowestPercent, fastestPercent);
+        m_controller.tempoPercent = std::clamp(rate * 100, SpeedRange::slowest, SpeedRange::fastest);
 }
 
-double MediaPlayerControls::minimumRate() { return slowestPercent / 100; }
+double MediaPlayerControls::minimumRate() { return SpeedRange::slowest / 100; }
 
-double MediaPlayerControls::maximumRate() { return fastestPercent / 100; }
+double MediaPlayerControls::maximumRate() { return SpeedRange::fastest / 100; }
 
 QString MediaPlayerControls::trackId() const
 {

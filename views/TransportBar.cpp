@@ -1,6 +1,7 @@
 #include "views/TransportBar.h"
 
 #include "controller/AlphaTabController.h"
+#include "controller/SpeedRange.h"
 #include "design/Button.h"
 #include "design/DigitLabel.h"
 #include "design/Gap.h"
@@ -138,7 +139,7 @@ void TransportBar::addTempo(QHBoxLayout &row)
 {
     row.addWidget(new IconLabel(u"metronome.fill"_s, smallIcon, &Theme::Colors::secondary));
     addGap(row);
-    auto *tempo = new Slider(25, 200, 175, 1);
+    auto *tempo = new Slider(SpeedRange::slowest, SpeedRange::fastest, 175, 1);
     tempo->setMaximumWidth(110);
     tempo->setAccessibleName(tr("Speed"));
     tempo->setUsualValue(100);

@@ -2,19 +2,12 @@
 
 #include "app/menus/MenuItems.h"
 #include "controller/AlphaTabController.h"
+#include "controller/SpeedRange.h"
 #include "engine_host/bridge/BridgeCalls.h"
 
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-// In percent, as the slider has them.
-constexpr double slowest = 25;
-constexpr double fastest = 200;
-
-} // namespace
 
 PlaybackMenu::PlaybackMenu(AlphaTabController &controller, QWidget *parent)
     : QMenu(tr("&Playback"), parent)
@@ -66,7 +59,8 @@ void PlaybackMenu::addSpeeds(const MenuItems &items)
 {
     const auto step = [this, &items](const QString &title, const QString &keys, double percent) {
         items.needsNoPdf(items.command(title, keys, [this, percent] {
-            m_controller.tempoPercent = std::clamp(m_controller.tempoPercent + percent, slowest, fastest);
+            m_controller.tempoPercent
+                = std::clamp(m_controller.tempoPercent + percent, SpeedRange::slowest, SpeedRange::fastest);
         }));
     };
     step(tr("Slower"), u"-"_s, -5);

@@ -1,6 +1,7 @@
 #include "app/trainer/TrainerPanel.h"
 
 #include "controller/AlphaTabController.h"
+#include "controller/SpeedRange.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -16,9 +17,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// In percent, as the slider has them.
-constexpr int slowest = 25;
-constexpr int fastest = 200;
+// In percent; a box has whole numbers.
+constexpr int slowest = int(SpeedRange::slowest);
+constexpr int fastest = int(SpeedRange::fastest);
 
 QSpinBox *number(int least, int most, int value, const QString &suffix)
 {
