@@ -3,6 +3,7 @@ import "../../vendor/alphaTab.min.js";
 import { alphaTab } from "../shared/alphatab.js";
 import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
 import { separateSectionMarks } from "./effect-bands.js";
+import { leaveOutFoldedBars } from "./folded-line.js";
 import { LayoutRun } from "./layout-run.js";
 import { showStaves } from "./shown-staves.js";
 import { arrangeStaffNames } from "./staff-names.js";
@@ -27,6 +28,7 @@ const warmUpScore = `\\title "" \\track \\staff {score tabs} :8 3.3 5.3{h} :4 7.
   :16 3.3 5.3{h} 2.4{sl} 4.4 :2 0.6{v} :8 3.5 3.5 | \\track \\staff {score} \\clef F4 :4 c3 :8 e3 g3 :2 c4 | :1 c3`;
 
 separateSectionMarks();
+leaveOutFoldedBars();
 
 /** The page's settings; a render pass under way keeps those it began with. */
 let settings = new alphaTab.Settings();
@@ -99,7 +101,7 @@ function draw(request) {
   setTextWidths(request.textWidths);
   renderer.updateSettings(settings);
   renderer.width = request.width;
-  foldLongRests(held.score, settings.display.layoutMode !== alphaTab.LayoutMode.Horizontal);
+  foldLongRests(held.score);
   showStaves(held.score, request.staves);
   arrangeStaffNames(held.score, request.tracks);
   run = new LayoutRun(renderer, held.score, request.tracks, request.view, request.anchor, request.atOnce);

@@ -65,7 +65,7 @@ export class ScoreView {
    * @param {import("../shared/alphatab.js").Score} score
    */
   show(score) {
-    this.#foldRests(score);
+    foldLongRests(score);
     this.#scoreHeader.show(score, score.tracks);
     this.#api.show(score);
   }
@@ -84,7 +84,7 @@ export class ScoreView {
     const score = this.#api.score;
     const tracks = score ? trackIds.map((id) => score.tracks[id]).filter(Boolean) : [];
     if (score && tracks.length > 0) {
-      this.#foldRests(score);
+      foldLongRests(score);
       this.#api.workerRenderer.changeScorePage(() =>
         this.#scoreHeader.show(/** @type {import("../shared/alphatab.js").Score} */ (score), tracks),
       );
@@ -99,12 +99,7 @@ export class ScoreView {
     // One endless system has no score header to tell of the capo.
     this.#api.settings.notation.elements.set(alphaTab.NotationElement.EffectCapo, horizontal);
     this.#api.settings.display.layoutMode = horizontal ? alphaTab.LayoutMode.Horizontal : alphaTab.LayoutMode.Page;
-    this.#api.updateSettings();
-    if (this.#api.score) {
-      this.#foldRests(this.#api.score);
-      // Has alphaTab find out anew which bars its cursor passes over.
-      this.#api.renderTracks(this.#api.tracks);
-    }
+    this.#redraw();
   }
 
   /** @param {number} zoom */
@@ -147,11 +142,6 @@ export class ScoreView {
     if (this.#api.score) {
       this.#api.render();
     }
-  }
-
-  /** The render worker does the same with its score. @param {import("../shared/alphatab.js").Score} score */
-  #foldRests(score) {
-    foldLongRests(score, this.#api.settings.display.layoutMode !== alphaTab.LayoutMode.Horizontal);
   }
 
   /** A layout is finished before its systems are painted: they are painted as they come into view. */

@@ -44,6 +44,16 @@ import { alphaTab } from "../../shared/alphatab.js";
  * @typedef {PresetMaker & SoundMaker} Synthesizer
  *
  * @typedef {{ effect: { notationElement: number } }} EffectBand
+ *
+ * @typedef {{ isLinkedToPrevious: boolean, renderers: unknown[], width: number }} DrawnBar
+ *
+ * @typedef {object} EndlessSystem
+ * @property {(tracks: unknown[], bar: number, foldedBehind: number[] | null) => DrawnBar} addBars `foldedBehind` are the
+ *     bars that the rest in this one stands for
+ * @property {(x: number, y: number, canvas: unknown, start: number, count: number) => void} paintPartial bars by their
+ *     place in the line
+ *
+ * @typedef {{ createEmptyStaffSystem: (index: number) => EndlessSystem }} EndlessLayout
  */
 
 /** Members of alphaTab's objects, by the object. */
@@ -72,7 +82,7 @@ const members = {
   "alphaTab.synth": ["AlphaSynthWebWorkerApi"],
   "alphaTab.platform": ["FontSizes"],
   "alphaTab.platform.FontSizes": ["fontSizeLookupTables"],
-  "alphaTab.Environment": ["defaultRenderers"],
+  "alphaTab.Environment": ["defaultRenderers", "layoutEngines"],
 };
 
 /** Commands and reports between alphaTab's player and its synthesizer, each behind "alphaSynth.". */
@@ -111,6 +121,9 @@ const texts = {
   "a bank's sampleData": /\.sampleData\b/,
   "a bank's decodeSamples": /\.decodeSamples\b/,
   "an effect's canShareBand": /\bcanShareBand\b/,
+  "a layout's createEmptyStaffSystem": /\bcreateEmptyStaffSystem\(/,
+  "a staff system's addBars": /\baddBars\(/,
+  "a staff system's paintPartial": /\bpaintPartial\(/,
 };
 
 /**
@@ -190,6 +203,18 @@ export function letterWidths() {
 export function effectBands() {
   const { defaultRenderers } = /** @type {any} */ (alphaTab.Environment);
   return defaultRenderers.flatMap((/** @type {{ effectBands: EffectBand[] }} */ { effectBands: bands }) => bands);
+}
+
+/** @param {(layout: EndlessLayout) => void} change what is done to each layout of a score in one endless line */
+export function changeEndlessLayouts(change) {
+  const { layoutEngines } = /** @type {any} */ (alphaTab.Environment);
+  const factory = layoutEngines.get(alphaTab.LayoutMode.Horizontal);
+  const create = factory.createLayout;
+  factory.createLayout = (/** @type {unknown} */ renderer) => {
+    const layout = create(renderer);
+    change(layout);
+    return layout;
+  };
 }
 
 /** The names of the static method that walks through a score: it is undeclared, and named otherwise in each build. */

@@ -1,8 +1,7 @@
 // @ts-check
 /**
  * Long rests of a track that is shown alone are folded into one bar with their number. alphaTab does so for the tracks that
- * the score lists, in pages; in the endless line it draws what it has folded once more. A score with one track has in pages
- * what its file has.
+ * the score lists. A score with one track has what its file has.
  *
  * @typedef {import("../../shared/alphatab.js").Score} Score
  */
@@ -10,16 +9,12 @@
 /** @type {WeakMap<Score, Set<number> | null>} the tracks that the file lists */
 const written = new WeakMap();
 
-/**
- * @param {Score} score
- * @param {boolean} inPages whether it is to be shown in pages, and not in the endless line
- */
-export function foldLongRests(score, inPages) {
+/** @param {Score} score */
+export function foldLongRests(score) {
   const { stylesheet, tracks } = score;
   const asWritten = writtenFolding(score);
   written.set(score, asWritten);
-  const several = tracks.length > 1 ? new Set(tracks.map(({ index }) => index)) : asWritten;
-  stylesheet.perTrackMultiBarRest = inPages ? several : null;
+  stylesheet.perTrackMultiBarRest = tracks.length > 1 ? new Set(tracks.map(({ index }) => index)) : asWritten;
 }
 
 /**
