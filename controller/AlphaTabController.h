@@ -97,6 +97,8 @@ public:
     Published<bool> looping;
     Published<bool> metronome;
     Published<bool> countIn;
+    /// Whether the count-in, where it is on, is before each pass of a loop, and not only before the first.
+    Published<bool> countsInPasses;
     /// 0...1
     Published<double> metronomeVolume;
     /// "woodblock", "beep", "click" or "tick"

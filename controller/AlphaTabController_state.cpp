@@ -48,6 +48,7 @@ AlphaTabController::AlphaTabController(Surroundings surroundings)
     , looping(false, [this] { js(BridgeCalls::setLooping(looping)); })
     , metronome(false, [this] { js(BridgeCalls::setMetronome(metronome)); })
     , countIn(false, [this] { js(BridgeCalls::setCountIn(countIn)); })
+    , countsInPasses(false, [this] { m_engine->reports().setCountsInPasses(countsInPasses); })
     , metronomeVolume(surroundings.defaults->real(u"metronomeVolume"_s).value_or(0.6),
           [this] {
               m_surroundings.defaults->setReal(u"metronomeVolume"_s, metronomeVolume);

@@ -31,8 +31,8 @@ void TrainerSession::begin(const Plan &plan)
     m_plan = plan;
     m_trainer = SpeedTrainer(plan.steps);
     m_paused = false;
-    m_countingIn = false;
     m_ahead.reset();
+    m_controller.countsInPasses = plan.countIn;
     if (plan.countIn && !m_controller.countIn) {
         m_tookCountIn = true;
         m_controller.countIn = true;
@@ -53,6 +53,7 @@ void TrainerSession::end()
         return;
     if (std::exchange(m_tookCountIn, false) && m_controller.countIn)
         m_controller.countIn = false;
+    m_controller.countsInPasses = false;
     running = false;
 }
 
@@ -101,9 +102,7 @@ void TrainerSession::takeStepBack()
 void TrainerSession::playingChanged(bool playing)
 {
     m_passes.playingChanged(playing, m_clock());
-    if (playing)
-        m_countingIn = false;
-    m_paused = !playing && !m_countingIn;
+    m_paused = !playing;
 }
 
 void TrainerSession::passEnded()
@@ -115,16 +114,6 @@ void TrainerSession::passEnded()
     if (faster && !stepped)
         m_controller.tempoPercent = *faster;
     passes = m_trainer.passes();
-    if (m_plan.countIn && m_controller.countIn)
-        countInAgain();
-}
-
-/// The page counts in when the music starts. What it has already begun of the pass is heard until then.
-void TrainerSession::countInAgain()
-{
-    m_countingIn = true;
-    m_controller.js(BridgeCalls::stop());
-    m_controller.js(BridgeCalls::playPause());
 }
 
 void TrainerSession::beginAgainIfStopped(double positionMs)

@@ -53,7 +53,6 @@ private:
     void passEnded();
     void stepAhead(double positionMs);
     void takeStepBack();
-    void countInAgain();
     void beginAgainIfStopped(double positionMs);
 
     AlphaTabController &m_controller;
@@ -68,8 +67,6 @@ private:
         double after;
     };
     std::optional<Ahead> m_ahead;
-    /// Whether the music stands still only to be counted in.
-    bool m_countingIn = false;
     /// Whether the music stands still where it was left, and not at a beginning.
     bool m_paused = false;
     /// Whether the count-in was off before.

@@ -43,6 +43,12 @@ void PageReports::setLook(const QString &name, const QVariant &value)
     Q_EMIT lookChanged();
 }
 
+void PageReports::setCountsInPasses(bool on)
+{
+    m_countsInPasses = on;
+    Q_EMIT countsInPassesChanged();
+}
+
 void PageReports::pressKey(const QString &key) { Q_EMIT keyPressed(key); }
 
 void PageReports::reportRange(const QVariantMap &range) { Q_EMIT rangeChanged(MarkedRange::fromMap(range)); }

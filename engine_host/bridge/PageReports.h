@@ -20,6 +20,9 @@ class PageReports final : public QObject {
 
     /// For the page: how it is to show the score, beside what the calls say. Also a page that is loaded anew finds it.
     Q_PROPERTY(QVariantMap look READ look NOTIFY lookChanged)
+    /// For the page: whether the count-in, where it is on, is before each pass of a loop, and not only before the
+    /// first.
+    Q_PROPERTY(bool countsInPasses READ countsInPasses NOTIFY countsInPassesChanged)
 
 public:
     explicit PageReports(QObject *parent = nullptr);
@@ -48,6 +51,8 @@ public:
     QVariantMap look() const { return m_look; }
     /// @param name "dark" with a boolean, or "staves" with "both", "tablature" or "notation"
     void setLook(const QString &name, const QVariant &value);
+    bool countsInPasses() const { return m_countsInPasses; }
+    void setCountsInPasses(bool on);
 
     /// Hands the page a key that it answers for.
     ///
@@ -79,7 +84,9 @@ Q_SIGNALS:
     void printWanted(double width, double height);
     void printEnded();
     void lookChanged();
+    void countsInPassesChanged();
 
 private:
+    bool m_countsInPasses = false;
     QVariantMap m_look{ { QStringLiteral("dark"), false }, { QStringLiteral("staves"), QStringLiteral("both") } };
 };

@@ -49,11 +49,13 @@ function element(id) {
 }
 
 playInOrder((score) => scoreOrder(score).bars);
-const { post, host, keyPressed, lookWanted, rangeWanted, fretboardWanted, printWanted, printEnded } = connect();
+const { post, host, ...wishes } = connect();
+const { keyPressed, lookWanted, passCountInWanted, rangeWanted, fretboardWanted, printWanted, printEnded } = wishes;
 const scorePage = element("score-page");
 const viewport = element("viewport");
 const api = new PageApi(element("notation"), new Viewport(viewport, element("notation")));
 const playback = new Playback(api, post);
+passCountInWanted.on((on) => playback.setCountsInPasses(on));
 const metronome = new Metronome(api);
 const mixer = new Mixer(api, (anySolo) => metronome.setBesideSolo(anySolo));
 providePlayback(api, [api, playback, metronome, mixer]);

@@ -27,10 +27,15 @@ function heldChannel() {
           reportLoopSpan: (...loop) => received.push({ loop }),
           reportLoopWanted: () => received.push("loop wanted"),
           ...Object.fromEntries(
-            ["keyPressed", "lookChanged", "rangeWanted", "fretboardWanted", "printWanted", "printEnded"].map((name) => [
-              name,
-              signal(name),
-            ]),
+            [
+              "keyPressed",
+              "lookChanged",
+              "countsInPassesChanged",
+              "rangeWanted",
+              "fretboardWanted",
+              "printWanted",
+              "printEnded",
+            ].map((name) => [name, signal(name)]),
           ),
         };
         object = host;
@@ -98,6 +103,17 @@ test("a key that the program hands over arrives in the page", () => {
   open();
   emit("keyPressed", "Ctrl+Left");
   assert.deepEqual(keys, ["Ctrl+Left"]);
+});
+
+test("whether passes are counted in is known from the beginning, and with each change", () => {
+  const { scope, open, emit, host } = heldChannel();
+  const { passCountInWanted } = connect(scope);
+  const told = [];
+  passCountInWanted.on((on) => told.push(on));
+  open();
+  host().countsInPasses = true;
+  emit("countsInPassesChanged");
+  assert.deepEqual(told, [false, true]);
 });
 
 test("how the score is to look is known from the beginning, and with each change", () => {

@@ -29,7 +29,10 @@ function transport({
     actualPlayerMode: EnabledSynthesizer,
     isLooping: false,
     player: { playbackRange: null },
-    synth: { setCountIn: (count) => calls.push(["countIn", count]) },
+    synth: {
+      setCountIn: (count) => calls.push(["countIn", count]),
+      setPassCountIn: (count) => calls.push(["passCountIn", count]),
+    },
     backingTrackPlayer: { setLoop: (loop) => calls.push(["loop", loop]) },
     playPause: () => calls.push(["playPause"]),
     play: () => calls.push(["play"]),
@@ -190,6 +193,21 @@ test("a count-in is prepared for starts and seeks of the synthesizer, and only w
   api.actualPlayerMode = EnabledExternalMedia;
   playback.playPause();
   assert.equal(names("countIn").length, count);
+});
+
+test("the count-in before each pass is that of the loop's start, where both are on", () => {
+  const { playback, names } = transport();
+  playback.setCountIn(true);
+  playback.setRange({ startTick: 960, endTick: 1920 });
+  assert.deepEqual([...new Set(names("passCountIn"))], [null]);
+  playback.setCountsInPasses(true);
+  assert.deepEqual(names("passCountIn").at(-1), { tick: 960 });
+  playback.setRange({ startTick: 480, endTick: 1920 });
+  assert.deepEqual(names("passCountIn").at(-1), { tick: 480 });
+  playback.setRange(null);
+  assert.deepEqual(names("passCountIn").at(-1), { tick: 0 });
+  playback.setCountIn(false);
+  assert.equal(names("passCountIn").at(-1), null);
 });
 
 test("another player goes on where this one was, and playing if it did", async () => {

@@ -180,6 +180,38 @@ test("the position waits while a bar is counted in", () => {
   assert.ok(Math.abs(positions[1] - 500) < 1, String(positions[1]));
 });
 
+test("a pass that is counted in begins on the beat behind its clicks, and nothing of it is heard before", () => {
+  const played = playedScore(`\\tempo 120 ${bar} \\ts 3 4 r.4 r r | r r r |`);
+  played.metronome.turn(true);
+  played.playback.setCountIn(true);
+  played.playback.setCountsInPasses(true);
+  played.synth.isLooping = true;
+  played.playback.setRange({ startTick: 4 * 960, endTick: 7 * 960 });
+  played.playback.setLooping(true);
+  played.playback.seekToTick(4 * 960);
+  const passes = [];
+  played.synth.positionChanged.on(({ currentTime, isSeek }) => isSeek && passes.push(currentTime));
+  played.playback.playPause();
+  // Each pass of three beats behind a count-in of three.
+  const sound = played.render(8.9);
+  assertAt(onsets(sound), evenBeats(18, 500));
+  const loud = loudness(sound, evenBeats(18, 500)).map((peak, _, all) => peak > 0.9 * Math.max(...all));
+  assert.deepEqual(
+    loud,
+    evenBeats(18, 1).map((beat) => beat % 3 === 0),
+  );
+  // The pass is told when its count-in begins, and the position waits there.
+  passes.length = 0;
+  for (const second of [2.9, 3.01, 3.5, 4.4]) {
+    played.synth.presented(second * sampleRate);
+  }
+  assert.equal(passes.length, 1);
+  assert.ok(Math.abs(passes[0] - 2000) < 1, String(passes));
+  assert.ok(Math.abs(played.synth.timePosition - 2000) < 1, String(played.synth.timePosition));
+  played.synth.presented(5 * sampleRate);
+  assert.ok(Math.abs(played.synth.timePosition - 2500) < 1, String(played.synth.timePosition));
+});
+
 test("a pause in the count-in leaves the position alone, and the next start counts anew", () => {
   const played = playedScore(`\\tempo 120 ${bar} ${bar}`);
   played.playback.setCountIn(true);

@@ -63,6 +63,8 @@ import { Emitter } from "../shared/emitter.js";
  * @typedef {object} Wishes what the program wants of the page beside its calls
  * @property {Emitter<string>} keyPressed One of the keys of keys.js.
  * @property {Emitter<Look>} lookWanted How the score is to look, at the beginning and with each change.
+ * @property {Emitter<boolean>} passCountInWanted Whether the count-in, where it is on, is before each pass of a loop; at the
+ *     beginning and with each change.
  * @property {Emitter<HostRange>} rangeWanted Looping is to loop that.
  * @property {Emitter<{ shown: boolean, leftHanded: boolean }>} fretboardWanted
  * @property {Emitter<{ width: number, height: number }>} printWanted Pages for a printer are to be made, each with so much
@@ -118,6 +120,7 @@ export function connect(scope = globalThis) {
   const wishes = {
     keyPressed: new Emitter(),
     lookWanted: new Emitter(),
+    passCountInWanted: new Emitter(),
     rangeWanted: new Emitter(),
     fretboardWanted: new Emitter(),
     printWanted: new Emitter(),
@@ -179,7 +182,8 @@ export function connect(scope = globalThis) {
 /**
  * @typedef {{ connect: (receive: (...values: any[]) => void) => void }} Signal of an object of the program
  *
- * @typedef {Partial<Record<keyof Wishes | "lookChanged", Signal>> & { look?: Look }} HostSignals `look` as it is now
+ * @typedef {Partial<Record<keyof Wishes | "lookChanged" | "countsInPassesChanged", Signal>>} Signals
+ * @typedef {Signals & { look?: Look, countsInPasses?: boolean }} HostSignals `look` and `countsInPasses` as they are now
  *
  * @param {HostSignals} signals
  * @param {Wishes} wishes
@@ -189,6 +193,9 @@ function passOn(signals, wishes) {
   const tellLook = () => signals.look && wishes.lookWanted.trigger(signals.look);
   signals.lookChanged?.connect(tellLook);
   tellLook();
+  const tellCountIn = () => wishes.passCountInWanted.trigger(Boolean(signals.countsInPasses));
+  signals.countsInPassesChanged?.connect(tellCountIn);
+  tellCountIn();
   signals.rangeWanted?.connect((range) => wishes.rangeWanted.trigger(range));
   signals.fretboardWanted?.connect((shown, leftHanded) => wishes.fretboardWanted.trigger({ shown, leftHanded }));
   signals.printWanted?.connect((width, height) => wishes.printWanted.trigger({ width, height }));

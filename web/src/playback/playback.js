@@ -24,6 +24,7 @@ export class Playback {
   #syncPoints = [];
   #speed = 1;
   #countIn = false;
+  #countsInPasses = false;
   #playing = false;
   #readyPosted = false;
   /** alphaTab still reports on the score before until it has loaded this one. */
@@ -136,6 +137,7 @@ export class Playback {
     this.#tempoMap = tempoMap;
     this.#tickShift = tickShift;
     this.#countInAt = countIn;
+    this.#preparePassCountIn();
     this.#syncPoints = syncPoints;
     this.#loopBackingTrack();
   }
@@ -241,9 +243,16 @@ export class Playback {
   /** @param {boolean} on */
   setCountIn(on) {
     this.#countIn = on;
+    this.#preparePassCountIn();
     if (!this.#playing) {
       this.#prepareCountIn(this.#tick);
     }
+  }
+
+  /** @param {boolean} on whether the count-in, where it is on, is also before each pass of a loop */
+  setCountsInPasses(on) {
+    this.#countsInPasses = on;
+    this.#preparePassCountIn();
   }
 
   /**
@@ -256,7 +265,13 @@ export class Playback {
     const synthesized = this.#api.actualPlayerMode === alphaTab.PlayerMode.EnabledSynthesizer;
     if (synthesized) {
       this.#api.synth?.setCountIn(this.#countIn ? this.#countInAt(tick) : null);
+      this.#preparePassCountIn();
     }
+  }
+
+  #preparePassCountIn() {
+    const counts = this.#countIn && this.#countsInPasses;
+    this.#api.synth?.setPassCountIn(counts ? this.#countInAt(this.#range?.startTick ?? 0) : null);
   }
 
   /**
@@ -266,6 +281,7 @@ export class Playback {
    */
   setRange(range) {
     this.#range = range;
+    this.#preparePassCountIn();
     this.#applyRange();
     this.#loopBackingTrack();
   }

@@ -85,6 +85,8 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   #ringingOut = 0;
   /** @type {CountIn | null} the one to begin with */
   #nextCountIn = null;
+  /** @type {CountIn | null} what a loop starts over with */
+  #passCountIn = null;
   /** @type {CountIn | null} the one under way */
   #countIn = null;
   /** How much of it was rendered, in milliseconds of score time, and how many of its clicks. */
@@ -152,8 +154,13 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   setCountIn(countIn) {
     this.#nextCountIn = countIn;
     if (this.#countIn) {
-      this.#beginCountIn();
+      this.#beginCountIn(countIn);
     }
+  }
+
+  /** @param {CountIn | null} countIn what each pass of a loop but the first one begins with */
+  setPassCountIn(countIn) {
+    this.#passCountIn = countIn;
   }
 
   /**
@@ -202,7 +209,7 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   play() {
     const playing = super.play();
     if (playing) {
-      this.#beginCountIn();
+      this.#beginCountIn(this.#nextCountIn);
     }
     return playing;
   }
@@ -386,6 +393,8 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     if (this.#framesLeft() < 1) {
       // A range without length would start over for ever.
       this.#end = this.#rendered;
+    } else {
+      this.#beginCountIn(this.#passCountIn);
     }
   }
 
@@ -422,8 +431,9 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     return step;
   }
 
-  #beginCountIn() {
-    this.#countIn = this.#nextCountIn && this.#nextCountIn.beats > 0 ? this.#nextCountIn : null;
+  /** @param {CountIn | null} countIn */
+  #beginCountIn(countIn) {
+    this.#countIn = countIn && countIn.beats > 0 ? countIn : null;
     this.#countedIn = 0;
     this.#clicks = 0;
     this.#addPosition(false);

@@ -179,6 +179,11 @@ export class SynthPlayer {
   setCountIn(countIn) {
     this.#worker.postMessage({ cmd: "alphaSynth.setCountIn", countIn });
   }
+
+  /** @param {import("./practice-synth.js").CountIn | null} countIn what each pass of a loop but the first one begins with */
+  setPassCountIn(countIn) {
+    this.#worker.postMessage({ cmd: "alphaSynth.setPassCountIn", countIn });
+  }
 }
 
 /**

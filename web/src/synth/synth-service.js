@@ -45,6 +45,7 @@ const operations = {
   resetChannelStates: (synth) => synth.resetChannelStates(),
   applyTranspositionPitches: (synth, { transpositionPitches }) => synth.applyTranspositionPitches(transpositionPitches),
   setCountIn: (synth, { countIn }) => synth.setCountIn(countIn),
+  setPassCountIn: (synth, { countIn }) => synth.setPassCountIn(countIn),
   postSoundsInUse: (synth, { answer }) => answer.postMessage(synth.instruments.inUse()),
   ping: (_, { answer }) => answer.postMessage(null),
   collect: () => collectThoroughly(),
