@@ -8,6 +8,7 @@
 #include "app/WindowActivation.h"
 #include "app/WindowMemory.h"
 #include "app/menus/MenuItems.h"
+#include "app/menus/OtherKeyboards.h"
 #include "app/menus/PlaybackMenu.h"
 #include "app/menus/PracticeMenu.h"
 #include "app/menus/ShortcutsWindow.h"
@@ -66,6 +67,7 @@ QuaverlyApp::QuaverlyApp(AlphaTabController &controller, QString memoryFile)
     m_window.menuBar()->addMenu(new PlaybackMenu(controller, &m_window));
     m_window.menuBar()->addMenu(new PracticeMenu(controller, &m_window));
     buildHelpMenu();
+    new OtherKeyboards(m_window);
     m_window.installEventFilter(this);
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
         if (m_window.isVisible())

@@ -64,9 +64,10 @@ void PlaybackMenu::addSpeeds(const MenuItems &items)
         }));
     };
     step(tr("Slower"), u"-"_s, -5);
-    step(tr("Faster"), u"="_s, 5);
+    // German keyboards have the equals sign above the zero, and a key for the plus.
+    step(tr("Faster"), u"= +"_s, 5);
     step(tr("A Little Slower"), u"Shift+-"_s, -1);
-    step(tr("A Little Faster"), u"Shift+="_s, 1);
+    step(tr("A Little Faster"), u"Shift+= Shift++"_s, 1);
     items.needsNoPdf(items.command(tr("Written Speed"), u"0"_s, [this] { m_controller.tempoPercent = 100; }));
 }
 

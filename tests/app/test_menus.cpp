@@ -11,6 +11,7 @@
 #include <QPdfWriter>
 #include <QTest>
 #include <QWheelEvent>
+#include <QWindow>
 
 using namespace Qt::StringLiterals;
 
@@ -267,6 +268,61 @@ private Q_SLOTS:
         QCOMPARE(m_controller->tempoPercent.value(), 25.0);
         press(Qt::Key_0);
         QCOMPARE(m_controller->tempoPercent.value(), 100.0);
+    }
+
+    void signsThatNeedShiftOnSomeKeyboards()
+    {
+        press(Qt::Key_Plus);
+        QCOMPARE(m_controller->tempoPercent.value(), 105.0);
+        press(Qt::Key_Plus, Qt::ShiftModifier);
+        QCOMPARE(m_controller->tempoPercent.value(), 106.0);
+    }
+
+    /// As it comes from the X server or a Wayland compositor.
+    bool pressAtPlace(quint32 place, Qt::Key sign, Qt::KeyboardModifiers modifiers, quint32 native = 0) const
+    {
+        QWindow *surface = m_app->window().windowHandle();
+        QKeyEvent asked(QEvent::ShortcutOverride, sign, modifiers, place, 0, native, u"x"_s);
+        asked.ignore();
+        QCoreApplication::sendEvent(surface, &asked);
+        QKeyEvent event(QEvent::KeyPress, sign, modifiers, place, 0, native, u"x"_s);
+        QCoreApplication::sendEvent(surface, &event);
+        return asked.isAccepted();
+    }
+
+    void aSignWithShiftGoesBeforeTheSignAlone()
+    {
+        openScore();
+        // On a French keyboard, where Qt finds "1" too.
+        QVERIFY(pressAtPlace(10, Qt::Key_1, Qt::ShiftModifier));
+        QCOMPARE(m_world->engine->take(), QStringList{ u"window.qv.setTrackSolo(0, true)"_s });
+        // On an English one, where it finds "+" too, and on a German one, where it finds "=".
+        QVERIFY(pressAtPlace(21, Qt::Key_Plus, Qt::ShiftModifier));
+        QCOMPARE(m_controller->tempoPercent.value(), 101.0);
+        QVERIFY(pressAtPlace(19, Qt::Key_Equal, Qt::ShiftModifier));
+        QCOMPARE(m_controller->tempoPercent.value(), 102.0);
+        QVERIFY(!pressAtPlace(113, Qt::Key_Left, Qt::ShiftModifier));
+    }
+
+    void digitsThatNeedShiftOnSomeKeyboards()
+    {
+        openScore();
+        QVERIFY(!pressAtPlace(11, Qt::Key_Eacute, Qt::NoModifier));
+        QCOMPARE(m_world->engine->take(), QStringList{ u"window.qv.renderTracks([1])"_s });
+        pressAtPlace(10, Qt::Key_Ampersand, Qt::AltModifier);
+        QCOMPARE(m_world->engine->take(), QStringList{ u"window.qv.setTrackMute(0, true)"_s });
+        m_controller->tempoPercent = 80;
+        pressAtPlace(19, Qt::Key_Agrave, Qt::NoModifier);
+        QCOMPARE(m_controller->tempoPercent.value(), 100.0);
+        m_controller->zoom = 1.5;
+        pressAtPlace(19, Qt::Key_Agrave, Qt::ControlModifier);
+        QCOMPARE(m_controller->zoom.value(), 1.0);
+        m_world->engine->take();
+        // With AltGr it is another sign, beyond the row other keys, and there is no fourth track.
+        pressAtPlace(11, Qt::Key_AsciiTilde, Qt::NoModifier, 0x80);
+        pressAtPlace(24, Qt::Key_A, Qt::NoModifier);
+        pressAtPlace(13, Qt::Key_Apostrophe, Qt::NoModifier);
+        QCOMPARE(m_world->engine->take(), QStringList());
     }
 
     void switches()
