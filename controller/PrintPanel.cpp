@@ -6,12 +6,17 @@
 #include <QPrintDialog>
 #include <QPrinter>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
 /// All around the paper, in millimetres.
 constexpr double margin = 12;
+
+/// In dots per inch. A printer gets pictures of its pages, and one of A4 has a hundred megabytes with this.
+constexpr int finest = 600;
 
 } // namespace
 
@@ -33,7 +38,9 @@ std::optional<PrintTarget> PrintPanel::choose(const QString &title)
     PrintTarget target{ .layout = printer->pageLayout(), .filePath = {}, .printer = nullptr };
     if (printer->outputFormat() == QPrinter::PdfFormat)
         target.filePath = printer->outputFileName().isEmpty() ? proposal : printer->outputFileName();
-    else
+    else {
+        printer->setResolution(std::min(printer->resolution(), finest));
         target.printer = printer;
+    }
     return target;
 }

@@ -4,6 +4,8 @@
 #include "engine_host/EngineView.h"
 #include "engine_host/bridge/PageReports.h"
 
+#include <QPrinter>
+
 #include <cmath>
 #include <utility>
 
@@ -57,8 +59,12 @@ void ScorePrinting::prepared(bool succeeded)
         return;
     }
     m_job->prepared = true;
-    if (m_job->target.printer) {
-        m_view.print(m_job->target.printer.get());
+    if (QPrinter *printer = m_job->target.printer.get()) {
+        // Chromium would put margins of its own into the pages, but not where the printer has the whole paper. They are
+        // painted later, and then where the paper's margins end.
+        printer->setFullPage(true);
+        m_view.print(printer);
+        printer->setFullPage(false);
         return;
     }
     m_page.printToPdf([this](const QByteArray &pdf) { end({ !pdf.isEmpty(), pdf }); }, m_job->target.layout);

@@ -3,6 +3,7 @@
 #include "tests/engine/PageTest.h"
 
 #include <QBuffer>
+#include <QDebug>
 #include <QPageLayout>
 #include <QPdfDocument>
 #include <QPdfSelection>
@@ -10,6 +11,7 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include <cmath>
 #include <optional>
 
 using namespace Qt::StringLiterals;
@@ -43,6 +45,23 @@ class TestPagePrinting final : public PageTest {
         for (int page = 0; page < document.pageCount(); ++page)
             texts << document.getAllText(page).text().remove(QRegularExpression(u"\\s"_s));
         return texts;
+    }
+
+    /// What is not white of the first page of a PDF, in millimetres.
+    static QRectF inkOn(QPdfDocument &document)
+    {
+        constexpr double dotsPerMm = 4;
+        const QSizeF mm = document.pagePointSize(0) * 25.4 / 72;
+        const QImage page = document.render(0, (mm * dotsPerMm).toSize()).convertToFormat(QImage::Format_ARGB32);
+        QRect ink;
+        for (int y = 0; y < page.height(); ++y) {
+            for (int x = 0; x < page.width(); ++x) {
+                const QRgb dot = page.pixel(x, y);
+                if (qAlpha(dot) > 128 && qGray(dot) < 128)
+                    ink |= QRect(x, y, 1, 1);
+            }
+        }
+        return { ink.x() / dotsPerMm, ink.y() / dotsPerMm, ink.width() / dotsPerMm, ink.height() / dotsPerMm };
     }
 
     static QByteArray longTune() { return EngineScores::musicXml({ .title = u"A Long Tune"_s, .bars = 160 }); }
@@ -118,6 +137,9 @@ private Q_SLOTS:
         const QTemporaryDir folder;
         const auto printer = std::make_shared<QPrinter>();
         printer->setOutputFormat(QPrinter::PdfFormat);
+        printer->setResolution(150);
+        printer->setPageLayout(
+            { QPageSize(QPageSize::A4), QPageLayout::Portrait, QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter });
         printer->setOutputFileName(folder.filePath(u"printed.pdf"_s));
         std::optional<PrintResult> result;
         m_session->host().print({ .layout = printer->pageLayout(), .filePath = {}, .printer = printer },
@@ -126,7 +148,19 @@ private Q_SLOTS:
         QVERIFY(result->succeeded);
         QPdfDocument document;
         document.load(folder.filePath(u"printed.pdf"_s));
-        QVERIFY(document.pageCount() >= 2);
+        QByteArray pdf = print();
+        QBuffer buffer(&pdf);
+        buffer.open(QIODevice::ReadOnly);
+        QPdfDocument file;
+        file.load(&buffer);
+        QCOMPARE(document.pageCount(), file.pageCount());
+        // All of it, where the file has it.
+        const QRectF printed = inkOn(document);
+        const QRectF wanted = inkOn(file);
+        QVERIFY(wanted.width() > 150);
+        for (const double off : { printed.left() - wanted.left(), printed.top() - wanted.top(),
+                 printed.right() - wanted.right(), printed.bottom() - wanted.bottom() })
+            QVERIFY2(std::abs(off) < 1, qPrintable(QDebug::toString(printed) + QDebug::toString(wanted)));
     }
 
     void withoutAScoreNothingIsPrinted() { QVERIFY(print().isEmpty()); }
