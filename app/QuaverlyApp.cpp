@@ -36,6 +36,18 @@ namespace {
 constexpr QSize minimumSize(760, 520);
 constexpr QSize preferredSize(1180, 780);
 
+/// What window managers put around a window, at most.
+constexpr QSize frame(16, 64);
+
+/// Puts a window over the middle of another, as far as the screen has room.
+void placeOver(QWidget &parent, QWidget &window)
+{
+    const QRect room = parent.screen()->availableGeometry();
+    QRect place(QPoint(), window.size().boundedTo(room.size() - frame));
+    place.moveCenter(parent.frameGeometry().center());
+    window.setGeometry(WindowMemory::pulledIn(place, { room }));
+}
+
 /// Brings the window of its kind to the front, and makes it where there is none. Escape closes it.
 template <typename Window, typename... About> void showOnce(QWidget &parent, const About &...about)
 {
@@ -43,7 +55,7 @@ template <typename Window, typename... About> void showOnce(QWidget &parent, con
     if (!window) {
         window = new Window(about..., &parent);
         new QShortcut(QKeySequence(Qt::Key_Escape), window, window, &QWidget::close);
-        window->move(parent.frameGeometry().center() - window->rect().center());
+        placeOver(parent, *window);
     }
     window->show();
     window->raise();
@@ -144,9 +156,9 @@ void QuaverlyApp::placeWindow()
     }
     const QRect room = m_window.screen()->availableGeometry();
     m_window.resize(preferredSize.boundedTo(room.size()).expandedTo(minimumSize));
-    QRect frame(QPoint(), m_window.size());
-    frame.moveCenter(room.center());
-    m_window.move(frame.topLeft());
+    QRect place(QPoint(), m_window.size());
+    place.moveCenter(room.center());
+    m_window.move(place.topLeft());
 }
 
 void QuaverlyApp::showWindow()

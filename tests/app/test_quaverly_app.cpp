@@ -15,6 +15,7 @@
 
 #include <QAction>
 #include <QClipboard>
+#include <QDebug>
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
@@ -25,6 +26,7 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QPointer>
+#include <QScreen>
 #include <QShortcut>
 #include <QSysInfo>
 #include <QTest>
@@ -282,6 +284,15 @@ private Q_SLOTS:
         QCOMPARE(pages.size(), 2);
         guide->setSource(QUrl(u"qrc:/guide/index.md#keys"_s));
         QCOMPARE(guide->textCursor().block().text(), u"Keys"_s);
+    }
+
+    void aWindowOverASmallOneIsOnTheScreen()
+    {
+        m_app->window().setGeometry(0, 20, 760, 520);
+        command(u"Help"_s, u"Keyboard Shortcuts"_s)->trigger();
+        const QRect room = m_app->window().screen()->availableGeometry();
+        const QRect place = m_app->window().findChild<ShortcutsWindow *>()->geometry();
+        QVERIFY2(room.contains(place) && place.top() > room.top(), qPrintable(QDebug::toString(place)));
     }
 
     void theShortcutsAreThoseOfTheMenus()
