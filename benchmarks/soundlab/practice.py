@@ -122,7 +122,7 @@ def trainer(room, table, options):
     longest = [length - bar for length in chords(sound[:, 0]) if length > 0.98 * bar]
     if not longest:
         raise RuntimeError("no pass was heard")
-    table.row("heard of a pass before it is counted in", 1000 * max(longest), 150,
+    table.row("heard of a pass before it is counted in", 1000 * max(longest), 20,
               note=f"{len(longest)} passes: " + ", ".join(f"{1000 * more:.0f}" for more in longest))
 
 
