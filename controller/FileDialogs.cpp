@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -100,8 +101,16 @@ QString FileDialogs::fileNameFor(const QString &name)
             c = u' ';
     }
     // 255 bytes is what Linux file systems take; the ending has to survive the cut.
-    const qsizetype ending = QFileInfo(result).suffix().size() + 1;
-    while (result.toUtf8().size() > 255) {
+    constexpr qsizetype most = 255;
+    // Not of QFileInfo, which counts in 16 bits.
+    const qsizetype ending = result.size() - std::max<qsizetype>(result.lastIndexOf(u'.'), 0);
+    // At once, because a title may be as long as a book; what is left is looked at letter by letter.
+    if (result.size() > most) {
+        result.remove(most - ending, result.size() - most);
+        if (result[most - ending - 1].isHighSurrogate())
+            result.remove(most - ending - 1, 1);
+    }
+    while (result.toUtf8().size() > most) {
         const qsizetype last = result.size() - ending - 1;
         const bool isPair = last > 0 && result[last].isLowSurrogate() && result[last - 1].isHighSurrogate();
         result.remove(isPair ? last - 1 : last, isPair ? 2 : 1);

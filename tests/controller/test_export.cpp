@@ -4,6 +4,7 @@
 #include "tests/support/TestSurroundings.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTest>
 
@@ -215,6 +216,19 @@ private Q_SLOTS:
             QVERIFY(name.toUtf8().size() <= 255 && name.toUtf8().size() > 248);
             QVERIFY(name.endsWith(u"𝄞.gp"_s));
         }
+    }
+
+    void aNameAsLongAsABookIsCutAtOnce()
+    {
+        QElapsedTimer timer;
+        timer.start();
+        for (int before = 0; before < 2; ++before) {
+            const QString name
+                = FileDialogs::fileNameFor(QString(250 + before, u'a') + QString(u"𝄞"_s).repeated(500'000) + u".gp"_s);
+            QCOMPARE(name, QString(250 + before, u'a') + u".gp"_s);
+        }
+        // Letter by letter it takes hours.
+        QVERIFY(timer.elapsed() < 10'000);
     }
 
     void aVeryLongNameIsCutBeforeItsExtension()

@@ -112,6 +112,11 @@ def bombs():
     yield "attributes.xml", b"<score-partwise " + b" ".join(b'a%d="1"' % n for n in range(100000)) + b"/>"
     entities = "".join(f'<!ENTITY e{n} "{f"&e{n - 1};" * 10}">' for n in range(1, 10))
     yield "entities.xml", music_xml("&e9;", f'<!DOCTYPE score-partwise [<!ENTITY e0 "laugh">{entities}]>')
+    # Beyond what the window system takes as a title, which ends the connection with whoever tries.
+    for millions in (1, 20):
+        title = "<work><work-title>%s</work-title></work>" % ("Ferry " * (millions * 1_000_000 // 6))
+        rest = '<measure number="1"><note><rest/><duration>4</duration></note></measure>'
+        yield f"title-{millions}.xml", music_xml(rest).replace(b"<part-list>", title.encode() + b"<part-list>", 1)
     yield "zeros.gp5", bytes(20 << 20)
     yield "zeros.gpx", b"BCFZ" + (1 << 30).to_bytes(4, "little") + bytes(1 << 20)
 

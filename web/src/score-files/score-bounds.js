@@ -14,13 +14,30 @@ import { alphaTab } from "../shared/alphatab.js";
  * @typedef {Beat["notes"][number]} Note
  */
 
-/** Texts are drawn on one line each; in characters. */
+/** Texts are drawn on one line each, and the title is the window's, too; in characters. */
 const longestText = 5000;
+
+/** @type {("title" | "subTitle" | "artist" | "album" | "words" | "music" | "copyright" | "instructions" | "notices" | "tab")[]} */
+const textsOfScore = [
+  "title",
+  "subTitle",
+  "artist",
+  "album",
+  "words",
+  "music",
+  "copyright",
+  "instructions",
+  "notices",
+  "tab",
+];
 
 const mostStrings = 16;
 
 /** @param {Score} score */
 export function boundScore(score) {
+  for (const name of textsOfScore) {
+    score[name] = score[name].slice(0, longestText);
+  }
   score.masterBars.forEach(boundMasterBar);
   for (const track of score.tracks) {
     boundTrack(track);
