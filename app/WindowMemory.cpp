@@ -18,6 +18,9 @@ namespace {
 /// Room for a title bar over a window that had to be moved.
 constexpr int titleBar = 40;
 
+/// In bytes; an honest file has a hundred.
+constexpr qint64 largestFile = 64 << 10;
+
 qint64 area(const QRect &rect) { return rect.isEmpty() ? 0 : qint64(rect.width()) * rect.height(); }
 
 } // namespace
@@ -29,7 +32,8 @@ QString userFilePath() { return StateFolder::path() + u"/window.json"_s; }
 std::optional<Place> read(const QString &filePath)
 {
     QFile file(filePath);
-    if (!file.open(QIODevice::ReadOnly))
+    // To open a pipe takes for ever.
+    if (!QFileInfo(file).isFile() || file.size() > largestFile || !file.open(QIODevice::ReadOnly))
         return std::nullopt;
     const QJsonObject object = QJsonDocument::fromJson(file.readAll()).object();
     const auto number = [&object](const QString &name) { return object[name].toInt(); };

@@ -59,29 +59,21 @@ QString DefaultsStore::userFilePath()
 
 void DefaultsStore::read()
 {
-    QFile file(m_filePath);
-    if (!file.exists())
-        return;
-    if (!file.open(QIODevice::ReadOnly)) {
-        m_log(u"[Quaverly] failed to read the settings "_s + m_filePath + u": "_s + file.errorString());
-        return;
-    }
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
-    file.close();
-    if (document.isObject())
-        m_values = document.object();
-    else
-        setAside(error.error == QJsonParseError::NoError ? u"not an object"_s : error.errorString());
+    const Contents contents = stored();
+    m_values = contents.values.value_or(QJsonObject());
+    if (!contents.damage.isEmpty())
+        setAside(u"damaged settings file "_s, contents.damage);
+    else if (!contents.unreadable.isEmpty())
+        m_log(u"[Quaverly] failed to read the settings "_s + m_filePath + u": "_s + contents.unreadable);
 }
 
-void DefaultsStore::setAside(const QString &reason)
+void DefaultsStore::setAside(const QString &complaint, const QString &reason)
 {
     QString target = m_filePath + u".damaged"_s;
     for (int i = 2; QFileInfo::exists(target); ++i)
         target = m_filePath + u".damaged-"_s + QString::number(i);
     const QString result = QFile::rename(m_filePath, target) ? u"kept as "_s + target : u"left in its place"_s;
-    m_log(u"[Quaverly] damaged settings file "_s + m_filePath + u" ("_s + reason + u"), "_s + result);
+    m_log(u"[Quaverly] "_s + complaint + m_filePath + u" ("_s + reason + u"), "_s + result);
 }
 
 std::optional<qint64> DefaultsStore::integer(const QString &key) const
@@ -140,13 +132,21 @@ void DefaultsStore::setTextList(const QString &key, const QStringList &value)
     write(key, QJsonArray::fromStringList(value));
 }
 
-std::optional<QJsonObject> DefaultsStore::stored() const
+DefaultsStore::Contents DefaultsStore::stored() const
 {
     QFile file(m_filePath);
+    // To open a pipe takes for ever.
+    if (!QFileInfo(file).isFile())
+        return {};
     if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
-    return document.isObject() ? std::optional(document.object()) : std::nullopt;
+        return { .unreadable = file.errorString() };
+    if (file.size() > largestFile)
+        return { .damage = u"too large"_s };
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    if (document.isObject())
+        return { .values = document.object() };
+    return { .damage = error.error == QJsonParseError::NoError ? u"not an object"_s : error.errorString() };
 }
 
 void DefaultsStore::write(const QString &key, const QJsonValue &value)
@@ -154,7 +154,12 @@ void DefaultsStore::write(const QString &key, const QJsonValue &value)
     const QString folder = QFileInfo(m_filePath).absolutePath();
     QDir().mkpath(folder);
     const FolderLock lock(folder);
-    QJsonObject file = stored().value_or(m_values);
+    const Contents contents = stored();
+    if (!contents.damage.isEmpty())
+        setAside(u"damaged settings file "_s, contents.damage);
+    else if (!contents.unreadable.isEmpty())
+        setAside(u"failed to read the settings "_s, contents.unreadable);
+    QJsonObject file = contents.values.value_or(m_values);
     file.insert(key, merged(m_values.value(key), value, file.value(key)));
     m_values.insert(key, value);
     const std::optional<QString> reason

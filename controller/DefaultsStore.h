@@ -17,13 +17,17 @@
 /// The file is with the system when an assignment returns and on the disk about a second after the last one, or when
 /// the store ends: a slider that is dragged does not wait for the disk.
 ///
-/// A getter gives nothing when the key is absent or holds a value of another type. A file that cannot be understood
-/// is renamed at the first look, so that nothing of it is lost, and the store begins empty.
+/// A getter gives nothing when the key is absent or holds a value of another type. A file that cannot be understood,
+/// or is too large to be settings, is renamed at the first look, so that nothing of it is lost, and the store begins
+/// empty. One that cannot be read is renamed when something is assigned: it may be readable again by then.
 class DefaultsStore final {
     Q_DISABLE_COPY_MOVE(DefaultsStore)
 
 public:
     using Log = std::function<void(const QString &)>;
+
+    /// In bytes; honest files have a few thousand. It is read at each assignment.
+    static constexpr qint64 largestFile = 4 << 20;
 
     /// @param filePath the JSON file; it and its folder are made at the first assignment
     /// @param log takes one line for a damaged file and for a write that failed
@@ -45,10 +49,15 @@ public:
     void setTextList(const QString &key, const QStringList &value);
 
 private:
-    /// What the file holds now; nothing when it is not there or cannot be understood.
-    std::optional<QJsonObject> stored() const;
+    /// A look at the file: what it holds, or why it holds nothing, if it is there.
+    struct Contents {
+        std::optional<QJsonObject> values;
+        QString damage;
+        QString unreadable;
+    };
+    Contents stored() const;
     void read();
-    void setAside(const QString &reason);
+    void setAside(const QString &complaint, const QString &reason);
     void write(const QString &key, const QJsonValue &value);
 
     const QString m_filePath;

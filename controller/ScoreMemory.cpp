@@ -81,7 +81,8 @@ void ScoreMemory::remember(const QString &key, const RememberedScore &score)
 QJsonObject ScoreMemory::stored() const
 {
     QFile file(m_filePath);
-    if (m_filePath.isEmpty() || !file.open(QIODevice::ReadOnly))
+    // To open a pipe takes for ever, and what is too large is no memory of so many scores.
+    if (!QFileInfo(file).isFile() || file.size() > largestFile || !file.open(QIODevice::ReadOnly))
         return {};
     return QJsonDocument::fromJson(file.readAll()).object();
 }

@@ -11,7 +11,7 @@
 /// The file that remembers how each score was left, and whether it is to remember any.
 ///
 /// Each look and each change reads the file anew, so that programs which run at the same time keep each other's scores.
-/// A file that cannot be understood is as good as an empty one.
+/// A file that cannot be understood, or is too large for what is remembered, is as good as an empty one.
 class ScoreMemory final {
     Q_DISABLE_COPY_MOVE(ScoreMemory)
 
@@ -21,6 +21,8 @@ public:
 
     /// Beyond so many scores, those that were left the longest ago are forgotten.
     static constexpr int mostScores = 500;
+    /// In bytes; each score takes a few hundred, and a hundred for each track.
+    static constexpr qint64 largestFile = 32 << 20;
 
     /// @param filePath empty for a memory that keeps nothing
     ScoreMemory(QString filePath, Log log);

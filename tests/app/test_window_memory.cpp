@@ -5,6 +5,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 
 class TestWindowMemory final : public QObject {
@@ -33,6 +35,14 @@ private Q_SLOTS:
             file.close();
             QVERIFY2(!WindowMemory::read(path), text.constData());
         }
+    }
+
+    void aPipeInItsPlaceKeepsNobodyWaiting()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath(u"window.json"_s);
+        QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+        QVERIFY(!WindowMemory::read(path));
     }
 
     void aFolderThatCannotBeWrittenIsNoMatter()

@@ -6,10 +6,46 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Whom files may be kept from: root, as whom tests may run, reads all of them.
+class AsAnOrdinaryUser final {
+    Q_DISABLE_COPY_MOVE(AsAnOrdinaryUser)
+
+public:
+    /// @param folder becomes the user's with all that is in it
+    explicit AsAnOrdinaryUser(const QString &folder)
+    {
+        if (m_before != 0)
+            return;
+        QStringList paths{ folder };
+        for (const QString &name : QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden))
+            paths << folder + u'/' + name;
+        for (const QString &path : std::as_const(paths))
+            m_done = m_done && ::chown(QFile::encodeName(path).constData(), nobody, nobody) == 0;
+        m_done = m_done && ::seteuid(nobody) == 0;
+    }
+    ~AsAnOrdinaryUser()
+    {
+        if (m_before == 0 && ::seteuid(0) != 0)
+            qFatal("root is not root any more");
+    }
+
+    bool isOne() const { return m_done; }
+
+private:
+    static constexpr uid_t nobody = 65534;
+    const uid_t m_before = ::geteuid();
+    bool m_done = true;
+};
+
+} // namespace
 
 class TestDefaultsStore final : public QObject {
     Q_OBJECT
@@ -121,6 +157,57 @@ private Q_SLOTS:
         QVERIFY(aside.remove());
         s->setInteger(u"i"_s, 1);
         QCOMPARE(store()->integer(u"i"_s), 1);
+    }
+
+    void aFileTooLargeForSettingsIsSetAside()
+    {
+        put("{\"recentFiles\": [\"" + QByteArray(DefaultsStore::largestFile, 'a') + "\"]}");
+        const auto s = store();
+        QVERIFY(!s->textList(u"recentFiles"_s));
+        QVERIFY(m_log.size() == 1 && m_log.constFirst().contains("too large"_L1));
+        s->setInteger(u"i"_s, 1);
+        QVERIFY(contents().size() < 100);
+        QVERIFY(QFile(path() + u".damaged"_s).size() > DefaultsStore::largestFile);
+    }
+
+    void aPipeInItsPlaceKeepsNobodyWaiting()
+    {
+        QCOMPARE(::mkfifo(QFile::encodeName(path()).constData(), 0600), 0);
+        const auto s = store();
+        QVERIFY(m_log.isEmpty());
+        s->setInteger(u"i"_s, 1);
+        QCOMPARE(s->integer(u"i"_s), 1);
+        QVERIFY(m_log.size() == 1 && m_log.constFirst().startsWith("[Quaverly] failed to write the settings "_L1));
+    }
+
+    void aFileThatIsDamagedMeanwhileIsSetAside()
+    {
+        const auto s = store();
+        s->setInteger(u"i"_s, 1);
+        put("somebody's own words");
+        s->setInteger(u"j"_s, 2);
+        QFile aside(path() + u".damaged"_s);
+        QVERIFY(aside.open(QIODevice::ReadOnly));
+        QCOMPARE(aside.readAll(), QByteArray("somebody's own words"));
+        QCOMPARE(store()->integer(u"i"_s), 1);
+        QCOMPARE(store()->integer(u"j"_s), 2);
+    }
+
+    void aFileThatCannotBeReadIsNotOverwritten()
+    {
+        const QByteArray theirs = R"({"recentFiles": ["/a"]})";
+        put(theirs);
+        QVERIFY(QFile::setPermissions(path(), {}));
+        const AsAnOrdinaryUser user(m_folder.path());
+        QVERIFY(user.isOne());
+        const auto s = store();
+        QVERIFY(m_log.size() == 1 && m_log.constFirst().startsWith("[Quaverly] failed to read the settings "_L1));
+        QVERIFY(QFile::exists(path()));
+        s->setInteger(u"i"_s, 1);
+        QCOMPARE(store()->integer(u"i"_s), 1);
+        QFile aside(path() + u".damaged"_s);
+        QVERIFY(aside.setPermissions(QFileDevice::ReadOwner) && aside.open(QIODevice::ReadOnly));
+        QCOMPARE(aside.readAll(), theirs);
     }
 
     void aSecondDamagedFileDoesNotReplaceTheFirst()

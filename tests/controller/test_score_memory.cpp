@@ -1,10 +1,13 @@
 #include "controller/ScoreMemory.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -57,6 +60,33 @@ private Q_SLOTS:
         QVERIFY(memory.isOn());
         QVERIFY(memory.recall(u"a"_s) == left);
         QVERIFY(!memory.recall(u"b"_s));
+    }
+
+    void aPipeInItsPlaceKeepsNobodyWaiting()
+    {
+        const QString path = newPath();
+        QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+        QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+        ScoreMemory memory = open(path);
+        QVERIFY(!memory.isOn());
+        m_log.clear();
+        memory.setOn(true);
+        QVERIFY(m_log.size() == 1 && m_log.takeFirst().startsWith("[Quaverly] failed to write "_L1));
+    }
+
+    void aFileTooLargeForItIsEmpty()
+    {
+        const QString path = newPath();
+        QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+        {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("{\"on\": true, \"other\": \"" + QByteArray(ScoreMemory::largestFile, 'a') + "\"}");
+        }
+        QVERIFY(!open(path).isOn());
+        open(path).setOn(true);
+        QVERIFY(open(path).isOn());
+        QVERIFY(QFileInfo(path).size() < 100);
     }
 
     void twoProgramsKeepEachOthersScores()
