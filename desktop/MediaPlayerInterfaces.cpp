@@ -20,7 +20,22 @@ namespace {
 /// The page's time to say that it plays or has paused.
 constexpr auto stateTimeout = 1s;
 
-qlonglong microseconds(double milliseconds) { return std::llround(milliseconds * 1000); }
+/// Of a page that says what cannot be, the nearest time that the bus has.
+qlonglong microseconds(double milliseconds)
+{
+    constexpr double most = 9e18;
+    return std::llround(std::clamp(milliseconds * 1000, -most, most));
+}
+
+/// On the bus a text ends at its first zero, and a desktop shows it on one line.
+QString onOneLine(QString text)
+{
+    for (QChar &c : text) {
+        if (c.category() == QChar::Other_Control)
+            c = u' ';
+    }
+    return text;
+}
 
 } // namespace
 
@@ -78,7 +93,7 @@ void MediaPlayerControls::setRate(double rate)
     // Nothing plays at no speed, as the standard has it.
     if (rate == 0)
         Pause();
-    else
+    else if (!std::isnan(rate))
         m_controller.tempoPercent = std::clamp(rate * 100, SpeedRange::slowest, SpeedRange::fastest);
 }
 
@@ -100,15 +115,19 @@ QVariantMap MediaPlayerControls::metadata() const
     if (m_controller.endTime > 0)
         data.insert(u"mpris:length"_s, microseconds(m_controller.endTime));
     if (!m_controller.title.value().isEmpty())
-        data.insert(u"xesam:title"_s, m_controller.title.value());
+        data.insert(u"xesam:title"_s, onOneLine(m_controller.title));
     if (!m_controller.artist.value().isEmpty())
-        data.insert(u"xesam:artist"_s, QStringList{ m_controller.artist.value() });
+        data.insert(u"xesam:artist"_s, QStringList{ onOneLine(m_controller.artist) });
     return data;
 }
 
 double MediaPlayerControls::volume() const { return m_controller.masterVolume; }
 
-void MediaPlayerControls::setVolume(double volume) { m_controller.masterVolume = std::clamp(volume, 0.0, 1.0); }
+void MediaPlayerControls::setVolume(double volume)
+{
+    if (!std::isnan(volume))
+        m_controller.masterVolume = std::clamp(volume, 0.0, 1.0);
+}
 
 qlonglong MediaPlayerControls::position() const { return microseconds(m_controller.currentTime); }
 

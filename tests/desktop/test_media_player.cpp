@@ -254,6 +254,41 @@ private Q_SLOTS:
         QCOMPARE(sentBySetting(u"PlaybackStatus"_s, u"Playing"_s), QStringList(u"refused"_s));
     }
 
+    void whatIsNoNumberIsNoSetting()
+    {
+        QCOMPARE(sentBySetting(u"Rate"_s, qQNaN()), QStringList());
+        QCOMPARE(sentBySetting(u"Volume"_s, qQNaN()), QStringList());
+        QCOMPARE(get(u"Rate"_s).toDouble(), 1.0);
+        QCOMPARE(get(u"Volume"_s).toDouble(), 1.0);
+        QCOMPARE(sentBySetting(u"Rate"_s, qInf()), QStringList{ u"window.qv.setSpeed(2.0)"_s });
+    }
+
+    void oddTitles_data()
+    {
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("announced");
+        QTest::newRow("none") << QString() << QString();
+        QTest::newRow("long") << QString(10000, u'ж') << QString(10000, u'ж');
+        QTest::newRow("control characters") << u"One\nTwo\tThree\x1b[1m\x7f"_s << u"One Two Three [1m "_s;
+        QTest::newRow("a zero") << u"One"_s + QChar::Null + u"Two"_s << u"One Two"_s;
+    }
+
+    void oddTitles()
+    {
+        QFETCH(QString, title);
+        openScore(title);
+        QTEST(metadata().value(u"xesam:title"_s).toString(), "announced");
+        QCOMPARE(m_client->get(root, u"Identity"_s).toString(), u"Quaverly"_s);
+    }
+
+    void timesBeyondReason()
+    {
+        openScore();
+        reach(1e300, 1e300);
+        QCOMPARE(metadata().value(u"mpris:length"_s).toLongLong(), qlonglong(9e18));
+        QCOMPARE(get(u"Position"_s).toLongLong(), qlonglong(9e18));
+    }
+
     void noSpeedIsAPause()
     {
         openScore();
