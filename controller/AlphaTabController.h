@@ -66,6 +66,8 @@ public:
     Published<LoopSpan> loopSpan;
     /// Whether the page is there and answers.
     Published<PageHealth> pageHealth{ PageHealth::Well };
+    /// The page ended before it was ready, after it had been started again. Changes before pageHealth does.
+    Published<bool> pageCannotStart{ false };
 
     // Documents
     /// Most recent first, at most eight.
@@ -209,6 +211,8 @@ private:
         ScoreSource source;
         double position = 0;
         QList<TrackInfo> tracks;
+        /// False for what the page that ended has not shown.
+        bool wasShown = false;
     };
     static QUrl pageAddress();
     void startPageWith(const Return &target);
@@ -256,6 +260,8 @@ private:
     std::optional<MarkedRange> m_range;
     /// Set from the loading of a page anew until its score has its position again.
     std::optional<Return> m_return;
+    /// From the moment that a page is loaded anew until it is ready.
+    bool m_starting = false;
     const std::unique_ptr<EngineHost> m_engine;
     std::unique_ptr<FileReading> m_reading;
     std::unique_ptr<FileReading> m_keyReading;

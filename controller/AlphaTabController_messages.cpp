@@ -22,6 +22,7 @@ void AlphaTabController::handle(const QVariantMap &message)
 void AlphaTabController::apply(const BridgeMessages::Ready &)
 {
     bridgeReady = true;
+    m_starting = false;
     pushMetronomeConfig();
     // A page that was loaded anew has none.
     if (fretboard)

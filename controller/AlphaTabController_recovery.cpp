@@ -10,6 +10,7 @@ using namespace Qt::StringLiterals;
 void AlphaTabController::pageHealthChanged(PageHealth health)
 {
     if (health == PageHealth::Ended) {
+        pageCannotStart = m_starting;
         bridgeReady = false;
         playerReady = false;
         isPlaying = false;
@@ -25,7 +26,13 @@ void AlphaTabController::stopReading()
 
 void AlphaTabController::startPageAgain()
 {
-    startPageWith({ .source = m_shownSource, .position = currentTime, .tracks = tracks });
+    // A page that ended before it had shown the score again has lost nothing of it.
+    const bool isStillToShow = m_return && m_return->wasShown;
+    const bool nothingShown = std::holds_alternative<std::monostate>(m_shownSource);
+    startPageWith({ .source = isStillToShow && nothingShown ? m_return->source : m_shownSource,
+        .position = isStillToShow ? m_return->position : currentTime.value(),
+        .tracks = tracks,
+        .wasShown = true });
 }
 
 void AlphaTabController::startPageWith(const Return &target)
@@ -39,6 +46,7 @@ void AlphaTabController::startPageWith(const Return &target)
     m_shownKey.clear();
     if (std::holds_alternative<std::monostate>(target.source))
         hasScore = false;
+    m_starting = true;
     pageHealth = PageHealth::Well;
     m_engine->load(pageAddress());
 }

@@ -264,6 +264,10 @@
         <translation>Die Partituransicht ist abgestürzt</translation>
     </message>
     <message>
+        <source>It could not be started again. Quit Quaverly and open it anew: your files and settings are safe.</source>
+        <translation>Sie ließ sich nicht wieder starten. Beenden Sie Quaverly und öffnen Sie es neu: Ihre Dateien und Einstellungen sind sicher.</translation>
+    </message>
+    <message>
         <source>Your files and settings are safe. The score comes back as it was, at the same place.</source>
         <translation>Ihre Dateien und Einstellungen sind sicher. Die Partitur kommt wieder, wie sie war, an derselben Stelle.</translation>
     </message>

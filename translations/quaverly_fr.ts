@@ -264,6 +264,10 @@
         <translation>La vue de la partition s’est arrêtée</translation>
     </message>
     <message>
+        <source>It could not be started again. Quit Quaverly and open it anew: your files and settings are safe.</source>
+        <translation>Elle n’a pas pu redémarrer. Quittez Quaverly et rouvrez-le : vos fichiers et vos réglages sont intacts.</translation>
+    </message>
+    <message>
         <source>Your files and settings are safe. The score comes back as it was, at the same place.</source>
         <translation>Vos fichiers et vos réglages sont intacts. La partition reviendra telle quelle, au même endroit.</translation>
     </message>

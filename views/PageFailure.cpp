@@ -40,9 +40,13 @@ void PageFailure::refresh()
     const PageHealth health = m_controller.pageHealth;
     if (health == PageHealth::Ended) {
         m_title->setText(tr("The score view has ended"));
-        m_explanation->setText(m_controller.hasScore
-                ? tr("Your files and settings are safe. The score comes back as it was, at the same place.")
-                : tr("Your files and settings are safe."));
+        if (m_controller.pageCannotStart)
+            m_explanation->setText(
+                tr("It could not be started again. Quit Quaverly and open it anew: your files and settings are safe."));
+        else
+            m_explanation->setText(m_controller.hasScore
+                    ? tr("Your files and settings are safe. The score comes back as it was, at the same place.")
+                    : tr("Your files and settings are safe."));
         m_button->setText(tr("Start again"));
     } else if (health == PageHealth::NotAnswering) {
         m_title->setText(tr("The score view does not answer"));

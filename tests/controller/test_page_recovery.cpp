@@ -101,6 +101,58 @@ private Q_SLOTS:
         QVERIFY(p.world.engine->take().isEmpty());
     }
 
+    void aPageThatEndsWhileItStartsKeepsTheScoreForTheNext_data()
+    {
+        QTest::addColumn<int>("messages");
+        QTest::newRow("before it is ready") << 0;
+        QTest::newRow("before the score is shown") << 1;
+        QTest::newRow("before the score can be played") << 2;
+    }
+
+    void aPageThatEndsWhileItStartsKeepsTheScoreForTheNext()
+    {
+        QFETCH(int, messages);
+        Playing p;
+        p.controller.toggleMute(1);
+        const auto showScore = [&p](int count) {
+            const QList<QVariantMap> all{ { { u"type"_s, u"ready"_s } }, scoreMessage({ u"Guitar"_s, u"Bass"_s }) };
+            for (const QVariantMap &message : all.first(count))
+                p.controller.handle(message);
+        };
+        p.controller.pageHealthChanged(PageHealth::Ended);
+        QVERIFY(!p.controller.pageCannotStart);
+        p.controller.startPageAgain();
+        showScore(messages);
+        p.controller.pageHealthChanged(PageHealth::Ended);
+        QCOMPARE(p.controller.pageCannotStart.value(), messages == 0);
+        QVERIFY(p.controller.hasScore);
+        p.controller.startPageAgain();
+        p.world.engine->take();
+        p.controller.handle({ { u"type"_s, u"ready"_s } });
+        QCOMPARE(p.world.engine->take().constLast(), loading("song"));
+        p.controller.handle(scoreMessage({ u"Guitar"_s, u"Bass"_s }));
+        QVERIFY(p.controller.tracks.value().at(1).mute);
+        p.controller.handle(positionMessage(0, 120000));
+        p.world.engine->take();
+        p.controller.handle({ { u"type"_s, u"playerReady"_s } });
+        QCOMPARE(p.world.engine->take(), QStringList{ u"window.qv.seekToTime(61000.0)"_s });
+        p.controller.pageHealthChanged(PageHealth::Ended);
+        QVERIFY(!p.controller.pageCannotStart);
+    }
+
+    void aFileThatWasNeverShownIsNotOpenedByAStartEither()
+    {
+        Playing p;
+        p.controller.pageHealthChanged(PageHealth::Ended);
+        p.controller.load(p.world.file(u"fatal.gp"_s, "fatal"));
+        p.controller.handle({ { u"type"_s, u"ready"_s } });
+        p.controller.pageHealthChanged(PageHealth::Ended);
+        p.controller.startPageAgain();
+        p.world.engine->take();
+        p.controller.handle({ { u"type"_s, u"ready"_s } });
+        QVERIFY(p.world.engine->take().filter(u"loadBase64"_s).isEmpty());
+    }
+
     void anotherScoreUnderTheSameNameKeepsItsOwnMix()
     {
         Playing p;

@@ -111,6 +111,12 @@ private Q_SLOTS:
         w.click(u"Start again"_s);
         QCOMPARE(w.world.engine->loads.size(), loads + 1);
         QVERIFY(!shown<PageFailure>(w));
+
+        // Such as when the process that makes all others has been killed.
+        w.controller.pageHealthChanged(PageHealth::Ended);
+        QVERIFY(w.label(
+            u"It could not be started again. Quit Quaverly and open it anew: your files and settings are safe."_s));
+        QVERIFY(w.control(u"Start again"_s)->isEnabled());
     }
 
     void theStartScreenIsCoveredTooWhenThePageHasEnded()
