@@ -12,6 +12,8 @@
 namespace {
 
 constexpr double uprightPaper = 1 / 1.414;
+/// A strip that is longer yet is shown as if it were so long: the place of what comes behind it has to be a number.
+constexpr double mostAspect = 1000;
 constexpr double keyStep = 24;
 /// Cells up to this width stay white.
 constexpr double tooSmall = 20;
@@ -57,7 +59,7 @@ double PDFPageCell::aspect(const PDFDocument &document, int index)
     const PageBox *box = document.box(index);
     if (!box || box->crop.width() <= 0 || box->crop.height() <= 0)
         return uprightPaper;
-    const double aspect = box->crop.width() / box->crop.height();
+    const double aspect = std::clamp(box->crop.width() / box->crop.height(), 1 / mostAspect, mostAspect);
     return box->rotation % 180 == 0 ? aspect : 1 / aspect;
 }
 

@@ -21,7 +21,8 @@ public:
     double width() const { return m_width; }
     void setWidth(double width) { m_width = width; }
 
-    /// Width over height of the page as displayed; that of an upright A4 page where the file does not say.
+    /// Width over height of the page as displayed, from a thousandth to a thousand; that of an upright A4 page where
+    /// the file does not say.
     double aspect() const { return aspect(*m_document, m_index); }
     static double aspect(const PDFDocument &document, int index);
 

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace {
@@ -175,7 +176,8 @@ void PageList::focusOutEvent(QFocusEvent *) { viewport()->update(); }
 void PageList::resizeEvent(QResizeEvent *)
 {
     QScrollBar *bar = verticalScrollBar();
-    bar->setRange(0, std::max(int(std::ceil(m_layout.height())) - viewport()->height(), 0));
+    const double beyond = std::ceil(m_layout.height()) - viewport()->height();
+    bar->setRange(0, int(std::clamp(beyond, 0.0, double(std::numeric_limits<int>::max()))));
     bar->setPageStep(viewport()->height());
     bar->setSingleStep(int(thumbnailWidth) / 2);
     keepCells();

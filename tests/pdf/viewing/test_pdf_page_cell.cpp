@@ -71,6 +71,10 @@ private Q_SLOTS:
         QTest::newRow("corners the other way") << QByteArray("600 800 0 0") << none << none << 600 / 800.0;
         QTest::newRow("crop beside the media box")
             << media << QByteArray("700 0 900 800") << none << 0.7072135785007072;
+        QTest::newRow("a strip without end") << QByteArray("0 0 0.0001 1000000000") << none << none << 0.001;
+        QTest::newRow("a turned strip without end")
+            << QByteArray("0 0 0.0001 1000000000") << none << QByteArray("90") << 1000.0;
+        QTest::newRow("a wide strip without end") << QByteArray("0 0 1000000000 0.0001") << none << none << 1000.0;
         QTest::newRow("empty crop") << media << QByteArray("0 0 0 0") << none << 600 / 800.0;
     }
 
