@@ -1,5 +1,6 @@
 #include "design/WrappedText.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QPalette>
 
@@ -23,7 +24,8 @@ void WrappedText::changeEvent(QEvent *event)
 
 void WrappedText::recolor()
 {
-    const QColor wanted = Theme::colors(palette()).*m_color;
+    // Not this text's own palette: its colour is the last one, and tells nothing of the surroundings' any more.
+    const QColor wanted = Theme::colors(QApplication::palette(this)).*m_color;
     if (palette().color(foregroundRole()) == wanted)
         return;
     QPalette own;

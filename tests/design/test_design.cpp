@@ -5,6 +5,7 @@
 #include "design/Popover.h"
 #include "design/Slider.h"
 #include "design/Theme.h"
+#include "design/WrappedText.h"
 #include "tests/views/ShownWindow.h"
 
 #include <QAbstractItemView>
@@ -12,6 +13,7 @@
 #include <QIcon>
 #include <QMenu>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolTip>
@@ -239,6 +241,22 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QVERIFY2(light > 200 && dark < 60, qPrintable(u"%1 %2"_s.arg(light).arg(dark)));
         QCOMPARE(brightness(), light);
+    }
+
+    void aTextTurnsDarkWithTheSystemAndBack()
+    {
+        QApplication::setPalette(QPalette(Qt::white));
+        const auto restored = qScopeGuard([] { QApplication::setPalette(QPalette()); });
+        WrappedText title(u"Title"_s, Theme::Type::Title, &Theme::Colors::text);
+        WrappedText explanation(u"More"_s, Theme::Type::Body, &Theme::Colors::secondary);
+        title.show();
+        explanation.show();
+        for (const QPalette &system :
+            { Theme::darkPalette(), QPalette(Qt::white), darkSystem(), QPalette(Qt::white) }) {
+            QApplication::setPalette(system);
+            QTRY_COMPARE(title.palette().color(QPalette::WindowText), Theme::colors(system).text);
+            QTRY_COMPARE(explanation.palette().color(QPalette::WindowText), Theme::colors(system).secondary);
+        }
     }
 
     void behindTheScoreItIsLightOrDarkToo()

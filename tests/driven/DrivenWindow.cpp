@@ -1,5 +1,6 @@
 #include "tests/driven/DrivenWindow.h"
 
+#include "design/Theme.h"
 #include "engine_host/EnginePage.h"
 #include "engine_host/WebEngineHost.h"
 #include "pdf/conversion/PDFDocument.h"
@@ -87,6 +88,8 @@ bool DrivenWindow::act(const QString &word, const QJsonArray &words)
         m_controller.stopReading();
     else if (word == "startAgain"_L1)
         m_controller.startPageAgain();
+    else if (word == "dark"_L1)
+        QApplication::setPalette(first.toBool() ? Theme::darkPalette() : QPalette());
     else if (word == "dismiss"_L1)
         m_controller.conversionError = std::nullopt;
     else if (word == "quit"_L1)
