@@ -1,7 +1,8 @@
 # Settings shared by every target: strict Qt, warnings, sanitizers.
 
 option(QUAVERLY_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
-option(QUAVERLY_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+set(QUAVERLY_SANITIZE "" CACHE STRING "The sanitizers to build with, as -fsanitize takes them, such as address,undefined")
+option(QUAVERLY_FUZZ "Build the fuzzers, which needs Clang" OFF)
 
 add_library(quaverly_options INTERFACE)
 target_compile_definitions(quaverly_options INTERFACE
@@ -19,10 +20,14 @@ target_compile_options(quaverly_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wunused
   # Members with an initialiser of their own are meant to be left out of a designated one.
   -Wno-missing-field-initializers
-  $<$<BOOL:${QUAVERLY_WARNINGS_AS_ERRORS}>:-Werror>
-  $<$<BOOL:${QUAVERLY_SANITIZE}>:-fsanitize=address,undefined -fno-omit-frame-pointer>)
-target_link_options(quaverly_options INTERFACE
-  $<$<BOOL:${QUAVERLY_SANITIZE}>:-fsanitize=address,undefined>)
+  $<$<BOOL:${QUAVERLY_WARNINGS_AS_ERRORS}>:-Werror>)
+if(QUAVERLY_SANITIZE)
+  target_compile_options(quaverly_options INTERFACE -fsanitize=${QUAVERLY_SANITIZE} -fno-omit-frame-pointer)
+  target_link_options(quaverly_options INTERFACE -fsanitize=${QUAVERLY_SANITIZE})
+endif()
+if(QUAVERLY_FUZZ)
+  target_compile_options(quaverly_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # One static library per folder. Includes are written from the top of the tree ("controller/Published.h"), so that a
 # line which breaks the order of the layers can be seen at a glance.

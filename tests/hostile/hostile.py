@@ -2,8 +2,9 @@
 """Opens hostile files in the running program, and after each a good one.
 
 Each file has to leave the window answering, the memory of all processes within a gigabyte of what it was, the page
-alive, and the next good file open. Over a generated file the page may not answer, if it can be stopped then. The named files are opened three times in one process; generated ones follow for as
-long as the time allows. What goes wrong is written down with its file, which is kept.
+alive, and the next good file open. Over a generated file the page may not answer, if it can be stopped then. The named
+files are opened three times in one process, or as often as --rounds says; generated ones follow for as long as the time
+allows. What goes wrong is written down with its file, which is kept.
 """
 import argparse
 import itertools
@@ -17,7 +18,6 @@ sys.path.insert(0, str(TOP / "tests" / "driven"))
 import driven  # noqa: E402
 import generators  # noqa: E402
 
-ROUNDS = 3
 # How much more than with a good file open the program may have while it works on a hostile one, in MB.
 GROWTH = 1000
 # How long a score may take until it is shown or refused, and how long a good one.
@@ -31,11 +31,12 @@ class Run:
         self.build, self.environment, self.kept = build, environment, kept
         self.good = build / "tests" / "scores" / "ferry.gp"
         self.opened, self.faults, self.largest, self.longest = 0, [], 0.0, 0.0
-        self.window, self.usual = None, 0.0
+        self.window, self.usual, self.starts = None, 0.0, 0
         # Generated files over which the page did not answer for so long that a reader would have stopped it.
         self.stopped = []
 
     def start(self):
+        self.starts += 1
         self.window = driven.Window(self.build, self.environment)
         if not self.window.wait(lambda state: state["bridgeReady"], 60):
             raise driven.Fault("the page was never ready")
@@ -135,6 +136,7 @@ def named(folder, given):
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("minutes", nargs="?", type=float, default=15, help="how long it may take (else 15)")
+    parser.add_argument("--rounds", type=int, default=3, help="how often the named files are opened (else 3)")
     parser.add_argument("--seed", type=int, default=1, help="of the generated files (else 1)")
     parser.add_argument("--build", type=pathlib.Path, default=TOP / "build" / "dev")
     parser.add_argument("--given", type=pathlib.Path, default=TOP.parent / "shared" / "hostile", help="more files, if there")
@@ -149,7 +151,7 @@ def main():
     try:
         files = named(folder, chosen.given)
         run.start()
-        for rounds in range(1, ROUNDS + 1):
+        for rounds in range(1, chosen.rounds + 1):
             for path in files:
                 if time.monotonic() > end:
                     raise TimeoutError
@@ -165,15 +167,16 @@ def main():
             path.unlink()
             generated += 1
     except TimeoutError:
-        print("The time is over before all named files were opened three times.")
+        print(f"The time is over before all named files were opened {chosen.rounds} times.")
     finally:
         if run.window:
             run.stop()
         display.close()
         shutil.rmtree(folder, ignore_errors=True)
-    print(f"{run.opened} files opened ({len(files)} of them named, {rounds} rounds; {generated} generated, seed {chosen.seed}) "
-          f"in {(time.monotonic() - began) / 60:.1f} minutes: {len(run.faults)} faults, {len(run.stopped)} stopped by hand. Longest answer of the window "
-          f"{run.longest:.2f} s, at most {run.largest:.0f} MB more than with a good file.")
+    print(f"{run.opened} files opened ({len(files)} of them named, {rounds} rounds; {generated} generated, seed "
+          f"{chosen.seed}) in {(time.monotonic() - began) / 60:.1f} minutes, in {run.starts} "
+          f"process{'' if run.starts == 1 else 'es'}: {len(run.faults)} faults, {len(run.stopped)} stopped by hand. Longest "
+          f"answer of the window {run.longest:.2f} s, at most {run.largest:.0f} MB more than with a good file.")
     for name, fault in run.faults:
         print(f"  {name}: {fault}")
     return 1 if run.faults else 0
