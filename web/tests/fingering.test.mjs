@@ -4,7 +4,7 @@ import { existsSync, readFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { join } from "node:path";
 import { test } from "node:test";
-import { chooseFingering } from "../src/score-files/fingering.js";
+import { chooseFingering } from "../src/score-files/strings/fingering.js";
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;

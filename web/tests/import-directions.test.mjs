@@ -19,7 +19,7 @@ const layers = [
   ["backing-track/stretch"],
   ["score-files", "soundfont", "clicks"],
   ["score-files/guitar-pro", "score-files/musicxml"],
-  ["score-files/containers"],
+  ["score-files/containers", "score-files/strings"],
   ["audio", "timing", "bridge", "alphatab/internals"],
   ["shared"],
 ];

@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
-import { chooseFingering } from "./fingering.js";
+import { chooseFingering } from "./strings/fingering.js";
+import { lookUpByString } from "./strings/by-string.js";
 
 /**
  * Audiveris reads notes and nothing of who plays them: it calls every part of one staff a voice, gives it a choir's
@@ -10,8 +11,10 @@ import { chooseFingering } from "./fingering.js";
  * @typedef {import("../shared/alphatab.js").Score} Score
  * @typedef {import("../shared/alphatab.js").Track} Track
  * @typedef {Track["staves"][0]} Staff
- * @typedef {Staff["bars"][0]["voices"][0]["beats"][0]["notes"][0]} Note
- * @typedef {import("./fingering.js").SoundingNote} SoundingNote
+ * @typedef {Staff["bars"][0]["voices"][0]} Voice
+ * @typedef {Voice["beats"][0]} Beat
+ * @typedef {Beat["notes"][0]} Note
+ * @typedef {import("./strings/fingering.js").SoundingNote} SoundingNote
  *
  * @typedef {object} Instrument
  * @property {string} name
@@ -55,11 +58,13 @@ export function isRecognised(xml) {
 export function assignInstruments(score) {
   /** @type {Map<string, Track[]>} */
   const players = new Map();
-  for (const track of score.tracks) {
-    const instrument = instrumentOf(track);
-    if (instrument) {
-      become(track, instrument);
-      players.set(instrument.name, [...(players.get(instrument.name) ?? []), track]);
+  for (const track of score.tracks.filter(isUnassigned)) {
+    const beats = beatsOf(track.staves[0]);
+    const notes = notesOf(beats);
+    const part = isSung(beats) ? undefined : instrumentFor(track.staves[0], notes);
+    if (part) {
+      become(track, part.instrument, beats, part.isHigh, part.keys);
+      players.set(part.instrument.name, [...(players.get(part.instrument.name) ?? []), track]);
     }
   }
   for (const [name, tracks] of players) {
@@ -67,37 +72,77 @@ export function assignInstruments(score) {
   }
 }
 
+/** @param {Track} track */
+function isUnassigned({ name, staves }) {
+  return name === "Voice" && staves.length === 1 && !staves[0].isPercussion && !staves[0].isStringed;
+}
+
 /**
- * @param {Track} track
- * @returns {Instrument | undefined}
+ * @param {Staff} staff
+ * @returns {Beat[]} of all its voices, bar by bar
  */
-function instrumentOf(track) {
-  const [staff] = track.staves;
-  if (track.staves.length !== 1 || staff.isPercussion || staff.isStringed || track.name !== "Voice" || isSung(staff)) {
-    return undefined;
+function beatsOf(staff) {
+  const beats = [];
+  for (const { voices } of staff.bars) {
+    for (const voice of voices) {
+      for (const beat of voice.beats) {
+        beats.push(beat);
+      }
+    }
   }
-  const notes = notesOf(staff);
-  return instruments().find((instrument) => {
+  return beats;
+}
+
+/** @param {Beat[]} beats */
+function notesOf(beats) {
+  const found = [];
+  for (const { notes } of beats) {
+    for (const note of notes) {
+      found.push(note);
+    }
+  }
+  return found;
+}
+
+/**
+ * @param {Staff} staff
+ * @param {Note[]} notes of the staff
+ * @returns {{ instrument: Instrument, isHigh: boolean, keys: Map<Note, number> } | undefined} whose part it can be,
+ *   whether it is written an octave above what it sounds, and the keys that sound then
+ */
+function instrumentFor(staff, notes) {
+  for (const instrument of instruments()) {
     const clefs = staff.bars.filter(({ clef }) => clef === instrument.clef);
-    const keys = notes.map(soundingKeys(staff, instrument));
-    const reachable = keys.filter((key) => key >= lowestOf(instrument) && key <= instrument.tuning[0] + frets);
-    return (
-      notes.length > 0 && 2 * clefs.length > staff.bars.length && reachable.length >= (1 - mostOutside) * notes.length
-    );
-  });
+    if (notes.length === 0 || 2 * clefs.length <= staff.bars.length) {
+      continue;
+    }
+    const isHigh = isWrittenHigh(notes, instrument);
+    /** @type {Map<Note, number>} */
+    const keys = new Map();
+    let reachable = 0;
+    for (const note of notes) {
+      const key = note.realValue - (isHigh && !saysOctave(note) ? octave : 0);
+      keys.set(note, key);
+      reachable += key >= lowestOf(instrument) && key <= instrument.tuning[0] + frets ? 1 : 0;
+    }
+    if (reachable >= (1 - mostOutside) * notes.length) {
+      return { instrument, isHigh, keys };
+    }
+  }
+  return undefined;
 }
 
-/** @param {Staff} staff */
-function isSung(staff) {
-  const beats = staff.bars
-    .flatMap(({ voices }) => voices.flatMap((voice) => voice.beats))
-    .filter(({ isRest }) => !isRest);
-  return beats.filter(({ lyrics }) => lyrics?.some((syllable) => syllable)).length > mostSyllables * beats.length;
-}
-
-/** @param {Staff} staff */
-function notesOf(staff) {
-  return staff.bars.flatMap(({ voices }) => voices.flatMap(({ beats }) => beats.flatMap(({ notes }) => notes)));
+/** @param {Beat[]} beats */
+function isSung(beats) {
+  let sounding = 0;
+  let sung = 0;
+  for (const beat of beats) {
+    if (!beat.isRest) {
+      sounding++;
+      sung += beat.lyrics?.some((syllable) => syllable) ? 1 : 0;
+    }
+  }
+  return sung > mostSyllables * sounding;
 }
 
 /** @param {Instrument} instrument */
@@ -106,16 +151,23 @@ function lowestOf({ tuning, slack }) {
 }
 
 /**
- * Whether the staff is written an octave above what it sounds, as both instruments are: nothing lies lower than their
+ * Whether the notes are written an octave above what they sound, as both instruments' are: nothing lies lower than their
  * lowest string is written.
  *
- * @param {Staff} staff
+ * @param {Note[]} notes
  * @param {Instrument} instrument
  */
-function isWrittenHigh(staff, instrument) {
-  const written = notesOf(staff).filter((note) => !saysOctave(note));
-  const low = written.filter(({ realValue }) => realValue < lowestOf(instrument) + octave);
-  return low.length <= mostOutside * written.length;
+function isWrittenHigh(notes, instrument) {
+  const lowest = lowestOf(instrument) + octave;
+  let written = 0;
+  let low = 0;
+  for (const note of notes) {
+    if (!saysOctave(note)) {
+      written++;
+      low += note.realValue < lowest ? 1 : 0;
+    }
+  }
+  return low <= mostOutside * written;
 }
 
 /** @param {Note} note whose clef may carry the small 8, so that it has been read as it sounds */
@@ -124,31 +176,21 @@ function saysOctave(note) {
 }
 
 /**
- * @param {Staff} staff
- * @param {Instrument} instrument
- * @returns {(note: Note) => number} the key that sounds, for a note as it was read
- */
-function soundingKeys(staff, instrument) {
-  const down = isWrittenHigh(staff, instrument) ? octave : 0;
-  return (note) => note.realValue - (saysOctave(note) ? 0 : down);
-}
-
-/**
  * @param {Track} track
  * @param {Instrument} instrument
+ * @param {Beat[]} beats of its staff
+ * @param {boolean} isHigh whether it is written an octave above what it sounds
+ * @param {Map<Note, number>} keys that its notes sound with
  */
-function become(track, instrument) {
+function become(track, instrument, beats, isHigh, keys) {
   const [staff] = track.staves;
   const { model } = alphaTab;
-  const isHigh = isWrittenHigh(staff, instrument);
-  const keyOf = soundingKeys(staff, instrument);
-  const keys = new Map(notesOf(staff).map((note) => [note, keyOf(note)]));
-  const tuning = tuningFor([...keys.values()], instrument);
+  const tuning = tuningFor(keys.values(), instrument);
 
   track.shortName = instrument.shortName;
   track.playbackInfo.program = instrument.program;
-  for (const beat of staff.bars.flatMap(({ voices }) => voices.flatMap(({ beats }) => beats))) {
-    for (const automation of beat.automations) {
+  for (const { automations } of beats) {
+    for (const automation of automations) {
       if (automation.type === model.AutomationType.Instrument) {
         automation.value = instrument.program;
       }
@@ -167,17 +209,23 @@ function become(track, instrument) {
     note.tone = key % octave;
   }
   finger(keys, tuning.tunings);
+  for (const beat of beats) {
+    lookUpByString(beat);
+  }
 }
 
 /**
  * The standard tuning, with the lowest string as far down as the music needs it.
  *
- * @param {number[]} keys
+ * @param {Iterable<number>} keys
  * @param {Instrument} instrument
  */
 function tuningFor(keys, instrument) {
   const { tuning, slack } = instrument;
-  const lowest = Math.min(...keys.filter((key) => key >= lowestOf(instrument)));
+  let lowest = Infinity;
+  for (const key of keys) {
+    lowest = key >= lowestOf(instrument) ? Math.min(lowest, key) : lowest;
+  }
   const down = lowest < tuning[tuning.length - 1] ? slack : 0;
   const keysOfStrings = [...tuning.slice(0, -1), tuning[tuning.length - 1] - down];
   const known = alphaTab.model.Tuning.findTuning(keysOfStrings);
@@ -201,14 +249,6 @@ function finger(keys, tuning) {
       note.fret = placement?.fret ?? 0;
     }
   });
-  for (const { beat } of keys.keys()) {
-    beat.noteStringLookup.clear();
-    for (const note of beat.notes) {
-      if (note.isStringed) {
-        beat.noteStringLookup.set(note.string, note);
-      }
-    }
-  }
 }
 
 /**
@@ -222,7 +262,12 @@ function soundsOf(keys) {
   const sounds = [];
   /** @type {Map<Note, SoundingNote & { notes: Note[] }>} */
   const soundOf = new Map();
-  const byStart = [...keys].map(([note, key]) => ({ note, key, ...spanOf(note) })).sort((a, b) => a.start - b.start);
+  const byStart = [];
+  for (const [note, key] of keys) {
+    const { start, end } = spanOf(note);
+    byStart.push({ note, key, start, end });
+  }
+  byStart.sort((a, b) => a.start - b.start);
   /** @type {Map<number, SoundingNote & { notes: Note[] }>} the last of each key */
   const latest = new Map();
   for (const { note, key, start, end } of byStart) {
