@@ -21,7 +21,8 @@ def fretted(path):
                         if note.type == NoteType.rest:
                             continue
                         place = [track, bar, voice, 0 if drums else note.string]
-                        notes.append([*place, note.value, beat.start - measure.start])
+                        # Within tuplets a beat may begin between two ticks.
+                        notes.append([*place, note.value, float(beat.start - measure.start)])
                         if note.effect.grace:
                             graces.append([*place, note.effect.grace.fret])
     return {"notes": notes, "graces": graces}
