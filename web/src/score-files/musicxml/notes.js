@@ -250,6 +250,20 @@ function trillStep(note, fifths) {
   return Math.min(Math.max(natural + raised - alter, 1), 3);
 }
 
+/** @param {XmlElement} note */
+export function beginsHammer(note) {
+  return note.children.some(
+    ({ name, children }) =>
+      name === "notations" &&
+      children.some((group) => group.name === "technical" && group.children.some(isHammerStart)),
+  );
+}
+
+/** @param {XmlElement} element */
+function isHammerStart({ name, attributes }) {
+  return (name === "hammer-on" || name === "pull-off") && attributes.get("type") !== "stop";
+}
+
 /**
  * @param {XmlWriter} writer
  * @param {XmlElement} technical

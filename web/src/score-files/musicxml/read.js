@@ -1,5 +1,7 @@
 // @ts-check
 import { alphaTab } from "../../shared/alphatab.js";
+import { joinLinkedStaves } from "./linked-staves.js";
+import { lookUpByString } from "../strings/by-string.js";
 import { rewriteMusicXml } from "./rewrite.js";
 
 /**
@@ -31,6 +33,8 @@ export function readMusicXml(text, settings) {
   }
   score.rebuildRepeatGroups();
   applyLeftovers(leftovers, score);
+  applyHammers(leftovers, score, settings);
+  joinLinkedStaves(score, settings);
   return score;
 }
 
@@ -103,6 +107,33 @@ function applyLeftovers({ hiddenRests, longGraces, crossTies }, score) {
       origin.tieDestination = destination;
     }
   }
+}
+
+/**
+ * alphaTab's reader gives hammer-ons and pull-offs up, because it looks where they lead to before it knows the strings.
+ *
+ * @param {Leftovers} leftovers
+ * @param {Score} score
+ * @param {Settings} settings
+ */
+function applyHammers({ hammers }, score, settings) {
+  for (const staff of hammers.length > 0 ? score.tracks.flatMap(({ staves }) => staves) : []) {
+    for (const beat of staff.isStringed ? beatsOf(staff) : []) {
+      lookUpByString(beat);
+    }
+  }
+  for (const place of hammers) {
+    const note = voiceAt(score, place).beats[place.beat]?.notes[place.note];
+    if (note?.isStringed) {
+      note.isHammerPullOrigin = true;
+      note.finish(settings);
+    }
+  }
+}
+
+/** @param {Score["tracks"][0]["staves"][0]} staff */
+function beatsOf({ bars }) {
+  return bars.flatMap(({ voices }) => voices.flatMap(({ beats }) => beats));
 }
 
 /**

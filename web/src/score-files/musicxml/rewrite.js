@@ -6,7 +6,7 @@ import { DirectionWriter, marksOfStaff } from "./directions.js";
 import { readMeasure } from "./events.js";
 import { graceLengths } from "./graces.js";
 import { barLengthOf, commonMetre, readMetre } from "./metres.js";
-import { writeNote, writeRest } from "./notes.js";
+import { beginsHammer, writeNote, writeRest } from "./notes.js";
 import { drumOf, partsOf, writeDescription } from "./parts.js";
 import { addSign, noSigns, readBarLines, signsOf, tellCodasApart } from "./road-signs.js";
 import { tempoOf } from "./tempos.js";
@@ -63,6 +63,7 @@ import { assignVoices } from "./voices.js";
  * @property {BeatPlace[]} hiddenRests rests that are not drawn
  * @property {LongGrace[]} longGraces
  * @property {CrossTie[]} crossTies
+ * @property {NotePlace[]} hammers notes that a hammer-on or a pull-off begins with
  *
  * @typedef {object} Part
  * @property {PartSource} source
@@ -95,7 +96,7 @@ export function rewriteMusicXml(text) {
   writer.open("score-partwise", { version: "4.0" });
   writeHead(writer, root, sources);
   /** @type {Leftovers} */
-  const leftovers = { hiddenRests: [], longGraces: [], crossTies: [] };
+  const leftovers = { hiddenRests: [], longGraces: [], crossTies: [], hammers: [] };
   parts.forEach((part, index) => {
     new PartWriter(writer, part, index, bars, leftovers).write();
   });
@@ -411,8 +412,12 @@ class PartWriter {
           inChord: i > 0,
         };
         writeNote(this.#writer, note, place, this.#facts);
+        const notePlace = { part: this.#index, staff, bar: index, voice, beat, note: i };
         if (this.#crossTied.has(note)) {
-          this.#notePlaces.set(note, { part: this.#index, staff, bar: index, voice, beat, note: i });
+          this.#notePlaces.set(note, notePlace);
+        }
+        if (this.#facts.strings[staff] > 0 && beginsHammer(note)) {
+          this.#leftovers.hammers.push(notePlace);
         }
       });
       const ticks = event.grace ? null : graceLengths(graces, end - event.onset);
