@@ -48,7 +48,7 @@ export function chooseFingering(notes, tuning, frets = 24) {
 }
 
 /**
- * What is tried for the notes that begin together lies in fields: there are ten thousand such events in a long piece,
+ * What is tried for the notes that begin together lies in fields: there are ten thousand such events in a long score,
  * and lists that live for one of them only would cost more than the arithmetic.
  */
 class Fingering {
@@ -157,7 +157,7 @@ class Fingering {
     this.#span = span;
     this.#found = false;
     if (this.#end - this.#first <= this.#tuning.length) {
-      this.#place(this.#first, low, high, 0);
+      this.#fret(this.#first, low, high, 0);
     }
     return this.#found;
   }
@@ -168,7 +168,7 @@ class Fingering {
    * @param {number} high
    * @param {number} open how many notes of the event are played on open strings so far
    */
-  #place(note, low, high, open) {
+  #fret(note, low, high, open) {
     if (note === this.#end) {
       this.#add(low, high, open);
       return;
@@ -186,7 +186,7 @@ class Fingering {
         continue;
       }
       noteOn[string] = note;
-      this.#place(note + 1, lower, higher, fret === 0 ? open + 1 : open);
+      this.#fret(note + 1, lower, higher, fret === 0 ? open + 1 : open);
       noteOn[string] = -1;
     }
   }

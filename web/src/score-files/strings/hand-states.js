@@ -1,9 +1,9 @@
 // @ts-check
 /**
- * Where the hand can be after each event of a piece, and the least that it takes to have come there. States in which the
+ * Where the hand can be after each event of a score, and the least that it takes to have come there. States in which the
  * same notes sound on at the same places form a group: they go on alike, but for the position of the index finger.
  *
- * All of it lies in arrays of numbers: long pieces have hundreds of thousands of states.
+ * All of it lies in arrays of numbers: long scores have hundreds of thousands of states.
  */
 
 const shift = 2.4;
@@ -233,7 +233,7 @@ export class HandStates {
     }
   }
 
-  /** @param {(string: number, note: number) => void} visit every note of the cheapest way through the piece */
+  /** @param {(string: number, note: number) => void} visit every note of the cheapest way through the score */
   backwards(visit) {
     const group = this.cheapestGroup();
     const best = group * this.#width + this.cheapestPosition(group);
