@@ -111,12 +111,12 @@ function stoppedScore() {
     scoreLoaded: emitter(),
     workerRenderer: { awaited: false, drewAgain: false },
   };
-  const playback = { playing: false, atStart: true };
-  new AutoScroll(/** @type {any} */ (api), /** @type {any} */ (playback), /** @type {any} */ (viewport));
+  const playback = { playing: false, atStart: true, tick: 0, loop: null, msUntil: () => 0 };
+  const scroll = new AutoScroll(/** @type {any} */ (api), /** @type {any} */ (playback), /** @type {any} */ (viewport));
   const press = Object.assign(new Event("pointerdown"), { buttons: 1 });
   Object.defineProperty(press, "target", { value: notation });
   return {
-    ...{ api, playback, viewport },
+    ...{ api, playback, viewport, scroll },
     layOut: () => {
       const box = { x: 0, y: 1500, w: 800, h: 200 };
       bounds = { onNotesX: 100, barBounds: { masterBarBounds: { visualBounds: box } } };
@@ -183,5 +183,81 @@ test("a seek to a bar that has not been laid out is shown when it has", (context
   api.workerRenderer.drewAgain = true;
   api.postRenderFinished.post();
   runTimers();
+  assert.equal(viewport.scrollTop, 1500 - 24);
+});
+
+/** A staff system of 200 pixels, with a beat in it. */
+const beatIn = (/** @type {number} */ index) => {
+  const visualBounds = { x: 0, y: 1500 + 250 * index, w: 800, h: 200 };
+  return /** @type {any} */ ({
+    onNotesX: 100,
+    barBounds: { masterBarBounds: { visualBounds, staffSystemBounds: { index } } },
+  });
+};
+
+/**
+ * A score that plays, at a time that stands still until it is moved.
+ *
+ * @param {import("node:test").TestContext} context
+ */
+function playingScore(context) {
+  const runTimers = holdTimers(context);
+  let now = 100_000;
+  context.mock.method(performance, "now", () => now);
+  /** @type {(() => void) | undefined} */
+  let frame;
+  globalThis.requestAnimationFrame = /** @type {any} */ ((/** @type {() => void} */ step) => (frame = step));
+  const score = stoppedScore();
+  Object.assign(score.playback, { playing: true, atStart: false });
+  const pass = (/** @type {number} */ ms) => {
+    now += ms;
+    frame?.();
+  };
+  const play = (/** @type {number} */ system) =>
+    score.scroll.onBeatCursorUpdating(beatIn(system), undefined, 0, 0, 150);
+  return { ...score, runTimers, pass, play };
+}
+
+test("while music plays the score goes along with it", (context) => {
+  const { viewport, play } = playingScore(context);
+  play(0);
+  assert.equal(viewport.scrollTop, 1500 - 24);
+});
+
+test("readers who scroll while music plays are left alone for a while, and taken along then", (context) => {
+  const { viewport, play, pass, wheel } = playingScore(context);
+  wheel();
+  pass(2400);
+  play(0);
+  assert.equal(viewport.scrollTop, 400);
+  pass(200);
+  play(0);
+  assert.equal(viewport.scrollTop, 1500 - 24);
+});
+
+test("while readers choose a range the score stays under the pointer", (context) => {
+  const { viewport, play, press } = playingScore(context);
+  press();
+  play(0);
+  assert.equal(viewport.scrollTop, 400);
+});
+
+test("the next staff system comes into view before it is played", (context) => {
+  const { api, viewport, play, pass, runTimers } = playingScore(context);
+  const bar = (/** @type {number} */ index) => ({
+    ...{ start: index * 3840, end: (index + 1) * 3840, masterBar: { index } },
+    nextMasterBar: /** @type {object | null} */ (null),
+  });
+  const bars = [bar(0), bar(1)];
+  bars[0].nextMasterBar = bars[1];
+  Object.assign(api.tickCache, { masterBars: bars });
+  Object.assign(api.boundsLookup, {
+    findMasterBarByIndex: (/** @type {number} */ index) => beatIn(index).barBounds.masterBarBounds,
+  });
+  viewport.scrollTop = 1200;
+  play(0);
+  assert.equal(viewport.scrollTop, 1200);
+  runTimers();
+  pass(1000);
   assert.equal(viewport.scrollTop, 1500 - 24);
 });

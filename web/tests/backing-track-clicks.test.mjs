@@ -11,7 +11,7 @@ function clicking(levels = 2) {
   const clicks = new BackingTrackClicks(44100);
   const positions = Float64Array.from({ length: 40 }, (_, click) => 1000 * click);
   clicks.setPattern({ positions, levels: Uint8Array.from(positions, (_, click) => (click % 4 === 0 ? 0 : 1)) }, 0);
-  clicks.ticking = { levels, first, others };
+  clicks.ticking = { levels, sounds: [first, others, others, others] };
   return clicks;
 }
 

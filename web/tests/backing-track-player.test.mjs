@@ -4,6 +4,7 @@ import { test } from "node:test";
 import { contexts, settled, told, volumes } from "./support/audio-context.mjs";
 import "./support/clock.mjs";
 
+const { clickSamples } = await import("../src/clicks/click-sounds.js");
 const { BackingTrackPlayer } = await import("../src/backing-track/backing-track-player.js");
 
 /** @type {import("../src/backing-track/backing-track-player.js").Ticking} */
@@ -35,7 +36,8 @@ test("without a backing track nothing is opened; when one is about to play the a
   });
   assert.deepEqual([...clicks.times, ...clicks.levels], [500, 1]);
   assert.equal(sounds.levels, 2);
-  assert.ok(sounds.first.some((sample) => sample !== 0) && sounds.others.some((sample) => sample !== 0));
+  const samples = (accent) => clickSamples("woodblock", accent, 48000).map((sample) => sample * 0.5);
+  assert.deepEqual(sounds.sounds, [samples(true), samples(false), samples(false), samples(false)]);
 
   const before = told.length;
   player.setTicking({ ...ticking });
@@ -46,6 +48,7 @@ test("without a backing track nothing is opened; when one is about to play the a
     told.slice(before).map((message) => message.ticking.levels),
     [1, 1],
   );
+  assert.deepEqual(told.at(-1).ticking.sounds, Array(4).fill(samples(false)));
 });
 
 test("a volume set while nothing plays holds from the first sample on, and one set while it plays does not click", () => {

@@ -31,7 +31,7 @@ test("clicks and strokes are one, at any speed and from pass to pass of a loop",
       speed,
       loop,
       clicks,
-      ticking: { levels: 2, first: click, others: click },
+      ticking: { levels: 2, sounds: [click, click] },
       seek: { position: 900, generation: 1 },
     });
     thread.post({ playing: true });
@@ -42,7 +42,7 @@ test("clicks and strokes are one, at any speed and from pass to pass of a loop",
       speed,
       loop,
       clicks,
-      ticking: { levels: 2, first: click, others: click },
+      ticking: { levels: 2, sounds: [click, click] },
       seek: { position: 900, generation: 1 },
     });
     silent.post({ playing: true });

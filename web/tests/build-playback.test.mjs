@@ -45,6 +45,16 @@ test("a score's times, clicks and count-in come from one step", () => {
   assert.ok(Math.abs(built.syncPoints.at(-1).synthTime - built.tempoMap.endMs) < 1);
 });
 
+test("an upbeat is counted in by a whole bar and by the beats of its own that are not written", () => {
+  const upbeat = scoreOf(`\\ac c4.4 | ${bar}`);
+  upbeat.masterBars[0].isAnacrusis = true;
+  const built = buildPlayback(upbeat, generated);
+  const [before, inside] = [0, 960].map((tick) => built.countIn(tick));
+  assert.deepEqual([before.beats, before.barBeats], [7, 4]);
+  // In a bar that is written whole, also from its middle.
+  assert.deepEqual([inside.beats, built.countIn(1920).beats], [4, 4]);
+});
+
 test("the clicks lie on channels above all others, in time with the notes, and end before the track does", () => {
   const { midi, clicks } = buildPlayback(scoreOf(`${bar} ${bar}`), generated);
   const notes = noteEvents(midi);

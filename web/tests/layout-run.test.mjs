@@ -80,6 +80,19 @@ test("the layout batches say which is the first and which the last, and their pl
   assert.ok(all.every((batch, index) => index === 0 || batch.height >= all[index - 1].height));
 });
 
+test("a layout batch has the places of its own staff systems, not of one that is laid out anew", () => {
+  const { score, renderer } = renderId();
+  const all = batches(new LayoutRun(renderer, score, [0], view));
+  assert.ok(all.length > 1);
+  for (const batch of all) {
+    const places = alphaTab.rendering.BoundsLookup.fromJson(batch.bounds, score).staffSystems;
+    assert.deepEqual(
+      places.map(({ bars }) => [bars[0].index, bars.at(-1).index]),
+      systems(batch.partials),
+    );
+  }
+});
+
 test("the first layout batch reaches as far as readers are to find themselves, and is painted there", () => {
   const there = { bar: 40, x: 0, y: 0, left: 0, top: 40 };
   const { score, renderer } = renderId();

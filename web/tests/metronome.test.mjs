@@ -2,8 +2,10 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { PlayedScore, scoreOf } from "./support/played-score.mjs";
+import { standIn } from "./support/stand-in.mjs";
 
 const { clickKey } = await import("../src/clicks/click-bank.js");
+const { clickSamples } = await import("../src/clicks/click-sounds.js");
 const bar = "c4.4 d4.4 e4.4 f4.4 |";
 
 /** The metronome of a score, and what its channels are set to: bars, beats, halves, quarters, and two of the count-in. */
@@ -54,6 +56,62 @@ test("all of its channels have its volume, and a soloed track does not silence i
   assert.deepEqual(values("Solo"), Array(6).fill(true));
   own.setBesideSolo(false);
   assert.deepEqual(values("Solo"), Array(6).fill(false));
+});
+
+test("the preview is one click, plain, of the sound and volume that are set", () => {
+  const heard = [];
+  globalThis.AudioContext = standIn(
+    class {
+      resume() {}
+      createBuffer() {
+        return { copyToChannel: (samples) => heard.push({ samples }) };
+      }
+    },
+  );
+  globalThis.AudioBufferSourceNode = standIn(
+    class {
+      connect = (node) => node;
+      start = () => heard.push("starts");
+    },
+  );
+  globalThis.GainNode = standIn(
+    class {
+      constructor(_, { gain }) {
+        heard.push({ gain });
+      }
+      connect() {}
+    },
+  );
+  metronome().metronome.preview();
+  assert.deepEqual(heard, [{ samples: clickSamples("beep", false) }, { gain: 0.5 }, "starts"]);
+});
+
+test("beside a backing track the clicks fall where its sync points put them", () => {
+  const { played, metronome: own } = metronome();
+  let clicks = [];
+  played.api.playsBackingTrack = true;
+  played.api.backingTrackPlayer.setClicks = (all) => (clicks = all);
+  own.use(
+    standIn({
+      clicks: {
+        firstChannel: 5,
+        pattern: [
+          { tick: 0, level: 0 },
+          { tick: 960, level: 1 },
+        ],
+      },
+      tempoMap: { msAt: (tick) => tick / 2 },
+      // The backing track begins 100 ms late and is half as fast.
+      syncPoints: [
+        { synthTime: 0, syncTime: 100 },
+        { synthTime: 1000, syncTime: 2100 },
+      ],
+    }),
+  );
+  assert.deepEqual(clicks, [
+    { ms: 100, level: 0 },
+    { ms: 1060, level: 1 },
+  ]);
 });
 
 test("a backing track's player mixes the clicks in itself", () => {

@@ -236,3 +236,21 @@ test("looping that is turned on right after a seek stays where that went", () =>
   playback.setLooping(true);
   assert.equal(names("tick").at(-1), 5000);
 });
+
+test("a start is counted in from where the music is by then", () => {
+  const { playback, names, position } = transport();
+  playback.setCountIn(true);
+  position(1920, true);
+  playback.playPause();
+  assert.deepEqual(names("countIn").at(-1), { tick: 1920 });
+  playback.setCountIn(false);
+  playback.playPause();
+  assert.equal(names("countIn").at(-1), null);
+});
+
+test("positions are posted in score time, whatever the length that alphaTab gives at its speed", () => {
+  const { last, state, position } = transport();
+  state(Playing);
+  position(19200);
+  assert.deepEqual(last(), { type: "position", currentTime: 10_000, endTime: 20_000 });
+});

@@ -10,8 +10,7 @@ import { firstAtLeast } from "./stretch/time-stretch.js";
  *
  * @typedef {object} Ticking
  * @property {number} levels clicks of a lower level than this sound
- * @property {Float32Array} first what the first beat of a bar sounds like
- * @property {Float32Array} others
+ * @property {Float32Array[]} sounds of each level
  */
 
 /** A start so little behind a click is meant for it, in seconds: alphaTab takes a tick more for each call. */
@@ -22,7 +21,7 @@ export class BackingTrackClicks {
   /** @type {Pattern} */
   #pattern = { positions: new Float64Array(0), levels: new Uint8Array(0) };
   /** @type {Ticking} */
-  #ticking = { levels: 0, first: new Float32Array(0), others: new Float32Array(0) };
+  #ticking = { levels: 0, sounds: [] };
   #next = 0;
   /**
    * @type {{ samples: Float32Array, from: number }[]} from: at which of the next frames it begins; negative when it has
@@ -69,8 +68,9 @@ export class BackingTrackClicks {
   mix(left, right, at, count, position, speed) {
     const { positions, levels } = this.#pattern;
     for (; this.#next < positions.length && positions[this.#next] < position + count * speed; this.#next++) {
-      if (levels[this.#next] < this.#ticking.levels) {
-        const samples = levels[this.#next] === 0 ? this.#ticking.first : this.#ticking.others;
+      const level = levels[this.#next];
+      if (level < this.#ticking.levels) {
+        const samples = this.#ticking.sounds[level];
         this.#sounding.push({ samples, from: Math.max(Math.round((positions[this.#next] - position) / speed), 0) });
       }
     }

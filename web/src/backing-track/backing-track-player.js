@@ -1,4 +1,5 @@
 // @ts-check
+import { isAccented, levels as clickLevels } from "../clicks/click-pattern.js";
 import { clickSamples } from "../clicks/click-sounds.js";
 import { OutputWatch } from "../audio/output-watch.js";
 import { Emitter } from "../shared/emitter.js";
@@ -183,7 +184,7 @@ export class BackingTrackPlayer {
     const { levels, sound, accent, volume } = this.#ticking;
     /** @type {(accented: boolean) => Float32Array} */
     const click = (accented) => clickSamples(sound, accented, sampleRate).map((sample) => sample * volume);
-    return { levels, first: click(accent), others: click(false) };
+    return { levels, sounds: clickLevels.map((level) => click(isAccented(level, accent))) };
   }
 
   /** @param {BackingTrack} backingTrack */

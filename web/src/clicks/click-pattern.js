@@ -50,6 +50,15 @@ function levelAt(position, pickup) {
 }
 
 /**
+ * @param {Mode} level of a click
+ * @param {boolean} wanted whether there are accents
+ * @returns {boolean} whether the click is accented: that is the first beat of a bar
+ */
+export function isAccented(level, wanted) {
+  return wanted && level === "bar";
+}
+
+/**
  * @param {string} mode
  * @returns {number} how many of the levels sound in that mode, 1 to 4; 2 ("beat") for an unknown word
  */

@@ -1,6 +1,6 @@
 // @ts-check
 import { clickKey } from "../clicks/click-bank.js";
-import { audibleLevels, levels } from "../clicks/click-pattern.js";
+import { audibleLevels, isAccented, levels } from "../clicks/click-pattern.js";
 import { ClickPlayer } from "./click-player.js";
 import { countInChannels, writtenKey } from "../playback/click-notes.js";
 import { soundNamed } from "../clicks/click-sounds.js";
@@ -90,9 +90,9 @@ export class Metronome {
       player.setChannelVolume(channel, volume);
       player.setChannelTranspositionPitch(channel, clickKey(sound, accented) - writtenKey);
     };
-    levels.forEach((name, level) => set(level, level < audible, accent && name === "bar"));
+    levels.forEach((name, level) => set(level, level < audible, isAccented(name, accent)));
     // Counted in is whether the metronome is on or not.
-    set(countInChannels.first, true, accent);
-    set(countInChannels.others, true, false);
+    set(countInChannels.first, true, isAccented("bar", accent));
+    set(countInChannels.others, true, isAccented("beat", accent));
   }
 }
