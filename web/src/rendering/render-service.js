@@ -1,0 +1,259 @@
+// @ts-check
+import { alphaTab } from "../shared/alphatab.js";
+import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
+import { LayoutRun } from "./layout-run.js";
+import { PictureStore } from "./picture-store.js";
+import { showStaves } from "./shown-staves.js";
+import { arrangeStaffNames } from "./staff-names.js";
+import { foldLongRests } from "../score-files/guitar-pro/long-rests.js";
+import { readScore } from "../score-files/score-files.js";
+import { collectThoroughly } from "../shared/garbage.js";
+
+/**
+ * Draws scores, bit by bit: between two steps of a render pass it receives what the page requests next, partials that
+ * came into view or another render pass, which replaces the one under way.
+ *
+ * When all is laid out it paints what nobody has asked for yet. Then it has all pictures, and lets go of the layout:
+ * another zoom, other tracks and another score begin anew anyway.
+ *
+ * @typedef {import("./worker-renderer.js").Request} Request
+ * @typedef {import("./worker-renderer.js").Answer} Answer
+ * @typedef {import("./layout-run.js").ScoreRenderer} ScoreRenderer
+ * @typedef {import("./layout-run.js").Partial} Partial
+ * @typedef {import("../shared/alphatab.js").Score} Score
+ *
+ * @typedef {{ file: number, score: Score }} ReadFile
+ */
+
+/** For how long partials are painted that nobody waits for, before somebody may ask for one, in milliseconds. */
+const paintStepMs = 20;
+
+export class RenderService {
+  #post;
+  /** The page's settings; a render pass under way keeps those it began with. */
+  #settings = new alphaTab.Settings();
+  /** @type {ScoreRenderer | null} null when its layout is not needed any more */
+  #renderer = null;
+  #pictures = new PictureStore();
+  /** Whether what is painted is for nobody yet: a partial that cannot be painted is told of when it is asked for. */
+  #paintsAhead = false;
+  /** @type {ReadFile | null} what is drawn */
+  #held = null;
+  /** @type {ReadFile | null} what may be drawn next */
+  #read = null;
+  /** @type {LayoutRun | null} */
+  #run = null;
+  #renderId = 0;
+  /** How long the render pass waits with its remainder for "resume". */
+  #remainderTimeoutMs = 0;
+  /** @type {{ work: () => void, timer: ReturnType<typeof setTimeout> } | null} what is done when no message waits */
+  #next = null;
+
+  /** @param {(answer: Answer) => void} post */
+  constructor(post) {
+    this.#post = post;
+  }
+
+  /** @returns {boolean} whether a layout takes room */
+  get hasLayout() {
+    return this.#renderer !== null;
+  }
+
+  /** @param {Request} request */
+  answer(request) {
+    switch (request.cmd) {
+      case "settings":
+        this.#settings = alphaTab.model.JsonConverter.jsObjectToSettings(request.settings);
+        break;
+      case "read": {
+        const reading = readScore(request.bytes, this.#settings);
+        this.#read = reading.score ? { file: request.file, score: reading.score } : null;
+        break;
+      }
+      case "draw":
+        this.#draw(request);
+        break;
+      case "resume":
+        this.#remainderTimeoutMs = 0;
+        this.#next?.work();
+        break;
+      case "stop":
+        this.#run = null;
+        break;
+      case "paint":
+        void this.#paint(request.id);
+        break;
+      case "ping":
+        this.#post({ kind: "pong", number: request.number });
+        break;
+      case "collect":
+        collectThoroughly();
+        break;
+    }
+  }
+
+  /** @param {unknown} reason */
+  fail(reason) {
+    this.#post({ kind: "failed", message: reason instanceof Error ? reason.message : String(reason) });
+  }
+
+  /** @param {Extract<Request, { cmd: "draw" }>} request */
+  #draw(request) {
+    const settings = this.#settings;
+    if (request.score) {
+      const score = alphaTab.model.JsonConverter.jsObjectToScore(request.score, settings);
+      this.#read = { file: request.file, score };
+    }
+    if (this.#read?.file === request.file) {
+      this.#held = this.#read;
+      this.#read = null;
+    }
+    this.#run = null;
+    this.#renderId = request.renderId;
+    this.#remainderTimeoutMs = request.remainderTimeoutMs;
+    if (this.#held?.file !== request.file) {
+      this.#post({ kind: "missing", renderId: request.renderId });
+      return;
+    }
+    const { score } = this.#held;
+    setTextWidths(request.textWidths);
+    const renderer = (this.#renderer ??= this.#newRenderer());
+    renderer.updateSettings(settings);
+    renderer.width = request.width;
+    foldLongRests(score);
+    showStaves(score, request.staves);
+    arrangeStaffNames(score, request.tracks);
+    this.#run = new LayoutRun(renderer, score, request.tracks, request.view, request.anchor, request.atOnce);
+    if (request.atOnce) {
+      // Another zoom may have been requested already.
+      this.#later(() => this.#proceed());
+    } else {
+      this.#proceed();
+    }
+  }
+
+  #newRenderer() {
+    const renderer = new alphaTab.rendering.ScoreRenderer(this.#settings);
+    renderer.error.on((reason) => {
+      if (!this.#paintsAhead) {
+        this.fail(reason);
+      }
+    });
+    return renderer;
+  }
+
+  /**
+   * Takes one step of the render pass, and the next one after the messages that wait, or when the page has time for it.
+   */
+  #proceed() {
+    this.#later(null);
+    const run = this.#run;
+    if (!run) {
+      return;
+    }
+    let wait = 0;
+    try {
+      const batch = run.step();
+      if (batch) {
+        this.#post({ kind: "drawn", renderId: this.#renderId, batch });
+        if (batch.first) {
+          this.#pictures = new PictureStore();
+        }
+        this.#pictures.add(batch.partials);
+        run.delivered(batch);
+        wait = batch.first ? this.#remainderTimeoutMs : 0;
+      }
+      this.#run = run.finished ? null : run;
+      this.#later(this.#run ? () => this.#proceed() : () => this.#paintAhead(), wait);
+    } catch (reason) {
+      this.#run = null;
+      this.fail(reason);
+    }
+  }
+
+  /**
+   * @param {(() => void) | null} work in place of what was to be done later; null for nothing
+   * @param {number} [wait] in milliseconds
+   */
+  #later(work, wait) {
+    clearTimeout(this.#next?.timer);
+    this.#next = work && { work, timer: setTimeout(work, wait) };
+  }
+
+  /** Paints some of what nobody has asked for. With all pictures the layout is of no use any more. */
+  async #paintAhead() {
+    this.#later(null);
+    const pictures = this.#pictures;
+    const progress = this.#renderer && this.#paintSome(this.#renderer);
+    await pictures.pack();
+    if (pictures !== this.#pictures || this.#run) {
+      return;
+    }
+    if (progress === "all painted") {
+      this.#renderer?.destroy();
+      this.#renderer = null;
+      collectThoroughly();
+    } else if (progress === "more to paint") {
+      this.#later(() => this.#paintAhead());
+    }
+  }
+
+  /**
+   * @param {ScoreRenderer} renderer
+   * @returns {"all painted" | "more to paint" | "not to be painted"}
+   */
+  #paintSome(renderer) {
+    const pictures = this.#pictures;
+    const end = performance.now() + paintStepMs;
+    this.#paintsAhead = true;
+    try {
+      for (let id = pictures.nextMissing; id !== undefined; id = pictures.nextMissing) {
+        if (performance.now() >= end) {
+          return "more to paint";
+        }
+        this.#renderPartial(renderer, id);
+        if (pictures.nextMissing === id) {
+          return "not to be painted";
+        }
+      }
+      return "all painted";
+    } finally {
+      this.#paintsAhead = false;
+    }
+  }
+
+  /** @param {string} id of a partial that was laid out */
+  async #paint(id) {
+    const renderId = this.#renderId;
+    const partial = (await this.#pictures.painted(id)) ?? (this.#renderer && this.#renderPartial(this.#renderer, id));
+    if (partial) {
+      this.#post({ kind: "painted", renderId, partial });
+    }
+  }
+
+  /**
+   * @param {ScoreRenderer} renderer
+   * @param {string} id
+   * @returns {Partial | null} with its picture
+   */
+  #renderPartial(renderer, id) {
+    /** @type {Partial | null} */
+    let painted = null;
+    const unsubscribe = renderer.partialRenderFinished.on((partial) => {
+      painted = { ...partial };
+      this.#pictures.keep(partial);
+      partial.renderResult = undefined;
+    });
+    renderer.renderResult(id);
+    unsubscribe();
+    return painted;
+  }
+}
+
+/** @param {Map<string, unknown>} widths */
+function setTextWidths(widths) {
+  const known = letterWidths();
+  for (const [family, table] of widths) {
+    known.set(family, table);
+  }
+}

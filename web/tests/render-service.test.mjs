@@ -1,0 +1,152 @@
+// @ts-check
+import assert from "node:assert/strict";
+import { createRequire } from "node:module";
+import { test } from "node:test";
+import { standIn } from "./support/stand-in.mjs";
+
+globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
+const { alphaTab } = globalThis;
+const { RenderService } = await import("../src/rendering/render-service.js");
+
+const settings = new alphaTab.Settings();
+settings.core.engine = "svg";
+settings.core.enableLazyLoading = true;
+settings.core.logLevel = alphaTab.LogLevel.None;
+const { settingsToJsObject, scoreToJsObject } = alphaTab.model.JsonConverter;
+
+/** A service with what it has posted. */
+function serving() {
+  /** @type {any[]} */
+  const answers = [];
+  const service = new RenderService((answer) => answers.push(structuredClone(answer)));
+  service.answer({ cmd: "settings", settings: settingsToJsObject(settings) });
+  const draw = (/** @type {number} */ renderId, /** @type {object} */ changes = {}) => {
+    const score = alphaTab.importer.ScoreLoader.loadAlphaTex("c4.4 d4 e4 f4 |".repeat(120), settings);
+    service.answer(
+      standIn({
+        cmd: "draw",
+        renderId,
+        file: 1,
+        score: renderId === 1 ? scoreToJsObject(score) : null,
+        tracks: [0],
+        width: 900,
+        view: { left: 0, top: 0, right: 900, bottom: 600 },
+        anchor: null,
+        textWidths: new Map(),
+        remainderTimeoutMs: 0,
+        atOnce: false,
+        staves: "both",
+        ...changes,
+      }),
+    );
+  };
+  return {
+    service,
+    answers,
+    draw,
+    batches: () => answers.filter(({ kind }) => kind === "drawn").map(({ batch }) => batch),
+    partials: () => answers.filter(({ kind }) => kind === "drawn").flatMap(({ batch }) => batch.partials),
+  };
+}
+
+/** @param {() => boolean | undefined} isTrue */
+async function until(isTrue) {
+  while (!isTrue()) {
+    await new Promise((resolve) => setImmediate(resolve));
+  }
+}
+
+test("a score that is laid out is let go of, and its pictures are there whenever they are asked for", async () => {
+  const { service, answers, draw, batches, partials } = serving();
+  draw(1);
+  assert.ok(service.hasLayout);
+  await until(() => !service.hasLayout);
+  assert.ok(batches().at(-1).last);
+  const unpainted = partials().filter(({ renderResult }) => !renderResult);
+  assert.ok(unpainted.length > 3);
+  for (const { id } of unpainted) {
+    service.answer({ cmd: "paint", id });
+  }
+  const painted = () => answers.filter(({ kind }) => kind === "painted");
+  await until(() => painted().length === unpainted.length);
+  for (const { id, y, height, firstMasterBarIndex } of unpainted) {
+    const found = painted().find(({ partial }) => partial.id === id);
+    assert.equal(found.renderId, 1);
+    assert.match(found.partial.renderResult, /^<svg[^]*<\/svg>$/);
+    assert.deepEqual(
+      [found.partial.y, found.partial.height, found.partial.firstMasterBarIndex],
+      [y, height, firstMasterBarIndex],
+    );
+  }
+});
+
+test("a picture from the store is the one that the layout paints", async () => {
+  const { service, answers, draw, partials } = serving();
+  draw(1);
+  await until(() => partials().length > 6);
+  const { id } = partials()
+    .reverse()
+    .find(({ renderResult }) => !renderResult);
+  const picture = async () => {
+    answers.length = 0;
+    service.answer({ cmd: "paint", id });
+    await until(() => answers.some((answer) => answer.partial?.id === id));
+    return answers.find((answer) => answer.partial?.id === id).partial.renderResult;
+  };
+  assert.ok(service.hasLayout);
+  const fromLayout = await picture();
+  await until(() => !service.hasLayout);
+  assert.equal(await picture(), fromLayout);
+});
+
+test("another zoom is laid out anew after that, with pictures of its own", async () => {
+  const { service, answers, draw, batches, partials } = serving();
+  draw(1);
+  await until(() => !service.hasLayout);
+  const before = partials().map(({ id }) => id);
+  answers.length = 0;
+  draw(2, { width: 500 });
+  await until(() => !service.hasLayout);
+  assert.ok(batches()[0].first && batches().at(-1).last);
+  const { id } = partials().at(-1);
+  assert.ok(partials().length > before.length && !before.includes(id));
+  service.answer({ cmd: "paint", id });
+  await until(() => answers.some((answer) => answer.kind === "painted" && answer.renderId === 2));
+});
+
+test("pictures ahead wait, as the rest of the layout does, until the sound is ready", async () => {
+  const { service, draw, batches } = serving();
+  draw(1, { remainderTimeoutMs: 1e6, view: { left: 0, top: 0, right: 900, bottom: 1e6 } });
+  await until(() => batches().length > 0);
+  assert.ok(batches()[0].last);
+  for (let turn = 0; turn < 20; turn++) {
+    await new Promise((resolve) => setImmediate(resolve));
+  }
+  assert.ok(service.hasLayout);
+  service.answer({ cmd: "resume" });
+  await until(() => !service.hasLayout);
+});
+
+test("a partial that cannot be painted is told of when it is asked for, and the layout stays", async (context) => {
+  const { service, answers, draw, batches, partials } = serving();
+  draw(1);
+  await until(() => partials().length > 4);
+  context.mock.method(alphaTab.rendering.ScoreRenderer.prototype, "renderResult", function () {
+    standIn(this).error.trigger(new Error("no ink"));
+  });
+  await until(() => batches().at(-1).last);
+  for (let turn = 0; turn < 50; turn++) {
+    await new Promise((resolve) => setImmediate(resolve));
+  }
+  assert.ok(service.hasLayout);
+  const failures = () => answers.filter(({ kind }) => kind === "failed").map(({ message }) => message);
+  assert.deepEqual(failures(), []);
+  service.answer({
+    cmd: "paint",
+    id: partials()
+      .reverse()
+      .find(({ renderResult }) => !renderResult).id,
+  });
+  await until(() => failures().length > 0);
+  assert.deepEqual(failures(), ["no ink"]);
+});
