@@ -30,6 +30,12 @@ void choose(QByteArrayList &flags, const QByteArray &option, const QByteArray &v
         flags.append(option + value);
 }
 
+void add(QByteArrayList &flags, const QByteArray &flag)
+{
+    if (!flags.contains(flag))
+        flags.append(flag);
+}
+
 } // namespace
 
 QByteArray flagsFor(const QByteArray &flags)
@@ -42,6 +48,7 @@ QByteArray flagsFor(const QByteArray &flags)
     choose(list, "--proxy-server=", "127.0.0.1:9");
     choose(list, "--proxy-bypass-list=", "<-loopback>");
     enlist(list, "--disable-features=", "HardwareMediaKeyHandling");
+    add(list, "--no-unsandboxed-zygote");
     return list.join(' ');
 }
 

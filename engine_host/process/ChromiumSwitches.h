@@ -12,6 +12,8 @@
 /// - Nothing leaves the program. Chromium's peer connections (WebRTC) ask neither the interceptor nor the page's
 /// policy. Here they may use a proxy alone, and the proxy is the discard port of this machine.
 /// - Chromium takes no media keys, nor is it a media player on the session bus: the program is that.
+/// - No process waits for others without a sandbox to be made of it. The audio service is the only one, and is started
+/// as it is: 11 MB less.
 namespace ChromiumSwitches {
 
 /// `flags` of Chromium, separated by spaces, with these in them. What they say otherwise stays.

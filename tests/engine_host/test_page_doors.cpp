@@ -54,7 +54,7 @@ private Q_SLOTS:
         const QByteArray script = "--js-flags=--expose-gc,--no-memory-reducer";
         const QByteArray walls
             = " --force-webrtc-ip-handling-policy=disable_non_proxied_udp --proxy-server=127.0.0.1:9 "
-              "--proxy-bypass-list=<-loopback> --disable-features=HardwareMediaKeyHandling";
+              "--proxy-bypass-list=<-loopback> --disable-features=HardwareMediaKeyHandling --no-unsandboxed-zygote";
         QCOMPARE(ChromiumSwitches::flagsFor({}), features + ' ' + script + walls);
         QCOMPARE(ChromiumSwitches::flagsFor("--mute-audio"), "--mute-audio " + features + ' ' + script + walls);
         QCOMPARE(ChromiumSwitches::flagsFor(features + ' ' + script), features + ' ' + script + walls);
