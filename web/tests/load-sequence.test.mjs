@@ -4,7 +4,6 @@ import { test } from "node:test";
 import {
   LoadSequence,
   advance,
-  firstFileTimeoutMs,
   firstScreenTimeoutMs,
   noticeTimeoutMs,
   soundTimeoutMs,
@@ -44,7 +43,6 @@ function page() {
       holdRemainder: (ms) => log.push(`hold the remainder for ${ms}`),
       layOutRemainder: () => log.push("lay out the remainder"),
       showCursor: () => log.push("show the cursor"),
-      startPlayer: () => log.push("start the player"),
       prepareSound: () => log.push("prepare the sound"),
     },
     {
@@ -146,20 +144,11 @@ test("an endless system that is shown as a whole after its beginning comes to an
   assert.equal(sequence.state, "idle");
 });
 
-test("a page without a score makes a player after a while, once", () => {
-  const { waiting, giveUp, take, sequence } = page();
-  assert.deepEqual(waiting(), [firstFileTimeoutMs]);
-  giveUp();
-  assert.deepEqual(take(), ["start the player"]);
-  assert.deepEqual([sequence.state, waiting()], ["idle", []]);
-});
-
-test("the page makes a player too while the first file takes long to be read, and not when its score is shown", () => {
-  const at = page();
-  const load = at.sequence.begin(short);
-  assert.deepEqual(at.waiting(), [firstFileTimeoutMs]);
-  at.sequence.show(load);
-  assert.deepEqual(at.waiting(), [firstScreenTimeoutMs]);
+test("a page without a score waits for a file alone, and makes nothing", () => {
+  const { waiting, take, sequence } = page();
+  assert.deepEqual([sequence.state, waiting(), take()], ["idle", [], []]);
+  sequence.show(sequence.begin(short));
+  assert.deepEqual(waiting(), [firstScreenTimeoutMs]);
 });
 
 test("a short file is read at once, a long one when the notice has been painted", async () => {

@@ -42,7 +42,6 @@ function session() {
     settings,
     score: null,
     playerReady: new Signal(),
-    startPlayer: () => log.push("player starts"),
     prepareSound: () => log.push("sound"),
     backingTrack: null,
     otherPlayer: false,

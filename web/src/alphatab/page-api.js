@@ -90,8 +90,8 @@ export class PageApi extends alphaTab.AlphaTabApi {
     return mode !== this.actualPlayerMode;
   }
 
-  /** Makes the first player, if there is none yet. */
-  startPlayer() {
+  /** Makes the first player, if there is none yet: a page that has opened nothing has no use for its threads. */
+  #startPlayer() {
     if (!this.#playerStarted) {
       this.#playerStarted = true;
       this.settings.player.playerMode = this.#wantedMode;
@@ -103,7 +103,7 @@ export class PageApi extends alphaTab.AlphaTabApi {
   /** Prepares the score shown last for playing: it has its length then, and is on its way to the player. */
   prepareSound() {
     this.#soundHeldBack = false;
-    this.startPlayer();
+    this.#startPlayer();
     this.loadMidiForScore();
     this.scorePrepared.trigger();
   }

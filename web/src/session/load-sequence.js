@@ -8,7 +8,7 @@ import { afterPaint, afterSight } from "../shared/painting.js";
  *
  * | state               | waits for                                | and at most            |
  * | ------------------- | ---------------------------------------- | ---------------------- |
- * | idle                | the first file, when the page has begun  | `firstFileTimeoutMs`   |
+ * | idle                | a file                                   |                        |
  * | reading             | the notice that says so, then the file   | `noticeTimeoutMs`      |
  * | first screen        | the sight of the first layout batch      | `firstScreenTimeoutMs` |
  * | preparing sound     | the player, while the remainder is held  | `soundTimeoutMs`       |
@@ -23,15 +23,12 @@ import { afterPaint, afterSight } from "../shared/painting.js";
  *   | "remainder shown" | "end shown" | "time-out"} LoadEvent
  *
  * @typedef {"read" | "hold the remainder" | "lay out the remainder" | "show the cursor" | "wait for sight"
- *   | "start the player" | "prepare the sound"} LoadStep what is to be done
+ *   | "prepare the sound"} LoadStep what is to be done
  *
  * @typedef {object} Progress
  * @property {LoadState} state
  * @property {boolean} complete whether the last layout batch has been shown
  */
-
-/** How long a page without a score waits for the first file before it makes a player. */
-export const firstFileTimeoutMs = 400;
 
 /** How long reading a file waits until the reader can see that it is being opened: a covered window has no frames. */
 export const noticeTimeoutMs = 100;
@@ -69,10 +66,7 @@ const readyAgain = { steps: ["lay out the remainder"] };
 
 /** @type {Record<LoadState, Partial<Record<LoadEvent, Transition>>>} */
 const transitions = {
-  idle: {
-    "sound ready": readyAgain,
-    "time-out": { steps: ["start the player"] },
-  },
+  idle: { "sound ready": readyAgain },
   reading: {
     "notice painted": { steps: ["read"] },
     refused: { to: "idle" },
@@ -120,7 +114,6 @@ export function advance({ state, complete }, event) {
  * @property {(timeoutMs: number) => void} holdRemainder
  * @property {() => void} layOutRemainder
  * @property {() => void} showCursor
- * @property {() => void} startPlayer
  * @property {() => void} prepareSound
  *
  * @typedef {ReturnType<typeof setTimeout>} Timer
@@ -206,8 +199,6 @@ export class Load {
         return this.#work.showCursor();
       case "wait for sight":
         return this.#dependencies.afterSight(() => this.receive("seen"));
-      case "start the player":
-        return this.#work.startPlayer();
       case "prepare the sound":
         return this.#work.prepareSound();
     }
@@ -228,7 +219,6 @@ export class LoadSequence {
     this.#work = work;
     this.#dependencies = dependencies;
     this.#current = new Load(work, dependencies);
-    this.#current.wait(firstFileTimeoutMs);
   }
 
   /** Of the score on the score page. */

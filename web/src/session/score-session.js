@@ -203,7 +203,6 @@ function loadSequence(api, playback, cursor, notice, timing) {
       holdRemainder: (timeoutMs) => workerRenderer.holdRemainder(timeoutMs),
       layOutRemainder: () => workerRenderer.resume(),
       showCursor: () => cursor.showAtStart(),
-      startPlayer: () => api.startPlayer(),
       prepareSound: () => {
         api.prepareSound();
         playback.announceLength();
