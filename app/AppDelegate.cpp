@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 
 #include "controller/AlphaTabController.h"
+#include "controller/KeyWindow.h"
 #include "engine_host/bridge/BridgeCalls.h"
 
 #include <QApplication>
@@ -58,19 +59,6 @@ private:
     AlphaTabController &m_controller;
 };
 
-/// The window with the focus, else the first of the application's windows, else none.
-QWidget *keyWindow()
-{
-    if (QWidget *active = QApplication::activeWindow())
-        return active;
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget *window : windows) {
-        if (window->isVisible())
-            return window;
-    }
-    return nullptr;
-}
-
 } // namespace
 
 AppDelegate::AppDelegate(AlphaTabController &controller, QString temporaryFolder)
@@ -84,7 +72,7 @@ AppDelegate::~AppDelegate() = default;
 void AppDelegate::applicationDidFinishLaunching()
 {
     Q_ASSERT(qApp);
-    if (QWidget *window = keyWindow()) {
+    if (QWidget *window = KeyWindow::find()) {
         window->raise();
         window->activateWindow();
     }
@@ -109,7 +97,7 @@ void AppDelegate::startWindowShots()
 
 void AppDelegate::takeWindowShots()
 {
-    QWidget *window = keyWindow();
+    QWidget *window = KeyWindow::find();
     if (!window)
         return;
     window->grab().save(m_temporaryFolder + u"/qv_window_shot.png"_s, "PNG");

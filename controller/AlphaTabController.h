@@ -1,12 +1,10 @@
 #pragma once
 
 #include "controller/FileReading.h"
-#include "controller/Published.h"
+#include "controller/Reported.h"
 #include "controller/ScoreSource.h"
 #include "controller/Surroundings.h"
 #include "controller/TrackInfo.h"
-#include "engine_host/PrintTarget.h"
-#include "engine_host/bridge/BridgeMessages.h"
 #include "engine_host/bridge/LoopSpan.h"
 #include "engine_host/bridge/MarkedRange.h"
 #include "engine_host/bridge/MessageReceiver.h"
@@ -14,7 +12,6 @@
 #include "engine_host/bridge/ShownStaves.h"
 #include "pdf/conversion/ConversionProgress.h"
 #include "pdf/conversion/PDFOpening.h"
-#include "pdf/conversion/Result.h"
 
 #include <QList>
 #include <QObject>
@@ -27,14 +24,37 @@
 class ConversionWorker;
 class PDFDocument;
 class ScriptHandler;
+struct PrintResult;
+
+namespace BridgeMessages {
+struct Ready;
+struct PlayerReady;
+struct Score;
+struct State;
+struct Position;
+struct Error;
+struct GpData;
+struct Rendered;
+struct Unknown;
+} // namespace BridgeMessages
+
+namespace PDFConverter {
+template <typename T> class Result;
+} // namespace PDFConverter
 
 /// Holds everything that the window shows and does everything that the window can be asked for.
 ///
 /// Views read the published properties and change the system by assigning them or by calling the operations below.
-/// Main thread only. Times are milliseconds of score time.
+/// What the page reports, and what the operations make of it, only the controller assigns (Reported). Main thread only.
+/// Times are milliseconds of score time.
 class AlphaTabController final : public QObject, public MessageReceiver {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(AlphaTabController)
+
+    /// Before the properties, which take their first values from the settings in it.
+    Surroundings m_surroundings;
+
+    template <typename T> using Reported = ::Reported<T, AlphaTabController>;
 
 public:
     explicit AlphaTabController(Surroundings surroundings);
@@ -43,37 +63,39 @@ public:
     /// The program's one controller, made on first use and never destroyed.
     static AlphaTabController &shared();
 
-    // File kinds, as lower-case file-name extensions without the dot
+    // File kinds (FileKinds), as lower-case file-name extensions without the dot
     static const QStringList &scoreExtensions();
     static const QStringList &openableExtensions();
     /// What the open panel offers.
     static const QStringList &gpContentTypes();
 
     // What the page reports
-    Published<bool> bridgeReady{ false };
-    Published<bool> playerReady{ false };
-    Published<bool> isPlaying{ false };
-    Published<bool> hasScore{ false };
-    Published<double> currentTime{ 0.0 };
-    Published<double> endTime{ 0.0 };
-    Published<QString> title;
-    Published<QString> artist;
-    Published<QList<TrackInfo>> tracks;
-    Published<bool> hasBackingTrack{ false };
+    Reported<bool> bridgeReady{ false };
+    Reported<bool> playerReady{ false };
+    Reported<bool> isPlaying{ false };
+    Reported<bool> hasScore{ false };
+    Reported<double> currentTime{ 0.0 };
+    Reported<double> endTime{ 0.0 };
+    Reported<QString> title;
+    Reported<QString> artist;
+    Reported<QList<TrackInfo>> tracks;
+    Reported<bool> hasBackingTrack{ false };
+    /// Whether the music that plays can be counted in: the file's recording cannot.
+    Reported<bool> canCountIn{ true };
     /// What the score marks, in the order of playing.
-    Published<QList<ScoreSection>> sections;
+    Reported<QList<ScoreSection>> sections;
     /// What looping loops: the chosen range, or the whole score.
-    Published<LoopSpan> loopSpan;
+    Reported<LoopSpan> loopSpan;
     /// Whether the page is there and answers.
-    Published<PageHealth> pageHealth{ PageHealth::Well };
+    Reported<PageHealth> pageHealth{ PageHealth::Well };
     /// The page ended before it was ready, after it had been started again. Changes before pageHealth does.
-    Published<bool> pageCannotStart{ false };
+    Reported<bool> pageCannotStart{ false };
 
     // Documents
     /// Most recent first, at most eight.
     Published<QList<QUrl>> recentFiles;
-    Published<std::shared_ptr<PDFDocument>> pdfDocument;
-    Published<std::optional<QUrl>> pdfURL;
+    Reported<std::shared_ptr<PDFDocument>> pdfDocument;
+    Reported<std::optional<QUrl>> pdfURL;
     /// The page index to scroll to.
     Published<std::optional<int>> pdfScrollTarget;
     /// Turns the pages, 1 on or -1 back, with each assignment.
@@ -82,11 +104,11 @@ public:
     Published<bool> pdfHalfTurns{ false };
     /// 1...6
     Published<int> pdfPagesAcross;
-    Published<bool> converting{ false };
+    Reported<bool> converting{ false };
     /// Of the conversion that is going on.
-    Published<PDFConverter::Progress> conversionProgress;
+    Reported<PDFConverter::Progress> conversionProgress;
     /// From the choice of a printer or file until the score is there.
-    Published<bool> printing{ false };
+    Reported<bool> printing{ false };
     /// A whole sentence for the user; nothing when all is well.
     Published<std::optional<QString>> conversionError;
 
@@ -169,6 +191,8 @@ public:
     void setTrackVolume(int id, double volume);
     /// Sends the visible tracks to the page; with none visible the page keeps what it shows.
     void setVisibleTracks();
+    /// Shows the tracks with these ids and hides all others, in one drawing.
+    void showTracks(const QList<int> &ids);
 
     // View
     /// @param steps of 0.1, down where negative; ends at 0.5 and 2
@@ -192,6 +216,8 @@ private:
     void pushMetronomeConfig();
     void showFretboard();
     void soundSourceChanged();
+    /// What plays has changed: the synthesizer or the file's recording.
+    void refreshCountIn();
 
     void loadScore(const QUrl &url);
     void scoreRead(const QUrl &url, const FileReading::Result &result);
@@ -242,7 +268,6 @@ private:
     void smokeLog(const QString &line);
     void snapshotIfSmoke();
 
-    Surroundings m_surroundings;
     const std::unique_ptr<ScriptHandler> m_scriptHandler;
     std::optional<QUrl> m_pendingURL;
     const bool m_smokeTest;

@@ -20,7 +20,7 @@ std::optional<QString> AlphaTabController::audiverisBinary() const
 {
     const QProcessEnvironment &environment = m_surroundings.environment;
     const QString home = environment.value(u"HOME"_s, QDir::homePath());
-    QStringList candidates{ u"/opt/audiveris/bin/Audiveris"_s, home + u"/.local/opt/audiveris/bin/Audiveris"_s };
+    QStringList candidates{ m_surroundings.packagedAudiveris, home + u"/.local/opt/audiveris/bin/Audiveris"_s };
     if (environment.contains(u"QV_AUDIVERIS"_s))
         candidates.prepend(environment.value(u"QV_AUDIVERIS"_s));
     for (const QString &candidate : candidates) {

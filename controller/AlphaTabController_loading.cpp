@@ -1,4 +1,5 @@
 #include "controller/AlphaTabController.h"
+#include "controller/FileKinds.h"
 #include "engine_host/bridge/BridgeCalls.h"
 #include "pdf/conversion/PDFDocument.h"
 
@@ -8,18 +9,9 @@
 
 using namespace Qt::StringLiterals;
 
-const QStringList &AlphaTabController::scoreExtensions()
-{
-    static const QStringList extensions{ u"gp"_s, u"gp3"_s, u"gp4"_s, u"gp5"_s, u"gpx"_s, u"xml"_s, u"musicxml"_s,
-        u"mxl"_s };
-    return extensions;
-}
+const QStringList &AlphaTabController::scoreExtensions() { return FileKinds::scoreExtensions(); }
 
-const QStringList &AlphaTabController::openableExtensions()
-{
-    static const QStringList extensions = scoreExtensions() + QStringList{ u"pdf"_s };
-    return extensions;
-}
+const QStringList &AlphaTabController::openableExtensions() { return FileKinds::openableExtensions(); }
 
 const QStringList &AlphaTabController::gpContentTypes()
 {
@@ -32,7 +24,7 @@ void AlphaTabController::load(const QUrl &url)
     // The latest wins.
     m_opening.reset();
     m_reading.reset();
-    if (QFileInfo(url.toLocalFile()).suffix().toLower() == "pdf"_L1) {
+    if (FileKinds::isPDF(url)) {
         loadPDF(url);
         return;
     }
@@ -119,7 +111,7 @@ void AlphaTabController::presentOpenPanel()
 
 void AlphaTabController::setWindowTitle(const QString &text)
 {
-    QMetaObject::invokeMethod(this, [this, text] { m_surroundings.setKeyWindowTitle(text); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, [this, text] { m_surroundings.setMainWindowTitle(text); }, Qt::QueuedConnection);
 }
 
 QString AlphaTabController::nameWithoutExtension(const QString &path)

@@ -83,8 +83,7 @@ void AlphaTabController::recallScore()
     assignIfNew(zoom, score->zoom);
     assignIfNew(looping, score->looping);
     assignIfNew(metronome, score->metronome);
-    // The file's recording cannot count in.
-    assignIfNew(countIn, score->countIn && !(hasBackingTrack && !preferSynth));
+    assignIfNew(countIn, score->countIn && canCountIn);
     recallMixer(score->tracks);
     if (score->range)
         m_engine->reports().chooseRange(*score->range);
@@ -107,12 +106,12 @@ void AlphaTabController::recallMixer(const QList<TrackInfo> &remembered)
     const auto isVisible = [](const TrackInfo &track) { return track.visible; };
     if (std::all_of(remembered.begin(), remembered.end(), isVisible))
         return;
-    // All at once: each change of what is shown is drawn.
-    tracks.edit([&remembered](QList<TrackInfo> &list) {
-        for (qsizetype i = 0; i < list.size(); ++i)
-            list[i].visible = remembered[i].visible;
-    });
-    setVisibleTracks();
+    QList<int> shown;
+    for (const TrackInfo &track : remembered) {
+        if (track.visible)
+            shown << track.id;
+    }
+    showTracks(shown);
 }
 
 /// As returnToPosition(): a seek before the score's length is known is lost.

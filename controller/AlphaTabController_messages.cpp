@@ -1,5 +1,6 @@
 #include "controller/AlphaTabController.h"
 #include "engine_host/bridge/BridgeCalls.h"
+#include "engine_host/bridge/BridgeMessages.h"
 
 #include <utility>
 
@@ -61,9 +62,7 @@ void AlphaTabController::apply(const BridgeMessages::Score &score)
         tracks = list;
     }
     hasBackingTrack = score.hasBackingTrack;
-    // The file's recording cannot count in.
-    if (hasBackingTrack && !preferSynth)
-        countIn = false;
+    refreshCountIn();
     hasScore = true;
     currentTime = 0;
     if (!title.value().isEmpty())

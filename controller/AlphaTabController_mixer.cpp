@@ -50,3 +50,12 @@ void AlphaTabController::setVisibleTracks()
     if (!ids.isEmpty())
         js(BridgeCalls::renderTracks(ids));
 }
+
+void AlphaTabController::showTracks(const QList<int> &ids)
+{
+    tracks.edit([&ids](QList<TrackInfo> &list) {
+        for (TrackInfo &track : list)
+            track.visible = ids.contains(track.id);
+    });
+    setVisibleTracks();
+}

@@ -14,6 +14,12 @@ const QString &recentsKey()
     return key;
 }
 
+QList<QUrl> without(QList<QUrl> files, const QString &path)
+{
+    files.removeIf([&path](const QUrl &file) { return file.toLocalFile() == path; });
+    return files;
+}
+
 } // namespace
 
 void AlphaTabController::loadRecents()
@@ -30,8 +36,7 @@ void AlphaTabController::loadRecents()
 
 void AlphaTabController::recordRecent(const QUrl &url)
 {
-    QList<QUrl> urls = recentFiles;
-    urls.removeIf([path = url.toLocalFile()](const QUrl &other) { return other.toLocalFile() == path; });
+    QList<QUrl> urls = without(recentFiles, url.toLocalFile());
     urls.prepend(url);
     if (urls.size() > maximumRecents)
         urls.resize(maximumRecents);
@@ -55,7 +60,6 @@ void AlphaTabController::clearRecents()
 
 void AlphaTabController::forgetRecent(const QString &path)
 {
-    recentFiles.edit(
-        [&path](QList<QUrl> &urls) { urls.removeIf([&path](const QUrl &url) { return url.toLocalFile() == path; }); });
+    recentFiles = without(recentFiles, path);
     saveRecents();
 }

@@ -40,7 +40,8 @@ QString wordFor(ShownStaves staves)
 } // namespace
 
 AlphaTabController::AlphaTabController(Surroundings surroundings)
-    : pdfPagesAcross(storedPagesAcross(*surroundings.defaults),
+    : m_surroundings(std::move(surroundings))
+    , pdfPagesAcross(storedPagesAcross(*m_surroundings.defaults),
           [this] { m_surroundings.defaults->setInteger(u"pdfPagesAcross"_s, pdfPagesAcross.value()); })
     , preferSynth(false, [this] { soundSourceChanged(); })
     , tempoPercent(100.0, [this] { js(BridgeCalls::setSpeed(tempoPercent / 100)); })
@@ -49,34 +50,33 @@ AlphaTabController::AlphaTabController(Surroundings surroundings)
     , metronome(false, [this] { js(BridgeCalls::setMetronome(metronome)); })
     , countIn(false, [this] { js(BridgeCalls::setCountIn(countIn)); })
     , countsInPasses(false, [this] { m_engine->reports().setCountsInPasses(countsInPasses); })
-    , metronomeVolume(surroundings.defaults->real(u"metronomeVolume"_s).value_or(0.6),
+    , metronomeVolume(m_surroundings.defaults->real(u"metronomeVolume"_s).value_or(0.6),
           [this] {
               m_surroundings.defaults->setReal(u"metronomeVolume"_s, metronomeVolume);
               pushMetronomeConfig();
           })
-    , metronomeSound(surroundings.defaults->text(u"metronomeSound"_s).value_or(u"woodblock"_s),
+    , metronomeSound(m_surroundings.defaults->text(u"metronomeSound"_s).value_or(u"woodblock"_s),
           [this] {
               m_surroundings.defaults->setText(u"metronomeSound"_s, metronomeSound);
               pushMetronomeConfig();
           })
-    , metronomeAccent(surroundings.defaults->boolean(u"metronomeAccent"_s).value_or(true),
+    , metronomeAccent(m_surroundings.defaults->boolean(u"metronomeAccent"_s).value_or(true),
           [this] {
               m_surroundings.defaults->setBoolean(u"metronomeAccent"_s, metronomeAccent);
               pushMetronomeConfig();
           })
-    , metronomeMode(surroundings.defaults->text(u"metronomeMode"_s).value_or(u"beat"_s),
+    , metronomeMode(m_surroundings.defaults->text(u"metronomeMode"_s).value_or(u"beat"_s),
           [this] {
               m_surroundings.defaults->setText(u"metronomeMode"_s, metronomeMode);
               pushMetronomeConfig();
           })
     , horizontalLayout(false, [this] { js(BridgeCalls::setLayout(horizontalLayout)); })
     , zoom(1.0, [this] { js(BridgeCalls::setZoom(zoom)); })
-    , rememberScores(surroundings.scoreMemory->isOn(), [this] { rememberScoresChanged(); })
+    , rememberScores(m_surroundings.scoreMemory->isOn(), [this] { rememberScoresChanged(); })
     , fretboard(false, [this] { showFretboard(); })
     , leftHandedFretboard(false, [this] { showFretboard(); })
     , staves(ShownStaves::Both, [this] { m_engine->reports().setLook(u"staves"_s, wordFor(staves)); })
     , darkPaper(false, [this] { m_engine->reports().setLook(u"dark"_s, darkPaper.value()); })
-    , m_surroundings(std::move(surroundings))
     , m_scriptHandler(std::make_unique<ScriptHandler>(m_surroundings.log))
     , m_smokeTest(SmokeTest::isAskedFor(m_surroundings.environment, m_surroundings.temporaryFolder))
     , m_smokeLogPath(
@@ -164,7 +164,12 @@ void AlphaTabController::showFretboard() { m_engine->reports().showFretboard(fre
 void AlphaTabController::soundSourceChanged()
 {
     js(BridgeCalls::setSoundSource(preferSynth));
-    // The file's recording cannot count in.
-    if (hasBackingTrack && !preferSynth)
+    refreshCountIn();
+}
+
+void AlphaTabController::refreshCountIn()
+{
+    canCountIn = !hasBackingTrack || preferSynth;
+    if (!canCountIn)
         countIn = false;
 }

@@ -1,8 +1,8 @@
 #include "controller/FileDialogs.h"
 
+#include "controller/KeyWindow.h"
 #include "controller/PrintPanel.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -59,7 +59,7 @@ public:
 
 std::optional<QUrl> FileDialogs::chooseFileToOpen(const QStringList &extensions)
 {
-    QFileDialog dialog(QApplication::activeWindow(), tr("Open"));
+    QFileDialog dialog(KeyWindow::find(), tr("Open"));
     dialog.setFileMode(QFileDialog::ExistingFile);
     showNameOnly(dialog);
     dialog.setNameFilter(nameFilter(tr("Scores and sheet music"), extensions));
@@ -70,7 +70,7 @@ std::optional<QUrl> FileDialogs::chooseFileToOpen(const QStringList &extensions)
 
 std::optional<QUrl> FileDialogs::chooseFileToSave(const QString &proposedName, const QString &extension)
 {
-    SavePanel dialog(QApplication::activeWindow(), tr("Export as Guitar Pro"));
+    SavePanel dialog(KeyWindow::find(), tr("Export as Guitar Pro"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     showNameOnly(dialog);
     dialog.setNameFilter(nameFilter(tr("Guitar Pro files"), { extension }));

@@ -1,15 +1,17 @@
 #include "controller/PortalDialogs.h"
 
 #include "controller/FileDialogs.h"
+#include "controller/KeyWindow.h"
 #include "controller/PortalRequest.h"
 
-#include <QApplication>
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDialog>
 #include <QFile>
 #include <QFileInfo>
+#include <QGuiApplication>
+#include <QWidget>
 
 using namespace Qt::StringLiterals;
 
@@ -75,23 +77,10 @@ QVariant filters(const QString &name, const QStringList &extensions)
 /// A path as the portal takes it: bytes with a zero at the end.
 QByteArray pathBytes(const QString &path) { return QFile::encodeName(path) + '\0'; }
 
-/// While a menu closes, no window is active.
-QWidget *frontWindow()
-{
-    if (QWidget *active = QApplication::activeWindow())
-        return active;
-    const QWidgetList windows = QApplication::topLevelWidgets();
-    for (QWidget *window : windows) {
-        if (window->isVisible() && window->windowType() == Qt::Window)
-            return window;
-    }
-    return nullptr;
-}
-
 /// What the panel lies over. The portal knows windows of X11 by their number.
 QString parentName()
 {
-    const QWidget *window = frontWindow();
+    const QWidget *window = KeyWindow::find();
     return window && QGuiApplication::platformName() == "xcb"_L1 ? u"x11:"_s + QString::number(window->winId(), 16)
                                                                  : QString();
 }
@@ -100,7 +89,7 @@ QString parentName()
 class Blocker final : public QDialog {
 public:
     Blocker()
-        : QDialog(frontWindow())
+        : QDialog(KeyWindow::find())
     {
         setAttribute(Qt::WA_DontShowOnScreen);
         setWindowModality(Qt::ApplicationModal);

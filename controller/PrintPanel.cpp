@@ -1,8 +1,8 @@
 #include "controller/PrintPanel.h"
 
 #include "controller/FileDialogs.h"
+#include "controller/KeyWindow.h"
 
-#include <QApplication>
 #include <QPrintDialog>
 #include <QPrinter>
 
@@ -30,7 +30,7 @@ std::optional<PrintTarget> PrintPanel::choose(const QString &title)
     const bool toFile = printer->printerName().isEmpty();
     if (toFile)
         printer->setOutputFileName(proposal);
-    QPrintDialog dialog(printer.get(), QApplication::activeWindow());
+    QPrintDialog dialog(printer.get(), KeyWindow::find());
     dialog.setWindowTitle(tr("Print"));
     dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintShowPageSize);
     if (dialog.exec() != QDialog::Accepted)

@@ -12,7 +12,7 @@
 ///
 /// Main thread only. Observers live as long as their context object; the change action belongs to the owner and runs
 /// last, when all the world knows the new value.
-template <typename T> class Published final {
+template <typename T> class Published {
     Q_DISABLE_COPY_MOVE(Published)
 
 public:

@@ -20,7 +20,7 @@ namespace {
 
 /// The title belongs to the main window: on X11 and Wayland the window from which a file was dragged has the focus
 /// when the file arrives, and a panel that happens to be open must not be renamed.
-void setMainWindowTitle(const QString &title)
+void titleMainWindow(const QString &title)
 {
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget *window : windows) {
@@ -43,6 +43,7 @@ Surroundings Surroundings::system()
         real.dialogs = std::make_unique<PortalDialogs>(QDBusConnection::sessionBus(), std::move(real.dialogs));
     real.environment = QProcessEnvironment::systemEnvironment();
     real.temporaryFolder = u"/tmp"_s;
+    real.packagedAudiveris = u"/opt/audiveris/bin/Audiveris"_s;
     // What nobody watches always looks the same.
     const bool unattended = SmokeTest::isAskedFor(real.environment, real.temporaryFolder);
     real.scoreMemory = std::make_unique<ScoreMemory>(unattended ? QString() : ScoreMemory::userFilePath(), real.log);
@@ -55,6 +56,6 @@ Surroundings Surroundings::system()
     };
     // A thread for each, for one may wait for ever.
     real.inBackground = [](std::function<void()> work) { std::thread(std::move(work)).detach(); };
-    real.setKeyWindowTitle = &setMainWindowTitle;
+    real.setMainWindowTitle = &titleMainWindow;
     return real;
 }

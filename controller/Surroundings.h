@@ -27,6 +27,8 @@ struct Surroundings {
     QProcessEnvironment environment;
     /// Where the marker files are looked for and the diagnostic files go by default.
     QString temporaryFolder;
+    /// Where the Debian package of Audiveris has its executable.
+    QString packagedAudiveris;
     /// The folder that holds the page, if there is one.
     std::optional<QString> webFolder;
     MakeEngine makeEngine;
@@ -36,8 +38,8 @@ struct Surroundings {
     std::function<void(std::chrono::milliseconds delay, QObject *context, std::function<void()> work)> after;
     /// Runs `work` in another thread. The program may end before it is done.
     std::function<void(std::function<void()> work)> inBackground;
-    /// Sets the title of the application's window now; nothing happens where there is none.
-    std::function<void(const QString &title)> setKeyWindowTitle;
+    /// Sets the title of the main window now; nothing happens where there is none.
+    std::function<void(const QString &title)> setMainWindowTitle;
 
     static Surroundings system();
 };

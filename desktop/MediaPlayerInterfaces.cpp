@@ -1,11 +1,11 @@
 #include "desktop/MediaPlayerInterfaces.h"
 
 #include "controller/AlphaTabController.h"
+#include "controller/FileKinds.h"
 #include "controller/SpeedRange.h"
 #include "desktop/MediaPlayer.h"
 #include "engine_host/bridge/BridgeCalls.h"
 
-#include <QFileInfo>
 #include <QGuiApplication>
 
 #include <algorithm>
@@ -189,7 +189,6 @@ void MediaPlayerControls::seekTo(double positionMs)
 void MediaPlayerControls::OpenUri(const QString &uri)
 {
     const QUrl url(uri);
-    if (url.isLocalFile()
-        && AlphaTabController::openableExtensions().contains(QFileInfo(url.toLocalFile()).suffix().toLower()))
+    if (FileKinds::isOpenable(url))
         m_controller.load(url);
 }

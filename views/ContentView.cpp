@@ -1,6 +1,7 @@
 #include "views/ContentView.h"
 
 #include "controller/AlphaTabController.h"
+#include "controller/FileKinds.h"
 #include "design/Icons.h"
 #include "design/Separator.h"
 #include "design/Surface.h"
@@ -16,7 +17,6 @@
 #include "views/TransportBar.h"
 
 #include <QDropEvent>
-#include <QFileInfo>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QMimeData>
@@ -84,12 +84,7 @@ AlertText alertText(const QString &error)
 std::optional<QUrl> firstOpenable(const QMimeData &data)
 {
     const QList<QUrl> urls = data.urls();
-    // A link to a score on the web cannot be read.
-    const auto openable = [](const QUrl &url) {
-        return url.isLocalFile()
-            && AlphaTabController::openableExtensions().contains(QFileInfo(url.path()).suffix().toLower());
-    };
-    const auto found = std::find_if(urls.begin(), urls.end(), openable);
+    const auto found = std::find_if(urls.begin(), urls.end(), &FileKinds::isOpenable);
     return found == urls.end() ? std::nullopt : std::optional(*found);
 }
 

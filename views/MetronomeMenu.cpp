@@ -119,14 +119,11 @@ QWidget *MetronomeMenu::makeVolume()
 QWidget *MetronomeMenu::makeCountIn()
 {
     Toggle *countIn = boundToggle(Toggle::Look::Switch, tr("Count-in"), m_controller.countIn);
-    const auto refresh = [this, countIn] {
-        const bool recordingPlays = m_controller.hasBackingTrack && !m_controller.preferSynth;
-        countIn->setEnabled(!recordingPlays);
-        countIn->setToolTip(recordingPlays ? tr("Count-in needs the synth — switch the sound to “Synth” to use it")
-                                           : tr("Count-in before playback"));
-    };
-    m_controller.hasBackingTrack.observe(countIn, [refresh](bool) { refresh(); });
-    m_controller.preferSynth.observe(countIn, [refresh](bool) { refresh(); });
+    m_controller.canCountIn.observe(countIn, [countIn](bool can) {
+        countIn->setEnabled(can);
+        countIn->setToolTip(can ? tr("Count-in before playback")
+                                : tr("Count-in needs the synth — switch the sound to “Synth” to use it"));
+    });
     return countIn;
 }
 

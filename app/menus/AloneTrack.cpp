@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-QList<TrackInfo> AloneTrack::chosen(QList<TrackInfo> tracks, int id)
+QList<int> AloneTrack::chosen(const QList<TrackInfo> &tracks, int id)
 {
     QList<int> shown;
     for (const TrackInfo &track : tracks) {
@@ -13,9 +13,14 @@ QList<TrackInfo> AloneTrack::chosen(QList<TrackInfo> tracks, int id)
     // From one track alone to another, what was shown before stays.
     if (shown.size() != 1)
         m_before = shown;
+    if (!back)
+        return { id };
     const auto wasShown = [this](const TrackInfo &track) { return m_before.contains(track.id); };
     const bool all = std::none_of(tracks.cbegin(), tracks.cend(), wasShown);
-    for (TrackInfo &track : tracks)
-        track.visible = back ? all || wasShown(track) : track.id == id;
-    return tracks;
+    QList<int> again;
+    for (const TrackInfo &track : tracks) {
+        if (all || wasShown(track))
+            again << track.id;
+    }
+    return again;
 }

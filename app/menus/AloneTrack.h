@@ -9,8 +9,8 @@ class AloneTrack final {
 public:
     /// @param tracks as they are shown now
     /// @param id of the track that is chosen
-    /// @return the tracks as they are to be shown; one of them is visible at least, where there are any
-    QList<TrackInfo> chosen(QList<TrackInfo> tracks, int id);
+    /// @return the ids of those that are to be shown, one at least
+    QList<int> chosen(const QList<TrackInfo> &tracks, int id);
 
 private:
     /// The ids of what was shown before a track was shown alone.

@@ -77,12 +77,8 @@ void PlaybackMenu::addSwitches(const MenuItems &items)
     items.needsNoPdf(items.tick(tr("Metronome"), u"N"_s, m_controller.metronome));
 
     QAction *countIn = items.tick(tr("Count-in"), u"C"_s, m_controller.countIn);
-    const auto refresh = [this, countIn] {
-        // The file's recording cannot count in.
-        const bool recording = m_controller.hasBackingTrack && !m_controller.preferSynth;
-        countIn->setEnabled(!recording && !m_controller.pdfDocument.value());
-    };
+    const auto refresh
+        = [this, countIn] { countIn->setEnabled(m_controller.canCountIn && !m_controller.pdfDocument.value()); };
     m_controller.pdfDocument.observe(countIn, [refresh](const auto &) { refresh(); });
-    m_controller.hasBackingTrack.onChange(countIn, [refresh](bool) { refresh(); });
-    m_controller.preferSynth.onChange(countIn, [refresh](bool) { refresh(); });
+    m_controller.canCountIn.onChange(countIn, [refresh](bool) { refresh(); });
 }

@@ -70,8 +70,4 @@ void PracticeMenu::showTrainer()
     panel->activateWindow();
 }
 
-void PracticeMenu::showAlone(int id)
-{
-    m_controller.tracks = m_alone.chosen(m_controller.tracks, id);
-    m_controller.setVisibleTracks();
-}
+void PracticeMenu::showAlone(int id) { m_controller.showTracks(m_alone.chosen(m_controller.tracks, id)); }

@@ -64,7 +64,7 @@ TrainerPanel::TrainerPanel(AlphaTabController &controller, QWidget *parent)
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     layout->addWidget(buttons);
 
-    setUpCountIn();
+    m_controller.canCountIn.observe(m_countIn, [this](bool can) { m_countIn->setEnabled(can); });
     m_session.passes.onChange(this, [this](int) { refresh(); });
     m_session.running.onChange(this, [this](bool) { refresh(); });
     m_controller.tempoPercent.onChange(this, [this](double) { refresh(); });
@@ -92,15 +92,6 @@ QWidget *TrainerPanel::makeSettings()
     m_to->setMinimum(m_from->value());
     connect(m_from, &QSpinBox::valueChanged, m_to, &QSpinBox::setMinimum);
     return settings;
-}
-
-/// A recording cannot be counted in.
-void TrainerPanel::setUpCountIn()
-{
-    const auto refreshCountIn
-        = [this] { m_countIn->setEnabled(!m_controller.hasBackingTrack || m_controller.preferSynth); };
-    m_controller.hasBackingTrack.observe(m_countIn, [refreshCountIn](bool) { refreshCountIn(); });
-    m_controller.preferSynth.onChange(m_countIn, [refreshCountIn](bool) { refreshCountIn(); });
 }
 
 void TrainerPanel::beginOrEnd()

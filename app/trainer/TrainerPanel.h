@@ -20,7 +20,6 @@ public:
 
 private:
     QWidget *makeSettings();
-    void setUpCountIn();
     void beginOrEnd();
     void refresh();
     TrainerSession::Plan plan() const;

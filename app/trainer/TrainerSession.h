@@ -2,7 +2,7 @@
 
 #include "app/trainer/PassDetector.h"
 #include "app/trainer/SpeedTrainer.h"
-#include "controller/Published.h"
+#include "controller/Reported.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -36,9 +36,9 @@ public:
         AlphaTabController &controller, std::function<qint64()> clock = {}, QObject *parent = nullptr);
     ~TrainerSession() override;
 
-    Published<bool> running{ false };
+    Reported<bool, TrainerSession> running{ false };
     /// Passes that have ended at the speed that is set.
-    Published<int> passes{ 0 };
+    Reported<int, TrainerSession> passes{ 0 };
 
     const Plan &plan() const { return m_plan; }
 

@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 #include "controller/AlphaTabController.h"
+#include "tests/support/Report.h"
 #include "tests/support/TestSurroundings.h"
 
 #include <QFile>
@@ -16,6 +17,24 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QStringList toggled{ u"window.qv.playPause()"_s };
+
+/// Counts the key presses that reach a widget.
+class KeyCount final : public QObject {
+public:
+    explicit KeyCount(QWidget *widget)
+        : QObject(widget)
+    {
+        widget->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        presses += event->type() == QEvent::KeyPress ? 1 : 0;
+        return false;
+    }
+
+    int presses = 0;
+};
 
 } // namespace
 
@@ -72,10 +91,12 @@ private Q_SLOTS:
     {
         QFETCH(Qt::KeyboardModifiers, modifiers);
         QFETCH(bool, toggles);
-        m_controller->playerReady = true;
+        report(m_controller->playerReady, true);
         launch();
+        const auto *reached = new KeyCount(m_field);
         QTest::keyClick(m_field, Qt::Key_Space, modifiers);
         QCOMPARE(sent(), toggles ? toggled : QStringList());
+        QCOMPARE(reached->presses, toggles ? 0 : 1);
         if (toggles)
             QCOMPARE(m_field->text(), QString());
     }
@@ -90,7 +111,7 @@ private Q_SLOTS:
 
     void throughTheWindowItTogglesOnceToo()
     {
-        m_controller->playerReady = true;
+        report(m_controller->playerReady, true);
         launch();
         QTest::keyClick(m_window->windowHandle(), Qt::Key_Space);
         QCOMPARE(sent(), toggled);
@@ -99,7 +120,7 @@ private Q_SLOTS:
 
     void inAFilePanelItIsABlank()
     {
-        m_controller->playerReady = true;
+        report(m_controller->playerReady, true);
         launch();
         QFileDialog panel(m_window.get());
         panel.setOption(QFileDialog::DontUseNativeDialog);
@@ -123,7 +144,7 @@ private Q_SLOTS:
 
     void otherKeysPass()
     {
-        m_controller->playerReady = true;
+        report(m_controller->playerReady, true);
         launch();
         QTest::keyClick(m_field, Qt::Key_A);
         QCOMPARE(sent(), QStringList());
@@ -132,7 +153,7 @@ private Q_SLOTS:
 
     void holdingTogglesRepeatedly()
     {
-        m_controller->playerReady = true;
+        report(m_controller->playerReady, true);
         launch();
         for (const bool repeated : { false, true, true }) {
             QKeyEvent press(QEvent::KeyPress, Qt::Key_Space, Qt::NoModifier, u" "_s, repeated);
@@ -143,7 +164,7 @@ private Q_SLOTS:
 
     void theBarCountsWhateverTheLayoutMakesOfIt()
     {
-        m_controller->playerReady = true;
+        report(m_controller->playerReady, true);
         launch();
         QKeyEvent press(QEvent::KeyPress, Qt::Key_nobreakspace, Qt::ShiftModifier, 65, 0, 0, u"\u00a0"_s);
         QCoreApplication::sendEvent(m_field, &press);
@@ -176,6 +197,10 @@ private Q_SLOTS:
         m_world->engine->picture = QImage(5, 4, QImage::Format_RGB32);
         m_world->engine->picture.fill(Qt::blue);
         launch();
+        const QList<QTimer *> timers = m_delegate->findChildren<QTimer *>();
+        QCOMPARE(timers.size(), 1);
+        QCOMPARE(timers.constFirst()->interval(), 2000);
+        QVERIFY(timers.constFirst()->isActive() && !timers.constFirst()->isSingleShot());
         const QString window = m_world->path(u"qv_window_shot.png"_s);
         const QString web = m_world->path(u"qv_web_shot.png"_s);
         for (int round = 0; round < 2; ++round) {

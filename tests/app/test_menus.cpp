@@ -2,6 +2,7 @@
 #include "app/menus/AloneTrack.h"
 #include "controller/AlphaTabController.h"
 #include "pdf/conversion/PDFDocument.h"
+#include "tests/support/Report.h"
 #include "tests/support/TestSurroundings.h"
 
 #include <QAction>
@@ -48,9 +49,10 @@ private:
     void openScore() const
     {
         m_controller->handle({ { u"type"_s, u"ready"_s } });
-        m_controller->tracks = { { .id = 0, .name = u"Lead & Rhythm"_s }, { .id = 1, .name = u"Bass"_s },
-            { .id = 4, .name = u"Drums"_s } };
-        m_controller->hasScore = true;
+        report(m_controller->tracks,
+            { { .id = 0, .name = u"Lead & Rhythm"_s }, { .id = 1, .name = u"Bass"_s },
+                { .id = 4, .name = u"Drums"_s } });
+        report(m_controller->hasScore, true);
         m_world->engine->take();
     }
 
@@ -60,7 +62,7 @@ private:
             QPdfWriter writer(m_world->path(u"x.pdf"_s));
             QPainter painter(&writer);
         }
-        m_controller->pdfDocument = PDFDocument::open(m_world->path(u"x.pdf"_s));
+        report(m_controller->pdfDocument, PDFDocument::open(m_world->path(u"x.pdf"_s)));
         QVERIFY(m_controller->pdfDocument.value());
     }
 
@@ -119,7 +121,7 @@ private Q_SLOTS:
         press(Qt::Key_P, Qt::ControlModifier);
         QVERIFY(m_world->dialogs->printedTitle.isEmpty());
         openScore();
-        m_controller->title = u"Song"_s;
+        report(m_controller->title, u"Song"_s);
         press(Qt::Key_P, Qt::ControlModifier);
         QCOMPARE(m_world->dialogs->printedTitle, u"Song"_s);
         m_world->dialogs->printedTitle.clear();
@@ -155,9 +157,9 @@ private Q_SLOTS:
         QCOMPARE(
             m_world->engine->keys, (QStringList{ u"Home"_s, u"Home"_s, u"Left"_s, u"Ctrl+Right"_s, u"Alt+Left"_s }));
         m_world->engine->keys.clear();
-        m_controller->pageHealth = PageHealth::NotAnswering;
+        report(m_controller->pageHealth, PageHealth::NotAnswering);
         press(Qt::Key_Right);
-        m_controller->pageHealth = PageHealth::Well;
+        report(m_controller->pageHealth, PageHealth::Well);
         openPdf();
         press(Qt::Key_Right);
         QCOMPARE(m_world->engine->keys, QStringList());
@@ -340,7 +342,7 @@ private Q_SLOTS:
         QVERIFY(!m_controller->looping && !m_controller->metronome && !m_controller->countIn);
         QVERIFY(!m_controller->horizontalLayout);
         // The file's recording cannot count in.
-        m_controller->hasBackingTrack = true;
+        reportRecording(*m_controller, true);
         press(Qt::Key_C);
         QVERIFY(!m_controller->countIn);
         m_controller->preferSynth = true;
@@ -384,25 +386,19 @@ private Q_SLOTS:
 
     void aTrackAloneGoesBackToWhatWasShown()
     {
-        const auto shown = [](const QList<TrackInfo> &tracks) {
-            QList<int> ids;
-            for (const TrackInfo &track : tracks)
-                if (track.visible)
-                    ids << track.id;
-            return ids;
+        const auto tracks = [](const QList<int> &shown) {
+            QList<TrackInfo> list;
+            for (const int id : { 0, 1, 2 })
+                list.append({ .id = id, .name = {}, .visible = shown.contains(id) });
+            return list;
         };
         AloneTrack alone;
-        QList<TrackInfo> tracks{ { .id = 0, .name = {} }, { .id = 1, .name = {} },
-            { .id = 2, .name = {}, .visible = false } };
-        tracks = alone.chosen(tracks, 2);
-        QCOMPARE(shown(tracks), QList{ 2 });
-        tracks = alone.chosen(tracks, 1);
-        QCOMPARE(shown(tracks), QList{ 1 });
-        tracks = alone.chosen(tracks, 1);
-        QCOMPARE(shown(tracks), (QList{ 0, 1 }));
+        QCOMPARE(alone.chosen(tracks({ 0, 1 }), 2), QList{ 2 });
+        QCOMPARE(alone.chosen(tracks({ 2 }), 1), QList{ 1 });
+        QCOMPARE(alone.chosen(tracks({ 1 }), 1), (QList{ 0, 1 }));
         // Another score with one track only.
-        QCOMPARE(shown(AloneTrack().chosen({ { .id = 7, .name = {} } }, 7)), QList{ 7 });
-        QCOMPARE(shown(alone.chosen({ { .id = 7, .name = {} } }, 7)), QList{ 7 });
+        QCOMPARE(AloneTrack().chosen({ { .id = 7, .name = {} } }, 7), QList{ 7 });
+        QCOMPARE(alone.chosen({ { .id = 7, .name = {} } }, 7), QList{ 7 });
     }
 
     void sectionsAreGoneToByTheMenu()

@@ -3,6 +3,7 @@
 #include "app/trainer/TrainerPanel.h"
 #include "app/trainer/TrainerSession.h"
 #include "controller/AlphaTabController.h"
+#include "tests/support/Report.h"
 #include "tests/support/TestSurroundings.h"
 
 #include <QCheckBox>
@@ -124,9 +125,9 @@ private:
         m_session.reset();
         m_controller->handle({ { u"type"_s, u"ready"_s } });
         m_controller->handle({ { u"type"_s, u"playerReady"_s } });
-        m_controller->hasScore = true;
-        m_controller->isPlaying = false;
-        m_controller->currentTime = loop.startMs;
+        report(m_controller->hasScore, true);
+        report(m_controller->isPlaying, false);
+        report(m_controller->currentTime, loop.startMs);
         m_world->engine->reports.reportLoopSpan(loop.startMs, loop.endMs);
         m_page = std::make_unique<LoopingPage>(*m_controller, loop);
         m_session = std::make_unique<TrainerSession>(*m_controller, [this] { return m_page->now(); });
@@ -371,7 +372,7 @@ private Q_SLOTS:
 
     void aRecordingIsNotCountedIn()
     {
-        m_controller->hasBackingTrack = true;
+        reportRecording(*m_controller, true);
         begin({ .steps = { .from = 100, .passes = 1 }, .countIn = true });
         // The sound source's rule takes it back.
         m_controller->preferSynth = false;
@@ -418,15 +419,15 @@ private Q_SLOTS:
 
     void thePanelNeedsAScoreAndCountsInNoRecording()
     {
-        m_controller->hasScore = false;
-        m_controller->hasBackingTrack = true;
+        reportRecording(*m_controller, true);
+        report(m_controller->hasScore, false);
         TrainerPanel panel(*m_controller);
         QCOMPARE(panel.findChildren<QPushButton *>().constFirst()->isEnabled(), false);
         auto *countIn = panel.findChildren<QCheckBox *>().constFirst();
         QVERIFY(!countIn->isEnabled());
         m_controller->preferSynth = true;
         QVERIFY(countIn->isEnabled());
-        m_controller->hasScore = true;
+        report(m_controller->hasScore, true);
         QCOMPARE(panel.findChildren<QPushButton *>().constFirst()->isEnabled(), true);
     }
 

@@ -1,7 +1,10 @@
 #include "controller/AlphaTabController.h"
+#include "engine_host/bridge/ScriptHandler.h"
 #include "pdf/conversion/PDFDocument.h"
+#include "tests/support/Report.h"
 #include "tests/support/TestSurroundings.h"
 
+#include <QFileInfo>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -210,11 +213,37 @@ private Q_SLOTS:
         QVERIFY(world.engine->scripts.isEmpty());
     }
 
+    void thePageIsLoadedLast()
+    {
+        TestSurroundings world;
+        world.environment.insert(u"QV_SMOKE"_s, u"1"_s);
+        world.environment.insert(u"QV_LOGFILE"_s, world.path(u"smoke.log"_s));
+        world.file(u"smoke.log"_s, "the last run");
+        const QUrl song = world.file(u"song.gp"_s);
+        world.defaults()->setTextList(u"recentFiles"_s, { song.toLocalFile() });
+        Surroundings made = world.make();
+        QStringList steps;
+        const auto state = [&world, &song](const QString &step, const MessageReceiver *receiver) {
+            const auto *controller = dynamic_cast<const AlphaTabController *>(receiver);
+            const bool recents = controller && controller->recentFiles.value() == QList<QUrl>{ song };
+            const bool log = QFileInfo(world.path(u"smoke.log"_s)).size() > 0;
+            return step + (log ? u", old log"_s : QString()) + (recents ? u", recent files"_s : QString());
+        };
+        made.makeEngine = [&, make = made.makeEngine](ScriptHandler &handler, const std::optional<QString> &webFolder) {
+            steps << state(u"engine"_s, handler.controller());
+            world.engine->loading = [&] { steps << state(u"page"_s, handler.controller()); };
+            return make(handler, webFolder);
+        };
+        const AlphaTabController c(std::move(made));
+        QCOMPARE(steps, (QStringList{ u"engine, old log"_s, u"page, recent files"_s }));
+        world.engine->loading = {};
+    }
+
     void theRecordingTakesTheCountInAway()
     {
         TestSurroundings world;
         AlphaTabController c(world.make());
-        c.hasBackingTrack = true;
+        reportRecording(c, true);
         c.countIn = true;
         world.engine->take();
         c.preferSynth = false;
@@ -238,7 +267,7 @@ private Q_SLOTS:
     {
         TestSurroundings world;
         AlphaTabController c(world.make());
-        c.hasBackingTrack = true;
+        reportRecording(c, true);
         c.countIn = true;
         world.engine->take();
         c.preferSynth = true;

@@ -80,8 +80,6 @@ private Q_SLOTS:
     {
         QFETCH(QString, variable);
         Studio studio;
-        if (QFile::exists(u"/opt/audiveris/bin/Audiveris"_s))
-            return; // the system's comes before the user's
         if (variable.isNull())
             studio.world.environment.remove(u"QV_AUDIVERIS"_s);
         else
@@ -92,13 +90,20 @@ private Q_SLOTS:
         QCOMPARE(c.audiverisBinary(), own);
         QFile::setPermissions(own, QFile::ReadOwner | QFile::WriteOwner);
         QVERIFY(!c.audiverisBinary());
+        // The package's comes before the user's.
+        QFile::setPermissions(own, QFile::ReadOwner | QFile::ExeOwner);
+        const QString packaged = studio.program(u"opt/audiveris/bin/Audiveris"_s);
+        QCOMPARE(c.audiverisBinary(), packaged);
+    }
+
+    void thePackagesPlaceIsTheSystems()
+    {
+        QCOMPARE(Surroundings::system().packagedAudiveris, u"/opt/audiveris/bin/Audiveris"_s);
     }
 
     void withoutAnEngine()
     {
         Studio studio;
-        if (QFile::exists(u"/opt/audiveris/bin/Audiveris"_s))
-            return; // here is one
         studio.world.environment.remove(u"QV_AUDIVERIS"_s);
         AlphaTabController c(studio.world.make());
         const QUrl url = studio.pdf();

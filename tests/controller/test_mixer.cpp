@@ -1,4 +1,5 @@
 #include "controller/AlphaTabController.h"
+#include "tests/support/Report.h"
 #include "tests/support/TestSurroundings.h"
 
 #include <QTest>
@@ -20,7 +21,7 @@ private Q_SLOTS:
     {
         m_world = std::make_unique<TestSurroundings>();
         m_controller = std::make_unique<AlphaTabController>(m_world->make());
-        m_controller->tracks = QList<TrackInfo>{ { .id = 0, .name = u"A"_s }, { .id = 1 }, { .id = 2 } };
+        report(m_controller->tracks, QList<TrackInfo>{ { .id = 0, .name = u"A"_s }, { .id = 1 }, { .id = 2 } });
     }
 
     void hidingOneAfterTheOther()
@@ -56,7 +57,7 @@ private Q_SLOTS:
 
     void volumesAreTakenAsGiven()
     {
-        m_controller->tracks = QList<TrackInfo>{ { .id = 3 } };
+        report(m_controller->tracks, QList<TrackInfo>{ { .id = 3 } });
         m_controller->setTrackVolume(3, 0.25);
         m_controller->setTrackVolume(3, 1.75);
         m_controller->setTrackVolume(3, -1);
@@ -79,7 +80,7 @@ private Q_SLOTS:
 
     void idsAreNotPositions()
     {
-        m_controller->tracks = QList<TrackInfo>{ { .id = 7 }, { .id = 0 } };
+        report(m_controller->tracks, QList<TrackInfo>{ { .id = 7 }, { .id = 0 } });
         m_controller->toggleMute(0);
         QVERIFY(!tracks().at(0).mute && tracks().at(1).mute);
         QCOMPARE(sent(), QStringList{ u"window.qv.setTrackMute(0, true)"_s });

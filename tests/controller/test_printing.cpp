@@ -1,4 +1,5 @@
 #include "controller/AlphaTabController.h"
+#include "tests/support/Report.h"
 #include "tests/support/TestSurroundings.h"
 
 #include <QFile>
@@ -48,9 +49,9 @@ private Q_SLOTS:
     void printsNothingWithoutAScoreOrAChoice()
     {
         Shown s;
-        s.controller.hasScore = false;
+        report(s.controller.hasScore, false);
         s.controller.print();
-        s.controller.hasScore = true;
+        report(s.controller.hasScore, true);
         s.world.dialogs->printTarget.reset();
         s.controller.print();
         QVERIFY(s.world.engine->prints.isEmpty());

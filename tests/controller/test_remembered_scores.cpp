@@ -1,5 +1,6 @@
 #include "controller/AlphaTabController.h"
 #include "engine_host/bridge/PageReports.h"
+#include "tests/support/Report.h"
 #include "tests/support/TestSurroundings.h"
 
 #include <QFileInfo>
@@ -147,7 +148,7 @@ private Q_SLOTS:
             first.controller.rememberScores = true;
             first.open(u"a.gp"_s, "a");
             first.practise();
-            first.controller.isPlaying = false;
+            report(first.controller.isPlaying, false);
         }
         Launched second(world);
         QVERIFY(second.controller.rememberScores);
@@ -175,7 +176,7 @@ private Q_SLOTS:
         world.scoreMemory()->setOn(true);
         world.scoreMemory()->remember(ScoreMemory::keyFor("a"), { .position = 500000 });
         Launched one(world);
-        one.controller.playerReady = false;
+        report(one.controller.playerReady, false);
         one.open(u"a.gp"_s, "a");
         QVERIFY(world.engine->take().filter(u"seekToTime"_s).isEmpty());
         one.controller.handle({ { u"type"_s, u"playerReady"_s } });
@@ -194,7 +195,7 @@ private Q_SLOTS:
             Launched one(world);
             one.controller.load(world.file(u"a.gp"_s, "a"));
             one.controller.handle(scoreMessage({ u"Guitar"_s }));
-            one.controller.isPlaying = false;
+            report(one.controller.isPlaying, false);
         }
         QCOMPARE(world.scoreMemory()->recall(ScoreMemory::keyFor("a"))->position, 61000.0);
     }
@@ -276,7 +277,7 @@ private Q_SLOTS:
         one.controller.rememberScores = true;
         one.open(u"a.gp"_s, "a");
         one.controller.handle(positionMessage(1000));
-        one.controller.isPlaying = false;
+        report(one.controller.isPlaying, false);
         one.controller.handle(positionMessage(61000));
         one.controller.setTrackVolume(0, 0.25);
         one.controller.pageHealthChanged(PageHealth::Ended);

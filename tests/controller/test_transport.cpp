@@ -1,4 +1,5 @@
 #include "controller/AlphaTabController.h"
+#include "tests/support/Report.h"
 #include "tests/support/TestSurroundings.h"
 
 #include <QTest>
@@ -37,8 +38,8 @@ private Q_SLOTS:
         QFETCH(QString, sent);
         TestSurroundings world;
         AlphaTabController c(world.make());
-        c.endTime = endTime;
-        c.currentTime = 77;
+        report(c.endTime, endTime);
+        report(c.currentTime, 77);
         c.seek(fraction);
         QCOMPARE(world.engine->take(), sent.isEmpty() ? QStringList() : QStringList{ sent });
         QCOMPARE(c.currentTime.value(), 77.0);

@@ -3,6 +3,7 @@
 #include "controller/AlphaTabController.h"
 #include "engine_host/AlphaTabWebView.h"
 #include "tests/support/OpenedPDF.h"
+#include "tests/support/Report.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>
@@ -36,8 +37,8 @@ void tracks(AlphaTabController &controller, const QString &title, const QStringL
     QList<TrackInfo> list;
     for (const QString &name : names)
         list << TrackInfo{ .id = int(list.size()), .name = name };
-    controller.title = title;
-    controller.tracks = list;
+    report(controller.title, title);
+    report(controller.tracks, list);
 }
 
 QStringList numbered(int count)
@@ -51,7 +52,7 @@ QStringList numbered(int count)
 /// A player's usual mixture; the recording is claimed, for the choice that comes with it.
 void practising(AlphaTabController &controller)
 {
-    controller.hasBackingTrack = true;
+    reportRecording(controller, true);
     controller.looping = true;
     controller.metronome = true;
     controller.tempoPercent = 75;
@@ -80,7 +81,7 @@ void longNames(AlphaTabController &controller)
     tracks(controller, u"The Extraordinarily Long Title of a Piece for Nine Guitars and a Choir of Tuning Forks"_s,
         { u"Steel-string Acoustic Guitar with a Capo on the Seventh Fret"_s, u"M"_s,
             u"E-Bass <b>fretless</b> & bowed, through an amplifier"_s });
-    controller.hasBackingTrack = true;
+    reportRecording(controller, true);
     controller.masterVolume = 0.35;
     controller.tempoPercent = 200;
 }
@@ -129,7 +130,7 @@ QList<Scene> scenes()
     const auto all = [](AlphaTabController &controller) { recents(controller, 8); };
     const auto nine = [](AlphaTabController &controller) { tracks(controller, u"Nonet"_s, numbered(9)); };
     const auto thirty = [](AlphaTabController &controller) { tracks(controller, QString(), numbered(30)); };
-    const auto recording = [](AlphaTabController &controller) { controller.hasBackingTrack = true; };
+    const auto recording = [](AlphaTabController &controller) { reportRecording(controller, true); };
     const auto withFretboard = [](AlphaTabController &controller) { controller.fretboard = true; };
     const auto failed = [](AlphaTabController &controller) {
         controller.conversionError = u"Audiveris was not found. Install it and try again."_s;
@@ -142,7 +143,7 @@ QList<Scene> scenes()
     const auto turned = [](AlphaTabController &controller) { engraved(controller, u"rotated"_s, 2); };
     const auto converting = [pair](AlphaTabController &controller) {
         pair(controller);
-        controller.converting = true;
+        report(controller.converting, true);
     };
     const auto notConverted = [pair, failed](AlphaTabController &controller) {
         pair(controller);

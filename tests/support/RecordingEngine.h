@@ -17,6 +17,8 @@ struct EngineRecord {
     /// Every script, in the order of evaluation.
     QStringList scripts;
     QList<QUrl> loads;
+    /// Called when the page is to be loaded.
+    std::function<void()> loading;
     int snapshots = 0;
     /// How often the page's process was to be ended.
     int ends = 0;
@@ -55,7 +57,12 @@ public:
         completion(m_record->error);
     }
 
-    void load(const QUrl &url) override { m_record->loads << url; }
+    void load(const QUrl &url) override
+    {
+        m_record->loads << url;
+        if (m_record->loading)
+            m_record->loading();
+    }
 
     void endPage() override { ++m_record->ends; }
 

@@ -19,6 +19,8 @@ Surroundings TestSurroundings::make()
     made.dialogs = std::make_unique<ScriptedDialogs>(dialogs);
     made.environment = environment;
     made.temporaryFolder = m_folder.path();
+    // Nothing lies there unless a test puts it there.
+    made.packagedAudiveris = path(u"opt/audiveris/bin/Audiveris"_s);
     made.webFolder = webFolder;
     made.makeEngine = [engine = engine](ScriptHandler &, const std::optional<QString> &) {
         return std::make_unique<RecordingEngine>(engine);
@@ -30,7 +32,7 @@ Surroundings TestSurroundings::make()
                          } });
     };
     made.inBackground = inBackground;
-    made.setKeyWindowTitle = [titles = windowTitles](const QString &title) { titles->append(title); };
+    made.setMainWindowTitle = [titles = windowTitles](const QString &title) { titles->append(title); };
     return made;
 }
 

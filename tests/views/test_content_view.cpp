@@ -2,6 +2,7 @@
 #include "engine_host/AlphaTabWebView.h"
 #include "pdf/viewing/PDFSheetView.h"
 #include "pdf/viewing/PageList.h"
+#include "tests/support/Report.h"
 #include "tests/support/TestPDFs.h"
 #include "tests/views/ShownWindow.h"
 #include "views/ContentView.h"
@@ -154,7 +155,7 @@ private Q_SLOTS:
         for (const QString &name : { u"Demo"_s, u"Horizontal"_s, u"Zoom out"_s, u"Zoom in"_s })
             QVERIFY2(!w.control(name), qPrintable(name));
 
-        w.controller.pdfDocument = nullptr;
+        report(w.controller.pdfDocument, nullptr);
         QVERIFY(shown<TransportBar>(w) && shown<TrackSidebar>(w) && w.control(u"Demo"_s));
         QCOMPARE(w.controller.webView(), web);
         QVERIFY(web->isVisible());
@@ -172,7 +173,7 @@ private Q_SLOTS:
         // A screen reader reads what is visible to it, whatever lies above.
         QVERIFY(!shown<EmptyState>(w) && !w.control(u"Try the demo"_s));
         QVERIFY(QAccessible::queryAccessibleInterface(empty)->state().invisible);
-        w.controller.pdfDocument = nullptr;
+        report(w.controller.pdfDocument, nullptr);
         QVERIFY(shown<EmptyState>(w) && w.control(u"Try the demo"_s));
     }
 

@@ -2,6 +2,7 @@
 #include "design/Popover.h"
 #include "design/Slider.h"
 #include "design/Toggle.h"
+#include "tests/support/Report.h"
 #include "tests/views/ShownWindow.h"
 #include "views/MetronomeMenu.h"
 
@@ -182,7 +183,7 @@ private Q_SLOTS:
         QFETCH(bool, enabled);
         ShownWindow w;
         open(w);
-        w.controller.hasBackingTrack = backingTrack;
+        reportRecording(w.controller, backingTrack);
         w.controller.preferSynth = preferSynth;
         const QWidget *countIn = w.control(u"Count-in"_s);
         QCOMPARE(countIn->isEnabled(), enabled);

@@ -1,5 +1,6 @@
 #include "design/DigitLabel.h"
 #include "design/Slider.h"
+#include "tests/support/Report.h"
 #include "tests/views/ShownWindow.h"
 #include "views/TransportBar.h"
 
@@ -124,7 +125,7 @@ private Q_SLOTS:
         QCOMPARE(w.controller.tempoPercent.value(), 33.3);
         QCOMPARE(w.controller.masterVolume.value(), 0.123456);
         QCOMPARE(w.controller.metronomeVolume.value(), 0.987654);
-        w.controller.tracks.edit([](QList<TrackInfo> &tracks) {
+        reportChange(w.controller.tracks, [](QList<TrackInfo> &tracks) {
             tracks[0].mute = tracks[0].solo = true;
             tracks[1].visible = false;
             tracks[1].volume = 0.333;

@@ -1,6 +1,7 @@
 #include "design/Button.h"
 #include "design/ElidedLabel.h"
 #include "design/Slider.h"
+#include "tests/support/Report.h"
 #include "tests/views/ShownWindow.h"
 #include "views/TrackRow.h"
 #include "views/TrackSidebar.h"
@@ -138,7 +139,7 @@ private Q_SLOTS:
     void operationsUseTheIdAndNotThePlace()
     {
         ShownWindow w;
-        w.controller.tracks = { { .id = 7, .name = u"Seven"_s }, { .id = 3, .name = u"Three"_s } };
+        report(w.controller.tracks, { { .id = 7, .name = u"Seven"_s }, { .id = 3, .name = u"Three"_s } });
         QCoreApplication::processEvents();
         w.sent();
         w.click(u"Mute Seven"_s);
@@ -184,7 +185,7 @@ private Q_SLOTS:
         const auto before = w.window.findChildren<TrackRow *>();
         w.controller.setTrackVolume(1, 0.25);
         w.controller.toggleMute(0);
-        w.controller.tracks.edit([](QList<TrackInfo> &tracks) { tracks[0].name = u"Lead"_s; });
+        reportChange(w.controller.tracks, [](QList<TrackInfo> &tracks) { tracks[0].name = u"Lead"_s; });
         QCOMPARE(w.window.findChildren<TrackRow *>(), before);
         QCOMPARE(w.control<Slider>(u"Volume of B"_s)->shown(), 0.25);
         QVERIFY(w.control<Button>(u"Mute Lead"_s)->isChecked());

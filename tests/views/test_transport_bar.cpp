@@ -2,6 +2,7 @@
 #include "design/SegmentedControl.h"
 #include "design/Slider.h"
 #include "engine_host/bridge/BridgeCalls.h"
+#include "tests/support/Report.h"
 #include "tests/views/ShownWindow.h"
 #include "views/TransportBar.h"
 
@@ -143,7 +144,7 @@ private Q_SLOTS:
         auto *slider = w.control<Slider>(u"Position"_s);
         QTest::mousePress(slider, Qt::LeftButton, {}, at(*slider, 0.8));
         w.openPDF();
-        w.controller.pdfDocument = nullptr;
+        report(w.controller.pdfDocument, nullptr);
         QVERIFY(w.sent().isEmpty());
         w.position(50000, 200000);
         QCOMPARE(slider->shown(), 0.25);
@@ -232,7 +233,7 @@ private Q_SLOTS:
     {
         ShownWindow w(loaded);
         QVERIFY(!w.control(u"Sound source"_s) && !w.control(u"Original"_s));
-        w.controller.hasBackingTrack = true;
+        reportRecording(w.controller, true);
         auto *source = w.control<SegmentedControl>(u"Sound source"_s);
         QVERIFY(source);
         QCOMPARE(source->toolTip(), u"Play the file's original recording, or the synthesized instruments"_s);
@@ -247,7 +248,7 @@ private Q_SLOTS:
         QCOMPARE(w.sent(), (QStringList{ u"window.qv.setSoundSource(false)"_s, u"window.qv.setCountIn(0)"_s }));
         w.controller.preferSynth = true;
         QCOMPARE(source->shown(), 1);
-        w.controller.hasBackingTrack = false;
+        reportRecording(w.controller, false);
         QVERIFY(!w.control(u"Sound source"_s));
     }
 

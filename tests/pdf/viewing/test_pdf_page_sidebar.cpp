@@ -2,6 +2,7 @@
 #include "pdf/viewing/PDFSheetView.h"
 #include "pdf/viewing/PageCells.h"
 #include "pdf/viewing/PageList.h"
+#include "tests/support/Report.h"
 #include "tests/support/TestPDFs.h"
 #include "tests/views/ShownWindow.h"
 
@@ -144,7 +145,7 @@ private Q_SLOTS:
         ShownWindow w;
         w.openPDF(TestPDFs::colored(3));
         const QAccessible::Id id = QAccessible::uniqueId(seen(w)->child(1));
-        w.controller.pdfDocument = nullptr;
+        report(w.controller.pdfDocument, nullptr);
         QVERIFY(!QAccessible::accessibleInterface(id));
     }
 

@@ -2,6 +2,7 @@
 #include "pdf/viewing/PDFPageSidebar.h"
 #include "pdf/viewing/PDFSheetView.h"
 #include "pdf/viewing/PageCells.h"
+#include "tests/support/Report.h"
 #include "tests/support/TestPDFs.h"
 #include "tests/views/ShownWindow.h"
 #include "views/ContentView.h"
@@ -248,7 +249,7 @@ private Q_SLOTS:
         QCOMPARE(w.window.findChildren<PDFPageSidebar *>().size(), 1);
         QCOMPARE(scrolled(w), 0);
         QTRY_COMPARE(shown(w, 0), qRgb(0, 0, 255));
-        w.controller.pdfDocument = nullptr;
+        report(w.controller.pdfDocument, nullptr);
         QVERIFY(!pageGrid(w) && !w.window.findChild<PDFPageSidebar *>());
     }
 

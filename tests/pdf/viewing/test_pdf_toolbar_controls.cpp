@@ -2,6 +2,7 @@
 #include "design/SegmentedControl.h"
 #include "design/Spinner.h"
 #include "pdf/viewing/PDFSheetView.h"
+#include "tests/support/Report.h"
 #include "tests/support/TestPDFs.h"
 #include "tests/views/ShownWindow.h"
 
@@ -31,7 +32,7 @@ private Q_SLOTS:
         QVERIFY(!w.control(u"Convert to Guitar Pro"_s));
         w.openPDF();
         QVERIFY(w.control(u"Open"_s) && w.control(u"Convert to Guitar Pro"_s) && picker(w));
-        w.controller.pdfDocument = nullptr;
+        report(w.controller.pdfDocument, nullptr);
         QVERIFY(!w.control(u"Convert to Guitar Pro"_s));
     }
 
@@ -79,7 +80,7 @@ private Q_SLOTS:
         auto *spinner = w.window.findChild<Spinner *>();
         QVERIFY(!spinner->isVisible());
         const QPoint before = picker(w)->pos();
-        w.controller.converting = true;
+        report(w.controller.converting, true);
         QVERIFY(!w.control(u"Convert to Guitar Pro"_s));
         QVERIFY(spinner->isVisible());
         QCOMPARE(spinner->toolTip(), u"Reading the sheet music…"_s);
@@ -88,7 +89,7 @@ private Q_SLOTS:
         QCOMPARE(picker(w)->pos(), before);
         const QImage first = spinner->grab().toImage();
         QTRY_VERIFY2(spinner->grab().toImage() != first, "it does not turn");
-        w.controller.converting = false;
+        report(w.controller.converting, false);
         QVERIFY(w.control(u"Convert to Guitar Pro"_s));
         QVERIFY(!spinner->isVisible());
     }
@@ -98,16 +99,16 @@ private Q_SLOTS:
         ShownWindow w;
         w.openPDF();
         auto *spinner = w.window.findChild<Spinner *>();
-        w.controller.converting = true;
-        w.controller.conversionProgress = PDFConverter::Progress{ .page = 2, .pages = 5, .step = {} };
+        report(w.controller.converting, true);
+        report(w.controller.conversionProgress, PDFConverter::Progress{ .page = 2, .pages = 5, .step = {} });
         QCOMPARE(spinner->toolTip(), u"Reading the sheet music…\nPreparing page 2 of 5, for 0:00"_s);
         QCOMPARE(accessibleName(spinner), u"Reading the sheet music…"_s);
         QCOMPARE(spinner->accessibleDescription(), u"Preparing page 2 of 5, for 0:00"_s);
-        w.controller.conversionProgress = PDFConverter::Progress{ .step = u"STEM_SEEDS"_s };
+        report(w.controller.conversionProgress, PDFConverter::Progress{ .step = u"STEM_SEEDS"_s });
         QVERIFY(spinner->toolTip().contains(u"Audiveris is reading: stem seeds (step 6 of 20), for 0:0"_s));
         QTRY_VERIFY2(!spinner->toolTip().endsWith(u"0:00"_s), "time stands still");
-        w.controller.converting = false;
-        w.controller.converting = true;
+        report(w.controller.converting, false);
+        report(w.controller.converting, true);
         QCOMPARE(spinner->toolTip(), u"Reading the sheet music…"_s);
     }
 
