@@ -18,7 +18,7 @@ namespace {
 
 const QStringList toggled{ u"window.qv.playPause()"_s };
 
-/// Counts the key presses that reach a widget.
+/// Counts how often the space bar reaches a widget.
 class KeyCount final : public QObject {
 public:
     explicit KeyCount(QWidget *widget)
@@ -29,7 +29,8 @@ public:
 
     bool eventFilter(QObject *, QEvent *event) override
     {
-        presses += event->type() == QEvent::KeyPress ? 1 : 0;
+        const bool isPress = event->type() == QEvent::KeyPress;
+        presses += isPress && static_cast<QKeyEvent *>(event)->key() == Qt::Key_Space ? 1 : 0;
         return false;
     }
 

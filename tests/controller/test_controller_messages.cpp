@@ -125,6 +125,26 @@ private Q_SLOTS:
         QVERIFY(c.tracks.value().isEmpty());
     }
 
+    void aNewScoreBeginsWithAFreshMixer()
+    {
+        TestSurroundings world;
+        AlphaTabController c(world.make());
+        const QVariantList entries{ QVariantMap{ { u"index"_s, 0 }, { u"name"_s, u"A"_s } },
+            QVariantMap{ { u"index"_s, 1 }, { u"name"_s, u"B"_s } } };
+        c.handle(message(u"score"_s, { { u"tracks"_s, entries } }));
+        const QList<TrackInfo> fresh = c.tracks;
+        c.toggleMute(0);
+        c.toggleSolo(1);
+        c.toggleVisible(0);
+        c.setTrackVolume(1, 0.5);
+        QVERIFY(c.tracks.value() != fresh);
+        world.engine->take();
+        c.handle(message(u"score"_s, { { u"tracks"_s, entries } }));
+        QCOMPARE(c.tracks.value(), fresh);
+        // The page has fresh channels, too.
+        QVERIFY(world.engine->scripts.isEmpty());
+    }
+
     void aRecordingForcesTheCountInOff()
     {
         TestSurroundings world;

@@ -3,10 +3,14 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QUrl>
 
 #include <functional>
 
@@ -14,7 +18,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Calls `look` with the panel that `open` shows, then closes it.
+/// Calls `look` with the panel that `open` shows, then closes it, unless `look` has.
 void whileShown(const std::function<void()> &open, const std::function<void(QFileDialog &)> &look)
 {
     bool looked = false;
@@ -25,11 +29,18 @@ void whileShown(const std::function<void()> &open, const std::function<void(QFil
             return;
         looked = true;
         look(*panel);
-        panel->reject();
+        if (panel->isVisible())
+            panel->reject();
     });
     timer.start(0);
     open();
     QVERIFY(looked);
+}
+
+void put(const QString &path)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
 }
 
 void theFilterCanBeReadAsAWhole(QFileDialog &panel, const QString &text)
@@ -38,6 +49,20 @@ void theFilterCanBeReadAsAWhole(QFileDialog &panel, const QString &text)
     QVERIFY(filter);
     QCOMPARE(filter->currentText(), text);
     QVERIFY(filter->fontMetrics().horizontalAdvance(text) < filter->width());
+}
+
+/// Types the path and presses the panel's button.
+void choose(QFileDialog &panel, const QString &path)
+{
+    auto *name = panel.findChild<QLineEdit *>(u"fileNameEdit"_s);
+    QVERIFY(name);
+    name->setText(path);
+    auto *buttons = panel.findChild<QDialogButtonBox *>();
+    QVERIFY(buttons);
+    for (QAbstractButton *button : buttons->buttons()) {
+        if (buttons->buttonRole(button) == QDialogButtonBox::AcceptRole)
+            button->click();
+    }
 }
 
 } // namespace
@@ -67,10 +92,8 @@ private Q_SLOTS:
     void theOpenPanelStillListsScoresOnly()
     {
         QTemporaryDir folder;
-        for (const QString &name : { u"song.gp5"_s, u"LOUD.GP5"_s, u"notes.txt"_s }) {
-            QFile file(folder.filePath(name));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-        }
+        for (const QString &name : { u"song.gp5"_s, u"LOUD.GP5"_s, u"notes.txt"_s })
+            put(folder.filePath(name));
         FileDialogs dialogs;
         whileShown([&] { QVERIFY(!dialogs.chooseFileToOpen({ u"gp5"_s })); },
             [&](QFileDialog &panel) {
@@ -86,6 +109,39 @@ private Q_SLOTS:
                 };
                 QTRY_COMPARE(names(), (QStringList{ u"LOUD.GP5"_s, u"song.gp5"_s }));
             });
+    }
+
+    void whatIsChosenIsOpened()
+    {
+        const QTemporaryDir folder;
+        const QString song = folder.filePath(u"song.gp5"_s);
+        put(song);
+        FileDialogs dialogs;
+        std::optional<QUrl> chosen;
+        whileShown([&] { chosen = dialogs.chooseFileToOpen({ u"gp5"_s }); },
+            [&](QFileDialog &panel) {
+                QCOMPARE(panel.windowTitle(), u"Open"_s);
+                QCOMPARE(panel.fileMode(), QFileDialog::ExistingFile);
+                choose(panel, song);
+            });
+        QCOMPARE(chosen, QUrl::fromLocalFile(song));
+    }
+
+    void aNameWithoutAnEndingGetsOne()
+    {
+        const QTemporaryDir folder;
+        FileDialogs dialogs;
+        std::optional<QUrl> chosen;
+        whileShown([&] { chosen = dialogs.chooseFileToSave(u"Song.gp"_s, u"gp"_s); },
+            [&](QFileDialog &panel) {
+                QCOMPARE(panel.windowTitle(), u"Export as Guitar Pro"_s);
+                QCOMPARE(panel.acceptMode(), QFileDialog::AcceptSave);
+                const auto *name = panel.findChild<QLineEdit *>(u"fileNameEdit"_s);
+                QVERIFY(name);
+                QCOMPARE(name->text(), u"Song.gp"_s);
+                choose(panel, folder.filePath(u"Other"_s));
+            });
+        QCOMPARE(chosen, QUrl::fromLocalFile(folder.filePath(u"Other.gp"_s)));
     }
 };
 

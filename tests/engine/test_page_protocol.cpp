@@ -135,7 +135,12 @@ private Q_SLOTS:
         }));
         refused.sort();
         QCOMPARE(refused, QStringList({ u"connect-src"_s, u"img-src"_s, u"script-src-elem"_s }));
-        m_session = std::make_unique<EngineSession>(); // the refusals are console errors, as they should be
+        // The refusals are console errors, as they should be, and there are no others.
+        const QStringList complaints = m_session->complaints();
+        QVERIFY2(complaints.size() >= 3, qPrintable(complaints.join(u'\n')));
+        for (const QString &complaint : complaints)
+            QVERIFY2(complaint.contains("Content Security Policy"_L1), qPrintable(complaint));
+        m_session = std::make_unique<EngineSession>();
     }
 };
 

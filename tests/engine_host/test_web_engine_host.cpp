@@ -171,7 +171,9 @@ private Q_SLOTS:
         QCOMPARE(settled(request.arg(u"data.json?v=3"_s)), u"200 application/json"_s);
         QCOMPARE(settled(u"document.characterSet"_s), u"UTF-8"_s);
         QCOMPARE(settled(request.arg(u"missing.json"_s)), u"rejected: TypeError"_s);
-        m_consoleErrors.clear(); // the missing file
+        for (const QString &error : std::as_const(m_consoleErrors))
+            QVERIFY2(error.contains("missing.json"_L1), qPrintable(error));
+        m_consoleErrors.clear();
     }
 
     void nothingLeavesTheApplication()
@@ -189,7 +191,9 @@ private Q_SLOTS:
             u"refused"_s);
         QCOMPARE(settled(u"fetch('http://%1')"_s.arg(host)), u"rejected: TypeError"_s);
         QVERIFY(!server.hasPendingConnections());
-        m_consoleErrors.clear(); // the refusals
+        for (const QString &error : std::as_const(m_consoleErrors))
+            QVERIFY2(error.contains("127.0.0.1"_L1), qPrintable(error)); // the refusals
+        m_consoleErrors.clear();
     }
 
     void noPeerConnectionLeavesTheApplication()

@@ -1,5 +1,6 @@
 #include "engine_host/serving/WebSchemeHandler.h"
 #include "engine_host/serving/WebSchemeResolution.h"
+#include "tests/support/NotRoot.h"
 
 #include <QDir>
 #include <QFile>
@@ -121,8 +122,8 @@ private Q_SLOTS:
     {
         put(u"locked.js"_s, "x");
         QFile::setPermissions(m_root + u"/locked.js"_s, {});
-        if (QFile file(m_root + u"/locked.js"_s); file.open(QIODevice::ReadOnly))
-            return; // root may read every file
+        const NotRoot user(m_folder.path());
+        QVERIFY(!QFile(m_root + u"/locked.js"_s).open(QIODevice::ReadOnly));
         QCOMPARE(failure(QUrl(u"qv-app://app/locked.js"_s)), Failure::FileDoesNotExist);
     }
 
