@@ -37,7 +37,7 @@ GuideWindow::~GuideWindow() = default;
 
 QVariant GuideWindow::loadResource(int type, const QUrl &name)
 {
-    const QVariant resource = QTextBrowser::loadResource(type, name);
+    QVariant resource = QTextBrowser::loadResource(type, name);
     if (type != QTextDocument::ImageResource)
         return resource;
     const QImage picture = QImage::fromData(resource.toByteArray());

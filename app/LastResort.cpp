@@ -31,7 +31,7 @@ void arm()
     armed = 1;
     itimerval timer{};
     timer.it_value.tv_sec = endingTimeoutMs / 1000;
-    timer.it_value.tv_usec = endingTimeoutMs % 1000 * 1000;
+    timer.it_value.tv_usec = endingTimeoutMs % 1000 * 1000L;
     ::setitimer(ITIMER_REAL, &timer, nullptr);
 }
 

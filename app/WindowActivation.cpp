@@ -44,8 +44,8 @@ public:
     void endLaunch(const QString &token)
     {
         QString quoted = token;
-        quoted.replace(u'\\', "\\\\"_L1).replace(u'"', "\\\""_L1);
-        const QByteArray text = ("remove: ID=\""_L1 + quoted + u'"').toUtf8();
+        quoted.replace(u'\\', R"(\\)"_L1).replace(u'"', R"(\")"_L1);
+        const QByteArray text = (R"(remove: ID=")"_L1 + quoted + u'"').toUtf8();
         xcb_client_message_event_t event{};
         event.response_type = XCB_CLIENT_MESSAGE;
         event.format = 8;

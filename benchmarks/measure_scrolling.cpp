@@ -41,7 +41,7 @@ struct Pauses {
     {
         since.start();
         QObject::connect(&timer, &QTimer::timeout,
-            [this] { longest = std::max(longest, since.nsecsElapsed() / 1e6), since.restart(); });
+            [this] { longest = std::max(longest, double(since.nsecsElapsed()) / 1e6), since.restart(); });
         timer.start(0);
     }
     QElapsedTimer since;
@@ -80,9 +80,9 @@ int main(int argc, char *argv[])
     turnUntil([&] { return (pages = window.findChild<PDFSheetView *>()) || clock.hasExpired(openingTimeoutMs); });
     if (!pages)
         return 1;
-    std::printf("opened after            %7.1f ms\n", clock.nsecsElapsed() / 1e6);
+    std::printf("opened after            %7.1f ms\n", double(clock.nsecsElapsed()) / 1e6);
     turnUntil([&] { return !pages->cells().cell(0).image().isNull(); });
-    std::printf("first page after        %7.1f ms\n", clock.nsecsElapsed() / 1e6);
+    std::printf("first page after        %7.1f ms\n", double(clock.nsecsElapsed()) / 1e6);
 
     QScrollBar *bar = pages->verticalScrollBar();
     {

@@ -28,13 +28,13 @@ QJsonValue merged(const QJsonValue &base, const QJsonValue &ours, const QJsonVal
     const QJsonArray began = base.toArray();
     const QJsonArray other = theirs.toArray();
     QJsonArray result;
-    for (const QJsonValue &item : ours.toArray()) {
+    for (const QJsonValue item : ours.toArray()) {
         if (other.contains(item) || !began.contains(item))
             result.append(item);
     }
     // What they put in comes after our first, which is the latest of all.
     qsizetype place = std::min<qsizetype>(1, result.size());
-    for (const QJsonValue &item : other) {
+    for (const QJsonValue item : other) {
         if (!began.contains(item) && !result.contains(item))
             result.insert(place++, item);
     }
@@ -111,7 +111,7 @@ std::optional<QStringList> DefaultsStore::textList(const QString &key) const
         return std::nullopt;
     QStringList texts;
     const QJsonArray array = value.toArray();
-    for (const QJsonValue &item : array) {
+    for (const QJsonValue item : array) {
         if (!item.isString())
             return std::nullopt;
         texts << item.toString();

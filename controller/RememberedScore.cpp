@@ -55,7 +55,7 @@ RememberedScore RememberedScore::fromJson(const QJsonObject &object)
     score.position = std::max(object[u"position"_s].toDouble(), 0.0);
     score.range = MarkedRange::fromMap(object[u"range"_s].toObject().toVariantMap());
     const QJsonArray list = object[u"tracks"_s].toArray();
-    for (const QJsonValue &track : list)
+    for (const QJsonValue track : list)
         score.tracks.append(trackFromJson(int(score.tracks.size()), track.toObject()));
     return score;
 }

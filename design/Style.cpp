@@ -169,7 +169,6 @@ int Style::pixelMetric(PixelMetric metric, const QStyleOption *option, const QWi
     case PM_ScrollBarExtent:
         return 12;
     case PM_SplitterWidth:
-        return 1;
     case PM_MenuPanelWidth: // no menu paints its edge without one
         return 1;
     case PM_MenuVMargin:
@@ -199,9 +198,6 @@ void Style::drawPrimitive(
         paintPopupFrame(*option, *painter);
         break;
     case PE_PanelTipLabel:
-        painter->fillRect(option->rect, Theme::colors(option->palette).popover);
-        paintPopupFrame(*option, *painter);
-        break;
     case PE_PanelMenu:
         painter->fillRect(option->rect, Theme::colors(option->palette).popover);
         // A menu lets its frame paint along the sides alone, which leaves the corners out.

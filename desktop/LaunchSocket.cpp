@@ -21,7 +21,7 @@ namespace {
 /// What says that a launch was taken.
 constexpr char taken = '+';
 /// More than any command line can hold.
-constexpr qint64 longestLaunch = 4 * 1024 * 1024;
+constexpr qint64 longestLaunch = qint64(4) * 1024 * 1024;
 
 QByteArray written(const Launch &launch)
 {
@@ -39,7 +39,7 @@ std::optional<Launch> understood(const QByteArray &line)
         return std::nullopt;
     Launch launch;
     const QJsonArray files = document[u"files"_s].toArray();
-    for (const QJsonValue &file : files)
+    for (const QJsonValue file : files)
         launch.files << QUrl(file.toString());
     launch.activationToken = document[u"token"_s].toString();
     return launch;
@@ -107,7 +107,8 @@ bool LaunchSocket::hand(const Launch &launch) const
         return false;
     socket.write(written(launch));
     char answer = 0;
-    return socket.waitForReadyRead(static_cast<int>(m_answerTimeout.count())) && socket.getChar(&answer) && answer == taken;
+    return socket.waitForReadyRead(static_cast<int>(m_answerTimeout.count())) && socket.getChar(&answer)
+        && answer == taken;
 }
 
 void LaunchSocket::takeConnection()

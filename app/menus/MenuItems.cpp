@@ -26,7 +26,7 @@ MenuItems::MenuItems(AlphaTabController &controller, QMenu &menu)
 {
 }
 
-QAction *MenuItems::pageKey(const QString &title, const QString &keys, std::function<void()> inPdf) const
+QAction *MenuItems::pageKey(const QString &title, const QString &keys, const std::function<void()> &inPdf) const
 {
     const QString key = keys.section(u' ', 0, 0);
     QAction *item = command(title, keys, [&controller = m_controller, key, inPdf] {

@@ -25,7 +25,7 @@ public:
     ///
     /// @param keys as QKeySequence::PortableText has them, apart by blanks; web/src/score-view/keys.js has the first
     /// @param inPdf what it does while a PDF is shown; without it, nothing
-    QAction *pageKey(const QString &title, const QString &keys, std::function<void()> inPdf = {}) const;
+    QAction *pageKey(const QString &title, const QString &keys, const std::function<void()> &inPdf = {}) const;
     /// An item that does something in the window.
     QAction *command(const QString &title, const QString &keys, std::function<void()> action) const;
     /// An item with a tick, which shows a property and sets it.

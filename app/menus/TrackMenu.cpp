@@ -7,7 +7,7 @@
 using namespace Qt::StringLiterals;
 
 TrackMenu::TrackMenu(AlphaTabController &controller, const QString &title, const QString &modifier,
-    std::function<bool(const TrackInfo &)> isOn, std::function<void(int id)> choose, QWidget *parent)
+    std::function<bool(const TrackInfo &)> isOn, const std::function<void(int id)> &choose, QWidget *parent)
     : QMenu(title, parent)
     , m_controller(controller)
     , m_isOn(std::move(isOn))

@@ -18,7 +18,7 @@ public:
     /// @param isOn whether the item has a tick
     /// @param choose called with a track's id
     TrackMenu(AlphaTabController &controller, const QString &title, const QString &modifier,
-        std::function<bool(const TrackInfo &)> isOn, std::function<void(int id)> choose, QWidget *parent);
+        std::function<bool(const TrackInfo &)> isOn, const std::function<void(int id)> &choose, QWidget *parent);
     ~TrackMenu() override;
 
 private:

@@ -58,13 +58,13 @@ void ViewMenu::addStaves(const MenuItems &items)
     QMenu *menu = addMenu(tr("Staves"));
     auto *group = new QActionGroup(menu);
     for (const auto &[kind, title] : kinds) {
-        QAction *item = menu->addAction(title, this, [this, kind = kind] { m_controller.staves = kind; });
+        QAction *item = menu->addAction(title, this, [this, chosen = kind] { m_controller.staves = chosen; });
         item->setCheckable(true);
         group->addAction(item);
-        m_controller.staves.observe(item, [item, kind = kind](ShownStaves shown) { item->setChecked(shown == kind); });
+        m_controller.staves.observe(item, [item, own = kind](ShownStaves shown) { item->setChecked(shown == own); });
     }
     QAction *next = items.command(tr("Next Staves"), u"T"_s, [this, kinds] {
-        const qsizetype now = qsizetype(m_controller.staves.value());
+        const auto now = qsizetype(m_controller.staves.value());
         m_controller.staves = kinds[(now + 1) % kinds.size()].first;
     });
     next->setAutoRepeat(false);

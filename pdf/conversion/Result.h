@@ -20,8 +20,8 @@ public:
         : m_content(std::in_place_index<0>, std::move(value))
     {
     }
-    Result(Failure failure)
-        : m_content(std::in_place_index<1>, std::move(failure))
+    Result(const Failure &failure)
+        : m_content(std::in_place_index<1>, failure)
     {
     }
 
