@@ -100,13 +100,13 @@ private Q_SLOTS:
         {
             const DesktopColorScheme scheme(connection("program"));
             QTRY_VERIFY(isDark());
-            QVERIFY(Theme::isDark(shown.palette()));
+            QTRY_VERIFY(Theme::isDark(shown.palette()));
             QCOMPARE(shown.palette().color(QPalette::Window), Theme::colors(shown.palette()).bar);
             // Other settings are not this one.
             Q_EMIT portal.SettingChanged(u"org.freedesktop.appearance"_s, u"contrast"_s, QDBusVariant(0U));
             portal.change(2);
             QTRY_VERIFY(!isDark());
-            QVERIFY(!Theme::isDark(shown.palette()));
+            QTRY_VERIFY(!Theme::isDark(shown.palette()));
             portal.change(1);
             QTRY_VERIFY(isDark());
             portal.change(0);
