@@ -16,6 +16,7 @@ import sys
 import tempfile
 import time
 
+from speedlab.asked import number_and_files
 from speedlab.processes import end
 from speedlab.programs import musescore, quaverly
 from speedlab.stillness import Film
@@ -53,8 +54,7 @@ def main():
         at = arguments.index("--keep")
         keep = arguments[at + 1]
         del arguments[at:at + 2]
-    launches = int(arguments.pop(0)) if arguments and arguments[0].isdigit() else 5
-    files = [os.path.abspath(name) for name in arguments]
+    launches, files = number_and_files(5, arguments)
     peers = [program for program in [musescore()] if program.present]
     folder = tempfile.mkdtemp(prefix="quaverly-bench-")
     try:

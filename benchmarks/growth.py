@@ -12,6 +12,7 @@ import os
 import statistics
 import sys
 
+from speedlab.asked import number_and_files
 from speedlab.driven import driven_window
 from speedlab.processes import memory
 
@@ -44,11 +45,9 @@ def measure(files):
 
 
 def main():
-    arguments = sys.argv[1:]
-    runs = int(arguments.pop(0)) if arguments and arguments[0].isdigit() else 3
-    if not arguments:
+    runs, files = number_and_files(3)
+    if not files:
         sys.exit(__doc__)
-    files = [os.path.abspath(name) for name in arguments]
     measured = []
     for _ in range(runs):
         playing, before, after = measure(files)

@@ -9,10 +9,10 @@ its main thread did not come to its turn.
 """
 
 import os
-import sys
 import time
 import wave
 
+from speedlab.asked import number_and_file
 from speedlab.driven import driven_window
 from speedlab.recordings import with_recording
 
@@ -29,13 +29,10 @@ def with_long_recording(source, target, megabytes):
 
 
 def main():
-    arguments = sys.argv[1:]
-    megabytes = int(arguments.pop(0)) if arguments and arguments[0].isdigit() else 60
-    if len(arguments) != 1:
-        sys.exit(__doc__)
+    megabytes, score = number_and_file(60, __doc__)
     with driven_window() as (window, folder):
         file = os.path.join(folder, "large.gp")
-        with_long_recording(os.path.abspath(arguments[0]), file, megabytes)
+        with_long_recording(score, file, megabytes)
         window.rest(3)
         began = time.monotonic()
         handed_over = window.tell(f"open {file}")

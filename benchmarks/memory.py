@@ -13,11 +13,11 @@ import contextlib
 import os
 import shutil
 import statistics
-import sys
 import tempfile
 import time
 
 from soundlab.room import SoundSystem
+from speedlab.asked import number_and_file
 from speedlab.driven import driven_window
 from speedlab.processes import end, family_time, memory
 from speedlab.programs import quaverly
@@ -98,11 +98,7 @@ def playing(file):
 
 
 def main():
-    arguments = sys.argv[1:]
-    runs = int(arguments.pop(0)) if arguments and arguments[0].isdigit() else 3
-    if len(arguments) != 1:
-        sys.exit(__doc__)
-    file = os.path.abspath(arguments[0])
+    runs, file = number_and_file(3, __doc__)
     rows = {}
     with tempfile.TemporaryDirectory(prefix="quaverly-bench-") as folder:
         long = os.path.join(folder, "long.musicxml")

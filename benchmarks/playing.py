@@ -16,6 +16,7 @@ import tempfile
 import time
 
 from soundlab.room import SoundSystem
+from speedlab.asked import number_and_file
 from speedlab.processes import end, family_time, memory
 from speedlab.programs import quaverly, tuxguitar
 from startup import Screen
@@ -61,11 +62,7 @@ def play(program, file, folder):
 
 
 def main():
-    arguments = sys.argv[1:]
-    runs = int(arguments.pop(0)) if arguments and arguments[0].isdigit() else 3
-    if len(arguments) != 1:
-        sys.exit(__doc__)
-    file = os.path.abspath(arguments[0])
+    runs, file = number_and_file(3, __doc__)
     folder = tempfile.mkdtemp(prefix="quaverly-bench-")
     try:
         print(f"Playing {os.path.basename(file)}, medians of {runs} runs")

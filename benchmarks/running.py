@@ -18,6 +18,7 @@ import tempfile
 import time
 
 from soundlab.room import SoundSystem, Window
+from speedlab.asked import number_and_files
 from speedlab.stillness import Film
 from startup import Screen
 
@@ -92,15 +93,14 @@ def redraw(desk, tracks, runs, where):
 
 
 def main():
-    arguments = sys.argv[1:]
-    runs = int(arguments.pop(0)) if arguments and arguments[0].isdigit() else 5
-    if not arguments:
+    runs, files = number_and_files(5)
+    if not files:
         sys.exit(__doc__)
     folder = tempfile.mkdtemp(prefix="quaverly-bench-")
     try:
         desk = Desk(folder)
         try:
-            measure(desk, [os.path.abspath(name) for name in arguments], runs)
+            measure(desk, files, runs)
         finally:
             desk.close()
     finally:
