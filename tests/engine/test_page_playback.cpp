@@ -175,6 +175,34 @@ private Q_SLOTS:
         }
     }
 
+    void aSeekRightBehindTheOpeningOfAnotherScoreCounts()
+    {
+        // The first score has a player at work by now: only the next one's has to come.
+        const qsizetype positions = m_session->count(u"position"_s);
+        m_session->call(BridgeCalls::loadBase64(EngineScores::musicXml({ .title = u"Other"_s, .bars = 4 })));
+        QVERIFY(m_session->waitForCount(u"position"_s, positions + 1));
+        QVERIFY(near(m_session->length(), 8000));
+        m_session->call(BridgeCalls::seekToTime(3000));
+        QVERIFY(m_session->waitFor([&] { return near(m_session->position(), 3000); }));
+        // Nothing that comes later takes it back.
+        play();
+        QVERIFY(waitForPosition(3500));
+        QVERIFY(m_session->position() < 5000);
+    }
+
+    void aSeekBeforeTheLengthIsKnownCounts()
+    {
+        const qsizetype scores = m_session->count(u"score"_s);
+        m_session->call(BridgeCalls::loadBase64(EngineScores::musicXml({ .title = u"Other"_s, .bars = 12 })));
+        QVERIFY(m_session->waitForCount(u"score"_s, scores + 1));
+        // Further on than the score before had any music.
+        m_session->call(BridgeCalls::seekToTime(20000));
+        QVERIFY(m_session->waitFor([&] { return near(m_session->position(), 20000); }));
+        play();
+        QVERIFY(waitForPosition(20500));
+        QVERIFY(near(m_session->length(), 24000));
+    }
+
     void settingsOutliveTheScore()
     {
         m_session->call(BridgeCalls::setSpeed(2.0));

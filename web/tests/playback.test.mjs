@@ -167,6 +167,50 @@ test("what the player still reports of the score before does not count", () => {
   assert.deepEqual([messages.at(-1).type, playback.tick], ["position", 5000]);
 });
 
+test("a seek before the score is loaded goes there when it is", () => {
+  const { playback, calls, names, load, position } = transport();
+  playback.leaveScore();
+  const before = calls.length;
+  playback.seekToTime(1e9);
+  playback.seekToTime(3000);
+  assert.equal(calls.length, before);
+  load();
+  assert.deepEqual(names("tick"), [5760]);
+  position(0, true); // where a player begins by itself
+  assert.equal(playback.tick, 5760);
+  load();
+  assert.equal(names("tick").length, 1);
+  playback.leaveScore();
+  playback.seekToTick(960);
+  load();
+  assert.equal(names("tick").at(-1), 960);
+});
+
+test("a seek for another score, or before a stop, is over", () => {
+  const { playback, names, load } = transport();
+  playback.leaveScore();
+  playback.seekToTime(3000);
+  playback.leaveScore();
+  load();
+  assert.deepEqual(names("tick"), []);
+  playback.leaveScore();
+  playback.seekToTime(3000);
+  playback.stop();
+  load();
+  assert.deepEqual(names("tick"), [0]);
+});
+
+test("a seek while another player takes over counts more than where the last one was", () => {
+  const { playback, state, position, names, load } = transport();
+  state(Playing);
+  position(5000);
+  playback.handOver();
+  playback.seekToTime(1000);
+  playback.handOver();
+  load();
+  assert.equal(names("tick").at(-1), 1920);
+});
+
 test("a range is looped only while looping is on, and a stop goes to its beginning either way", () => {
   const { playback, api, names } = transport();
   const range = { startTick: 960, endTick: 3840 };

@@ -32,8 +32,8 @@ export class Playback {
   #startWhenReady = false;
   /** Why the score cannot be played; empty when it can. */
   #problem = "";
-  /** @type {number | null} */
-  #resumeTick = null;
+  /** Where the player starts that is loading: a seek that comes before it has loaded would be lost. */
+  #resume = /** @type {{ tick: number } | { ms: number } | null} */ (null);
   #tick = 0;
   /** @type {number | null} */
   #awaitedTick = null;
@@ -151,7 +151,7 @@ export class Playback {
     this.#stale = true;
     this.#problem = "";
     this.#startWhenReady = false;
-    this.#resumeTick = null;
+    this.#resume = null;
     this.#awaitedTick = null;
     this.#sought = null;
     this.#tick = 0;
@@ -188,6 +188,7 @@ export class Playback {
   stop() {
     this.#startWhenReady = false;
     if (this.#api.score) {
+      this.#resume &&= { tick: this.#range?.startTick ?? 0 };
       this.#awaitedTick = null;
       this.#sought = null;
       this.#api.stop();
@@ -200,17 +201,31 @@ export class Playback {
 
   /** @param {number} ms of score time */
   seekToTime(ms) {
-    if (this.#api.score && Number.isFinite(ms)) {
-      this.#awaitedTick = null;
-      this.#sought = null;
-      const scoreMs = Math.min(Math.max(ms, 0), this.endTime);
-      this.#api.timePosition = scoreMs / this.#speed;
-      this.#prepareCountIn(this.#tempoMap.tickAt(scoreMs) - this.#tickShift);
+    if (!this.#api.score || !Number.isFinite(ms)) {
+      return;
     }
+    if (this.#stale) {
+      this.#resume = { ms };
+      return;
+    }
+    this.#awaitedTick = null;
+    this.#sought = null;
+    const scoreMs = this.#inScore(ms);
+    this.#api.timePosition = scoreMs / this.#speed;
+    this.#prepareCountIn(this.#tempoMap.tickAt(scoreMs) - this.#tickShift);
+  }
+
+  /** @param {number} ms */
+  #inScore(ms) {
+    return Math.min(Math.max(ms, 0), this.endTime);
   }
 
   /** @param {number} tick */
   seekToTick(tick) {
+    if (this.#stale) {
+      this.#resume = { tick };
+      return;
+    }
     this.#awaitedTick = null;
     this.#api.tickPosition = tick;
     this.#sought = tick;
@@ -302,7 +317,7 @@ export class Playback {
 
   /** To be called before another player takes over: it starts at this position, and goes on playing if this one did. */
   handOver() {
-    this.#resumeTick = this.#tick;
+    this.#resume ??= { tick: this.#tick };
     this.#startWhenReady ||= this.#playing;
     this.#stale = true;
     this.#setPlaying(false);
@@ -325,9 +340,10 @@ export class Playback {
 
   #onLoaded() {
     this.#stale = false;
-    const tick = this.#resumeTick;
-    if (tick !== null) {
-      this.#resumeTick = null;
+    const resume = this.#resume;
+    if (resume) {
+      this.#resume = null;
+      const tick = "tick" in resume ? resume.tick : this.#tempoMap.tickAt(this.#inScore(resume.ms)) - this.#tickShift;
       this.#tick = tick;
       this.#applyRange();
       // A player that took over reports the beginning before it has reached its position.
