@@ -2,11 +2,19 @@
 
 #include <QFileInfo>
 
+#include <future>
+#include <memory>
+
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
 constexpr qsizetype maximumRecents = 8;
+
+/// The disks' time to say which files are there. A file server that is gone would take minutes, and nobody sees a
+/// window before.
+constexpr auto diskTimeout = 250ms;
 
 const QString &recentsKey()
 {
@@ -20,6 +28,25 @@ QList<QUrl> without(QList<QUrl> files, const QString &path)
     return files;
 }
 
+QStringList thatExist(const QStringList &paths)
+{
+    QStringList found;
+    for (const QString &path : paths) {
+        if (found.size() < maximumRecents && QFileInfo::exists(path))
+            found << path;
+    }
+    return found;
+}
+
+/// All of them where no answer comes in time: one that is not there goes when it is opened.
+QStringList thatExistSoon(const QStringList &paths, const FileReading::Background &background)
+{
+    const auto found = std::make_shared<std::promise<QStringList>>();
+    std::future<QStringList> answer = found->get_future();
+    background([found, paths] { found->set_value(thatExist(paths)); });
+    return answer.wait_for(diskTimeout) == std::future_status::ready ? answer.get() : paths.mid(0, maximumRecents);
+}
+
 } // namespace
 
 void AlphaTabController::loadRecents()
@@ -27,10 +54,8 @@ void AlphaTabController::loadRecents()
     // The store keeps the paths that are missing now: the disk that holds them may come back.
     QList<QUrl> urls;
     const QStringList paths = m_surroundings.defaults->textList(recentsKey()).value_or(QStringList());
-    for (const QString &path : paths) {
-        if (urls.size() < maximumRecents && QFileInfo::exists(path))
-            urls << QUrl::fromLocalFile(path);
-    }
+    for (const QString &path : thatExistSoon(paths, m_surroundings.inBackground))
+        urls << QUrl::fromLocalFile(path);
     recentFiles = urls;
 }
 

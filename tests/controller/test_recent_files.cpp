@@ -76,6 +76,26 @@ private Q_SLOTS:
         QCOMPARE(names(back), (QStringList{ u"a.gp"_s, u"b.gp"_s, u"c.gp"_s }));
     }
 
+    void aDiskThatDoesNotAnswerKeepsNobodyWaiting()
+    {
+        TestSurroundings world;
+        QStringList paths;
+        for (int i = 1; i <= 9; ++i)
+            paths << world.path(u"%1.gp"_s.arg(i));
+        world.defaults()->setTextList(u"recentFiles"_s, paths);
+        QList<std::function<void()>> asked;
+        world.inBackground = [&asked](std::function<void()> work) { asked << std::move(work); };
+        {
+            const AlphaTabController c(world.make());
+            QCOMPARE(asked.size(), 1);
+            QCOMPARE(names(c).size(), 8);
+            QCOMPARE(names(c).constFirst(), u"1.gp"_s);
+            QCOMPARE(world.defaults()->textList(u"recentFiles"_s), paths);
+        }
+        // The answer may come when nobody is there any more.
+        asked.constFirst()();
+    }
+
     void aFolderCountsAsExisting()
     {
         TestSurroundings world;
