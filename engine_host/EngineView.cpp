@@ -1,10 +1,41 @@
 #include "engine_host/EngineView.h"
 
 #include <QChildEvent>
+#include <QCloseEvent>
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <QWebEnginePage>
 #include <QWebEngineProfile>
+
+namespace {
+
+class Inspector final : public QWebEngineView {
+public:
+    explicit Inspector(QWebEnginePage &inspected)
+    {
+        // A profile of its own: the page's interceptor would block the inspector's resources.
+        auto *profile = new QWebEngineProfile;
+        auto *tools = new QWebEnginePage(profile, this);
+        // A page has to go before its profile does.
+        profile->setParent(tools);
+        setPage(tools);
+        inspected.setDevToolsPage(tools);
+        setWindowTitle(EngineView::tr("Inspector"));
+        resize(1000, 600);
+        setAttribute(Qt::WA_QuitOnClose, false);
+        setAttribute(Qt::WA_DeleteOnClose);
+    }
+
+protected:
+    void closeEvent(QCloseEvent *event) override
+    {
+        // A page that stands at a breakpoint goes on.
+        page()->setInspectedPage(nullptr);
+        QWebEngineView::closeEvent(event);
+    }
+};
+
+} // namespace
 
 EngineView::EngineView(QWidget *parent)
     : QWebEngineView(parent)
@@ -41,16 +72,8 @@ void EngineView::contextMenuEvent(QContextMenuEvent *event)
 
 void EngineView::inspect()
 {
-    if (!m_inspector) {
-        // A window and a profile of its own: the page's interceptor would block the inspector's resources.
-        m_inspector = new QWebEngineView;
-        auto *profile = new QWebEngineProfile(m_inspector);
-        m_inspector->setPage(new QWebEnginePage(profile, m_inspector));
-        m_inspector->setWindowTitle(tr("Inspector"));
-        m_inspector->resize(1000, 600);
-        m_inspector->setAttribute(Qt::WA_QuitOnClose, false);
-        page()->setDevToolsPage(m_inspector->page());
-    }
+    if (!isInspected())
+        m_inspector = new Inspector(*page());
     m_inspector->show();
     m_inspector->raise();
     page()->triggerAction(QWebEnginePage::InspectElement);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QWebEngineView>
 
 /// The web view's behaviour as a widget: no drops of its own, no menu but "Inspect", the palette's window colour behind
@@ -23,5 +24,6 @@ protected:
 private:
     void inspect();
 
-    QWebEngineView *m_inspector = nullptr;
+    /// Ends when it is closed.
+    QPointer<QWebEngineView> m_inspector;
 };

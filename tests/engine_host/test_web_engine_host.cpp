@@ -1,5 +1,6 @@
 #include "engine_host/AlphaTabWebView.h"
 #include "engine_host/EnginePage.h"
+#include "engine_host/EngineView.h"
 #include "engine_host/WebEngineHost.h"
 #include "engine_host/bridge/MessageReceiver.h"
 #include "engine_host/bridge/ScriptHandler.h"
@@ -265,6 +266,35 @@ private Q_SLOTS:
         QCOMPARE(menu->actions().size(), 1);
         QCOMPARE(menu->actions().constFirst()->text(), u"Inspect"_s);
         m_host->view()->findChild<QMenu *>()->close();
+    }
+
+    void theInspectorIsAWindowOfItsOwn()
+    {
+        const auto inspector = []() -> QWebEngineView * {
+            for (QWidget *window : QApplication::topLevelWidgets()) {
+                if (window->isVisible() && window->windowTitle() == "Inspector"_L1)
+                    return qobject_cast<QWebEngineView *>(window);
+            }
+            return nullptr;
+        };
+        const auto *view = qobject_cast<EngineView *>(m_host->view());
+        for (int time = 1; time <= 2; ++time) {
+            QVERIFY(!view->isInspected());
+            QTest::mouseClick(view->focusProxy(), Qt::RightButton);
+            QMenu *menu = nullptr;
+            QTRY_VERIFY((menu = view->findChild<QMenu *>()));
+            menu->actions().constFirst()->trigger();
+            menu->close();
+            QTRY_VERIFY(!view->findChild<QMenu *>());
+            QVERIFY(inspector());
+            QVERIFY(view->isInspected());
+            QTRY_COMPARE(inspector()->url().scheme(), u"devtools"_s);
+            QTRY_VERIFY(!inspector()->page()->isLoading());
+            QCOMPARE(inspector()->page()->inspectedPage(), m_host->page());
+            QVERIFY(inspector()->close());
+            QVERIFY(!m_host->page()->devToolsPage());
+        }
+        QVERIFY(!view->isInspected());
     }
 
     void theSnapshotShowsThePage()
