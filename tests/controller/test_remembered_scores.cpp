@@ -270,6 +270,22 @@ private Q_SLOTS:
         QVERIFY(!one.controller.countIn);
     }
 
+    void aFileThatCouldNotBeOpenedGetsNothingOfTheScore()
+    {
+        TestSurroundings world;
+        Launched one(world);
+        one.controller.rememberScores = true;
+        one.open(u"a.gp"_s, "a");
+        one.controller.load(world.file(u"b.gp"_s, "b"));
+        one.controller.handle({ { u"type"_s, u"error"_s }, { u"message"_s, u"No score."_s } });
+        // The page tells of the same score once more: its recording cannot be played.
+        one.controller.handle({ { u"type"_s, u"score"_s }, { u"title"_s, u"Song"_s } });
+        one.practise();
+        one.open(u"c.gp"_s, "c");
+        QVERIFY(!world.scoreMemory()->recall(ScoreMemory::keyFor("b")));
+        QCOMPARE(world.scoreMemory()->recall(ScoreMemory::keyFor("a"))->position, 61000.0);
+    }
+
     void aPageThatIsLoadedAnewBringsBackWhatItShowed()
     {
         TestSurroundings world;

@@ -48,6 +48,19 @@ private Q_SLOTS:
         QTRY_COMPARE(QApplication::activeWindow(), &panel);
         QCOMPARE(KeyWindow::find(), &panel);
     }
+
+    void withoutTheFocusItIsNoPanel()
+    {
+        QWidget panel(nullptr, Qt::Tool);
+        panel.setAttribute(Qt::WA_ShowWithoutActivating);
+        panel.show();
+        QVERIFY(!QApplication::activeWindow());
+        QVERIFY(!KeyWindow::find());
+        QMainWindow window;
+        window.setAttribute(Qt::WA_ShowWithoutActivating);
+        window.show();
+        QCOMPARE(KeyWindow::find(), &window);
+    }
 };
 
 QTEST_MAIN(TestSystemSurroundings)

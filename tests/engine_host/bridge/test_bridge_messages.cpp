@@ -70,6 +70,7 @@ private Q_SLOTS:
             QVariantMap{ { u"index"_s, 2.0 } },
             QVariantMap{ { u"index"_s, 2.5 }, { u"name"_s, u"between"_s } },
             QVariantMap{ { u"index"_s, u"3"_s } },
+            QVariantMap{ { u"index"_s, 1e10 }, { u"name"_s, u"beyond"_s } },
             QVariantMap{ { u"index"_s, 5 }, { u"name"_s, 5 } },
         };
         const auto score = parsedAs<Score>({ { u"type"_s, u"score"_s }, { u"tracks"_s, entries } });

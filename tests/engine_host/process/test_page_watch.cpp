@@ -3,6 +3,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 class TestPageWatch final : public QObject {
@@ -65,6 +66,34 @@ private Q_SLOTS:
         QTest::qWait(20);
         QCOMPARE(late.size(), 0);
         QCOMPARE(again.size(), 0);
+    }
+
+    void theNextQuestionCountsBehindAnAnswerOfThePageBefore()
+    {
+        PageWatch watch(1ms, 1h);
+        QSignalSpy late(&watch, &PageWatch::notAnswering);
+        watch.start();
+        watch.answered();
+        watch.asked();
+        QTRY_COMPARE(late.size(), 1);
+    }
+
+    void aPageThatWorksItsWayThroughHasTimeForEachQuestion()
+    {
+        PageWatch watch(300ms, 1h);
+        PageWatch idle(300ms, 1h);
+        QStringList late;
+        connect(&watch, &PageWatch::notAnswering, this, [&late] { late << u"the one that answers"_s; });
+        connect(&idle, &PageWatch::notAnswering, this, [&late] { late << u"the other"_s; });
+        watch.start();
+        idle.start();
+        watch.asked();
+        watch.asked();
+        QTest::qWait(60);
+        idle.asked();
+        QTest::qWait(60);
+        watch.answered();
+        QTRY_COMPARE(late, (QStringList{ u"the other"_s, u"the one that answers"_s }));
     }
 
     void nothingIsWatchedBeforeThereIsAPage()
