@@ -1,10 +1,12 @@
 #include "engine_host/ScorePrinting.h"
 
 #include "engine_host/EnginePage.h"
-#include "engine_host/EngineView.h"
+#include "engine_host/PaperPrinting.h"
 #include "engine_host/bridge/PageReports.h"
 
-#include <QPrinter>
+#include <QRectF>
+#include <QSizeF>
+#include <QThread>
 
 #include <cmath>
 #include <utility>
@@ -24,20 +26,24 @@ QSizeF roomOn(const QPageLayout &layout)
 
 } // namespace
 
-ScorePrinting::ScorePrinting(EngineView &view, EnginePage &page, PageReports &reports)
-    : m_view(view)
-    , m_page(page)
+ScorePrinting::ScorePrinting(EnginePage &page, PageReports &reports)
+    : m_page(page)
     , m_reports(reports)
 {
     connect(&m_reports, &PageReports::printPrepared, this, &ScorePrinting::prepared);
-    connect(&m_view, &QWebEngineView::printFinished, this, [this](bool succeeded) {
-        if (m_job && m_job->target.printer)
-            end({ succeeded, {} });
+    connect(&m_page, &QWebEnginePage::renderProcessTerminated, this, [this] {
+        // A document that is there already needs no page.
+        if (!m_drawing)
+            end({});
     });
-    connect(&m_page, &QWebEnginePage::renderProcessTerminated, this, [this] { end({}); });
 }
 
-ScorePrinting::~ScorePrinting() = default;
+ScorePrinting::~ScorePrinting()
+{
+    // Whoever ends the program behind an order to print still wants the paper.
+    if (m_drawing)
+        m_drawing->wait();
+}
 
 void ScorePrinting::print(const PrintTarget &target, Printed printed)
 {
@@ -59,15 +65,29 @@ void ScorePrinting::prepared(bool succeeded)
         return;
     }
     m_job->prepared = true;
-    if (QPrinter *printer = m_job->target.printer.get()) {
-        // Chromium would put margins of its own into the pages, but not where the printer has the whole paper. They are
-        // painted later, and then where the paper's margins end.
-        printer->setFullPage(true);
-        m_view.print(printer);
-        printer->setFullPage(false);
+    m_page.printToPdf([this](const QByteArray &pdf) { arrived(pdf); }, m_job->target.layout);
+}
+
+void ScorePrinting::arrived(const QByteArray &pdf)
+{
+    if (!m_job || m_drawing)
+        return;
+    const std::shared_ptr<QPrinter> printer = m_job->target.printer;
+    if (pdf.isEmpty() || !printer) {
+        end({ !pdf.isEmpty(), pdf });
         return;
     }
-    m_page.printToPdf([this](const QByteArray &pdf) { end({ !pdf.isEmpty(), pdf }); }, m_job->target.layout);
+    // Not by QWebEngineView::print(): which margins it gives the pages, and onto which part of the paper it then paints
+    // them, changes from one version of Qt to the next.
+    m_reports.endPrint();
+    const auto succeeded = std::make_shared<bool>(false);
+    m_drawing.reset(QThread::create([pdf, printer, succeeded] { *succeeded = PaperPrinting::print(pdf, *printer); }));
+    connect(m_drawing.get(), &QThread::finished, this, [this, succeeded] {
+        m_drawing->wait();
+        m_drawing.release()->deleteLater();
+        end({ *succeeded, {} });
+    });
+    m_drawing->start();
 }
 
 void ScorePrinting::end(const PrintResult &result)

@@ -5,11 +5,12 @@
 #include <QObject>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 class EnginePage;
-class EngineView;
 class PageReports;
+class QThread;
 
 /// Has the page lay its score out on pages of paper, and prints those.
 class ScorePrinting final : public QObject {
@@ -19,7 +20,7 @@ class ScorePrinting final : public QObject {
 public:
     using Printed = std::function<void(const PrintResult &)>;
 
-    ScorePrinting(EngineView &view, EnginePage &page, PageReports &reports);
+    ScorePrinting(EnginePage &page, PageReports &reports);
     ~ScorePrinting() override;
 
     /// Calls `printed` when it is done; at once where something is being printed already.
@@ -34,10 +35,12 @@ private:
     };
 
     void prepared(bool succeeded);
+    void arrived(const QByteArray &pdf);
     void end(const PrintResult &result);
 
-    EngineView &m_view;
     EnginePage &m_page;
     PageReports &m_reports;
     std::optional<Job> m_job;
+    /// Draws the pages for a printer.
+    std::unique_ptr<QThread> m_drawing;
 };

@@ -82,7 +82,7 @@ WebEngineHost::WebEngineHost(ScriptHandler &scriptHandler, const std::optional<Q
     watchPage();
     takeReports();
     m_view->setPage(m_page.get());
-    m_printing = std::make_unique<ScorePrinting>(*m_view, *m_page, *m_reports);
+    m_printing = std::make_unique<ScorePrinting>(*m_page, *m_reports);
     connect(qApp, &QCoreApplication::aboutToQuit, this, &WebEngineHost::shutDown);
 }
 
