@@ -1,5 +1,6 @@
 #include "engine_host/AlphaTabWebView.h"
 
+#include <QKeyEvent>
 #include <QVBoxLayout>
 
 AlphaTabWebView::AlphaTabWebView(QWidget *webView, QWidget *parent)
@@ -19,3 +20,7 @@ AlphaTabWebView::~AlphaTabWebView()
 }
 
 QWidget *AlphaTabWebView::webView() const { return m_webView; }
+
+/// Chromium gives back what the page has left, some time later. Everybody has been offered that key: it ends here, or
+/// whoever passes keys on to the page would pass it on again, for ever.
+void AlphaTabWebView::keyPressEvent(QKeyEvent *event) { event->accept(); }

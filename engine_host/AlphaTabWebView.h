@@ -17,6 +17,9 @@ public:
 
     QWidget *webView() const;
 
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
 private:
     QPointer<QWidget> m_webView;
 };

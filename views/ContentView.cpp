@@ -26,6 +26,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -79,6 +80,14 @@ AlertText alertText(const QString &error)
     const qsizetype between = advises ? last : error.size();
     return { error.left(end) + (advises ? error.sliced(last) : QString()),
         error.sliced(end + gap.size(), std::max<qsizetype>(between - end - gap.size(), 0)) };
+}
+
+bool isModifier(int key)
+{
+    constexpr std::array modifiers{ Qt::Key_Shift, Qt::Key_Control, Qt::Key_Meta, Qt::Key_Alt, Qt::Key_AltGr,
+        Qt::Key_CapsLock, Qt::Key_NumLock, Qt::Key_ScrollLock, Qt::Key_Super_L, Qt::Key_Super_R, Qt::Key_Hyper_L,
+        Qt::Key_Hyper_R };
+    return std::ranges::find(modifiers, key) != modifiers.end();
 }
 
 std::optional<QUrl> firstOpenable(const QMimeData &data)
@@ -242,14 +251,15 @@ void ContentView::leadKeysTo(QWidget *reader)
         setFocus();
 }
 
-/// A key that the control with the focus has left.
+/// A key that the control with the focus has left. A modifier alone scrolls nothing; and given back by Chromium behind
+/// the key that it goes with, Alt would open the menus.
 void ContentView::keyPressEvent(QKeyEvent *event)
 {
     QWidget *reader = this;
     while (reader->focusProxy())
         reader = reader->focusProxy();
-    // What the reader does not want comes back here.
-    if (m_passingKeyOn || reader == this || reader->hasFocus()) {
+    // What the view of PDF pages does not want comes back here at once.
+    if (m_passingKeyOn || reader == this || reader->hasFocus() || isModifier(event->key())) {
         QWidget::keyPressEvent(event);
         return;
     }

@@ -1,6 +1,8 @@
+#include "engine_host/AlphaTabWebView.h"
 #include "engine_host/bridge/BridgeCalls.h"
 #include "tests/engine/EngineScores.h"
 #include "tests/engine/SheetTest.h"
+#include "tests/support/KeyRecorder.h"
 
 #include <QWidget>
 
@@ -276,6 +278,23 @@ private Q_SLOTS:
         QVERIFY(m_session->waitFor([&] { return scrolled() > 300; }));
         QTest::keyClick(target(), Qt::Key_Home);
         QVERIFY(m_session->waitFor([&] { return scrolled() == 0; }));
+    }
+
+    void whatThePageHasNoUseForEndsAtItsPlace()
+    {
+        QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 2 })));
+        QWidget around;
+        KeyRecorder reachesAround(around);
+        AlphaTabWebView place(m_session->host().view(), &around);
+        KeyRecorder reachesPlace(place);
+        around.show();
+        m_session->call(u"window.seen = ''; addEventListener('keydown', ({ key }) => (window.seen += key))"_s);
+        // Chromium gives the first one back before it hands the page the second.
+        for (const Qt::Key key : { Qt::Key_X, Qt::Key_Y })
+            QTest::keyClick(target(), key);
+        QVERIFY(m_session->waitFor([&] { return m_session->valueOf(u"window.seen"_s).toString() == u"xy"; }));
+        QVERIFY(reachesPlace.keys.contains(Qt::Key_X));
+        QVERIFY(reachesAround.keys.isEmpty());
     }
 
     void aClickOnABeatGoesThere()

@@ -2,6 +2,7 @@
 #include "engine_host/AlphaTabWebView.h"
 #include "pdf/viewing/PDFSheetView.h"
 #include "pdf/viewing/PageList.h"
+#include "tests/support/KeyRecorder.h"
 #include "tests/support/Report.h"
 #include "tests/support/TestPDFs.h"
 #include "tests/views/ShownWindow.h"
@@ -43,17 +44,29 @@ QString loading(const QByteArray &bytes)
     return u"window.qv.loadBase64('%1')"_s.arg(QString::fromLatin1(bytes.toBase64()));
 }
 
-/// The keys that a widget is given.
-class KeyRecorder final : public QObject {
+/// Does with keys what a page of Chromium does with those that it has no use for.
+class GivesKeysBack final : public QObject {
 public:
-    explicit KeyRecorder(QWidget &watched) { watched.installEventFilter(this); }
+    explicit GivesKeysBack(QWidget &page)
+        : m_page(page)
+    {
+        page.installEventFilter(this);
+    }
     bool eventFilter(QObject *, QEvent *event) override
     {
-        if (event->type() == QEvent::KeyPress)
-            keys << static_cast<QKeyEvent *>(event)->key();
-        return false;
+        if (event->type() != QEvent::KeyPress)
+            return false;
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        const auto giveBack = [this, key] {
+            QKeyEvent again(QEvent::KeyPress, key, Qt::NoModifier);
+            QCoreApplication::sendEvent(m_page.parentWidget(), &again);
+        };
+        QMetaObject::invokeMethod(&m_page, giveBack, Qt::QueuedConnection);
+        return true;
     }
-    QList<int> keys;
+
+private:
+    QWidget &m_page;
 };
 
 template <typename T> T *shown(const ShownWindow &w)
@@ -208,6 +221,36 @@ private Q_SLOTS:
             QTest::keyClick(stop, key);
         QCOMPARE(score.keys, (QList<int>{ Qt::Key_PageDown, Qt::Key_End }));
         QCOMPARE(w.window.focusWidget(), stop);
+    }
+
+    void aKeyThatThePageGivesBackIsNotPassedOnAgain()
+    {
+        ShownWindow w;
+        w.score(u"Song"_s, { u"Guitar"_s });
+        QWidget &web = *w.controller.webView();
+        const GivesKeysBack chromium(web);
+        KeyRecorder score(web);
+        auto *stop = w.control(u"Stop"_s);
+        QVERIFY(stop);
+        stop->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(stop, Qt::Key_X);
+        // Behind everything that the key has brought about, and what that brings about.
+        for (int turn = 0; turn < 5; ++turn)
+            QCoreApplication::processEvents();
+        QCOMPARE(score.keys, QList<int>{ Qt::Key_X });
+    }
+
+    void aModifierAloneIsNotPassedOn()
+    {
+        ShownWindow w;
+        w.score(u"Song"_s, { u"Guitar"_s });
+        KeyRecorder score(*w.controller.webView());
+        auto *stop = w.control(u"Stop"_s);
+        QVERIFY(stop);
+        stop->setFocus(Qt::TabFocusReason);
+        for (const Qt::Key key : { Qt::Key_Alt, Qt::Key_Shift, Qt::Key_Control, Qt::Key_Super_L, Qt::Key_PageUp })
+            QTest::keyClick(stop, key);
+        QCOMPARE(score.keys, QList<int>{ Qt::Key_PageUp });
     }
 
     void keysScrollThePagesAfterAClickInTheirSidebar()
