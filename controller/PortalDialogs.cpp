@@ -2,7 +2,6 @@
 
 #include "controller/FileDialogs.h"
 #include "controller/KeyWindow.h"
-#include "controller/PortalRequest.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
@@ -99,9 +98,11 @@ public:
 
 } // namespace
 
-PortalDialogs::PortalDialogs(const QDBusConnection &bus, std::unique_ptr<Dialogs> otherwise)
+PortalDialogs::PortalDialogs(
+    const QDBusConnection &bus, std::unique_ptr<Dialogs> otherwise, const PortalRequest::Timeouts &timeouts)
     : m_bus(bus)
     , m_otherwise(std::move(otherwise))
+    , m_timeouts(timeouts)
 {
     qDBusRegisterMetaType<PortalPattern>();
     qDBusRegisterMetaType<QList<PortalPattern>>();
@@ -142,7 +143,7 @@ std::optional<QUrl> PortalDialogs::chooseFileToSave(const QString &proposedName,
 
 PortalDialogs::Answer PortalDialogs::ask(const QString &method, const QString &title, QVariantMap options)
 {
-    if (!m_bus.isConnected())
+    if (!m_bus.isConnected() || m_tookTooLong)
         return {};
     const QString token = u"quaverly%1"_s.arg(++m_requests);
     options.insert(u"handle_token"_s, token);
@@ -150,9 +151,10 @@ PortalDialogs::Answer PortalDialogs::ask(const QString &method, const QString &t
     QDBusMessage call = QDBusMessage::createMethodCall(u"org.freedesktop.portal.Desktop"_s,
         u"/org/freedesktop/portal/desktop"_s, u"org.freedesktop.portal.FileChooser"_s, method);
     call << parentName() << title << options;
-    PortalRequest request(m_bus, token);
+    PortalRequest request(m_bus, token, m_timeouts);
     const Blocker blocker;
     const std::optional<QVariantMap> results = request.run(call);
+    m_tookTooLong = request.tookTooLong();
     if (!results)
         return {};
     const QStringList uris = results->value(u"uris"_s).toStringList();

@@ -1,17 +1,19 @@
 #pragma once
 
 #include "controller/Dialogs.h"
+#include "controller/PortalRequest.h"
 
 #include <QDBusConnection>
 #include <QVariantMap>
 
 #include <memory>
 
-/// The desktop's own panels, through its portal (org.freedesktop.portal.FileChooser). Where no portal answers they are
-/// those of another kind.
+/// The desktop's own panels, through its portal (org.freedesktop.portal.FileChooser). Where no portal shows one
+/// they are those of another kind.
 class PortalDialogs final : public Dialogs {
 public:
-    PortalDialogs(const QDBusConnection &bus, std::unique_ptr<Dialogs> otherwise);
+    PortalDialogs(
+        const QDBusConnection &bus, std::unique_ptr<Dialogs> otherwise, const PortalRequest::Timeouts &timeouts = {});
     ~PortalDialogs() override;
 
     /// Whether the user leaves the choice of the panels to the program.
@@ -36,5 +38,8 @@ private:
 
     QDBusConnection m_bus;
     const std::unique_ptr<Dialogs> m_otherwise;
+    const PortalRequest::Timeouts m_timeouts;
     int m_requests = 0;
+    /// A portal that has made the user wait for nothing is not asked again.
+    bool m_tookTooLong = false;
 };

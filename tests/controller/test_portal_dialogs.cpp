@@ -13,10 +13,12 @@
 #include <QTest>
 #include <QTimer>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 /// The desktop's portal with one panel.
 class Chooser final : public QObject {
@@ -48,6 +50,9 @@ public:
     /// As portals before version 0.9 do, which choose the name themselves.
     bool namesRequestsItself = false;
     bool goesAway = false;
+    bool showsNothing = false;
+    bool saysNothing = false;
+    int asked = 0;
 
 public Q_SLOTS:
     // NOLINTBEGIN: the names are the bus's
@@ -65,14 +70,21 @@ private:
     QDBusObjectPath show(
         const QString &called, const QString &name, const QVariantMap &wanted, const QDBusMessage &call)
     {
+        ++asked;
         method = called;
         title = name;
+        if (saysNothing) {
+            call.setDelayedReply(true);
+            return {};
+        }
         options = wanted;
         const QString sender = call.service().mid(1).replace(u'.', u'_');
         const QString token = namesRequestsItself ? u"own"_s : wanted[u"handle_token"_s].toString();
         const QString path = u"/org/freedesktop/portal/desktop/request/"_s + sender + u'/' + token;
         QTimer::singleShot(20, this, [this, path] {
             open();
+            if (showsNothing)
+                return;
             if (goesAway) {
                 bus.unregisterService(service());
                 return;
@@ -178,6 +190,55 @@ private Q_SLOTS:
         Chooser chooser(connection());
         chooser.goesAway = true;
         QVERIFY(!m_dialogs->chooseFileToOpen({ u"gp"_s }));
+    }
+
+    void aPanelThatCannotBeShownIsReplaced()
+    {
+        QWidget window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        Chooser chooser(connection());
+        chooser.response = 2;
+        QCOMPARE(m_dialogs->chooseFileToOpen({ u"gp"_s }), QUrl(u"file:///otherwise.gp"_s));
+        QCOMPARE(m_dialogs->chooseFileToSave(u"x.gp"_s, u"gp"_s), QUrl(u"file:///otherwise.gp"_s));
+        chooser.goesAway = true;
+        QCOMPARE(m_dialogs->chooseFileToOpen({ u"gp"_s }), QUrl(u"file:///otherwise.gp"_s));
+        QCOMPARE(chooser.asked, 3);
+    }
+
+    void aPanelThatWasSeenAndClosedIsNotReplaced()
+    {
+        QWidget window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        Chooser chooser(connection());
+        chooser.response = 2;
+        chooser.open = [] { Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationInactive); };
+        QVERIFY(!m_dialogs->chooseFileToOpen({ u"gp"_s }));
+        QCOMPARE(m_otherwise->opened, 0);
+    }
+
+    void aPanelThatDoesNotComeIsWaitedForOnce()
+    {
+        QWidget window;
+        window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        Chooser chooser(connection());
+        chooser.showsNothing = true;
+        PortalDialogs dialogs(connection(), std::make_unique<ScriptedDialogs>(m_otherwise), { .panel = 50ms });
+        QCOMPARE(dialogs.chooseFileToOpen({ u"gp"_s }), QUrl(u"file:///otherwise.gp"_s));
+        QCOMPARE(dialogs.chooseFileToOpen({ u"gp"_s }), QUrl(u"file:///otherwise.gp"_s));
+        QCOMPARE(chooser.asked, 1);
+    }
+
+    void aPortalThatSaysNothingIsWaitedForOnce()
+    {
+        Chooser chooser(connection());
+        chooser.saysNothing = true;
+        PortalDialogs dialogs(connection(), std::make_unique<ScriptedDialogs>(m_otherwise), { .answer = 50ms });
+        QCOMPARE(dialogs.chooseFileToOpen({ u"gp"_s }), QUrl(u"file:///otherwise.gp"_s));
+        QCOMPARE(dialogs.chooseFileToOpen({ u"gp"_s }), QUrl(u"file:///otherwise.gp"_s));
+        QCOMPARE(chooser.asked, 1);
     }
 
     void theWindowTakesNothingMeanwhile()
