@@ -63,10 +63,12 @@ class Driver:
         self.sheets = sorted((build / "tests" / "sheets").glob("*.pdf"))[:4]
         self.scores = scores + recordings
         self.done, self.faults, self.memory = {}, [], []
+        # What was done since the last look at everything.
+        self.trail = []
 
     def fault(self, text):
         self.faults.append(text)
-        print(f"FAULT {text}", flush=True)
+        print(f"FAULT {text}\n  behind: {', '.join(self.trail)}", flush=True)
 
     # What can be done, with how often it is.
 
@@ -136,10 +138,12 @@ class Driver:
                resize: 6, wait_a_little: 16, kill_the_page: 1, kill_the_audio_service: 1, stop_the_sound_server: 3}
 
     def drive(self, seconds):
+        self.trail.clear()
         end = time.monotonic() + seconds
         while time.monotonic() < end:
             action = self.random.choices(list(self.actions), list(self.actions.values()))[0]
             self.done[action.__name__] = self.done.get(action.__name__, 0) + 1
+            self.trail.append(action.__name__)
             action(self)
 
     def settle(self):
@@ -170,7 +174,9 @@ class Driver:
             self.fault(f"the window is at {window.state()['time']:.0f} ms after a seek to {half:.0f} ms")
         window.do("js", "window.qv.playPause()")
         if not window.wait(lambda state: state["playing"] and state["time"] > half + 500, 15):
-            self.fault("the music does not go on from where it was put")
+            state = window.state()
+            self.fault(f"the music does not go on from {half:.0f} ms, where it was put, but is at {state['time']:.0f} ms"
+                       f" and {'plays' if state['playing'] else 'stands still'}")
         window.do("js", "window.qv.stop()")
         if not window.wait(lambda state: not state["playing"], 10):
             self.fault("the playback does not stop after it was compared")
