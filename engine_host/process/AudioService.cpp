@@ -1,7 +1,6 @@
 #include "engine_host/process/AudioService.h"
 
-#include <QDir>
-#include <QFile>
+#include "engine_host/process/RunningProcess.h"
 
 #include <csignal>
 
@@ -9,15 +8,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QByteArray read(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 bool isAudioService(qint64 process)
 {
-    return read(u"/proc/%1/cmdline"_s.arg(process)).contains("--utility-sub-type=audio.mojom.AudioService");
+    return RunningProcess::read(process, u"cmdline"_s).contains("--utility-sub-type=audio.mojom.AudioService");
 }
 
 } // namespace
@@ -26,17 +19,11 @@ namespace AudioService {
 
 qint64 of(qint64 process)
 {
-    const QDir tasks(u"/proc/%1/task"_s.arg(process));
-    for (const QString &thread : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        for (const QByteArray &number : read(tasks.filePath(thread) + u"/children"_s).simplified().split(' ')) {
-            const qint64 child = number.toLongLong();
-            if (child == 0)
-                continue;
-            if (isAudioService(child))
-                return child;
-            if (const qint64 found = of(child); found != 0)
-                return found;
-        }
+    for (const qint64 child : RunningProcess::children(process)) {
+        if (isAudioService(child))
+            return child;
+        if (const qint64 found = of(child); found != 0)
+            return found;
     }
     return 0;
 }

@@ -1,7 +1,6 @@
 #include "engine_host/process/AudioThreads.h"
 
-#include <QDir>
-#include <QFile>
+#include "engine_host/process/RunningProcess.h"
 
 #include <algorithm>
 #include <array>
@@ -31,26 +30,16 @@ std::optional<Work> workOf(QByteArrayView name)
     return known == names.end() ? std::nullopt : std::optional(known->work);
 }
 
-QByteArray read(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray();
-}
-
 } // namespace
 
 QList<AudioThread> AudioThreads::of(qint64 process)
 {
     QList<AudioThread> found;
-    const QDir tasks(u"/proc/%1/task"_s.arg(process));
-    for (const QString &thread : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        const QString folder = tasks.filePath(thread);
-        if (const auto work = workOf(read(folder + u"/comm"_s)))
-            found << AudioThread{ process, thread.toLongLong(), *work };
-        for (const QByteArray &child : read(folder + u"/children"_s).split(' ')) {
-            if (!child.isEmpty())
-                found << of(child.toLongLong());
-        }
+    for (const qint64 thread : RunningProcess::threads(process)) {
+        if (const auto work = workOf(RunningProcess::read(process, u"task/%1/comm"_s.arg(thread)).trimmed()))
+            found << AudioThread{ process, thread, *work };
     }
+    for (const qint64 child : RunningProcess::children(process))
+        found << of(child);
     return found;
 }
