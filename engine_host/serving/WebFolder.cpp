@@ -10,7 +10,7 @@ namespace WebFolder {
 std::optional<QString> find(const QString &programFolder)
 {
     for (const QString &place : { u"/web"_s, u"/../share/quaverly/web"_s }) {
-        const QString folder = QDir::cleanPath(programFolder + place);
+        QString folder = QDir::cleanPath(programFolder + place);
         if (QFileInfo(folder).isDir())
             return folder;
     }

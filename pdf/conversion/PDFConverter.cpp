@@ -75,7 +75,7 @@ Result<PageImages> writePages(PageRasters &pages, const WorkingFolder &folder, c
     for (int index = 0; index < pages.count(); ++index) {
         if (report)
             report({ .page = index + 1, .pages = pages.count() });
-        Result<std::optional<GrayBitmap>> page = pages.render(index, std::move(storage));
+        Result<std::optional<GrayBitmap>> page = pages.render(index, std::exchange(storage, {}));
         if (!page)
             return page.failure();
         std::optional<GrayBitmap> bitmap = *std::move(page);

@@ -201,7 +201,7 @@ namespace PDFConverter {
 
 std::optional<Failure> writePNG(const GrayBitmap &bitmap, const QString &path)
 {
-    const Failure cannotEncode{ QCoreApplication::translate("PDFConverter", "Could not encode a page image.") };
+    Failure cannotEncode{ QCoreApplication::translate("PDFConverter", "Could not encode a page image.") };
     if (!isBitmap(bitmap))
         return cannotEncode;
     const std::vector<Piece> pieces = compress(bitmap);

@@ -34,7 +34,7 @@ QRect drawnBoxAround(const QRectF &media)
 {
     const Span across = wholeUnits(media.left(), media.right());
     const Span upwards = wholeUnits(media.top(), media.bottom());
-    return QRect(across.first, upwards.first, across.length, upwards.length);
+    return { across.first, upwards.first, across.length, upwards.length };
 }
 
 QPDFObjectHandle boxArray(const QRect &box)
@@ -109,7 +109,7 @@ QByteArray fileOf(QPDF &document)
     writer.setStreamDataMode(qpdf_s_preserve);
     writer.write();
     const std::shared_ptr<Buffer> bytes = writer.getBufferSharedPointer();
-    return QByteArray(reinterpret_cast<const char *>(bytes->getBuffer()), qsizetype(bytes->getSize()));
+    return { reinterpret_cast<const char *>(bytes->getBuffer()), qsizetype(bytes->getSize()) };
 }
 
 } // namespace

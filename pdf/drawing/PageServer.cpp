@@ -19,7 +19,7 @@ void endAfter(qint32 limit)
 {
     itimerval timer{};
     timer.it_value.tv_sec = limit / 1000;
-    timer.it_value.tv_usec = (limit % 1000) * 1000;
+    timer.it_value.tv_usec = limit % 1000 * 1000L;
     ::setitimer(ITIMER_REAL, &timer, nullptr);
 }
 

@@ -190,8 +190,9 @@ int main(int argc, char *argv[])
     std::array<int, 2> output{ -1, -1 };
     std::array<int, 2> failure{ -1, -1 };
     Engine engine;
-    if (signals < 0 || ::pipe2(output.data(), O_CLOEXEC) != 0 || ::pipe2(failure.data(), O_CLOEXEC) != 0
-        || (engine.id = ::fork()) < 0) {
+    if (signals >= 0 && ::pipe2(output.data(), O_CLOEXEC) == 0 && ::pipe2(failure.data(), O_CLOEXEC) == 0)
+        engine.id = ::fork();
+    if (engine.id < 0) {
         std::fprintf(stderr, "%d", errno);
         return couldNotStart;
     }

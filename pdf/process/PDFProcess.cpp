@@ -204,7 +204,7 @@ QImage PDFProcess::picture(int page, QSize size, const std::stop_token &stop)
         const std::unique_ptr<Mapping> done(static_cast<Mapping *>(given));
         SharedMemory::unmap(done->memory, done->size);
     };
-    return QImage(pixels, size.width(), size.height(), qsizetype(row), QImage::Format_RGB32, giveBack, mapping);
+    return { pixels, size.width(), size.height(), qsizetype(row), QImage::Format_RGB32, giveBack, mapping };
 }
 
 Result PDFProcess::raster(int page, QSize size, const SharedMemory &memory, bool isNew, const std::stop_token &stop)

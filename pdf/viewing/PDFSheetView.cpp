@@ -27,6 +27,7 @@ constexpr int overlap = 40;
 std::vector<double> aspectsOf(const PDFDocument &document)
 {
     std::vector<double> aspects;
+    aspects.reserve(std::size_t(document.pageCount()));
     for (int index = 0; index < document.pageCount(); ++index)
         aspects.push_back(PDFPageCell::aspect(document, index));
     return aspects;

@@ -5,7 +5,7 @@
 namespace {
 
 /// What all pictures together may take before pages outside the view go without: 192 MiB.
-constexpr qsizetype budget = 192 * 1024 * 1024;
+constexpr qsizetype budget = qsizetype(192) << 20;
 
 qsizetype bytes(const PDFPageCell &cell)
 {
@@ -48,11 +48,12 @@ void PageCells::keep(const Wanted &wanted)
     // Outwards on both sides at once: what the budget leaves out is what is furthest away.
     int below = wanted.visible.last + 1;
     int above = wanted.visible.first - 1;
-    while (below <= wanted.nearby.last || above >= wanted.nearby.first) {
-        if (below <= wanted.nearby.last && !add(below++, PageRenderQueue::Urgency::Nearby))
-            break;
-        if (above >= wanted.nearby.first && !add(above--, PageRenderQueue::Urgency::Nearby))
-            break;
+    bool fits = true;
+    while (fits && (below <= wanted.nearby.last || above >= wanted.nearby.first)) {
+        if (below <= wanted.nearby.last)
+            fits = add(below++, PageRenderQueue::Urgency::Nearby);
+        if (fits && above >= wanted.nearby.first)
+            fits = add(above--, PageRenderQueue::Urgency::Nearby);
     }
     for (int index = wanted.passing.first; index <= wanted.passing.last; ++index)
         m_cells.insert(before.extract(index));

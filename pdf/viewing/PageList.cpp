@@ -32,6 +32,7 @@ constexpr double lowestThumbnail = 20;
 PageGridLayout rowsFor(const PDFDocument &document)
 {
     std::vector<double> aspects;
+    aspects.reserve(std::size_t(document.pageCount()));
     for (int page = 0; page < document.pageCount(); ++page)
         aspects.push_back(std::min(PDFPageCell::aspect(document, page), thumbnailWidth / lowestThumbnail));
     return { aspects, { .width = thumbnailWidth + 2 * padding, .spacing = 2 * padding, .margin = padding } };
@@ -39,7 +40,8 @@ PageGridLayout rowsFor(const PDFDocument &document)
 
 } // namespace
 
-PageList::PageList(std::shared_ptr<const PDFDocument> document, std::shared_ptr<PageRenderQueue> queue, QWidget *parent)
+PageList::PageList(
+    const std::shared_ptr<const PDFDocument> &document, std::shared_ptr<PageRenderQueue> queue, QWidget *parent)
     : QAbstractScrollArea(parent)
     , m_layout(rowsFor(*document))
     , m_cells(new PageCells(std::move(queue), document, PageRenderQueue::Urgency::Thumbnail, this))

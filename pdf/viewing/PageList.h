@@ -21,8 +21,8 @@ class PageList final : public QAbstractScrollArea {
     Q_DISABLE_COPY_MOVE(PageList)
 
 public:
-    PageList(
-        std::shared_ptr<const PDFDocument> document, std::shared_ptr<PageRenderQueue> queue, QWidget *parent = nullptr);
+    PageList(const std::shared_ptr<const PDFDocument> &document, std::shared_ptr<PageRenderQueue> queue,
+        QWidget *parent = nullptr);
     ~PageList() override;
 
     int pageCount() const { return m_layout.pageCount(); }

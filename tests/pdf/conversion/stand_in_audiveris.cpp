@@ -27,10 +27,10 @@
 // QV_STAND_IN_SCORE names a MusicXML file, whose text every result has instead.
 // QV_STAND_IN_REPORT names a file that gets the inputs, a line each, and with "hang" the two process numbers.
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -169,7 +169,7 @@ std::string score(int measures)
 void addMember(zip_t *archive, const char *name, const std::string &bytes)
 {
     char *copy = static_cast<char *>(std::malloc(bytes.size()));
-    std::memcpy(copy, bytes.data(), bytes.size());
+    std::copy(bytes.begin(), bytes.end(), copy);
     zip_file_add(archive, name, zip_source_buffer(archive, copy, bytes.size(), 1), ZIP_FL_ENC_UTF_8);
 }
 

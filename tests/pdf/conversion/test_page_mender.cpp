@@ -92,7 +92,7 @@ GrayBitmap rendered(const QString &name, int index)
 /// A white page on which a test draws.
 struct Page : GrayBitmap {
     Page()
-        : GrayBitmap{ std::vector<quint8>(1000 * 1400, 255), 1000, 1400 }
+        : GrayBitmap{ std::vector<quint8>(std::size_t(1000) * 1400, 255), 1000, 1400 }
     {
     }
 

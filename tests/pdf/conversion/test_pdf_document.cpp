@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QTest>
 
+#include <array>
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -114,9 +115,9 @@ private Q_SLOTS:
         QVERIFY(document);
         std::atomic<int> right = 0;
         {
-            std::vector<std::jthread> threads;
-            for (int thread = 0; thread < 4; ++thread) {
-                threads.emplace_back([&right, document] {
+            std::array<std::jthread, 4> threads;
+            for (std::jthread &thread : threads) {
+                thread = std::jthread([&right, document] {
                     for (int page = 0; page < 20; ++page)
                         right += document->picture(page, QSize(50, 70)).pixel(25, 35) == TestPDFs::colorOf(page);
                 });

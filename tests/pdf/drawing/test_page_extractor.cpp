@@ -35,14 +35,14 @@ private Q_SLOTS:
         QFETCH(QByteArray, resources);
         const QByteArray form = "<< /Type /XObject /Subtype /Form /BBox [0 0 9 9] /Length 0 /Resources << /XObject << ";
         const QByteArray end = " >> >> >>\nstream\n\nendstream";
+        const QByteArray picture = "<< /Type /XObject /Subtype /Image /Width 1 /Height 1 /BitsPerComponent 8 "
+                                   "/ColorSpace /DeviceGray /Length 1 >>\nstream\nx\nendstream";
         const QByteArray file
             = TestPDFs::numbered({ "<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
                 "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 60 90] /Contents 4 0 R /Resources << /XObject << "
                     + resources + " >> >> >>",
-                "<< /Length 0 >>\nstream\n\nendstream",
-                "<< /Type /XObject /Subtype /Image /Width 1 /Height 1 /BitsPerComponent 8 /ColorSpace /DeviceGray "
-                "/Length 1 >>\nstream\nx\nendstream",
-                form + end, form + "/P 5 0 R" + end, form + "/F 8 0 R" + end });
+                "<< /Length 0 >>\nstream\n\nendstream", picture, form + end, form + "/P 5 0 R" + end,
+                form + "/F 8 0 R" + end });
         const auto pages = PageExtractor::open(file);
         QVERIFY(pages);
         const auto page = pages->page(0);
