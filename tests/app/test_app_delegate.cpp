@@ -135,7 +135,14 @@ private Q_SLOTS:
         for (const char key : "Ave Maria"_ba)
             QTest::keyClick(panel.windowHandle(), key);
         QCOMPARE(name->text(), u"Ave Maria"_s);
+        // A window over it, such as the question whether a file is to be replaced, belongs to it.
+        QDialog question(&panel);
+        question.open();
+        question.activateWindow();
+        QTRY_COMPARE(QApplication::activeWindow(), &question);
+        QTest::keyClick(&question, Qt::Key_Space);
         QCOMPARE(sent(), QStringList());
+        question.close();
         panel.close();
         m_window->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
@@ -179,7 +186,8 @@ private Q_SLOTS:
         sent();
         m_delegate->open({});
         QCOMPARE(sent(), QStringList());
-        m_delegate->open({ m_world->file(u"a.gp"_s, "x"), m_world->file(u"b.gp"_s, "y"), m_world->file(u"c.gp"_s) });
+        m_delegate->open(
+            { m_world->file(u"a.gp"_s, "x"), m_world->file(u"b.gp"_s, "y"), m_world->file(u"c.gp"_s, "z") });
         QCOMPARE(sent(), QStringList{ u"window.qv.loadBase64('eA==')"_s });
     }
 

@@ -281,13 +281,14 @@ private Q_SLOTS:
     }
 
     /// As it comes from the X server or a Wayland compositor.
-    bool pressAtPlace(quint32 place, Qt::Key sign, Qt::KeyboardModifiers modifiers, quint32 native = 0) const
+    bool pressAtPlace(
+        quint32 place, Qt::Key sign, Qt::KeyboardModifiers modifiers, quint32 native = 0, bool held = false) const
     {
         QWindow *surface = m_app->window().windowHandle();
-        QKeyEvent asked(QEvent::ShortcutOverride, sign, modifiers, place, 0, native, u"x"_s);
+        QKeyEvent asked(QEvent::ShortcutOverride, sign, modifiers, place, 0, native, u"x"_s, held);
         asked.ignore();
         QCoreApplication::sendEvent(surface, &asked);
-        QKeyEvent event(QEvent::KeyPress, sign, modifiers, place, 0, native, u"x"_s);
+        QKeyEvent event(QEvent::KeyPress, sign, modifiers, place, 0, native, u"x"_s, held);
         QCoreApplication::sendEvent(surface, &event);
         return asked.isAccepted();
     }
@@ -325,6 +326,18 @@ private Q_SLOTS:
         pressAtPlace(24, Qt::Key_A, Qt::NoModifier);
         pressAtPlace(13, Qt::Key_Apostrophe, Qt::NoModifier);
         QCOMPARE(m_world->engine->take(), QStringList());
+    }
+
+    void aKeyThatIsHeldRepeatsStepsAndNoSwitches()
+    {
+        openScore();
+        pressAtPlace(11, Qt::Key_Eacute, Qt::NoModifier);
+        QCOMPARE(m_world->engine->take(), QStringList{ u"window.qv.renderTracks([1])"_s });
+        pressAtPlace(11, Qt::Key_Eacute, Qt::NoModifier, 0, true);
+        QCOMPARE(m_world->engine->take(), QStringList());
+        pressAtPlace(21, Qt::Key_Plus, Qt::ShiftModifier);
+        pressAtPlace(21, Qt::Key_Plus, Qt::ShiftModifier, 0, true);
+        QCOMPARE(m_controller->tempoPercent.value(), 102.0);
     }
 
     void switches()

@@ -273,6 +273,14 @@ private Q_SLOTS:
         m_page->seek(7000);
         m_page->play(950);
         QCOMPARE(speed(), 105.0);
+        // What is set by hand stays.
+        m_controller->tempoPercent = 90;
+        m_page->seek(5000);
+        QCOMPARE(speed(), 90.0);
+        m_controller->tempoPercent = 100;
+        m_page->seek(7000);
+        m_page->play(950);
+        QCOMPARE(speed(), 105.0);
         // Set by hand before the pass has ended: that is where it goes up from.
         m_controller->tempoPercent = 80;
         m_page->play(200);

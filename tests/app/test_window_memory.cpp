@@ -28,12 +28,13 @@ private Q_SLOTS:
         const QTemporaryDir folder;
         const QString path = folder.filePath(u"window.json"_s);
         for (const QByteArray &text : { QByteArray(), QByteArray("{"), QByteArray("[]"), QByteArray("{\"x\": 5}"),
-                 QByteArray(R"({"x": 0, "y": 0, "width": -5, "height": 600})") }) {
+                 QByteArray(R"({"x": 0, "y": 0, "width": -5, "height": 600})"),
+                 QByteArray(R"({"x": 0, "y": 0, "width": 900, "height": 600})").leftJustified(100000) }) {
             QFile file(path);
             QVERIFY(file.open(QIODevice::WriteOnly));
             file.write(text);
             file.close();
-            QVERIFY2(!WindowMemory::read(path), text.constData());
+            QVERIFY2(!WindowMemory::read(path), text.left(60).constData());
         }
     }
 

@@ -66,10 +66,10 @@ class TestMediaPlayer final : public QObject {
         return QDBusConnection::connectToBus(m_bus.address(), u"connection %1"_s.arg(++m_connections));
     }
 
-    void openScore(const QString &title = u"Für Elise"_s)
+    void openScore(const QString &title = u"Für Elise"_s, const QString &artist = u"L. v. B."_s)
     {
         m_controller->handle({ { u"type"_s, u"ready"_s } });
-        m_controller->handle({ { u"type"_s, u"score"_s }, { u"title"_s, title }, { u"artist"_s, u"L. v. B."_s } });
+        m_controller->handle({ { u"type"_s, u"score"_s }, { u"title"_s, title }, { u"artist"_s, artist } });
         m_controller->handle({ { u"type"_s, u"playerReady"_s } });
         reach(0, 60000);
         settle();
@@ -276,8 +276,9 @@ private Q_SLOTS:
     void oddTitles()
     {
         QFETCH(QString, title);
-        openScore(title);
+        openScore(title, title);
         QTEST(metadata().value(u"xesam:title"_s).toString(), "announced");
+        QTEST(metadata().value(u"xesam:artist"_s).toStringList().value(0), "announced");
         QCOMPARE(m_client->get(root, u"Identity"_s).toString(), u"Quaverly"_s);
     }
 

@@ -112,8 +112,12 @@ private Q_SLOTS:
         w.controller.handle({ { u"type"_s, u"ready"_s } });
         w.score(u"Song"_s, { u"Guitar"_s });
         QVERIFY(!shown<PageFailure>(w));
+        const auto *web = w.window.findChild<AlphaTabWebView *>();
+        QVERIFY(web->isEnabled());
         w.controller.pageHealthChanged(PageHealth::NotAnswering);
         QVERIFY(shown<PageFailure>(w));
+        // What is covered takes no keys.
+        QVERIFY(!web->isEnabled());
         QVERIFY(w.label(u"The score view does not answer"_s));
         w.click(u"Stop reading"_s);
         QCOMPARE(w.world.engine->ends, 1);

@@ -96,6 +96,15 @@ private Q_SLOTS:
         QCOMPARE(slider->shown(), 0.5);
     }
 
+    void theKnobGoesWithTheLengthToo()
+    {
+        ShownWindow w(loaded);
+        auto *slider = w.control<Slider>(u"Position"_s);
+        w.position(1000, 200000);
+        w.position(1000, 2000);
+        QCOMPARE(slider->shown(), 0.5);
+    }
+
     void aClickOnTheGrooveSeeksOnce()
     {
         ShownWindow w(loaded);
