@@ -114,7 +114,7 @@ void AlphaTabController::recallMixer(const QList<TrackInfo> &remembered)
     showTracks(shown);
 }
 
-/// As returnToPosition(): a seek before the score's length is known is lost.
+/// When returnToPosition() does.
 void AlphaTabController::recallPosition()
 {
     if (!m_recalledPosition || !playerReady || !(endTime > 0))

@@ -88,8 +88,7 @@ void AlphaTabController::returnToMixer()
         recallMixer(before);
 }
 
-/// The position can be given back when the score's length is known and the player can play it: a seek before that is
-/// lost.
+/// The position can be given back when the score's length is known and the player can play it.
 void AlphaTabController::returnToPosition()
 {
     if (!m_return || !playerReady || !(endTime > 0))
