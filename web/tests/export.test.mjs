@@ -99,6 +99,14 @@ test("drums keep their sounds", () => {
   assert.equal(new Set(factsOf(written(score)).notes.map((note) => /drum \d+/.exec(note)[0])).size, 40);
 });
 
+test("a barre across many strings is one barre", () => {
+  const diagram = `\\chord ("F" 1 1 2 3 3 1) {barre 1}`;
+  const score = texScore(`\\track \\staff {score tabs} ${diagram} (1.1 1.2 2.3 3.4 3.5 1.6).1 {ch "F"}`);
+  const barres = ({ tracks }) => Array.from(tracks[0].staves[0].chords.values(), ({ barreFrets }) => barreFrets);
+  assert.deepEqual(barres(score), [[1]]);
+  assert.deepEqual(barres(read(exportGuitarPro(score, settings))), [[1]]);
+});
+
 test("a bar that is shorter than its metre in the midst of a score lasts as long", () => {
   const score = texScore("\\ts 4 4 :4 c4 d4 e4 f4 | c4 d4 e4 | c4 | c4 d4 e4 f4");
   score.masterBars[1].isAnacrusis = true;

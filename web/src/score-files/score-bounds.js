@@ -113,7 +113,9 @@ function boundStaff(staff) {
     chord.name = chord.name.slice(0, longestText);
     chord.firstFret = within(chord.firstFret, 1, 99, 1);
     chord.strings = chord.strings.slice(0, mostStrings).map((fret) => within(fret, -1, 99, -1));
-    chord.barreFrets = chord.barreFrets.slice(0, mostStrings).map((fret) => within(fret, 0, 99, 1));
+    // alphaTab's reader of newer Guitar Pro files names a barre once for each string beyond the first.
+    const barres = Array.from(new Set(chord.barreFrets));
+    chord.barreFrets = barres.slice(0, mostStrings).map((fret) => within(fret, 0, 99, 1));
   }
 }
 
