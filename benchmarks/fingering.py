@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-# bench: fingering [RUNS] [NOTES]   strings and frets for a converted score: the first time, in the page and in Node.js
-"""Times how long a converted score waits for its instruments, strings and frets before it can be drawn.
+# bench: fingering [RUNS] [NOTES]   strings and frets for a converted score: its first lines, and all; in the page and in Node.js
+"""Times what instruments, strings and frets of a converted score take: those that its first screen waits for, and all.
 
 usage: fingering.py [RUNS] [NOTES], with the program's build folder beside QUAVERLY_PROGRAM
 
@@ -22,6 +22,8 @@ BUILD = pathlib.Path(os.environ["QUAVERLY_PROGRAM"]).parent
 ALPHATAB = BUILD / "page-packages/node_modules/@coderline/alphatab/dist/alphaTab.min.js"
 KINDS = {"melody": "one voice", "voices": "a melody and a bass", "chords": "chords of four"}
 PATIENCE_S = 60
+# What the first step of a layout takes, and the bar behind it.
+FIRST_BARS = 80
 
 
 def expression():
@@ -31,7 +33,7 @@ def expression():
 
 def in_node(kind, notes):
     script = (f'globalThis.alphaTab = require({json.dumps(str(ALPHATAB))}); alphaTab.Logger.logLevel = 0;'
-              f'({expression()})({json.dumps((TOP / "web/src").as_uri() + "/")}, "{kind}", {notes})'
+              f'({expression()})({json.dumps((TOP / "web/src").as_uri() + "/")}, "{kind}", {notes}, {FIRST_BARS})'
               '.then((found) => console.log(JSON.stringify(found)))')
     told = subprocess.run(["node", "-e", script], check=True, capture_output=True, text=True)
     return json.loads(told.stdout.splitlines()[-1])
@@ -41,7 +43,7 @@ def in_page(kind, notes):
     with driven_window() as (window, _):
         window.rest(4)
         modules = "new URL('src/', document.baseURI).href"
-        window.tell(f'js ({expression()})({modules}, "{kind}", {notes})'
+        window.tell(f'js ({expression()})({modules}, "{kind}", {notes}, {FIRST_BARS})'
                     '.then((found) => (window.timed = JSON.stringify(found)), (reason) => (window.timed = String(reason)))')
         deadline = time.monotonic() + PATIENCE_S
         while (told := window.value('window.timed ?? ""')) == "":
@@ -55,15 +57,16 @@ def main():
     runs = int(sys.argv[1]) if len(sys.argv) > 1 else 3
     notes = int(sys.argv[2]) if len(sys.argv) > 2 else 10000
     print(f"Milliseconds for {notes} notes, the first time in each of {runs} programs: median (least to most)")
-    print(f"{'':24}{'in the page':>22}{'in Node.js':>22}")
+    print(f"{'':24}{'in the page, first':>20}{'all':>18}{'in Node.js, first':>20}{'all':>18}")
     for kind, name in KINDS.items():
         line = f"{name:24}"
         for run in (in_page, in_node):
             found = [run(kind, notes) for _ in range(runs)]
             if min(one["placed"] for one in found) < notes:
                 sys.exit(f"{name}: notes without a string")
-            times = [one["milliseconds"] for one in found]
-            line += f"{f'{statistics.median(times):.0f} ({min(times):.0f} to {max(times):.0f})':>22}"
+            for part, width in (("first", 20), ("all", 18)):
+                times = [one[part] for one in found]
+                line += f"{f'{statistics.median(times):.0f} ({min(times):.0f} to {max(times):.0f})':>{width}}"
         print(line, flush=True)
 
 

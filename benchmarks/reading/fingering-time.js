@@ -1,10 +1,12 @@
-// Times what a converted score costs beyond reading it: instrument, strings and frets. An expression, so that Node.js and
-// the page take the same text: called with the folder of the page's modules, the kind of music, and how many notes. Gives
-// milliseconds of the first time, and how many notes have a string.
-async (modules, kind, wanted) => {
+// Times what a converted score costs beyond reading it: its instrument with the strings of the bars that are laid out
+// first, and the strings of all others. An expression, so that Node.js and the page take the same text: called with the
+// folder of the page's modules, the kind of music, how many notes, and how many bars are laid out first. Gives milliseconds
+// of the first time, and how many notes have a string.
+async (modules, kind, wanted, firstBars) => {
   const { alphaTab } = globalThis;
   const { readMusicXml } = await import(`${modules}score-files/musicxml/read.js`);
   const { assignInstruments } = await import(`${modules}score-files/recognised-parts.js`);
+  const { chooseStrings } = await import(`${modules}score-files/strings/open-fingerings.js`);
   const steps = ["C", "D", "E", "F", "G", "A", "B"];
   const pitch = (degree) => `<pitch><step>${steps[degree % 7]}</step><octave>${Math.floor(degree / 7)}</octave></pitch>`;
   const note = (degree, eighths, voice = 1, chord = "") =>
@@ -44,8 +46,11 @@ async (modules, kind, wanted) => {
   );
   const begin = performance.now();
   assignInstruments(score);
-  const milliseconds = performance.now() - begin;
+  chooseStrings(score, firstBars);
+  const first = performance.now() - begin;
+  chooseStrings(score);
+  const all = performance.now() - begin;
   const voices = score.tracks[0].staves[0].bars.flatMap((bar) => bar.voices);
   const notes = voices.flatMap(({ beats }) => beats.flatMap((beat) => beat.notes));
-  return { milliseconds, placed: notes.filter(({ isStringed }) => isStringed).length };
+  return { first, all, placed: notes.filter(({ isStringed }) => isStringed).length };
 };

@@ -51,6 +51,19 @@ private Q_SLOTS:
         QVERIFY(waitFor(u"document.querySelectorAll('#fretboard .string').length > 3"_s));
     }
 
+    void itShowsStringsThatWereChosenAfterTheFirstScreen()
+    {
+        show(true);
+        QVERIFY(waitFor(u"document.querySelectorAll('#fretboard .sounding').length > 0"_s));
+        EngineScores::Tune tune;
+        tune.parts = { u"Voice"_s };
+        const QByteArray recognised = EngineScores::musicXml(tune).replace("<part-list>",
+            "<identification><encoding><software>Audiveris</software></encoding></identification><part-list>");
+        QVERIFY(m_session->open(recognised));
+        QVERIFY(waitFor(u"document.querySelector('#fretboard > .name').textContent === 'Guitar' && "
+                        "document.querySelectorAll('#fretboard .sounding').length === 1"_s));
+    }
+
     void itFollowsTheMusic()
     {
         show(true);

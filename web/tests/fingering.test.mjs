@@ -4,12 +4,26 @@ import { existsSync, readFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { join } from "node:path";
 import { test } from "node:test";
-import { chooseFingering } from "../src/score-files/strings/fingering.js";
+import { Fingering } from "../src/score-files/strings/fingering.js";
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
 
 const tuning = [64, 59, 55, 50, 45, 40];
+const frets = 24;
+
+/** The placements of the notes, in their order; null for a note that no string is left for. */
+function chooseFingering(notes, strings) {
+  const fingering = new Fingering(notes, strings, frets);
+  const placements = new Array(notes.length).fill(null);
+  fingering.play(Infinity);
+  assert.equal(
+    fingering.settle(true, (note, placement) => (placements[note] = placement)),
+    notes.length,
+  );
+  return placements;
+}
+
 /** Keys one after the other; an array is a chord. */
 const line = (...steps) =>
   steps.flatMap((step, index) => [step].flat().map((key) => ({ start: index * 960, end: (index + 1) * 960, key })));
@@ -64,6 +78,28 @@ test("keys that the instrument does not have get no place", () => {
 });
 
 test("nothing gives nothing", () => assert.deepEqual(chooseFingering([], tuning), []));
+
+test("what is decided early is what is chosen in the end, and it is decided soon", () => {
+  const keys = Array.from({ length: 600 }, (_, i) => 45 + ((i * i + (i >> 3)) % 29));
+  const notes = keys.flatMap((key, i) => {
+    const melody = { start: i * 480, end: (i + 1) * 480, key };
+    return i % 4 === 0 ? [{ start: i * 480, end: (i + 4) * 480, key: 40 + ((i >> 2) % 5) }, melody] : [melody];
+  });
+  const whole = chooseFingering(notes, tuning);
+  const fingering = new Fingering(notes, tuning, frets);
+  const early = new Array(notes.length).fill(null);
+  let farthest = 0;
+  for (let known = 1; known <= notes.length; known++) {
+    fingering.play(known);
+    const decided = fingering.settle(false, (note, placement) => {
+      assert.equal(early[note], null, "handed over twice");
+      early[note] = placement;
+    });
+    farthest = Math.max(farthest, known - decided);
+    assert.deepEqual(early.slice(0, decided), whole.slice(0, decided));
+  }
+  assert.ok(farthest < 100, `${farthest} notes ahead`);
+});
 
 /** How often the hand has to move for these frets, if it moves as late as it can; open strings leave it where it is. */
 function shifts(events) {

@@ -2,6 +2,7 @@
 import { alphaTab } from "../shared/alphatab.js";
 import { notationColors } from "../rendering/notation-colors.js";
 import { renderWorker, startRenderWorker } from "../rendering/render-worker-start.js";
+import { chooseStrings } from "../score-files/strings/open-fingerings.js";
 import { Emitter } from "../shared/emitter.js";
 import { BackingTrackPlayer } from "../backing-track/backing-track-player.js";
 import { SynthPlayer } from "../synth/synth-player.js";
@@ -115,6 +116,9 @@ export class PageApi extends alphaTab.AlphaTabApi {
       this.#preparedScore = this.score;
       this.#preparedMode = this.actualPlayerMode;
       const tracks = this.score?.tracks ?? [];
+      if (this.score) {
+        chooseStrings(this.score);
+      }
       this.trackChannels = separateChannels(tracks);
       try {
         withChannels(tracks, this.trackChannels, () => super.loadMidiForScore());

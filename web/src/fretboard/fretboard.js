@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
+import { hasAllStrings } from "../score-files/strings/open-fingerings.js";
 import { translated } from "../shared/texts.js";
 import { instrumentOf, trackToShow } from "./instrument.js";
 import { boardLayout, dotsOf, keyboardLayout, keyboardTop } from "./layout.js";
@@ -59,7 +60,10 @@ export class Fretboard {
     this.#endings = [
       api.renderStarted.on(() => this.#chooseTrack()),
       api.playerPositionChanged.on(() => this.#light()),
-      api.scorePrepared.on(() => this.#light()),
+      api.scorePrepared.on(() => {
+        this.#chooseTrack();
+        this.#light();
+      }),
       mixer.soloChanged.on(() => this.#chooseTrack()),
     ];
     this.#chooseTrack();
@@ -84,6 +88,10 @@ export class Fretboard {
 
   #chooseTrack() {
     const { api, mixer } = this.#dependencies;
+    if (api.score && !hasAllStrings(api.score)) {
+      // How many frets there are shows when the score is prepared, soon.
+      return;
+    }
     const track = trackToShow(api.score?.tracks ?? [], api.tracks ?? [], mixer.soloed);
     if (track !== this.#track) {
       this.#track = track;

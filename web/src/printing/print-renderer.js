@@ -3,6 +3,7 @@ import { alphaTab } from "../shared/alphatab.js";
 import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
 import { notationColors } from "../rendering/notation-colors.js";
 import { startRenderWorker } from "../rendering/render-worker-start.js";
+import { chooseStrings } from "../score-files/strings/open-fingerings.js";
 
 /**
  * Draws a score once for a printer, in a worker of its own that ends with it: the one that draws for the page goes on with
@@ -49,6 +50,7 @@ export function systemsFor(score, tracks, settings, { width, scale, staves }, si
     /** @param {import("../rendering/worker-renderer.js").Request} request */
     const post = (request) => worker.postMessage(request);
     post({ cmd: "settings", settings: forPrinter(settings, scale) });
+    chooseStrings(score);
     const copy = alphaTab.model.JsonConverter.scoreToJsObject(score);
     copy?.delete("backingtrack");
     post({

@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
+import { chooseStrings } from "../score-files/strings/open-fingerings.js";
 import { viewAt } from "./scroll-anchor.js";
 
 /**
@@ -72,7 +73,7 @@ export class LayoutRun {
     this.#viewBefore = view;
     this.#anchor = anchor;
     this.#sideways = renderer.settings.display.layoutMode === alphaTab.LayoutMode.Horizontal;
-    this.#stepBars = atOnce ? score.masterBars.length : Math.max(6, Math.round(firstBars / tracks.length));
+    this.#stepBars = atOnce ? score.masterBars.length : firstStep(tracks.length);
   }
 
   /**
@@ -88,6 +89,8 @@ export class LayoutRun {
     // One endless system is laid out as a whole: its beginning for the view, then everything.
     this.#bars = this.#sideways && before > 0 ? total : Math.min(before + this.#stepBars, total);
     this.finished = this.#bars === total;
+    // And those of the next bar: ties and slides lead there.
+    chooseStrings(this.#score, this.#bars);
     const { partials, width, height } = this.#layOut(before);
     const fresh = this.#takeFresh(partials);
     const took = performance.now() - began;
@@ -240,6 +243,14 @@ export class LayoutRun {
     }
     return bounds.toJson();
   }
+}
+
+/**
+ * @param {number} tracks that are shown
+ * @returns {number} bars for the first step
+ */
+export function firstStep(tracks) {
+  return Math.max(6, Math.round(firstBars / tracks));
 }
 
 /**

@@ -1,12 +1,13 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
-import { LayoutRun } from "./layout-run.js";
+import { LayoutRun, firstStep } from "./layout-run.js";
 import { PictureStore } from "./picture-store.js";
 import { showStaves } from "./shown-staves.js";
 import { arrangeStaffNames } from "./staff-names.js";
 import { foldLongRests } from "../score-files/guitar-pro/long-rests.js";
-import { readScore } from "../score-files/score-files.js";
+import { readForFirstScreen } from "../score-files/score-files.js";
+import { chooseStrings } from "../score-files/strings/open-fingerings.js";
 import { collectThoroughly } from "../shared/garbage.js";
 
 /**
@@ -66,8 +67,12 @@ export class RenderService {
         this.#settings = alphaTab.model.JsonConverter.jsObjectToSettings(request.settings);
         break;
       case "read": {
-        const reading = readScore(request.bytes, this.#settings);
+        const reading = readForFirstScreen(request.bytes, this.#settings);
         this.#read = reading.score ? { file: request.file, score: reading.score } : null;
+        if (reading.score) {
+          // While the page is not done with the file yet.
+          chooseStrings(reading.score, firstStep(reading.score.tracks.length));
+        }
         break;
       }
       case "draw":

@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
+import { chooseStrings } from "../score-files/strings/open-fingerings.js";
 import { Emitter } from "../shared/emitter.js";
 import { WorkerWatch } from "../shared/worker-watch.js";
 import { anchorIn, viewAt } from "./scroll-anchor.js";
@@ -465,6 +466,7 @@ export class WorkerRenderer {
 
 /** @param {Score} score */
 function handedOver(score) {
+  chooseStrings(score);
   const values = alphaTab.model.JsonConverter.scoreToJsObject(score);
   // A backing track is not drawn.
   values?.delete("backingtrack");

@@ -1,7 +1,7 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
-import { chooseFingering } from "./strings/fingering.js";
-import { lookUpByString } from "./strings/by-string.js";
+import { leaveOpen } from "./strings/open-fingerings.js";
+import { PartFingering } from "./strings/part-fingering.js";
 
 /**
  * Audiveris reads notes and nothing of who plays them: it calls every part of one staff a voice, gives it a choir's
@@ -13,8 +13,6 @@ import { lookUpByString } from "./strings/by-string.js";
  * @typedef {Track["staves"][0]} Staff
  * @typedef {Staff["bars"][0]["voices"][0]} Voice
  * @typedef {Voice["beats"][0]} Beat
- * @typedef {Beat["notes"][0]} Note
- * @typedef {import("./strings/fingering.js").SoundingNote} SoundingNote
  *
  * @typedef {object} Instrument
  * @property {string} name
@@ -23,6 +21,13 @@ import { lookUpByString } from "./strings/by-string.js";
  * @property {number[]} tuning keys from the highest string to the lowest
  * @property {number} slack keys below the lowest string that a player would tune it down to
  * @property {number} clef that it is written in
+ *
+ * @typedef {object} Part
+ * @property {Instrument} instrument
+ * @property {boolean} isHigh whether it is written an octave above what it sounds
+ * @property {number[]} keys that sound in it
+ *
+ * @typedef {Map<number, number>} KeyCounts how many notes there are of each key
  */
 
 /** How far into the file the name of the program that wrote it is looked for, in characters. */
@@ -54,22 +59,26 @@ export function isRecognised(xml) {
   return /<software>[^<]*Audiveris/.test(xml.slice(0, headLength));
 }
 
-/** @param {Score} score as alphaTab has read it from a file that Audiveris wrote; its parts are changed in place */
+/**
+ * @param {Score} score as alphaTab has read it from a file that Audiveris wrote; its parts are changed in place, and
+ *   their strings left open
+ */
 export function assignInstruments(score) {
   /** @type {Map<string, Track[]>} */
   const players = new Map();
+  const fingerings = [];
   for (const track of score.tracks.filter(isUnassigned)) {
     const beats = beatsOf(track.staves[0]);
-    const notes = notesOf(beats);
-    const part = isSung(beats) ? undefined : instrumentFor(track.staves[0], notes);
+    const part = isSung(beats) ? undefined : partOf(track.staves[0]);
     if (part) {
-      become(track, part.instrument, beats, part.isHigh, part.keys);
+      fingerings.push(become(track, part, beats));
       players.set(part.instrument.name, [...(players.get(part.instrument.name) ?? []), track]);
     }
   }
   for (const [name, tracks] of players) {
     tracks.forEach((track, index) => (track.name = tracks.length > 1 ? `${name} ${index + 1}` : name));
   }
+  leaveOpen(score, fingerings);
 }
 
 /** @param {Track} track */
@@ -93,43 +102,66 @@ function beatsOf(staff) {
   return beats;
 }
 
-/** @param {Beat[]} beats */
-function notesOf(beats) {
-  const found = [];
-  for (const { notes } of beats) {
-    for (const note of notes) {
-      found.push(note);
-    }
-  }
-  return found;
-}
-
 /**
  * @param {Staff} staff
- * @param {Note[]} notes of the staff
- * @returns {{ instrument: Instrument, isHigh: boolean, keys: Map<Note, number> } | undefined} whose part it can be,
- *   whether it is written an octave above what it sounds, and the keys that sound then
+ * @returns {Part | undefined} whose part it can be
  */
-function instrumentFor(staff, notes) {
+function partOf(staff) {
+  const { written, said, total } = countKeys(staff);
   for (const instrument of instruments()) {
     const clefs = staff.bars.filter(({ clef }) => clef === instrument.clef);
-    if (notes.length === 0 || 2 * clefs.length <= staff.bars.length) {
+    if (total === 0 || 2 * clefs.length <= staff.bars.length) {
       continue;
     }
-    const isHigh = isWrittenHigh(notes, instrument);
-    /** @type {Map<Note, number>} */
-    const keys = new Map();
-    let reachable = 0;
-    for (const note of notes) {
-      const key = note.realValue - (isHigh && !saysOctave(note) ? octave : 0);
-      keys.set(note, key);
-      reachable += key >= lowestOf(instrument) && key <= instrument.tuning[0] + frets ? 1 : 0;
+    const isHigh = isWrittenHigh(written, instrument);
+    const keys = new Map(said);
+    for (const [key, count] of written) {
+      const sounding = isHigh ? key - octave : key;
+      keys.set(sounding, (keys.get(sounding) ?? 0) + count);
     }
-    if (reachable >= (1 - mostOutside) * notes.length) {
-      return { instrument, isHigh, keys };
+    const highest = instrument.tuning[0] + frets;
+    if (countOf(keys, (key) => key >= lowestOf(instrument) && key <= highest) >= (1 - mostOutside) * total) {
+      return { instrument, isHigh, keys: [...keys.keys()] };
     }
   }
   return undefined;
+}
+
+/**
+ * How many notes the staff has of each key, apart those whose clef says an octave: they have been read as they sound.
+ *
+ * @param {Staff} staff
+ */
+function countKeys({ bars }) {
+  /** @type {KeyCounts} */
+  const written = new Map();
+  /** @type {KeyCounts} */
+  const said = new Map();
+  let total = 0;
+  for (const bar of bars) {
+    const counts = saysOctave(bar) ? said : written;
+    for (const { beats } of bar.voices) {
+      for (const { notes } of beats) {
+        for (const { realValue } of notes) {
+          counts.set(realValue, (counts.get(realValue) ?? 0) + 1);
+          total++;
+        }
+      }
+    }
+  }
+  return { written, said, total };
+}
+
+/**
+ * @param {KeyCounts} counts
+ * @param {(key: number) => boolean} isCounted
+ */
+function countOf(counts, isCounted) {
+  let sum = 0;
+  for (const [key, count] of counts) {
+    sum += isCounted(key) ? count : 0;
+  }
+  return sum;
 }
 
 /** @param {Beat[]} beats */
@@ -154,39 +186,28 @@ function lowestOf({ tuning, slack }) {
  * Whether the notes are written an octave above what they sound, as both instruments' are: nothing lies lower than their
  * lowest string is written.
  *
- * @param {Note[]} notes
+ * @param {KeyCounts} written
  * @param {Instrument} instrument
  */
-function isWrittenHigh(notes, instrument) {
+function isWrittenHigh(written, instrument) {
   const lowest = lowestOf(instrument) + octave;
-  let written = 0;
-  let low = 0;
-  for (const note of notes) {
-    if (!saysOctave(note)) {
-      written++;
-      low += note.realValue < lowest ? 1 : 0;
-    }
-  }
-  return low <= mostOutside * written;
+  return countOf(written, (key) => key < lowest) <= mostOutside * countOf(written, () => true);
 }
 
-/** @param {Note} note whose clef may carry the small 8, so that it has been read as it sounds */
-function saysOctave(note) {
-  return note.beat.voice.bar.clefOttava === octaveBelow;
+/** @param {Staff["bars"][0]} bar whose clef may carry the small 8 */
+function saysOctave({ clefOttava }) {
+  return clefOttava === octaveBelow;
 }
 
 /**
  * @param {Track} track
- * @param {Instrument} instrument
+ * @param {Part} part that it becomes
  * @param {Beat[]} beats of its staff
- * @param {boolean} isHigh whether it is written an octave above what it sounds
- * @param {Map<Note, number>} keys that its notes sound with
+ * @returns {PartFingering} which gives its notes their octave, string and fret
  */
-function become(track, instrument, beats, isHigh, keys) {
+function become(track, { instrument, isHigh, keys }, beats) {
   const [staff] = track.staves;
   const { model } = alphaTab;
-  const tuning = tuningFor(keys.values(), instrument);
-
   track.shortName = instrument.shortName;
   track.playbackInfo.program = instrument.program;
   for (const { automations } of beats) {
@@ -196,28 +217,26 @@ function become(track, instrument, beats, isHigh, keys) {
       }
     }
   }
-  staff.stringTuning = tuning;
+  staff.stringTuning = tuningFor(keys, instrument);
   staff.showTablature = true;
+  const lowered = new Set(isHigh ? staff.bars.filter((bar) => !saysOctave(bar)) : []);
   if (isHigh) {
     staff.displayTranspositionPitch = -octave;
     for (const bar of staff.bars) {
       bar.clefOttava = model.Ottavia.Regular;
     }
   }
-  for (const [note, key] of keys) {
-    note.octave = Math.floor(key / octave);
-    note.tone = key % octave;
-  }
-  finger(keys, tuning.tunings);
-  for (const beat of beats) {
-    lookUpByString(beat);
-  }
+  return new PartFingering(
+    staff,
+    ({ realValue, beat }) => realValue - (lowered.has(beat.voice.bar) ? octave : 0),
+    frets,
+  );
 }
 
 /**
  * The standard tuning, with the lowest string as far down as the music needs it.
  *
- * @param {Iterable<number>} keys
+ * @param {number[]} keys
  * @param {Instrument} instrument
  */
 function tuningFor(keys, instrument) {
@@ -230,84 +249,4 @@ function tuningFor(keys, instrument) {
   const keysOfStrings = [...tuning.slice(0, -1), tuning[tuning.length - 1] - down];
   const known = alphaTab.model.Tuning.findTuning(keysOfStrings);
   return new alphaTab.model.Tuning(known?.name ?? "", keysOfStrings, known?.isStandard ?? false);
-}
-
-/**
- * @param {Map<Note, number>} keys of all notes of a staff, of all its voices
- * @param {number[]} tuning
- */
-function finger(keys, tuning) {
-  const sounds = soundsOf(keys);
-  const placements = chooseFingering(sounds, tuning, frets);
-  sounds.forEach(({ notes }, index) => {
-    const placement = placements[index];
-    for (const note of placement ? notes : []) {
-      note.octave = -1;
-      note.tone = -1;
-      // alphaTab counts strings from the lowest.
-      note.string = tuning.length - (placement?.string ?? 0);
-      note.fret = placement?.fret ?? 0;
-    }
-  });
-}
-
-/**
- * What the hand has to do for the notes: tied notes are one, and so are notes that two voices share.
- *
- * @param {Map<Note, number>} keys
- * @returns {(SoundingNote & { notes: Note[] })[]} in the order of their starts
- */
-function soundsOf(keys) {
-  /** @type {(SoundingNote & { notes: Note[] })[]} */
-  const sounds = [];
-  /** @type {Map<Note, SoundingNote & { notes: Note[] }>} */
-  const soundOf = new Map();
-  const byStart = [];
-  for (const [note, key] of keys) {
-    const { start, end } = spanOf(note);
-    byStart.push({ note, key, start, end });
-  }
-  byStart.sort((a, b) => a.start - b.start);
-  /** @type {Map<number, SoundingNote & { notes: Note[] }>} the last of each key */
-  const latest = new Map();
-  for (const { note, key, start, end } of byStart) {
-    const origin = note.isTieDestination && note.tieOrigin ? soundOf.get(note.tieOrigin) : undefined;
-    const last = latest.get(key);
-    const shared = last?.start === start && last.notes.every(({ beat }) => beat !== note.beat);
-    const same = origin ?? (shared ? last : undefined);
-    if (same) {
-      same.notes.push(note);
-      same.end = Math.max(same.end, end);
-      soundOf.set(note, same);
-      continue;
-    }
-    if (last) {
-      // Struck again: the string is the same or another, but what sounded before is over.
-      last.end = Math.min(last.end, start);
-    }
-    const sound = { start, end, key, notes: [note] };
-    sounds.push(sound);
-    soundOf.set(note, sound);
-    latest.set(key, sound);
-  }
-  return sounds;
-}
-
-/**
- * Bars that were misread can hold more than fits. Their notes count as faster then: none falls together with those of
- * the next bar.
- *
- * @param {Note} note
- * @returns {{ start: number, end: number }} in ticks; grace notes come one after the other before their beat
- */
-function spanOf({ beat }) {
-  const last = beat.voice.beats[beat.voice.beats.length - 1];
-  const { masterBar } = beat.voice.bar;
-  const faster = Math.min(1, masterBar.calculateDuration() / (last.playbackStart + last.playbackDuration));
-  const start = masterBar.start + beat.playbackStart * faster;
-  if (beat.graceType === alphaTab.model.GraceType.None) {
-    return { start, end: start + beat.playbackDuration * faster };
-  }
-  const before = (beat.graceGroup?.beats.length ?? 1) - Math.max(0, beat.graceIndex);
-  return { start: start - before, end: start - before + 1 };
 }

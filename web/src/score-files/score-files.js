@@ -9,6 +9,7 @@ import { repackGp } from "./gp-archive.js";
 import { repackGpx } from "./gpx-archive.js";
 import { readMusicXml } from "./musicxml/read.js";
 import { assignInstruments, isRecognised } from "./recognised-parts.js";
+import { chooseStrings } from "./strings/open-fingerings.js";
 
 /**
  * Reads score files with alphaTab's importers, and tells in a sentence why one cannot be read.
@@ -29,6 +30,21 @@ const importers = { guitarPro: importBytes, gpx: importGpx, archive: importArchi
  * @returns {Reading}
  */
 export function readScore(bytes, settings) {
+  const reading = readForFirstScreen(bytes, settings);
+  if (reading.score) {
+    chooseStrings(reading.score);
+  }
+  return reading;
+}
+
+/**
+ * The same, but for strings that the file does not name: they are left open (`strings/open-fingerings.js`).
+ *
+ * @param {Uint8Array | null} bytes
+ * @param {Settings} settings
+ * @returns {Reading}
+ */
+export function readForFirstScreen(bytes, settings) {
   if (!bytes) {
     return { problem: "The file arrived damaged: its base64 text cannot be decoded." };
   }

@@ -7,7 +7,7 @@ import { CallOrder } from "./call-order.js";
 import { LoadSequence } from "./load-sequence.js";
 import { fetchBytes } from "../shared/resources.js";
 import { exportGuitarPro } from "../score-files/guitar-pro/export.js";
-import { readScore } from "../score-files/score-files.js";
+import { readForFirstScreen } from "../score-files/score-files.js";
 
 /**
  * The open score: opening another, choosing how it sounds, and writing it out again.
@@ -79,7 +79,7 @@ export class ScoreSession {
     if (!this.#calls.counts(call)) {
       return;
     }
-    const reading = readScore(bytes, this.#api.settings);
+    const reading = readForFirstScreen(bytes, this.#api.settings);
     if (reading.problem !== undefined) {
       this.#loading.refuse(load);
       this.#refuse(reading.problem);

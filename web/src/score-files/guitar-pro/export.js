@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "../../shared/alphatab.js";
+import { chooseStrings } from "../strings/open-fingerings.js";
 import { foldBend } from "./bends.js";
 import { writtenFolding } from "./long-rests.js";
 import { mergeVoices } from "./merge.js";
@@ -17,12 +18,13 @@ import { chooseVoices, mostVoices } from "./voices.js";
  */
 
 /**
- * @param {Score} score is left as it is
+ * @param {Score} score is left as it is, but for strings that were open
  * @param {Settings} settings
  * @returns {Uint8Array} a Guitar Pro 7 file
  */
 export function exportGuitarPro(score, settings) {
   const { JsonConverter } = alphaTab.model;
+  chooseStrings(score);
   const copy = JsonConverter.jsObjectToScore(/** @type {object} */ (JsonConverter.scoreToJsObject(score)), settings);
   // The copy's sound would be a copy as well.
   copy.backingTrack = score.backingTrack;

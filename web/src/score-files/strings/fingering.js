@@ -38,26 +38,16 @@ const costs = {
 const lowPosition = 5;
 
 /**
- * @param {SoundingNote[]} notes
- * @param {number[]} tuning the keys of the open strings, in any order
- * @param {number} frets the highest fret there is
- * @returns {(Placement | null)[]} in the order of the notes; null for a note that no string is left for
- */
-export function chooseFingering(notes, tuning, frets = 24) {
-  return new Fingering(notes, tuning, frets).choose();
-}
-
-/**
  * What is tried for the notes that begin together lies in fields: there are ten thousand such events in a long score,
  * and lists that live for one of them only would cost more than the arithmetic.
  */
-class Fingering {
+export class Fingering {
   #notes;
   #tuning;
   #frets;
   #states;
-  /** @type {number[]} the first note of each event, and behind the last event the number of notes */
-  #events;
+  /** @type {number[]} of each event that was played: the first note behind it */
+  #ends = [];
 
   /** Which notes are tried. */
   #first = 0;
@@ -72,9 +62,9 @@ class Fingering {
   #found = false;
 
   /**
-   * @param {SoundingNote[]} notes
-   * @param {number[]} tuning
-   * @param {number} frets
+   * @param {SoundingNote[]} notes that are known; others may be added at the end
+   * @param {number[]} tuning the keys of the open strings, in any order
+   * @param {number} frets the highest fret there is
    */
   constructor(notes, tuning, frets) {
     this.#notes = notes;
@@ -82,25 +72,45 @@ class Fingering {
     this.#frets = frets;
     this.#states = new HandStates(tuning.length, frets);
     this.#noteOn = new Int32Array(tuning.length);
-    this.#events = notes.flatMap(({ start }, index) => (index > 0 && notes[index - 1].start === start ? [] : [index]));
-    this.#events.push(notes.length);
   }
 
-  choose() {
-    const { length } = this.#events;
-    for (let event = 0; event < length - 1; event++) {
-      this.#first = this.#events[event];
-      this.#end = this.#events[event + 1];
-      this.#next = this.#end < this.#notes.length ? this.#notes[this.#end].start : Infinity;
+  /**
+   * Tries event after event, each as soon as it is certain what sounds on until the next one.
+   *
+   * @param {number} certain how many of the notes will stay as they are; Infinity when no others will come
+   */
+  play(certain) {
+    const notes = this.#notes;
+    for (let first = this.#end; first < notes.length; first = this.#end) {
+      let end = first + 1;
+      while (end < notes.length && notes[end].start === notes[first].start) {
+        end++;
+      }
+      if (end >= Math.min(certain, notes.length) && certain < Infinity) {
+        return;
+      }
+      this.#first = first;
+      this.#end = end;
+      this.#next = end < notes.length ? notes[end].start : Infinity;
       this.#play();
       this.#states.proceed();
+      this.#ends.push(end);
     }
-    /** @type {(Placement | null)[]} */
-    const chosen = new Array(this.#notes.length).fill(null);
-    this.#states.backwards((string, note) => {
-      chosen[note] = { string, fret: this.#notes[note].key - this.#tuning[string] };
+  }
+
+  /**
+   * Hands over what no note to come can change any more.
+   *
+   * @param {boolean} isOver whether none will come
+   * @param {(note: number, placement: Placement) => void} place called for each note that was not handed over before, in
+   *   any order, but for those that no string is left for
+   * @returns {number} how many notes are decided
+   */
+  settle(isOver, place) {
+    const events = this.#states.settle(isOver, (string, note) => {
+      place(note, { string, fret: this.#notes[note].key - this.#tuning[string] });
     });
-    return chosen;
+    return events > 0 ? this.#ends[events - 1] : 0;
   }
 
   /** Finds every way to play the notes of the event, after every way to have played those before. */

@@ -33,6 +33,9 @@ export class HandStates {
   /** Of all states that were gone on with: the one before, and where its way lies. */
   #before = new Numbers();
   #wayOf = new Numbers();
+  /** How many events there were, and of how many of them the way is decided. */
+  #event = 0;
+  #settled = 0;
 
   /**
    * @param {number} strings
@@ -154,6 +157,7 @@ export class HandStates {
     later.count = 0;
     this.#ways.length = 0;
     this.#way = -1;
+    this.#event++;
   }
 
   /** @param {number} group of the event, whose states become part of what can be gone back through */
@@ -233,11 +237,23 @@ export class HandStates {
     }
   }
 
-  /** @param {(string: number, note: number) => void} visit every note of the cheapest way through the score */
-  backwards(visit) {
-    const group = this.cheapestGroup();
-    const best = group * this.#width + this.cheapestPosition(group);
-    for (let state = this.#now.origins[best]; state >= 0; state = this.#before.values[state]) {
+  /**
+   * Goes back from every state that the hand may be in by now, event by event, to the one state that all of them come
+   * from (Forney 1973, "The Viterbi Algorithm"): whatever follows, what led there stays the cheapest way.
+   *
+   * @param {boolean} isOver whether nothing follows, so that the cheapest state is the one that counts
+   * @param {(string: number, note: number) => void} visit every note up to there that was not visited before
+   * @returns {number} how many events are decided
+   */
+  settle(isOver, visit) {
+    let event = this.#event;
+    let states = isOver ? new Set([this.#cheapestOrigin()]) : this.#origins();
+    while (states.size > 1) {
+      states = new Set(Array.from(states, (state) => this.#before.values[state]));
+      event--;
+    }
+    const settled = event;
+    for (let [state] = states; event > this.#settled; event--) {
       const way = this.#wayOf.values[state];
       for (let string = 0; string < this.#strings; string++) {
         const note = this.#kept.values[way + string];
@@ -245,7 +261,27 @@ export class HandStates {
           visit(string, note);
         }
       }
+      state = this.#before.values[state];
     }
+    this.#settled = settled;
+    return settled;
+  }
+
+  #cheapestOrigin() {
+    const group = this.cheapestGroup();
+    return this.#now.origins[group * this.#width + this.cheapestPosition(group)];
+  }
+
+  /** @returns {Set<number>} the states that the hand may be in */
+  #origins() {
+    const { costs, origins, count } = this.#now;
+    const states = new Set();
+    for (let at = 0; at < count * this.#width; at++) {
+      if (costs[at] < Infinity) {
+        states.add(origins[at]);
+      }
+    }
+    return states;
   }
 }
 
