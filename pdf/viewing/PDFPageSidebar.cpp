@@ -6,7 +6,7 @@
 
 #include <QVBoxLayout>
 
-PDFPageSidebar::PDFPageSidebar(AlphaTabController &controller, std::shared_ptr<const PDFDocument> document,
+PDFPageSidebar::PDFPageSidebar(AlphaTabController &controller, const std::shared_ptr<const PDFDocument> &document,
     std::shared_ptr<PageRenderQueue> queue, QWidget *parent)
     : Surface(&Theme::Colors::sidebar, parent)
 {
@@ -17,7 +17,7 @@ PDFPageSidebar::PDFPageSidebar(AlphaTabController &controller, std::shared_ptr<c
     title->setText(tr("Pages"));
     title->setContentsMargins(14, 12, 14, 6);
     layout->addWidget(title);
-    auto *list = new PageList(std::move(document), std::move(queue));
+    auto *list = new PageList(document, std::move(queue));
     list->setAccessibleName(tr("Pages"));
     connect(list, &PageList::chosen, &controller, [&controller](int page) { controller.pdfScrollTarget = page; });
     layout->addWidget(list, 1);

@@ -14,6 +14,6 @@ class PDFPageSidebar final : public Surface {
     Q_DISABLE_COPY_MOVE(PDFPageSidebar)
 
 public:
-    PDFPageSidebar(AlphaTabController &controller, std::shared_ptr<const PDFDocument> document,
+    PDFPageSidebar(AlphaTabController &controller, const std::shared_ptr<const PDFDocument> &document,
         std::shared_ptr<PageRenderQueue> queue, QWidget *parent = nullptr);
 };
