@@ -93,6 +93,46 @@ test("grace notes change no bar's length", () => {
   );
 });
 
+test("grace notes behind the last note of a bar end before the next bar begins", () => {
+  const grace = (name) => note(name, 0, { before: "<grace/>" }).replace("<duration>0</duration>", "");
+  const score = document([attributes() + scale("C4 E4 G4 B4") + grace("C5") + grace("D5"), scale("C4")]);
+  assert.equal(played(score), "0:60 1:64 2:67 3:71 3.875:72 3.938:74 4:60");
+  const many = Array.from({ length: 12 }, () => grace("C5")).join("");
+  const times = notesOf(read(document([attributes() + note("C4", 4) + many, scale("C4")])).score).map(
+    ({ time }) => time,
+  );
+  assert.ok(times.slice(1, 13).every((time) => time >= 2 && time < 4) && times[13] === 4, times.join());
+});
+
+test("an arpeggio on strings is spread over a part of its length, from the lowest note or from the highest", () => {
+  const tab = (string, fret) => `<technical><string>${string}</string><fret>${fret}</fret></technical>`;
+  const tuning = ["E4", "B3", "G3", "D3", "A2", "E2"]
+    .reverse()
+    .map(
+      (name, line) =>
+        `<staff-tuning line="${line + 1}"><tuning-step>${name[0]}</tuning-step><tuning-octave>${name[1]}</tuning-octave></staff-tuning>`,
+    )
+    .join("");
+  const details = `<clef><sign>TAB</sign><line>5</line></clef><staff-details><staff-lines>6</staff-lines>${tuning}</staff-details>`;
+  const chord = (arpeggiate) =>
+    [
+      ["E3", 4, 2],
+      ["B3", 2, 0],
+      ["E4", 1, 0],
+    ]
+      .map(([name, string, fret], i) =>
+        note(name, 1, {
+          before: i > 0 ? "<chord/>" : "",
+          after: `<notations>${arpeggiate}${tab(string, fret)}</notations>`,
+        }),
+      )
+      .join("");
+  const times = (arpeggiate) => played(document([attributes(1, 1, details) + chord(arpeggiate)]));
+  assert.equal(times(""), "0:52 0:59 0:64");
+  assert.equal(times("<arpeggiate/>"), "0:52 0.083:59 0.167:64");
+  assert.equal(times('<arpeggiate direction="down"/>'), "0:64 0.083:59 0.167:52");
+});
+
 test("an appoggiatura takes the time that it is written with", () => {
   const grace =
     "<note><grace/><pitch><step>D</step><octave>4</octave></pitch><voice>1</voice><type>eighth</type></note>";

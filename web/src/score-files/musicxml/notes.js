@@ -195,6 +195,10 @@ function writeNotations(writer, note, place, part) {
         writeTechnical(writer, notation, part.strings[place.staff - 1]);
       } else if (notation.name === "ornaments") {
         writeOrnaments(writer, notation, note, part.fifths);
+      } else if (notation.name === "arpeggiate") {
+        // alphaTab goes by a guitarist's hand, which moves down to the highest string; the document by the keys.
+        const downwards = notation.attributes.get("direction") === "down";
+        writer.leaf("arpeggiate", "", { direction: downwards ? "up" : "down" });
       } else if (notation.name !== "tied" && notation.name !== "tuplet") {
         writer.copy(notation);
       }

@@ -1,8 +1,12 @@
 // @ts-check
 import { alphaTab } from "../../shared/alphatab.js";
+import { endBeforeBarLine } from "./graces.js";
 import { joinLinkedStaves } from "./linked-staves.js";
 import { lookUpByString } from "../strings/by-string.js";
 import { rewriteMusicXml } from "./rewrite.js";
+
+/** How long after the one before each note of an arpeggio begins, in ticks: 960 to a quarter. */
+const arpeggioStep = 80;
 
 /**
  * Reads MusicXML: rewritten for alphaTab's reader, which takes care of what stands at the notes, and with what belongs to
@@ -34,6 +38,12 @@ export function readMusicXml(text, settings) {
   score.rebuildRepeatGroups();
   applyLeftovers(leftovers, score);
   applyHammers(leftovers, score, settings);
+  for (const staff of score.tracks.flatMap(({ staves }) => staves)) {
+    staff.bars.forEach(({ voices }) => voices.forEach(endBeforeBarLine));
+    if (staff.isStringed) {
+      beatsOf(staff).forEach(spreadArpeggio);
+    }
+  }
   joinLinkedStaves(score, settings);
   return score;
 }
@@ -134,6 +144,19 @@ function applyHammers({ hammers }, score, settings) {
 /** @param {Score["tracks"][0]["staves"][0]} staff */
 function beatsOf({ bars }) {
   return bars.flatMap(({ voices }) => voices.flatMap(({ beats }) => beats));
+}
+
+/**
+ * MusicXML does not say how fast an arpeggio is, and alphaTab's reader then has all of its notes at once. Its player
+ * spreads the notes of strings only.
+ *
+ * @param {import("@coderline/alphatab").model.Beat} beat
+ */
+function spreadArpeggio(beat) {
+  if (beat.brushType !== alphaTab.model.BrushType.None && beat.brushDuration === 0) {
+    const usual = arpeggioStep * (beat.notes.length - 1);
+    beat.brushDuration = Math.round(Math.min(usual, beat.playbackDuration / 2));
+  }
 }
 
 /**
