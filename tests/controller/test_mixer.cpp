@@ -14,7 +14,7 @@ private:
     std::unique_ptr<AlphaTabController> m_controller;
 
     QStringList sent() const { return m_world->engine->take(); }
-    QList<TrackInfo> tracks() const { return m_controller->tracks; }
+    QList<TrackInfo> tracks() const { return m_controller->tracks.value(); }
 
 private Q_SLOTS:
     void init()

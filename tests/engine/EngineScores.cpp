@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 namespace EngineScores {
 namespace {
 
-QDir samples() { return QDir(qEnvironmentVariable("QUAVERLY_SAMPLES")); }
+QDir samples() { return { qEnvironmentVariable("QUAVERLY_SAMPLES") }; }
 
 QByteArray contents(const QString &path)
 {

@@ -261,8 +261,8 @@ private Q_SLOTS:
     {
         QVERIFY(m_host->view()->focusProxy());
         QTest::mouseClick(m_host->view()->focusProxy(), Qt::RightButton);
-        const QMenu *menu = nullptr;
-        QTRY_VERIFY((menu = m_host->view()->findChild<QMenu *>()));
+        QTRY_VERIFY(m_host->view()->findChild<QMenu *>());
+        const auto *menu = m_host->view()->findChild<QMenu *>();
         QCOMPARE(menu->actions().size(), 1);
         QCOMPARE(menu->actions().constFirst()->text(), u"Inspect"_s);
         m_host->view()->findChild<QMenu *>()->close();
@@ -281,8 +281,8 @@ private Q_SLOTS:
         for (int time = 1; time <= 2; ++time) {
             QVERIFY(!view->isInspected());
             QTest::mouseClick(view->focusProxy(), Qt::RightButton);
-            QMenu *menu = nullptr;
-            QTRY_VERIFY((menu = view->findChild<QMenu *>()));
+            QTRY_VERIFY(view->findChild<QMenu *>());
+            auto *menu = view->findChild<QMenu *>();
             menu->actions().constFirst()->trigger();
             menu->close();
             QTRY_VERIFY(!view->findChild<QMenu *>());

@@ -42,7 +42,7 @@ private Q_SLOTS:
     {
         std::mt19937_64 random(20261121);
         for (int i = 0; i < 20000; ++i) {
-            const double value = std::bit_cast<double>(random());
+            const auto value = std::bit_cast<double>(random());
             if (!std::isfinite(value))
                 continue;
             const QString text = BridgeCalls::formatReal(value);
