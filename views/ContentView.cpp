@@ -158,7 +158,7 @@ void ContentView::setStage(bool on)
         setSidebarWidth(width);
     // What had the focus may be hidden now.
     else if (window()->focusWidget() && !window()->focusWidget()->isVisible())
-        setFocus();
+        focusReader(Qt::OtherFocusReason);
 }
 
 void ContentView::setSidebarWidth(int width)
@@ -241,25 +241,37 @@ QWidget *ContentView::makeDetail()
     return detail;
 }
 
-/// Keys that no control has taken scroll what is read: it has the focus whenever this view would have it.
+/// Keys that no control has taken scroll what is read.
 void ContentView::leadKeysTo(QWidget *reader)
 {
     const QWidget *holder = window()->focusWidget();
     const bool nobodyElse = !holder || holder == this || !holder->isEnabled() || !holder->isVisible();
-    setFocusProxy(reader);
+    m_reader = reader;
     if (nobodyElse && isVisible())
-        setFocus();
+        focusReader(Qt::OtherFocusReason);
+}
+
+void ContentView::focusReader(Qt::FocusReason reason)
+{
+    QWidget *holder = m_reader ? m_reader.data() : this;
+    holder->setFocus(reason);
+}
+
+void ContentView::focusInEvent(QFocusEvent *event)
+{
+    QWidget::focusInEvent(event);
+    focusReader(event->reason());
 }
 
 /// A key that the control with the focus has left. A modifier alone scrolls nothing; and given back by Chromium behind
 /// the key that it goes with, Alt would open the menus.
 void ContentView::keyPressEvent(QKeyEvent *event)
 {
-    QWidget *reader = this;
-    while (reader->focusProxy())
+    QWidget *reader = m_reader;
+    while (reader && reader->focusProxy())
         reader = reader->focusProxy();
     // What the view of PDF pages does not want comes back here at once.
-    if (m_passingKeyOn || reader == this || reader->hasFocus() || isModifier(event->key())) {
+    if (m_passingKeyOn || !reader || reader->hasFocus() || isModifier(event->key())) {
         QWidget::keyPressEvent(event);
         return;
     }
@@ -291,7 +303,7 @@ void ContentView::showEvent(QShowEvent *event)
     QWidget::showEvent(event);
     // Holds the focus until Tab or a click gives it to a control: a fresh window shows no ring.
     if (!window()->focusWidget())
-        setFocus();
+        focusReader(Qt::OtherFocusReason);
 }
 
 void ContentView::dragEnterEvent(QDragEnterEvent *event)

@@ -33,6 +33,7 @@ protected:
     void showEvent(QShowEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
@@ -41,6 +42,7 @@ private:
     QMessageBox *makeAlert();
     void colorViewport();
     void leadKeysTo(QWidget *reader);
+    void focusReader(Qt::FocusReason reason);
     void showError(const std::optional<QString> &error);
 
     AlphaTabController &m_controller;
@@ -50,6 +52,9 @@ private:
     std::optional<int> m_widthBefore;
     QSplitter *m_columns = nullptr;
     QWidget *m_score = nullptr;
+    /// Has the focus whenever this view would have it. Not its focus proxy: Tab would go there from the last control,
+    /// and never reach the first ones.
+    QPointer<QWidget> m_reader;
     QPointer<QMessageBox> m_alert;
     bool m_passingKeyOn = false;
 };

@@ -83,8 +83,12 @@ public:
     QWidget *view() const override
     {
         // Made when first wanted: tests of the controller alone run without any widget.
-        if (!m_view)
+        if (!m_view) {
             m_view = new QWidget;
+            m_view->setAccessibleName(QStringLiteral("Score"));
+            // As Chromium's view does, the page is one of those that Tab visits.
+            m_view->setFocusPolicy(Qt::StrongFocus);
+        }
         return m_view;
     }
 

@@ -1,4 +1,5 @@
 #include "design/Slider.h"
+#include "tests/support/TestPDFs.h"
 #include "tests/views/ShownWindow.h"
 #include "views/ContentView.h"
 
@@ -72,8 +73,8 @@ private Q_SLOTS:
         everything(w);
         const QStringList expected = toolBar
             + QStringList{ u"Show Lead"_s, u"Mute Lead"_s, u"Solo Lead"_s, u"Volume of Lead"_s, u"Show Bass"_s,
-                  u"Mute Bass"_s, u"Solo Bass"_s, u"Volume of Bass"_s, u"Position"_s, u"Play"_s, u"Stop"_s, u"Speed"_s,
-                  u"Volume"_s, u"Original"_s, u"Loop selected range"_s, u"Metronome & count-in"_s };
+                  u"Mute Bass"_s, u"Solo Bass"_s, u"Volume of Bass"_s, u"Score"_s, u"Position"_s, u"Play"_s, u"Stop"_s,
+                  u"Speed"_s, u"Volume"_s, u"Original"_s, u"Loop selected range"_s, u"Metronome & count-in"_s };
         QCOMPARE(roundFrom(u"Open"_s, tabStops(w, Qt::Key_Tab)), expected);
         QStringList backwards = tabStops(w, Qt::Key_Backtab);
         std::reverse(backwards.begin(), backwards.end());
@@ -85,6 +86,14 @@ private Q_SLOTS:
         QCOMPARE(accessibleName(QApplication::focusWidget()), u"Synth"_s);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         QVERIFY(w.controller.preferSynth);
+    }
+
+    void tabVisitsAPDFInReadingOrder()
+    {
+        ShownWindow w;
+        w.openPDF(TestPDFs::colored(3));
+        const QStringList expected{ u"Open"_s, u"2"_s, u"Convert to Guitar Pro"_s, u"Pages"_s, u"Sheet music"_s };
+        QCOMPARE(roundFrom(u"Open"_s, tabStops(w, Qt::Key_Tab)), expected);
     }
 
     void screenReadersMeetTheSidebarBeforeTheScore()
