@@ -288,7 +288,13 @@ private Q_SLOTS:
         AlphaTabWebView place(m_session->host().view(), &around);
         KeyRecorder reachesPlace(place);
         around.show();
-        m_session->call(u"window.seen = ''; addEventListener('keydown', ({ key }) => (window.seen += key))"_s);
+        // The page takes keys when it has learnt that it has the focus.
+        QVERIFY(QTest::qWaitForWindowActive(&around));
+        target()->setFocus();
+        QVERIFY(m_session->waitFor([&] { return m_session->valueOf(u"document.hasFocus()"_s).toBool(); }));
+        QVERIFY(m_session
+                ->valueOf(u"window.seen = ''; addEventListener('keydown', ({ key }) => (window.seen += key)); true"_s)
+                .toBool());
         // Chromium gives the first one back before it hands the page the second.
         for (const Qt::Key key : { Qt::Key_X, Qt::Key_Y })
             QTest::keyClick(target(), key);
