@@ -23,7 +23,7 @@ ALPHATAB = BUILD / "page-packages/node_modules/@coderline/alphatab/dist/alphaTab
 KINDS = {"melody": "one voice", "voices": "a melody and a bass", "chords": "chords of four"}
 PATIENCE_S = 60
 # What the first step of a layout takes, and the bar behind it.
-FIRST_BARS = 80
+FIRST_BARS = 32
 
 
 def expression():

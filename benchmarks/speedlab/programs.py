@@ -33,7 +33,8 @@ class Program:
         environment = dict(
             os.environ, HOME=home, DISPLAY=display, QT_QPA_PLATFORM="xcb", XDG_CONFIG_HOME=os.path.join(home, "config"),
             XDG_CACHE_HOME=os.path.join(home, "cache"), XDG_DATA_HOME=os.path.join(home, "data"), XDG_RUNTIME_DIR=home,
-            _JAVA_OPTIONS=f"-Duser.home={home}", **variables)
+            # No bus: libdbus would start one for each launch, and that the desktop's services, beside what is measured.
+            DBUS_SESSION_BUS_ADDRESS=f"unix:path={home}/no-bus", _JAVA_OPTIONS=f"-Duser.home={home}", **variables)
         environment.pop("WAYLAND_DISPLAY", None)
         return subprocess.Popen([self._command, *([file] if file else [])], env=environment,
                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)

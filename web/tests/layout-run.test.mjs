@@ -61,6 +61,18 @@ test("the first layout batch fills the view and is painted there, and what lies 
   assert.ok(others.every((batch) => batch.painted.length === 0));
 });
 
+test("the first step lays out some lines of one track, a few bars of many, and no more", (context) => {
+  const { settings, score, renderer } = renderId();
+  const first = (tracks) => {
+    const asked = context.mock.method(renderer, "renderScore", () => {});
+    new LayoutRun(renderer, score, tracks, view).step();
+    asked.mock.restore();
+    return settings.display.barCount;
+  };
+  assert.ok(first([0]) <= 40, "strings are chosen for all of them before anything is seen");
+  assert.ok(first(Array(20).fill(0)) < first([0]));
+});
+
 test("the layout batches say which is the first and which the last, and their places cover all lines", () => {
   const { score, renderer } = renderId();
   const all = batches(new LayoutRun(renderer, score, [0], view));

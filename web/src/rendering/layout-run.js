@@ -25,7 +25,10 @@ import { viewAt } from "./scroll-anchor.js";
  */
 
 /** How much the first step lays out, in bars of one track. */
-const firstBars = 80;
+const firstTrackBars = 80;
+
+/** And how many bars at most: that many fill a view of usual size, whatever the music. */
+const mostFirstBars = 32;
 
 /** How long a later step should take, in milliseconds. */
 const stepMs = 60;
@@ -250,7 +253,7 @@ export class LayoutRun {
  * @returns {number} bars for the first step
  */
 export function firstStep(tracks) {
-  return Math.max(6, Math.round(firstBars / tracks));
+  return Math.min(mostFirstBars, Math.max(6, Math.round(firstTrackBars / tracks)));
 }
 
 /**
