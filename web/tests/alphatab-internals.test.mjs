@@ -34,6 +34,10 @@ test("what is gone is named", () => {
   assert.deepEqual(missingInternals(without, source), ["AlphaSynth.sequencer.mainSeek"]);
   without.sequencer = undefined;
   assert.ok(missingInternals(without, source).includes("AlphaSynth.sequencer.currentTime"));
+  const { MidiFileGenerator } = /** @type {any} */ (alphaTab.midi);
+  MidiFileGenerator.ornamentKeysDown.push(-1);
+  assert.deepEqual(missingInternals(synth(), source), ["MidiFileGenerator: one static table of twelve steps down"]);
+  MidiFileGenerator.ornamentKeysDown.pop();
   const changed = source.replaceAll('"alphaSynth.stop"', '"alphaSynth.halt"').replaceAll("at-surface", "at-canvas");
   assert.deepEqual(missingInternals(synth(), changed), ["alphaSynth.stop", "the class at-surface"]);
 });

@@ -3,6 +3,7 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import { attributes, backup, document, forward, note, notesOf, played, read, rest } from "./support/musicxml-maker.mjs";
 
+const { alphaTab } = globalThis;
 const scale = (names, duration = 1) =>
   names
     .split(" ")
@@ -39,6 +40,44 @@ test("keys of a drum kit sound as the part's instruments say", () => {
     played(document([attributes(1, 4, clef) + drum("I1") + drum("I2") + drum("I1") + drum("I1")], { description })),
     "0:38 1:36 2:38 3:38",
   );
+});
+
+test("notes of drums have heads: those of their length, or what the file gives them", () => {
+  const description = `<score-instrument id="I1"><instrument-name>Snare</instrument-name></score-instrument>
+    <midi-instrument id="I1"><midi-channel>10</midi-channel><midi-unpitched>39</midi-unpitched></midi-instrument>`;
+  const drum = (duration, type, head = "") =>
+    `<note><unpitched><display-step>C</display-step><display-octave>5</display-octave></unpitched><duration>${duration}</duration><instrument id="I1"/><type>${type}</type>${head}</note>`;
+  const clef = "<clef><sign>percussion</sign></clef>";
+  const bars = [
+    attributes(1, 4, clef) + drum(1, "quarter") + drum(1, "quarter", "<notehead>x</notehead>") + drum(2, "half"),
+    drum(4, "whole"),
+  ];
+  const { score } = read(document(bars, { description }));
+  const settings = new alphaTab.Settings();
+  settings.core.engine = "svg";
+  settings.core.enableLazyLoading = false;
+  const renderer = new alphaTab.rendering.ScoreRenderer(settings);
+  renderer.width = 900;
+  let picture = "";
+  renderer.partialRenderFinished.on(({ renderResult }) => (picture += renderResult));
+  renderer.renderScore(score, [0]);
+  const { NoteheadBlack, NoteheadXBlack, NoteheadHalf, NoteheadWhole } = alphaTab.model.MusicFontSymbol;
+  for (const head of [NoteheadBlack, NoteheadXBlack, NoteheadHalf, NoteheadWhole]) {
+    assert.ok(picture.includes(`&#${head};`), `no head ${head} in ${picture.match(/&#\d+;/g)}`);
+  }
+});
+
+test("a glissando slides as far as its second note", () => {
+  const end = (type) => ({ after: `<notations><glissando type="${type}" number="1"/></notations>` });
+  const { score } = read(document([attributes() + note("C4", 2, end("start")) + note("G4", 2, end("stop"))]));
+  const { midi } = alphaTab;
+  const file = new midi.MidiFile();
+  new midi.MidiFileGenerator(score, new alphaTab.Settings(), new midi.AlphaSynthMidiFileHandler(file)).generate();
+  const bends = file.events.filter((event) => event instanceof midi.NoteBendEvent && event.noteKey === 60);
+  const last = /** @type {any} */ (bends.at(-1));
+  // alphaTab has the synthesizer bend by up to 16 semitones either way, over the whole range of the number.
+  assert.equal((last.value / 0x80000000 - 1) * 16, 7);
+  assert.equal(last.tick, 2 * 960);
 });
 
 test("a voice that only passes through a bar leaves the others where they are", () => {

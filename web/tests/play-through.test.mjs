@@ -106,6 +106,25 @@ test("notes, bars and tempos follow the order", () => {
   ]);
 });
 
+test("turns and mordents go to the neighbours in the key of their bar", () => {
+  const keys = (score) => {
+    const midi = new alphaTab.midi.MidiFile();
+    new alphaTab.midi.MidiFileGenerator(score, settings, new alphaTab.midi.AlphaSynthMidiFileHandler(midi)).generate();
+    const notes = midi.events.filter((event) => event instanceof alphaTab.midi.NoteOnEvent);
+    return notes.map((/** @type {any} */ { noteKey }) => noteKey - 60);
+  };
+  const music = ":4 d4 {lmordent} d4 {umordent} g4 {turn} b4 {iturn}";
+  // A bar in E flat major, where B is no note of the key, and one in D major.
+  assert.deepEqual(keys(texScore(`\\ks Eb ${music} | \\ks D ${music}`)), [
+    ...[2, 0, 2, 2, 3, 2, 8, 7, 5, 7, 10, 11, 12, 11],
+    ...[2, 1, 2, 2, 4, 2, 9, 7, 6, 7, 9, 11, 13, 11],
+  ]);
+  // The sound of a transposing instrument is in another key than its staff.
+  const clarinet = texScore(`\\staff {score} \\displayTranspose 2 \\ks F ${music}`);
+  assert.equal(clarinet.tracks[0].staves[0].displayTranspositionPitch, -2);
+  assert.deepEqual(keys(clarinet).slice(0, 3), [2, 0, 2]);
+});
+
 test("the points of a backing track are where their bars are played", () => {
   const score = texScore("\\tempo 60 \\ro :1 c4 | \\rc 2 \\jump DaCapo d4 | e4");
   const points = [

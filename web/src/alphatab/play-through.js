@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { replaceScoreWalk } from "./internals/alphatab-internals.js";
+import { ornamentInKey } from "./ornaments.js";
 
 /**
  * Has alphaTab play scores in an order of the page's own: its notes, its lookup of bars and beats by their ticks, and
@@ -34,6 +35,7 @@ export function playInOrder(orderOf) {
       const { tick, bpm } = walk;
       const occurrence = walk.countOccurrence(bar);
       barBegins(bar, previous, tick, bpm, occurrence);
+      ornamentInKey(score, index);
       barPlays(index, tick, bar.tempoAutomations[0]?.value ?? bpm);
       walk.pass(bar, occurrence);
       previous = bar;

@@ -145,6 +145,11 @@ export function missingInternals(synth, source) {
   if (scoreWalks().length !== 1) {
     missing.push("MidiFileGenerator: one static method with six parameters");
   }
+  for (const [direction, tables] of Object.entries({ up: ornamentTables(1), down: ornamentTables(-1) })) {
+    if (tables.length !== 1) {
+      missing.push(`MidiFileGenerator: one static table of twelve steps ${direction}`);
+    }
+  }
   return missing;
 }
 
@@ -237,4 +242,27 @@ export function replaceScoreWalk(walk) {
     throw new Error("alphaTab's walk through a score is not where it was.");
   }
   /** @type {Record<string, unknown>} */ (/** @type {unknown} */ (alphaTab.midi.MidiFileGenerator))[names[0]] = walk;
+}
+
+/**
+ * @param {1 | -1} sign
+ * @returns {number[][]} static tables of the generator of notes with so many semitones for each key of an octave
+ */
+function ornamentTables(sign) {
+  const statics = /** @type {Record<string, unknown>} */ (/** @type {unknown} */ (alphaTab.midi.MidiFileGenerator));
+  return Object.getOwnPropertyNames(statics)
+    .map((name) => /** @type {number[]} */ (statics[name]))
+    .filter((table) => Array.isArray(table) && table.length === 12 && table.every((step) => step * sign > 0));
+}
+
+/**
+ * How far turns and mordents go, in semitones for each key of an octave from C; one for all notes. Changed in place, it
+ * holds for the notes that are generated from then on.
+ */
+export function ornamentSteps() {
+  const [[up], [down]] = [ornamentTables(1), ornamentTables(-1)];
+  if (!up || !down) {
+    throw new Error("alphaTab's steps of ornaments are not where they were.");
+  }
+  return { up, down };
 }

@@ -38,6 +38,7 @@ export function readMusicXml(text, settings) {
   score.rebuildRepeatGroups();
   applyLeftovers(leftovers, score);
   applyHammers(leftovers, score, settings);
+  score.tracks.forEach(giveDrumsHeads);
   for (const staff of score.tracks.flatMap(({ staves }) => staves)) {
     staff.bars.forEach(({ voices }) => voices.forEach(endBeforeBarLine));
     if (staff.isStringed) {
@@ -137,6 +138,22 @@ function applyHammers({ hammers }, score, settings) {
     if (note?.isStringed) {
       note.isHammerPullOrigin = true;
       note.finish(settings);
+    }
+  }
+}
+
+/**
+ * Notes of drums look like others, unless their document gives them heads of their own. alphaTab's reader gives them none.
+ *
+ * @param {Score["tracks"][0]} track
+ */
+function giveDrumsHeads({ percussionArticulations }) {
+  const { MusicFontSymbol } = alphaTab.model;
+  for (const drum of percussionArticulations) {
+    if (drum.noteHeadDefault === MusicFontSymbol.None) {
+      drum.noteHeadDefault = MusicFontSymbol.NoteheadBlack;
+      drum.noteHeadHalf = MusicFontSymbol.NoteheadHalf;
+      drum.noteHeadWhole = MusicFontSymbol.NoteheadWhole;
     }
   }
 }
