@@ -1,4 +1,5 @@
 // @ts-check
+import { OutputWatch } from "../audio/output-watch.js";
 import { clickSamples, sampleRate } from "../clicks/click-sounds.js";
 
 /**
@@ -10,16 +11,22 @@ import { clickSamples, sampleRate } from "../clicks/click-sounds.js";
  * @property {number} volume 1 is full
  */
 
+/** How long after a click the audio context is suspended: a running one is asked for samples all the time. */
+const suspendDelayMs = 5000;
+
 /** Plays single clicks beside everything else. */
 export class ClickPlayer {
-  /** @type {AudioContext | undefined} */
-  #context;
+  /** @type {{ context: AudioContext, watch: OutputWatch } | undefined} */
+  #output;
+  /** @type {ReturnType<typeof setTimeout> | undefined} */
+  #sleep;
 
   /** @param {Sounding} sounding the click that sounds at once */
   play({ sound, accent, volume }) {
-    this.#context ??= new AudioContext();
-    const context = this.#context;
-    void context.resume();
+    const { context, watch } = (this.#output ??= open());
+    clearTimeout(this.#sleep);
+    this.#sleep = setTimeout(() => watch.sleep(), suspendDelayMs);
+    watch.wake();
     const samples = clickSamples(sound, accent);
     const buffer = context.createBuffer(1, samples.length, sampleRate);
     buffer.copyToChannel(samples, 0);
@@ -27,4 +34,9 @@ export class ClickPlayer {
     source.connect(new GainNode(context, { gain: volume })).connect(context.destination);
     source.start();
   }
+}
+
+function open() {
+  const context = new AudioContext();
+  return { context, watch: new OutputWatch(context) };
 }
