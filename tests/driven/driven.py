@@ -52,7 +52,7 @@ class Window:
         runtime = os.path.join(self.home, "run")
         os.mkdir(runtime, 0o700)
         own = dict(os.environ, HOME=self.home, XDG_CONFIG_HOME=f"{self.home}/config", XDG_CACHE_HOME=f"{self.home}/cache",
-                   XDG_DATA_HOME=f"{self.home}/data", XDG_RUNTIME_DIR=runtime, QUAVERLY_WEB_FOLDER=str(build / "web"))
+                   XDG_DATA_HOME=f"{self.home}/data", XDG_RUNTIME_DIR=runtime)
         own.pop("WAYLAND_DISPLAY", None)
         own.update(environment or {"QT_QPA_PLATFORM": "offscreen"})
         self.errors = open(os.path.join(self.home, "stderr"), "w+", errors="replace")

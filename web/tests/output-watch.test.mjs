@@ -14,6 +14,10 @@ class SoundSystem {
   told = [];
   due = [];
   answers = true;
+  /** How many answers still come from before the device was gone. */
+  staleAnswers = 0;
+  /** Whether the context was resumed when its device was gone. */
+  isDead = false;
 
   constructor({ hasDevice = true } = {}) {
     const system = this;
@@ -29,12 +33,27 @@ class SoundSystem {
       },
       async resume() {
         system.calls.push(system.hasDevice ? "resume" : "resume to nobody");
-        this.state = "running";
-        system.plays = true;
+        system.isDead ||= !system.hasDevice && system.status.hadDevice;
+        this.state = system.isDead ? "suspended" : "running";
+        system.plays = !system.isDead;
+      },
+      destination: {
+        maxChannelCount: 2,
+        channels: 2,
+        get channelCount() {
+          return this.channels;
+        },
+        set channelCount(count) {
+          system.isDead &&= count === this.channels;
+          this.channels = count;
+        },
       },
     };
     this.watch = new OutputWatch(standIn(this.context), {
-      devices: async () => (this.answers ? (this.hasDevice ? [{ kind: "audiooutput" }] : []) : new Promise(() => {})),
+      devices: async () => {
+        await (this.answers || new Promise(() => {}));
+        return this.hasDevice || this.staleAnswers-- > 0 ? [{ kind: "audiooutput" }] : [];
+      },
       status: this.status,
       now: () => this.time,
       after: (work, ms) => this.due.push({ at: this.time + ms, work }),
@@ -103,6 +122,22 @@ test("it goes on where it was as soon as there is a device again", async () => {
   assert.deepEqual(system.told, [false, true]);
   assert.equal(system.context.state, "running");
   assert.ok(system.context.currentTime - currentTime < 0.5);
+});
+
+test("a device that goes while it is given anew is given once more when it is back", async () => {
+  const system = await playing();
+  system.unplug();
+  system.staleAnswers = 1;
+  await system.pass(1500);
+  assert.ok(system.calls.includes("resume to nobody"), "the answer was of before");
+  await system.pass(4000);
+  system.hasDevice = true;
+  await system.pass(4000);
+  assert.equal(system.context.state, "running");
+  const { currentTime } = system.context;
+  await system.pass(1000);
+  assert.ok(system.context.currentTime - currentTime > 0.9);
+  assert.equal(system.context.destination.channelCount, 2);
 });
 
 test("a context that stands still on a device that is there gets it anew, more and more seldom", async () => {

@@ -5,8 +5,9 @@ import { Emitter } from "../shared/emitter.js";
  * Keeps audio contexts sounding through the end of the sound system and back, or of a device.
  *
  * A context whose device is gone says that it runs, and stands still. Suspended and resumed, it is given a new device.
- * Resumed while there is none, it plays to nobody or never again. So it stays suspended until there is one, and what it
- * plays goes on where it was.
+ * Resumed while there is none, it plays to nobody, or never again by that alone. So it stays suspended until there is
+ * one, and what it plays goes on where it was. As a device may go in just that moment, the context is made to open it
+ * anew, too.
  */
 
 /** How often the time of a running context is looked at. */
@@ -49,7 +50,8 @@ export class OutputStatus {
 export const outputStatus = new OutputStatus();
 
 /**
- * @typedef {Pick<AudioContext, "state" | "currentTime" | "suspend" | "resume">} Context
+ * @typedef {Pick<AudioContext, "state" | "currentTime" | "suspend" | "resume">
+ *     & { destination: Pick<AudioDestinationNode, "channelCount" | "maxChannelCount"> }} Context
  *
  * @typedef {object} Dependencies
  * @property {() => Promise<{ kind: string }[]>} devices
@@ -196,6 +198,7 @@ export class OutputWatch {
   /** What runs already is not given another device. */
   #restart() {
     void this.#context.suspend();
+    openAnew(this.#context.destination);
     if (this.#wanted) {
       void this.#context.resume();
     }
@@ -229,5 +232,20 @@ export class OutputWatch {
     const has = await Promise.race([answer.catch(() => undefined), late]);
     status.hadDevice ||= has === true;
     return has;
+  }
+}
+
+/**
+ * Chromium opens the device anew for another number of channels. Nothing else brings a context back that was resumed
+ * without a device.
+ *
+ * @param {Context["destination"]} destination
+ */
+function openAnew(destination) {
+  const { channelCount, maxChannelCount } = destination;
+  const other = channelCount > 1 ? 1 : 2;
+  if (other <= maxChannelCount) {
+    destination.channelCount = other;
+    destination.channelCount = channelCount;
   }
 }
