@@ -13,7 +13,7 @@ QStringList languages() { return QStringLiteral(QUAVERLY_LANGUAGES).split(u' ');
 QString languageFor(const QStringList &preferred)
 {
     for (const QString &name : preferred) {
-        const QString language = name.section(u'-', 0, 0).section(u'_', 0, 0).toLower();
+        QString language = name.section(u'-', 0, 0).section(u'_', 0, 0).toLower();
         if (language == "en"_L1 || language == "c"_L1)
             return {};
         if (languages().contains(language))

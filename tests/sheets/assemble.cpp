@@ -133,7 +133,7 @@ std::string written(QPDF &document, const std::string &kind)
     }
     writer.write();
     const auto bytes = writer.getBufferSharedPointer();
-    return std::string(reinterpret_cast<const char *>(bytes->getBuffer()), bytes->getSize());
+    return { reinterpret_cast<const char *>(bytes->getBuffer()), bytes->getSize() };
 }
 
 } // namespace

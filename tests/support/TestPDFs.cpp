@@ -83,9 +83,9 @@ TestPDFs::Page TestPDFs::endlessPage() { return { .drawing = "[0.00001 0.00001] 
 QByteArray TestPDFs::boundlessForm()
 {
     const QByteArray drawing = "/Itself Do /Itself Do";
-    return assembled({ "<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>",
-        "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 595 842] /Contents 4 0 R "
-        "/Resources << /XObject << /Itself 5 0 R >> >> >>",
+    const QByteArray page = "<< /Type /Page /Parent 2 0 R /MediaBox [0 0 595 842] /Contents 4 0 R "
+                            "/Resources << /XObject << /Itself 5 0 R >> >> >>";
+    return assembled({ "<< /Type /Catalog /Pages 2 0 R >>", "<< /Type /Pages /Kids [3 0 R] /Count 1 >>", page,
         "<< /Length 10 >>\nstream\n/Itself Do\nendstream",
         "<< /Type /XObject /Subtype /Form /BBox [0 0 595 842] /Resources << /XObject << /Itself 5 0 R >> >> /Length "
             + QByteArray::number(drawing.size()) + " >>\nstream\n" + drawing + "\nendstream" });
