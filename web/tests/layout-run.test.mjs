@@ -105,7 +105,9 @@ test("a layout batch has the places of its own staff systems, not of one that is
   }
 });
 
-test("the first layout batch reaches as far as readers are to find themselves, and is painted there", () => {
+test("the first layout batch reaches as far as readers are to find themselves, and is painted there", (context) => {
+  let now = 0;
+  context.mock.method(performance, "now", () => (now += 60));
   const there = { bar: 40, x: 0, y: 0, left: 0, top: 40 };
   const { score, renderer } = renderId();
   const [first, ...others] = batches(new LayoutRun(renderer, score, [0], view, there));

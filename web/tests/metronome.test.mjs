@@ -1,6 +1,7 @@
 // @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
+import "./support/clock.mjs";
 import { PlayedScore, scoreOf } from "./support/played-score.mjs";
 import { standIn } from "./support/stand-in.mjs";
 
@@ -62,7 +63,10 @@ test("the preview is one click, plain, of the sound and volume that are set", ()
   const heard = [];
   globalThis.AudioContext = standIn(
     class {
-      resume() {}
+      state = "running";
+      destination = { channelCount: 2, maxChannelCount: 2 };
+      async resume() {}
+      async suspend() {}
       createBuffer() {
         return { copyToChannel: (samples) => heard.push({ samples }) };
       }
