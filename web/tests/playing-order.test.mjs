@@ -37,6 +37,14 @@ const forms = {
   "endings whose numbers leave one out": ["|:- 1.-:| 3.- -", "1 2 1 3 4"],
   "endings twice": ["|:- 1.-:| 2.- |:- 1.-:| 2.-", "1 2 1 3 4 5 4 6"],
   "endings twice, the second time without a start sign": ["|:- 1.-:| 2.-:| - 1.-:| 2.-", "1 2 1 3 4 5 4 6"],
+  "endings twice, the second time without a start sign, no second one closed": [
+    "|:- 1.-:| 2.- - - 1.-:| 2.- -",
+    "1 2 1 3 4 5 6 4 5 7 8",
+  ],
+  "the same, the second ending of two bars that carry its number": [
+    "|:- 1.-:| 2.- 2.- - 1.-:| 2.- -",
+    "1 2 1 3 4 5 6 5 7 8",
+  ],
   "a repeat within a first ending": ["|:- 1.- |:-:| -:| 2.- -", "1 2 3 3 4 1 5 6"],
   "the same, each bar with the ending's number": ["|:- 1.- |:1.-:| 1.-:| 2.- -", "1 2 3 3 4 1 5 6"],
   "a repeat within a repeat with endings": ["|:- |:- 1.-:| 2.- -:| -", "1 2 3 2 4 5 1 2 3 2 4 5 6"],

@@ -4,7 +4,8 @@
  *
  * An end sign closes the start sign opened last, or begins where the last repeat ended. Behind an ending that is
  * closed, an ending for another pass belongs to the same repeat. An ending reaches up to its end sign, to the next
- * ending or to the next start sign: in some files only its first bar carries its number.
+ * ending or to the next start sign: in some files only its first bar carries its number. Where an ending for a pass that
+ * was written already comes later, it reaches no further than its numbers: a repeat without a start sign begins behind.
  *
  * @typedef {import("./playing-order.js").WrittenBar} WrittenBar
  *
@@ -17,7 +18,13 @@
  * @property {number} first pass
  * @property {number} last pass
  *
- * @typedef {{ from: number, to: number, mask: number, open: boolean }} DraftEnding
+ * @typedef {object} DraftEnding
+ * @property {number} from
+ * @property {number} to
+ * @property {number} numbered the last bar that carries its number
+ * @property {number} mask
+ * @property {boolean} open
+ *
  * @typedef {{ start: number, signed: boolean, closings: Map<number, number>, endings: DraftEnding[] }} Draft
  */
 
@@ -45,7 +52,11 @@ export function findRepeats(bars, jumpsAt) {
   };
   for (const [index, bar] of bars.entries()) {
     const last = open.at(-1);
-    if (last && last.closings.size > 0 && !goesOn(last, bar, open.at(-2)?.signed ?? false)) {
+    const before = last && endBefore(last, bar);
+    if (before) {
+      before.to = before.numbered;
+      finish(before.to);
+    } else if (last && last.closings.size > 0 && !goesOn(last, bar, open.at(-2)?.signed ?? false)) {
       finish(index - 1);
     }
     const { repeatStart = false, repeatCount = 0, endings = 0 } = bar;
@@ -92,6 +103,17 @@ function goesOn({ endings }, { repeatStart = false, repeatCount = 0, endings: ma
 
 /**
  * @param {Draft} draft
+ * @param {WrittenBar} bar behind
+ * @returns {DraftEnding | null} the draft's last ending, if the bar belongs to one of a repeat that has begun behind it
+ */
+function endBefore({ closings, endings }, { endings: mask = 0 }) {
+  const last = endings.at(-1);
+  const again = endings.some((ending) => ending !== last && (ending.mask & mask) !== 0);
+  return last?.open && again && closings.size > 0 && last.to > last.numbered ? last : null;
+}
+
+/**
+ * @param {Draft} draft
  * @param {number} index
  * @param {number} mask
  */
@@ -99,11 +121,12 @@ function writeEnding({ endings }, index, mask) {
   const last = endings.at(-1);
   if (last?.open && (mask === 0 || mask === last.mask)) {
     last.to = index;
+    last.numbered = mask === 0 ? last.numbered : index;
   } else if (mask !== 0) {
     if (last) {
       last.open = false;
     }
-    endings.push({ from: index, to: index, mask, open: true });
+    endings.push({ from: index, to: index, numbered: index, mask, open: true });
   }
 }
 
