@@ -7,6 +7,9 @@ import { standIn } from "./support/stand-in.mjs";
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
 const { RenderService } = await import("../src/rendering/render-service.js");
+const { makeSystemsReleasable } = await import("../src/rendering/released-systems.js");
+
+makeSystemsReleasable();
 
 const settings = new alphaTab.Settings();
 settings.core.engine = "svg";
@@ -83,7 +86,7 @@ test("a score that is laid out is let go of, and its pictures are there whenever
 test("a picture from the store is the one that the layout paints", async () => {
   const { service, answers, draw, partials } = serving();
   draw(1);
-  await until(() => partials().length > 6);
+  await until(() => partials().some(({ renderResult }) => !renderResult));
   const { id } = partials()
     .reverse()
     .find(({ renderResult }) => !renderResult);
@@ -149,4 +152,42 @@ test("a partial that cannot be painted is told of when it is asked for, and the 
   });
   await until(() => failures().length > 0);
   assert.deepEqual(failures(), ["no ink"]);
+});
+
+test("of a long score what is laid out is painted and let go of before the end is laid out", async (context) => {
+  const collected = context.mock.fn();
+  globalThis.gc = standIn(collected);
+  context.after(() => delete globalThis.gc);
+  const { service, answers, draw, batches, partials } = serving();
+  const score = alphaTab.importer.ScoreLoader.loadAlphaTex("c4.4 d4 e4 f4 |".repeat(1000), settings);
+  const { renderResult } = alphaTab.rendering.ScoreRenderer.prototype;
+  let paintedAhead = 0;
+  context.mock.method(alphaTab.rendering.ScoreRenderer.prototype, "renderResult", function (id) {
+    paintedAhead += batches().length > 1 && !batches().at(-1).last ? 1 : 0;
+    renderResult.call(this, id);
+  });
+  draw(1, { score: scoreToJsObject(score) });
+  await until(() => batches().at(-1)?.last);
+  assert.ok(paintedAhead > 50);
+  assert.ok(collected.mock.callCount() > 0);
+  await until(() => !service.hasLayout);
+  const [, ...others] = partials();
+  for (const { id } of others) {
+    service.answer({ cmd: "paint", id });
+  }
+  const painted = () => answers.filter(({ kind }) => kind === "painted");
+  await until(() => painted().length === others.length);
+  assert.ok(painted().every(({ partial }) => /^<svg[^]+<\/svg>$/.test(partial.renderResult)));
+});
+
+test("what reading and the first lines have left is collected when the sound is ready", async (context) => {
+  const collected = context.mock.fn();
+  globalThis.gc = standIn(collected);
+  context.after(() => delete globalThis.gc);
+  const { service, draw } = serving();
+  draw(1, { remainderTimeoutMs: 1e6 });
+  assert.equal(collected.mock.callCount(), 0);
+  service.answer({ cmd: "resume" });
+  assert.equal(collected.mock.callCount(), 1);
+  await until(() => !service.hasLayout);
 });

@@ -54,10 +54,14 @@ export class LayoutRun {
   #known = new Set();
   /** @type {Partial[]} laid out and not delivered, because they do not fill the view yet */
   #waiting = [];
-  #systems = 0;
   #deliveredAny = false;
 
   finished = false;
+
+  /** How much is laid out, in bars of one track. */
+  get size() {
+    return this.#bars * this.#tracks.length;
+  }
 
   /**
    * @param {ScoreRenderer} renderer with its width and settings
@@ -165,7 +169,6 @@ export class LayoutRun {
       // alphaTab began again at the first bar: what was reported before does not hold any more.
       this.#known.clear();
       this.#waiting = [];
-      this.#systems = 0;
       this.#deliveredAny = false;
     }
     const fresh = partials.slice(0, Math.max(end, 0)).filter((partial) => !this.#known.has(partial.id));
@@ -238,12 +241,9 @@ export class LayoutRun {
     const all = this.#renderer.boundsLookup?.staffSystems ?? [];
     const systems = this.finished || this.#sideways ? all.length : Math.max(all.length - 1, 0);
     const bounds = new alphaTab.rendering.BoundsLookup();
-    bounds.staffSystems = all.slice(this.#systems, systems);
-    this.#systems = systems;
-    if (this.finished) {
-      // The page has them now; here they would only take room.
-      this.#renderer.boundsLookup = null;
-    }
+    bounds.staffSystems = all.slice(0, systems);
+    // The page has them now; here they would only take room, and alphaTab would go through all of them at each step.
+    this.#renderer.boundsLookup = this.finished ? null : new alphaTab.rendering.BoundsLookup();
     return bounds.toJson();
   }
 }

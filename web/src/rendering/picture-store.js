@@ -39,6 +39,11 @@ export class PictureStore {
     }
   }
 
+  /** @param {string} id */
+  has(id) {
+    return this.#entries.has(id) && !this.#missing.has(id);
+  }
+
   /** @returns {string | undefined} the id of a partial that is still to be painted */
   get nextMissing() {
     const [id] = this.#missing;

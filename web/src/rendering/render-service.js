@@ -3,19 +3,21 @@ import { alphaTab } from "../shared/alphatab.js";
 import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
 import { LayoutRun, firstStep } from "./layout-run.js";
 import { PictureStore } from "./picture-store.js";
+import { releaseSystems } from "./released-systems.js";
 import { showStaves } from "./shown-staves.js";
 import { arrangeStaffNames } from "./staff-names.js";
 import { foldLongRests } from "../score-files/guitar-pro/long-rests.js";
 import { readForFirstScreen } from "../score-files/score-files.js";
 import { chooseStrings } from "../score-files/strings/open-fingerings.js";
-import { collectThoroughly } from "../shared/garbage.js";
+import { collectGarbage, collectThoroughly } from "../shared/garbage.js";
 
 /**
  * Draws scores, bit by bit: between two steps of a render pass it receives what the page requests next, partials that
  * came into view or another render pass, which replaces the one under way.
  *
  * When all is laid out it paints what nobody has asked for yet. Then it has all pictures, and lets go of the layout:
- * another zoom, other tracks and another score begin anew anyway.
+ * another zoom, other tracks and another score begin anew anyway. Of a long score it lets go bit by bit, before all is
+ * laid out.
  *
  * @typedef {import("./worker-renderer.js").Request} Request
  * @typedef {import("./worker-renderer.js").Answer} Answer
@@ -28,6 +30,9 @@ import { collectThoroughly } from "../shared/garbage.js";
 
 /** For how long partials are painted that nobody waits for, before somebody may ask for one, in milliseconds. */
 const paintStepMs = 20;
+
+/** How much is laid out before what is done is let go of, in bars of one track: 15 to 20 MB. */
+const longLayout = 600;
 
 export class RenderService {
   #post;
@@ -44,6 +49,8 @@ export class RenderService {
   #read = null;
   /** @type {LayoutRun | null} */
   #run = null;
+  /** How much was laid out when the layout was last let go of, in bars of one track. */
+  #released = 0;
   #renderId = 0;
   /** How long the render pass waits with its remainder for "resume". */
   #remainderTimeoutMs = 0;
@@ -80,6 +87,8 @@ export class RenderService {
         break;
       case "resume":
         this.#remainderTimeoutMs = 0;
+        // What reading and the first lines have left, which nobody waits for any more.
+        collectGarbage();
         this.#next?.work();
         break;
       case "stop":
@@ -128,6 +137,7 @@ export class RenderService {
     foldLongRests(score);
     showStaves(score, request.staves);
     arrangeStaffNames(score, request.tracks);
+    this.#released = 0;
     this.#run = new LayoutRun(renderer, score, request.tracks, request.view, request.anchor, request.atOnce);
     if (request.atOnce) {
       // Another zoom may have been requested already.
@@ -169,7 +179,8 @@ export class RenderService {
         wait = batch.first ? this.#remainderTimeoutMs : 0;
       }
       this.#run = run.finished ? null : run;
-      this.#later(this.#run ? () => this.#proceed() : () => this.#paintAhead(), wait);
+      const paints = run.finished || run.size - this.#released >= longLayout;
+      this.#later(paints ? () => this.#paintAhead() : () => this.#proceed(), wait);
     } catch (reason) {
       this.#run = null;
       this.fail(reason);
@@ -185,21 +196,31 @@ export class RenderService {
     this.#next = work && { work, timer: setTimeout(work, wait) };
   }
 
-  /** Paints some of what nobody has asked for. With all pictures the layout is of no use any more. */
+  /** Paints some of what nobody has asked for. What has its picture need not be laid out any more. */
   async #paintAhead() {
     this.#later(null);
     const pictures = this.#pictures;
-    const progress = this.#renderer && this.#paintSome(this.#renderer);
-    await pictures.pack();
-    if (pictures !== this.#pictures || this.#run) {
+    const run = this.#run;
+    const renderer = this.#renderer;
+    if (!renderer) {
       return;
     }
-    if (progress === "all painted") {
-      this.#renderer?.destroy();
+    const progress = this.#paintSome(renderer);
+    await pictures.pack();
+    if (pictures !== this.#pictures || run !== this.#run) {
+      return;
+    }
+    if (progress === "more to paint") {
+      this.#later(() => this.#paintAhead());
+    } else if (run) {
+      releaseSystems(renderer, (id) => pictures.has(id));
+      collectGarbage();
+      this.#released = run.size;
+      this.#proceed();
+    } else if (progress === "all painted") {
+      renderer.destroy();
       this.#renderer = null;
       collectThoroughly();
-    } else if (progress === "more to paint") {
-      this.#later(() => this.#paintAhead());
     }
   }
 

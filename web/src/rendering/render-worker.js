@@ -4,6 +4,7 @@ import { alphaTab } from "../shared/alphatab.js";
 import { separateSectionMarks } from "./effect-bands.js";
 import { leaveOutFoldedBars } from "./folded-line.js";
 import { LayoutRun } from "./layout-run.js";
+import { makeSystemsReleasable } from "./released-systems.js";
 import { RenderService } from "./render-service.js";
 
 /**
@@ -17,6 +18,7 @@ const warmUpScore = `\\title "" \\track \\staff {score tabs} :8 3.3 5.3{h} :4 7.
 
 separateSectionMarks();
 leaveOutFoldedBars();
+makeSystemsReleasable();
 
 /** @param {import("./worker-renderer.js").Answer} answer */
 function post(answer) {

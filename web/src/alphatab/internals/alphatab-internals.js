@@ -53,16 +53,24 @@ import { alphaTab } from "../../shared/alphatab.js";
  * @property {(x: number, y: number, canvas: unknown, start: number, count: number) => void} paintPartial bars by their
  *     place in the line
  *
- * @typedef {object} MusicXmlElement what alphaTab's MusicXML reader asks of the elements of a document
- * @property {string} localName
- * @property {string} innerText
- * @property {ReadonlyMap<string, string>} attributes
- * @property {MusicXmlElement | null} firstElement
- * @property {(name: string, otherwise?: string) => string} getAttribute
- * @property {() => Iterable<MusicXmlElement>} childElements
- * @property {(name: string) => MusicXmlElement | null} findChildElement
- *
  * @typedef {{ createEmptyStaffSystem: (index: number) => EndlessSystem }} EndlessLayout
+ *
+ * @typedef {object} System a staff system of a page
+ * @property {number} index
+ * @property {{ masterBar: { index: number }, lastMasterBarIndex: number, renderers: unknown[], layoutingInfo: unknown }[]}
+ *     masterBarsRenderers its bars, in the order of the score
+ * @property {{ barRenderers: unknown[] }[]} allStaves
+ * @property {unknown[]} staves
+ *
+ * @typedef {{ id: string, firstMasterBarIndex: number }} Laid what a partial is known by
+ * @typedef {{ bar: { id: number }, additionalMultiRestBars: { id: number }[] | null }} BarRenderer
+ *
+ * @typedef {object} PageLayout
+ * @property {(index: number) => System} createEmptyStaffSystem
+ * @property {(partial: Laid, paint: (canvas: unknown) => void) => void} registerPartial
+ * @property {(staff: string, renderer: BarRenderer) => void} registerBarRenderer
+ * @property {(staff: string, bar: { id: number }) => BarRenderer | null} getRendererForBar
+ * @property {(hints: unknown) => void} doLayoutAndRender lays out all of it
  */
 
 /** Members of alphaTab's objects, by the object. */
@@ -133,6 +141,15 @@ const texts = {
   "a layout's createEmptyStaffSystem": /\bcreateEmptyStaffSystem\(/,
   "a staff system's addBars": /\baddBars\(/,
   "a staff system's paintPartial": /\bpaintPartial\(/,
+  "a staff system's masterBarsRenderers": /\.masterBarsRenderers\b/,
+  "a staff system's allStaves": /\.allStaves\b/,
+  "a staff's barRenderers": /\.barRenderers\b/,
+  "a layout's registerPartial": /\bregisterPartial\(/,
+  "a layout's registerBarRenderer": /\bregisterBarRenderer\(/,
+  "a layout's getRendererForBar": /\bgetRendererForBar\(/,
+  "a layout's doLayoutAndRender": /\bdoLayoutAndRender\(/,
+  "a bar's additionalMultiRestBars": /\badditionalMultiRestBars\b/,
+  "a bar's layoutingInfo": /\blayoutingInfo\b/,
 };
 
 /**
@@ -153,9 +170,6 @@ export function missingInternals(synth, source) {
   missing.push(...Object.entries(texts).flatMap(([name, pattern]) => (pattern.test(source) ? [] : [name])));
   if (scoreWalks().length !== 1) {
     missing.push("MidiFileGenerator: one static method with six parameters");
-  }
-  if (!musicXmlReader()) {
-    missing.push("Environment.buildImporters: one that reads the elements of MusicXML");
   }
   for (const [direction, tables] of Object.entries({ up: ornamentTables(1), down: ornamentTables(-1) })) {
     if (tables.length !== 1) {
@@ -224,12 +238,25 @@ export function effectBands() {
 
 /** @param {(layout: EndlessLayout) => void} change what is done to each layout of a score in one endless line */
 export function changeEndlessLayouts(change) {
+  changeLayouts(alphaTab.LayoutMode.Horizontal, change);
+}
+
+/** @param {(layout: PageLayout, renderer: object) => void} change what is done to each layout of a score on a page */
+export function changePageLayouts(change) {
+  changeLayouts(alphaTab.LayoutMode.Page, change);
+}
+
+/**
+ * @param {number} mode
+ * @param {(layout: any, renderer: object) => void} change
+ */
+function changeLayouts(mode, change) {
   const { layoutEngines } = /** @type {any} */ (alphaTab.Environment);
-  const factory = layoutEngines.get(alphaTab.LayoutMode.Horizontal);
+  const factory = layoutEngines.get(mode);
   const create = factory.createLayout;
-  factory.createLayout = (/** @type {unknown} */ renderer) => {
+  factory.createLayout = (/** @type {object} */ renderer) => {
     const layout = create(renderer);
-    change(layout);
+    change(layout, renderer);
     return layout;
   };
 }
@@ -277,42 +304,4 @@ export function ornamentSteps() {
     throw new Error("alphaTab's steps of ornaments are not where they were.");
   }
   return { up, down };
-}
-
-/** Only what reads whole documents knows those that are ordered by measures. It is named otherwise in each build. */
-const readsDocuments = /"score-timewise"/;
-
-function musicXmlReader() {
-  const { buildImporters } = /** @type {any} */ (alphaTab.Environment);
-  for (const importer of buildImporters?.() ?? []) {
-    const members = Object.getOwnPropertyDescriptors(Object.getPrototypeOf(importer));
-    const names = Object.keys(members).filter((name) => {
-      const { value } = members[name];
-      return name !== "constructor" && typeof value === "function" && readsDocuments.test(value.toString());
-    });
-    if (names.length === 1) {
-      return { importer, name: names[0] };
-    }
-  }
-  return null;
-}
-
-/**
- * Has alphaTab read MusicXML that is in elements already. It takes only texts, and reading one again takes as long as
- * the rest.
- *
- * @param {MusicXmlElement} root
- * @param {import("../../shared/alphatab.js").Settings} settings
- * @returns {import("../../shared/alphatab.js").Score}
- */
-export function readMusicXmlElements(root, settings) {
-  const reader = musicXmlReader();
-  if (!reader) {
-    throw new Error("alphaTab's reader of MusicXML is not where it was.");
-  }
-  const { importer, name } = reader;
-  const readDocument = importer[name];
-  importer[name] = () => readDocument.call(importer, { firstElement: root });
-  importer.init(alphaTab.io.ByteBuffer.fromString("<score-partwise/>"), settings);
-  return importer.readScore();
 }
