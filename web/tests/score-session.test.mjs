@@ -161,6 +161,30 @@ test("a score is seen before its sound is prepared, and its remainder laid out w
   assert.deepEqual(log, ["notice ends"]);
 });
 
+test("what a score leaves on its way is collected when it can be played, of a long one at each station", async (context) => {
+  const { own, api, log, paints } = session();
+  globalThis.gc = standIn(() => log.push("collection"));
+  context.after(() => delete globalThis.gc);
+  const open = async (bytes) => {
+    const opened = own.open(bytes);
+    await new Promise((resolve) => setImmediate(resolve));
+    paints.splice(0).forEach((work) => work());
+    await opened;
+    api.workerRenderer.batchShown.trigger({ first: true, last: false });
+    log.push("waits");
+    api.playerReady.trigger();
+    return log.splice(0).filter((entry) => /collection|shows|sound|waits|remainder$/.test(entry));
+  };
+  assert.deepEqual(await open(file("First")), ["shows First", "sound", "waits", "remainder", "collection"]);
+  const long = musicXml(
+    Array.from({ length: 3000 }, () => attributes() + note("C4", 4)),
+    { head: "" },
+  );
+  assert.deepEqual(await open(bytesOf(long)), [
+    ...["shows ", "collection", "sound", "collection", "waits", "remainder", "collection"],
+  ]);
+});
+
 test("a backing track plays unless the synthesizer is preferred, and changing that hands the playback over", async () => {
   const { own, api, log } = session();
   await own.open(file("First"));

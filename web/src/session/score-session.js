@@ -6,6 +6,7 @@ import { scoreOrder } from "../playback/score-order.js";
 import { CallOrder } from "./call-order.js";
 import { LoadSequence } from "./load-sequence.js";
 import { fetchBytes } from "../shared/resources.js";
+import { collectGarbage, leavesMuch } from "../shared/garbage.js";
 import { exportGuitarPro } from "../score-files/guitar-pro/export.js";
 import { readForFirstScreen } from "../score-files/score-files.js";
 
@@ -174,6 +175,10 @@ export class ScoreSession {
     }
     this.#loading.show(load);
     this.#scoreView.show(score);
+    if (leavesMuch(score)) {
+      // While the render worker lays out the beginning.
+      collectGarbage();
+    }
   }
 
   /**
@@ -201,11 +206,18 @@ function loadSequence(api, playback, cursor, notice, timing) {
     {
       announce: () => notice.beginOpening(),
       holdRemainder: (timeoutMs) => workerRenderer.holdRemainder(timeoutMs),
-      layOutRemainder: () => workerRenderer.resume(),
+      layOutRemainder: () => {
+        workerRenderer.resume();
+        // Not before: the synthesizer needs the processor to get ready.
+        collectGarbage();
+      },
       showCursor: () => cursor.showAtStart(),
       prepareSound: () => {
         api.prepareSound();
         playback.announceLength();
+        if (api.score && leavesMuch(api.score)) {
+          collectGarbage();
+        }
       },
     },
     timing,

@@ -22,3 +22,15 @@ export function collectGarbage() {
   // As a task of its own: what happens to lie on the stack would keep things.
   gc?.({ type: "major", execution: "async" });
 }
+
+/** In bars of one track. */
+const longScore = 3000;
+
+/**
+ * @param {import("./alphatab.js").Score} score
+ * @returns {boolean} whether reading it leaves a hundred megabytes or more, and takes seconds: then 0.1 s for a
+ *     collection do not count
+ */
+export function leavesMuch({ masterBars, tracks }) {
+  return masterBars.length * tracks.length >= longScore;
+}

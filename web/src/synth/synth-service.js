@@ -4,7 +4,7 @@ import { alphaTab } from "../shared/alphatab.js";
 import { PlaybackClock } from "./playback-clock.js";
 import { PracticeSynth } from "./practice-synth.js";
 import { SampleRing } from "../audio/sample-ring.js";
-import { collectThoroughly } from "../shared/garbage.js";
+import { collectGarbage, collectThoroughly } from "../shared/garbage.js";
 
 /**
  * The synthesizer at work in its worker. It understands the messages of alphaTab's player on the page, and
@@ -27,6 +27,9 @@ const properties = /** @type {const} */ ({
   setIsLooping: "isLooping",
 });
 
+/** What as many were handed over in takes a hundred megabytes. */
+const manyEvents = 50_000;
+
 /** @type {Record<string, (synth: PracticeSynth, command: Command) => void>} */
 const operations = {
   play: (synth) => synth.play(),
@@ -36,7 +39,13 @@ const operations = {
   loadSoundFontBytes: (synth, { data, append }) => synth.loadSoundFont(data, append),
   loadBanks: (synth, { banks }) => synth.loadBanks(banks),
   resetSoundFonts: (synth) => synth.resetSoundFonts(),
-  loadMidi: (synth, { midi }) => synth.loadMidiFile(JsonConverter.jsObjectToMidiFile(midi)),
+  loadMidi: (synth, { midi }) => {
+    const file = JsonConverter.jsObjectToMidiFile(midi);
+    synth.loadMidiFile(file);
+    if (file.events.length > manyEvents) {
+      collectGarbage();
+    }
+  },
   setChannelMute: (synth, { channel, mute }) => synth.setChannelMute(channel, mute),
   setChannelSolo: (synth, { channel, solo }) => synth.setChannelSolo(channel, solo),
   setChannelVolume: (synth, { channel, volume }) => synth.setChannelVolume(channel, volume),
