@@ -110,6 +110,15 @@ class TestPortalDialogs final : public QObject {
         return QDBusConnection::connectToBus(m_bus.address(), u"connection %1"_s.arg(++m_connections));
     }
 
+    /// Asks twice.
+    void isWaitedForOnce(const Chooser &chooser, const PortalRequest::Timeouts &timeouts)
+    {
+        PortalDialogs dialogs(connection(), std::make_unique<ScriptedDialogs>(m_otherwise), timeouts);
+        QCOMPARE(dialogs.chooseFileToOpen({ u"gp"_s }), QUrl(u"file:///otherwise.gp"_s));
+        QCOMPARE(dialogs.chooseFileToOpen({ u"gp"_s }), QUrl(u"file:///otherwise.gp"_s));
+        QCOMPARE(chooser.asked, 1);
+    }
+
 private Q_SLOTS:
     void init()
     {
@@ -225,20 +234,14 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowActive(&window));
         Chooser chooser(connection());
         chooser.showsNothing = true;
-        PortalDialogs dialogs(connection(), std::make_unique<ScriptedDialogs>(m_otherwise), { .panel = 50ms });
-        QCOMPARE(dialogs.chooseFileToOpen({ u"gp"_s }), QUrl(u"file:///otherwise.gp"_s));
-        QCOMPARE(dialogs.chooseFileToOpen({ u"gp"_s }), QUrl(u"file:///otherwise.gp"_s));
-        QCOMPARE(chooser.asked, 1);
+        isWaitedForOnce(chooser, { .panel = 50ms });
     }
 
     void aPortalThatSaysNothingIsWaitedForOnce()
     {
         Chooser chooser(connection());
         chooser.saysNothing = true;
-        PortalDialogs dialogs(connection(), std::make_unique<ScriptedDialogs>(m_otherwise), { .answer = 50ms });
-        QCOMPARE(dialogs.chooseFileToOpen({ u"gp"_s }), QUrl(u"file:///otherwise.gp"_s));
-        QCOMPARE(dialogs.chooseFileToOpen({ u"gp"_s }), QUrl(u"file:///otherwise.gp"_s));
-        QCOMPARE(chooser.asked, 1);
+        isWaitedForOnce(chooser, { .answer = 50ms });
     }
 
     void theWindowTakesNothingMeanwhile()
