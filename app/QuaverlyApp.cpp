@@ -12,6 +12,7 @@
 #include "app/menus/PlaybackMenu.h"
 #include "app/menus/PracticeMenu.h"
 #include "app/menus/ShortcutsWindow.h"
+#include "app/menus/UnsavedMenu.h"
 #include "app/menus/ViewMenu.h"
 #include "controller/AlphaTabController.h"
 #include "desktop/Launch.h"
@@ -79,6 +80,7 @@ QuaverlyApp::QuaverlyApp(AlphaTabController &controller, QString memoryFile)
     m_window.menuBar()->addMenu(new PlaybackMenu(controller, &m_window));
     m_window.menuBar()->addMenu(new PracticeMenu(controller, &m_window));
     buildHelpMenu();
+    m_window.menuBar()->addMenu(new UnsavedMenu(controller, &m_window));
     new OtherKeyboards(m_window);
     m_window.installEventFilter(this);
     connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {

@@ -14,6 +14,7 @@
 #include "pdf/conversion/PDFOpening.h"
 
 #include <QList>
+#include <QMap>
 #include <QObject>
 #include <QStringList>
 #include <QUrl>
@@ -109,6 +110,9 @@ public:
     Reported<PDFConverter::Progress> conversionProgress;
     /// From the choice of a printer or file until the score is there.
     Reported<bool> printing{ false };
+    /// The files of what the user has set that could not be saved, each with the system's word for why. Saving them is
+    /// tried again and again.
+    Reported<QMap<QString, QString>> unsavedFiles;
     /// A whole sentence for the user; nothing when all is well.
     Published<std::optional<QString>> conversionError;
 
@@ -179,6 +183,9 @@ public:
     // Recent files
     void saveRecents();
     void clearRecents();
+
+    /// Tries once more what could not be saved.
+    void saveWhatIsUnsaved();
 
     /// Prints what is shown of the score, to a printer or a file that the user chooses.
     void print();
@@ -264,6 +271,9 @@ private:
     void printed(const QString &path, const PrintResult &result);
     void saveGp(const QString &base64, const QString &title);
 
+    void watchSaving();
+    void saved(const QString &path, const std::optional<QString> &reason);
+
     void startSmokeLog();
     void smokeLog(const QString &line);
     void snapshotIfSmoke();
@@ -273,6 +283,8 @@ private:
     const bool m_smokeTest;
     const QString m_smokeLogPath;
     bool m_didSnapshot = false;
+    /// Whether a time is set at which saving is tried again.
+    bool m_savesAgain = false;
     /// The score that the page was last asked for, and the one that it shows.
     ScoreSource m_requestedSource;
     ScoreSource m_shownSource;

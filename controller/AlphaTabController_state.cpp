@@ -94,6 +94,7 @@ AlphaTabController::AlphaTabController(Surroundings surroundings)
         if (!looping)
             looping = true;
     });
+    watchSaving();
     startSmokeLog();
     loadRecents();
     QThreadPool::globalInstance()->start(&PDFConverter::WorkingFolder::sweep);
@@ -101,8 +102,10 @@ AlphaTabController::AlphaTabController(Surroundings surroundings)
         if (!playing)
             rememberShownScore();
     });
-    if (qApp)
+    if (qApp) {
         connect(qApp, &QCoreApplication::aboutToQuit, this, &AlphaTabController::rememberShownScore);
+        connect(qApp, &QCoreApplication::aboutToQuit, this, &AlphaTabController::saveWhatIsUnsaved);
+    }
     m_engine->load(pageAddress());
 }
 

@@ -151,6 +151,14 @@ DefaultsStore::Contents DefaultsStore::stored() const
 
 void DefaultsStore::write(const QString &key, const QJsonValue &value)
 {
+    if (!m_unsaved.contains(key))
+        m_unsaved.insert(key, m_values.value(key));
+    m_values.insert(key, value);
+    save();
+}
+
+void DefaultsStore::save()
+{
     const QString folder = QFileInfo(m_filePath).absolutePath();
     QDir().mkpath(folder);
     const FolderLock lock(folder);
@@ -160,12 +168,28 @@ void DefaultsStore::write(const QString &key, const QJsonValue &value)
     else if (!contents.unreadable.isEmpty())
         setAside(u"failed to read the settings "_s, contents.unreadable);
     QJsonObject file = contents.values.value_or(m_values);
-    file.insert(key, merged(m_values.value(key), value, file.value(key)));
-    m_values.insert(key, value);
-    const std::optional<QString> reason
-        = WholeFile::write(m_filePath, QJsonDocument(file).toJson(), WholeFile::Durability::WithSystem);
-    if (reason)
-        m_log(u"[Quaverly] failed to write the settings "_s + m_filePath + u": "_s + *reason);
-    else
-        m_settling.changed();
+    for (auto began = m_unsaved.cbegin(); began != m_unsaved.cend(); ++began)
+        file.insert(began.key(), merged(began.value(), m_values.value(began.key()), file.value(began.key())));
+    report(WholeFile::write(m_filePath, QJsonDocument(file).toJson(), WholeFile::Durability::WithSystem));
 }
+
+void DefaultsStore::report(const std::optional<QString> &reason)
+{
+    if (!reason) {
+        m_unsaved.clear();
+        m_settling.changed();
+    } else if (*reason != m_lastReason) {
+        m_log(u"[Quaverly] failed to write the settings "_s + m_filePath + u": "_s + *reason);
+    }
+    m_lastReason = reason.value_or(QString());
+    if (m_observer)
+        m_observer(m_filePath, reason);
+}
+
+void DefaultsStore::saveWhatIsUnsaved()
+{
+    if (!m_unsaved.isEmpty())
+        save();
+}
+
+void DefaultsStore::setSaveObserver(SaveObserver observer) { m_observer = std::move(observer); }

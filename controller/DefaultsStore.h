@@ -1,8 +1,11 @@
 #pragma once
 
+#include "controller/SaveObserver.h"
 #include "controller/SettlingFile.h"
 
+#include <QHash>
 #include <QJsonObject>
+#include <QJsonValue>
 #include <QString>
 #include <QStringList>
 
@@ -13,6 +16,8 @@
 ///
 /// Several programs may share the file. An assignment changes its own key only, in the file as it is then; of two lists
 /// of texts both programs' additions and removals stay. What others write is seen when the store is made.
+///
+/// What could not be saved is saved with the next assignment, or when it is asked for.
 ///
 /// The file is with the system when an assignment returns and on the disk about a second after the last one, or when
 /// the store ends: a slider that is dragged does not wait for the disk.
@@ -30,8 +35,13 @@ public:
     static constexpr qint64 largestFile = 4 << 20;
 
     /// @param filePath the JSON file; it and its folder are made at the first assignment
-    /// @param log takes one line for a damaged file and for a write that failed
+    /// @param log takes one line for a damaged file, and for a write that failed in another way than the one before
     DefaultsStore(QString filePath, Log log);
+
+    /// Null for none.
+    void setSaveObserver(SaveObserver observer);
+    /// Where all is saved nothing happens.
+    void saveWhatIsUnsaved();
 
     /// The file in the user's configuration folder.
     static QString userFilePath();
@@ -59,10 +69,16 @@ private:
     void read();
     void setAside(const QString &complaint, const QString &reason);
     void write(const QString &key, const QJsonValue &value);
+    void save();
+    void report(const std::optional<QString> &reason);
 
     const QString m_filePath;
     const Log m_log;
     /// As read and assigned here; what was merged into the file beside that is not in it.
     QJsonObject m_values;
+    /// The values that the file is to be brought forward from, by the keys that were assigned since it was written.
+    QHash<QString, QJsonValue> m_unsaved;
+    QString m_lastReason;
+    SaveObserver m_observer;
     SettlingFile m_settling;
 };

@@ -54,28 +54,33 @@ QString ScoreMemory::keyFor(QByteArrayView content)
     return QString::fromLatin1(hash.result().toHex());
 }
 
-bool ScoreMemory::isOn() const { return stored()[onKey].toBool(); }
+void ScoreMemory::setSaveObserver(SaveObserver observer) { m_observer = std::move(observer); }
+
+bool ScoreMemory::isOn() const { return fileToBe()[onKey].toBool(); }
 
 void ScoreMemory::setOn(bool on)
 {
-    change([on](QJsonObject &file) { file.insert(onKey, on); });
+    if (m_filePath.isEmpty())
+        return;
+    m_unsavedOn = on;
+    save();
 }
 
 std::optional<RememberedScore> ScoreMemory::recall(const QString &key) const
 {
-    const QJsonValue score = stored()[scoresKey][key];
+    const QJsonValue score = fileToBe()[scoresKey][key];
     return score.isObject() ? std::optional(RememberedScore::fromJson(score.toObject())) : std::nullopt;
 }
 
 void ScoreMemory::remember(const QString &key, const RememberedScore &score)
 {
-    change([&](QJsonObject &file) {
-        QJsonObject entry = score.toJson();
-        entry.insert(leftKey, double(QDateTime::currentMSecsSinceEpoch()));
-        QJsonObject scores = file[scoresKey].toObject();
-        scores.insert(key, entry);
-        file.insert(scoresKey, latest(std::move(scores)));
-    });
+    if (m_filePath.isEmpty())
+        return;
+    QJsonObject entry = score.toJson();
+    entry.insert(leftKey, double(QDateTime::currentMSecsSinceEpoch()));
+    m_unsavedScores.insert(key, entry);
+    m_unsavedScores = latest(std::move(m_unsavedScores));
+    save();
 }
 
 QJsonObject ScoreMemory::stored() const
@@ -87,16 +92,41 @@ QJsonObject ScoreMemory::stored() const
     return QJsonDocument::fromJson(file.readAll()).object();
 }
 
-void ScoreMemory::change(const std::function<void(QJsonObject &)> &edit)
+/// The file as it is, with what is not yet in it.
+QJsonObject ScoreMemory::fileToBe() const
 {
-    if (m_filePath.isEmpty())
-        return;
+    QJsonObject file = stored();
+    if (m_unsavedOn)
+        file.insert(onKey, *m_unsavedOn);
+    if (m_unsavedScores.isEmpty())
+        return file;
+    QJsonObject scores = file[scoresKey].toObject();
+    for (auto score = m_unsavedScores.begin(); score != m_unsavedScores.end(); ++score)
+        scores.insert(score.key(), *score);
+    file.insert(scoresKey, latest(std::move(scores)));
+    return file;
+}
+
+void ScoreMemory::saveWhatIsUnsaved()
+{
+    if (m_unsavedOn || !m_unsavedScores.isEmpty())
+        save();
+}
+
+void ScoreMemory::save()
+{
     const QString folder = QFileInfo(m_filePath).absolutePath();
     QDir().mkpath(folder);
     const FolderLock lock(folder);
-    QJsonObject file = stored();
-    edit(file);
-    if (const std::optional<QString> reason = WholeFile::write(
-            m_filePath, QJsonDocument(file).toJson(QJsonDocument::Compact), WholeFile::Durability::WithSystem))
+    const std::optional<QString> reason = WholeFile::write(
+        m_filePath, QJsonDocument(fileToBe()).toJson(QJsonDocument::Compact), WholeFile::Durability::WithSystem);
+    if (!reason) {
+        m_unsavedOn.reset();
+        m_unsavedScores = {};
+    } else if (*reason != m_lastReason) {
         m_log(u"[Quaverly] failed to write "_s + m_filePath + u": "_s + *reason);
+    }
+    m_lastReason = reason.value_or(QString());
+    if (m_observer)
+        m_observer(m_filePath, reason);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "controller/RememberedScore.h"
+#include "controller/SaveObserver.h"
 
 #include <QJsonObject>
 #include <QString>
@@ -11,7 +12,8 @@
 /// The file that remembers how each score was left, and whether it is to remember any.
 ///
 /// Each look and each change reads the file anew, so that programs which run at the same time keep each other's scores.
-/// A file that cannot be understood, or is too large for what is remembered, is as good as an empty one.
+/// A file that cannot be understood, or is too large for what is remembered, is as good as an empty one. What could not
+/// be saved is saved with the next change, or when it is asked for.
 class ScoreMemory final {
     Q_DISABLE_COPY_MOVE(ScoreMemory)
 
@@ -27,6 +29,11 @@ public:
     /// @param filePath empty for a memory that keeps nothing
     ScoreMemory(QString filePath, Log log);
 
+    /// Null for none.
+    void setSaveObserver(SaveObserver observer);
+    /// Where all is saved nothing happens.
+    void saveWhatIsUnsaved();
+
     /// The file of the user that runs the program.
     static QString userFilePath();
     /// The name of a score in the file: its content's, whatever the file is called.
@@ -41,8 +48,14 @@ public:
 
 private:
     QJsonObject stored() const;
-    void change(const std::function<void(QJsonObject &)> &edit);
+    QJsonObject fileToBe() const;
+    void save();
 
     const QString m_filePath;
     const Log m_log;
+    /// What was changed since the file was written.
+    std::optional<bool> m_unsavedOn;
+    QJsonObject m_unsavedScores;
+    QString m_lastReason;
+    SaveObserver m_observer;
 };

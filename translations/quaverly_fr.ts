@@ -775,6 +775,22 @@
     </message>
 </context>
 <context>
+    <name>UnsavedMenu</name>
+    <message>
+        <source>Settings cannot be saved</source>
+        <translation>Réglages impossibles à enregistrer</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <comment>a file, and why it cannot be saved</comment>
+        <translation>%1 : %2</translation>
+    </message>
+    <message>
+        <source>Try Again</source>
+        <translation>Réessayer</translation>
+    </message>
+</context>
+<context>
     <name>ViewMenu</name>
     <message>
         <source>&amp;View</source>

@@ -6,6 +6,7 @@
 #include "tests/support/TestSurroundings.h"
 
 #include <QAction>
+#include <QDir>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPainter>
@@ -79,6 +80,41 @@ private Q_SLOTS:
     {
         m_app.reset();
         m_controller.reset();
+    }
+
+    void settingsThatCannotBeSavedAreSaidInTheMenuBar()
+    {
+        QMenu *sign = menu(u"Settings cannot be saved"_s);
+        QVERIFY(sign && !sign->menuAction()->isVisible());
+        // A folder in its place.
+        const QString file = m_world->path(u"defaults.json"_s);
+        QVERIFY(QDir().mkpath(file + u"/something"_s));
+        m_controller->metronomeVolume = 0.25;
+        QVERIFY(sign->menuAction()->isVisible());
+        const QString line = sign->actions().constFirst()->text();
+        QVERIFY2(line.startsWith(file + u": "_s), qPrintable(line));
+        QVERIFY(!sign->actions().constFirst()->isEnabled());
+        QCOMPARE(sign->accessibleDescription(), line);
+
+        QVERIFY(QDir(file).removeRecursively());
+        sign->actions().constLast()->trigger();
+        QTRY_VERIFY(!sign->menuAction()->isVisible());
+        QCOMPARE(m_world->defaults()->real(u"metronomeVolume"_s), 0.25);
+    }
+
+    void settingsThatCannotBeSavedAreTriedAgain()
+    {
+        const QMenu *sign = menu(u"Settings cannot be saved"_s);
+        const QString file = m_world->path(u"defaults.json"_s);
+        QVERIFY(QDir().mkpath(file + u"/something"_s));
+        m_controller->metronomeVolume = 0.25;
+        m_controller->metronomeVolume = 0.5;
+        m_world->letTimePass();
+        QVERIFY(sign->menuAction()->isVisible());
+        QVERIFY(QDir(file).removeRecursively());
+        m_world->letTimePass();
+        QVERIFY(!sign->menuAction()->isVisible());
+        QCOMPARE(m_world->defaults()->real(u"metronomeVolume"_s), 0.5);
     }
 
     void theMenusAreInOrder()

@@ -246,6 +246,49 @@ private Q_SLOTS:
         QCOMPARE(store()->text(u"t"_s), u"c"_s);
     }
 
+    void whatTheDiskDidNotTakeIsSavedLater()
+    {
+        const QString key = u"list"_s;
+        store()->setTextList(key, { u"a"_s });
+        const auto s = store();
+        {
+            const FullDisk disk(10);
+            s->setTextList(key, { u"b"_s, u"a"_s });
+            s->setTextList(key, { u"c"_s, u"b"_s, u"a"_s });
+            s->setInteger(u"i"_s, 1);
+        }
+        QCOMPARE(m_log.size(), 1); // a failure that lasts
+        const auto other = store();
+        QCOMPARE(other->textList(key), QStringList{ u"a"_s });
+        other->setTextList(key, { u"x"_s, u"a"_s });
+        s->setBoolean(u"b"_s, true);
+        const auto next = store();
+        QCOMPARE(next->integer(u"i"_s), 1);
+        QCOMPARE(next->boolean(u"b"_s), true);
+        QCOMPARE(next->textList(key), (QStringList{ u"c"_s, u"x"_s, u"b"_s, u"a"_s }));
+    }
+
+    void whatTheDiskDidNotTakeIsSavedWhenAskedFor()
+    {
+        QStringList told;
+        const auto s = store();
+        s->setSaveObserver([&](const QString &file, const std::optional<QString> &reason) {
+            QCOMPARE(file, path());
+            told << reason.value_or(u"saved"_s);
+        });
+        s->saveWhatIsUnsaved();
+        QVERIFY(!QFile::exists(path()));
+        {
+            const FullDisk disk(10);
+            s->setText(u"t"_s, u"kept"_s);
+        }
+        QVERIFY(told.size() == 1 && told[0] != u"saved"_s);
+        s->saveWhatIsUnsaved();
+        s->saveWhatIsUnsaved();
+        QVERIFY(told.size() == 2 && told[1] == u"saved"_s);
+        QCOMPARE(store()->text(u"t"_s), u"kept"_s);
+    }
+
     void twoLaunchesKeepEachOthersSettings()
     {
         store()->setReal(u"volume"_s, 0.5);

@@ -1,4 +1,5 @@
 #include "controller/ScoreMemory.h"
+#include "tests/support/FullDisk.h"
 
 #include <QDir>
 #include <QFile>
@@ -36,6 +37,36 @@ private Q_SLOTS:
         QVERIFY(!memory.isOn());
         QVERIFY(!memory.recall(u"a"_s));
         QVERIFY(!QFileInfo::exists(QFileInfo(path).path()));
+    }
+
+    void whatTheDiskDidNotTakeIsSavedLater()
+    {
+        const QString path = newPath();
+        ScoreMemory memory = open(path);
+        QStringList told;
+        memory.setSaveObserver([&](const QString &file, const std::optional<QString> &reason) {
+            QCOMPARE(file, path);
+            told << reason.value_or(u"saved"_s);
+        });
+        m_log.clear();
+        {
+            const FullDisk disk(5);
+            memory.setOn(true);
+            memory.remember(u"a"_s, score(50));
+            memory.remember(u"b"_s, score(60));
+        }
+        QCOMPARE(m_log.size(), 1);
+        m_log.clear();
+        QVERIFY(memory.isOn());
+        QCOMPARE(memory.recall(u"a"_s), score(50));
+        QVERIFY(!open(path).isOn());
+        memory.saveWhatIsUnsaved();
+        memory.saveWhatIsUnsaved();
+        QVERIFY(told.size() == 4 && told[2] != u"saved"_s && told[3] == u"saved"_s);
+        const ScoreMemory next = open(path);
+        QVERIFY(next.isOn());
+        QCOMPARE(next.recall(u"a"_s), score(50));
+        QCOMPARE(next.recall(u"b"_s), score(60));
     }
 
     void keepsEverythingForTheNextLaunch()
