@@ -34,6 +34,13 @@ test("what is gone is named", () => {
   assert.deepEqual(missingInternals(without, source), ["AlphaSynth.sequencer.mainSeek"]);
   without.sequencer = undefined;
   assert.ok(missingInternals(without, source).includes("AlphaSynth.sequencer.currentTime"));
+  const { Environment } = /** @type {any} */ (alphaTab);
+  const { buildImporters } = Environment;
+  Environment.buildImporters = () => buildImporters().filter(({ name }) => name !== "MusicXML");
+  assert.deepEqual(missingInternals(synth(), source), [
+    "Environment.buildImporters: one that reads the elements of MusicXML",
+  ]);
+  Environment.buildImporters = buildImporters;
   const { MidiFileGenerator } = /** @type {any} */ (alphaTab.midi);
   MidiFileGenerator.ornamentKeysDown.push(-1);
   assert.deepEqual(missingInternals(synth(), source), ["MidiFileGenerator: one static table of twelve steps down"]);

@@ -67,6 +67,38 @@ export class XmlElement {
   textOf(name) {
     return this.child(name)?.text ?? "";
   }
+
+  // What follows is for alphaTab's reader, under the names that it uses.
+
+  get localName() {
+    return this.name;
+  }
+
+  get innerText() {
+    return this.text;
+  }
+
+  /** The one element within this one, for kinds of element that hold one. @returns {XmlElement | null} */
+  get firstElement() {
+    return this.children.at(-1) ?? null;
+  }
+
+  childElements() {
+    return this.children;
+  }
+
+  /** @param {string} name */
+  findChildElement(name) {
+    return this.child(name) ?? null;
+  }
+
+  /**
+   * @param {string} name
+   * @param {string} [otherwise]
+   */
+  getAttribute(name, otherwise = "") {
+    return this.attributes.get(name) ?? otherwise;
+  }
 }
 
 /**

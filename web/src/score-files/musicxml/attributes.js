@@ -6,7 +6,7 @@ import { boundedInteger, boundedNumber, mostStaves, tolerance } from "./values.j
  * of it anywhere else, so that a clef before a bar line was lost for all that follows.
  *
  * @typedef {import("../containers/xml-scanner.js").XmlElement} XmlElement
- * @typedef {import("../containers/xml-writer.js").XmlWriter} XmlWriter
+ * @typedef {import("../containers/xml-builder.js").XmlBuilder} XmlBuilder
  * @typedef {import("./metres.js").Metre} Metre
  * @typedef {import("./events.js").Measure} Measure
  */
@@ -39,7 +39,7 @@ export function attributesAtBars(measures, isUnplayed) {
 }
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {XmlElement} element of `attributesAtBars`
  * @param {{ staffCount: number, percussion: boolean }} part
  */
@@ -54,7 +54,7 @@ export function writeAttribute(writer, element, part) {
       writer.open("key", { number: staff });
       writer.leaf("fifths", boundedInteger(element.textOf("fifths"), -7, 7, 0));
       writer.leaf("mode", element.textOf("mode"));
-      writer.close("key");
+      writer.close();
       break;
     case "clef":
       writeClef(writer, element, staff, part.percussion);
@@ -63,7 +63,7 @@ export function writeAttribute(writer, element, part) {
       writer.open("transpose", { number: staff });
       writer.leaf("chromatic", boundedInteger(element.textOf("chromatic"), -48, 48, 0));
       writer.leaf("octave-change", boundedInteger(element.textOf("octave-change"), -4, 4, 0));
-      writer.close("transpose");
+      writer.close();
       break;
     case "staff-details":
       writeStaffDetails(writer, element, staff);
@@ -72,7 +72,7 @@ export function writeAttribute(writer, element, part) {
 }
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {XmlElement} clef
  * @param {number | undefined} staff
  * @param {boolean} percussion whether the part plays keys of a drum kit
@@ -87,13 +87,13 @@ function writeClef(writer, clef, staff, percussion) {
   if (octaves !== 0) {
     writer.leaf("clef-octave-change", octaves);
   }
-  writer.close("clef");
+  writer.close();
 }
 
 const mostLines = 12;
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {XmlElement} details
  * @param {number | undefined} staff
  */
@@ -116,14 +116,14 @@ function writeStaffDetails(writer, details, staff) {
       writer.leaf("tuning-step", tuning.textOf("tuning-step"));
       writer.leaf("tuning-alter", Math.trunc(boundedNumber(tuning.textOf("tuning-alter"), -2, 2, 0)));
       writer.leaf("tuning-octave", boundedInteger(tuning.textOf("tuning-octave"), 0, 9, 3));
-      writer.close("staff-tuning");
+      writer.close();
     }
   }
   const capo = boundedInteger(details.textOf("capo"), 1, 24, 0);
   if (capo > 0) {
     writer.leaf("capo", capo);
   }
-  writer.close("staff-details");
+  writer.close();
 }
 
 /**

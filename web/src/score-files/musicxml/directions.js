@@ -7,7 +7,7 @@ import { boundedInteger } from "./values.js";
  * reads until they stop.
  *
  * @typedef {import("../containers/xml-scanner.js").XmlElement} XmlElement
- * @typedef {import("../containers/xml-writer.js").XmlWriter} XmlWriter
+ * @typedef {import("../containers/xml-builder.js").XmlBuilder} XmlBuilder
  * @typedef {import("./events.js").Mark} Mark
  * @typedef {import("./events.js").MusicEvent} MusicEvent
  */
@@ -40,7 +40,7 @@ export class DirectionWriter {
   #stretch = 1;
 
   /**
-   * @param {XmlWriter} writer
+   * @param {XmlBuilder} writer
    * @param {number} staffCount
    */
   constructor(writer, staffCount) {
@@ -153,7 +153,7 @@ export class DirectionWriter {
   #writeDirection(kind, offset) {
     this.#begin();
     if (kind.name === "words" || kind.name === "rehearsal") {
-      this.#writer.leaf(kind.name, kind.text.slice(0, longestWords));
+      this.#writer.leaf(kind.name, kind.text.slice(0, longestWords).trim());
     } else {
       this.#writer.copy(kind);
     }
@@ -167,12 +167,12 @@ export class DirectionWriter {
 
   /** @param {number} offset */
   #end(offset) {
-    this.#writer.close("direction-type");
+    this.#writer.close();
     if (offset !== 0) {
       this.#writer.leaf("offset", offset);
     }
     this.#writer.leaf("staff", this.#staff);
-    this.#writer.close("direction");
+    this.#writer.close();
   }
 }
 
@@ -209,7 +209,7 @@ export function marksOfStaff(marks, staff, events) {
 const mostStrings = 12;
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {XmlElement} harmony
  */
 function writeHarmony(writer, harmony) {
@@ -224,11 +224,11 @@ function writeHarmony(writer, harmony) {
       writer.copy(child);
     }
   }
-  writer.close("harmony");
+  writer.close();
 }
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {XmlElement} frame
  */
 function writeFrame(writer, frame) {
@@ -246,8 +246,8 @@ function writeFrame(writer, frame) {
       if (barre) {
         writer.copy(barre);
       }
-      writer.close("frame-note");
+      writer.close();
     }
   }
-  writer.close("frame");
+  writer.close();
 }

@@ -6,7 +6,7 @@ import { boundedInteger, boundedNumber, keyOf, lengthOf, tolerance, writingFor, 
  * number, and without what it misunderstands.
  *
  * @typedef {import("../containers/xml-scanner.js").XmlElement} XmlElement
- * @typedef {import("../containers/xml-writer.js").XmlWriter} XmlWriter
+ * @typedef {import("../containers/xml-builder.js").XmlBuilder} XmlBuilder
  * @typedef {import("./values.js").Writing} Writing
  *
  * @typedef {object} Place
@@ -31,7 +31,7 @@ const mostVerses = 12;
 const mostSyllables = 8;
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {XmlElement} note
  * @param {Place} place
  * @param {PartFacts} part
@@ -61,13 +61,13 @@ export function writeNote(writer, note, place, part) {
   writeStaff(writer, place);
   writeNotations(writer, note, place, part);
   writeLyrics(writer, note);
-  writer.close("note");
+  writer.close();
 }
 
 /**
  * Writes a rest that the file does not have.
  *
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {Place} place
  * @param {Writing} writing
  */
@@ -76,11 +76,11 @@ export function writeRest(writer, place, writing) {
   writer.empty("rest");
   writeTime(writer, place, writing);
   writeStaff(writer, place);
-  writer.close("note");
+  writer.close();
 }
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {XmlElement} note
  * @param {PartFacts} part
  */
@@ -95,7 +95,7 @@ function writePitch(writer, note, part) {
       "display-octave",
       boundedInteger((unpitched ?? pitch)?.textOf(unpitched ? "display-octave" : "octave") ?? "", 0, 9, 4),
     );
-    writer.close("unpitched");
+    writer.close();
     writer.leaf("instrument", "", { id: instrument });
     return;
   }
@@ -110,11 +110,11 @@ function writePitch(writer, note, part) {
     writer.leaf("alter", alter);
   }
   writer.leaf("octave", boundedInteger(pitch?.textOf("octave") ?? unpitched?.textOf("display-octave") ?? "", -1, 9, 4));
-  writer.close("pitch");
+  writer.close();
 }
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {Place} place
  * @param {Writing | null} writing
  */
@@ -136,14 +136,14 @@ function writeTime(writer, { ticks, voice }, writing) {
     writer.open("time-modification");
     writer.leaf("actual-notes", writing.actual);
     writer.leaf("normal-notes", writing.normal);
-    writer.close("time-modification");
+    writer.close();
   }
 }
 
 /**
  * What is the first is not written: the reader takes it for granted.
  *
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {Place} place
  */
 function writeStaff(writer, { staff }) {
@@ -170,7 +170,7 @@ function shownWriting(note, rest, { ticks, fillsBar }) {
 }
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {XmlElement} note
  * @param {Place} place
  * @param {PartFacts} part
@@ -204,14 +204,14 @@ function writeNotations(writer, note, place, part) {
       }
     }
   }
-  writer.close("notations");
+  writer.close();
 }
 
 /** How many strokes alphaTab plays. */
 const mostStrokes = 5;
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {XmlElement} ornaments
  * @param {XmlElement} note
  * @param {number} fifths
@@ -228,7 +228,7 @@ function writeOrnaments(writer, ornaments, note, fifths) {
       writer.copy(child);
     }
   }
-  writer.close("ornaments");
+  writer.close();
 }
 
 const letters = "FCGDAEB";
@@ -269,7 +269,7 @@ function isHammerStart({ name, attributes }) {
 }
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {XmlElement} technical
  * @param {number} strings
  */
@@ -289,11 +289,11 @@ function writeTechnical(writer, technical, strings) {
     writer.leaf("string", string);
     writer.leaf("fret", fret);
   }
-  writer.close("technical");
+  writer.close();
 }
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {XmlElement} note
  */
 function writeLyrics(writer, note) {
@@ -307,7 +307,7 @@ function writeLyrics(writer, note) {
           writer.leaf(child.name, child.text);
         }
       }
-      writer.close("lyric");
+      writer.close();
     }
   }
 }

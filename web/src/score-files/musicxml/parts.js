@@ -5,7 +5,7 @@ import { XmlElement } from "../containers/xml-scanner.js";
 /**
  * Takes a document apart into its parts, and reads what their instruments are.
  *
- * @typedef {import("../containers/xml-writer.js").XmlWriter} XmlWriter
+ * @typedef {import("../containers/xml-builder.js").XmlBuilder} XmlBuilder
  *
  * @typedef {object} PartSource
  * @property {XmlElement} description the `score-part`
@@ -108,7 +108,7 @@ export function drumOf({ drums }, note) {
 }
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {PartSource} part
  * @param {string} id
  */
@@ -133,13 +133,13 @@ export function writeDescription(writer, { description, drums }, id) {
         break;
     }
   }
-  writer.close("score-part");
+  writer.close();
 }
 
 const drumChannel = 10;
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {XmlElement} instrument
  * @param {Set<string>} drums
  */
@@ -169,5 +169,5 @@ function writeMidiInstrument(writer, instrument, drums) {
       writer.leaf(name, value);
     }
   }
-  writer.close("midi-instrument");
+  writer.close();
 }

@@ -1,5 +1,6 @@
 // @ts-check
 import { alphaTab } from "../../shared/alphatab.js";
+import { readMusicXmlElements } from "../../alphatab/internals/alphatab-internals.js";
 import { endBeforeBarLine } from "./graces.js";
 import { joinLinkedStaves } from "./linked-staves.js";
 import { lookUpByString } from "../strings/by-string.js";
@@ -26,8 +27,8 @@ const arpeggioStep = 80;
  * @throws {Error} when it cannot be read; the message is the rest of a sentence
  */
 export function readMusicXml(text, settings) {
-  const { xml, bars, leftovers } = rewriteMusicXml(text);
-  const score = alphaTab.importer.ScoreLoader.loadScoreFromBytes(new TextEncoder().encode(xml), settings);
+  const { root, bars, leftovers } = rewriteMusicXml(text);
+  const score = readMusicXmlElements(root, settings);
   const signs = new Set(bars.flatMap((bar) => [...bar.signs.signs]));
   bars.forEach((bar, index) => applyBar(bar, signs, score.masterBars[index]));
   let start = 0;

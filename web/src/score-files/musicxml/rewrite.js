@@ -1,6 +1,6 @@
 // @ts-check
 import { scanXml } from "../containers/xml-scanner.js";
-import { XmlWriter } from "../containers/xml-writer.js";
+import { XmlBuilder } from "../containers/xml-builder.js";
 import { attributesAtBars, countStaves, stringsOf, writeAttribute } from "./attributes.js";
 import { DirectionWriter, marksOfStaff } from "./directions.js";
 import { readMeasure } from "./events.js";
@@ -55,7 +55,7 @@ import { assignVoices } from "./voices.js";
  * @typedef {BeatPlace & { note: number }} NotePlace
  *
  * @typedef {object} Rewritten
- * @property {string} xml
+ * @property {XmlElement} root
  * @property {Bar[]} bars
  * @property {Leftovers} leftovers
  *
@@ -92,7 +92,7 @@ export function rewriteMusicXml(text) {
   const measures = parts.map((part) => part.measures);
   measureBars(bars, measures);
   readSigns(bars, measures);
-  const writer = new XmlWriter();
+  const writer = new XmlBuilder();
   writer.open("score-partwise", { version: "4.0" });
   writeHead(writer, root, sources);
   /** @type {Leftovers} */
@@ -100,8 +100,8 @@ export function rewriteMusicXml(text) {
   parts.forEach((part, index) => {
     new PartWriter(writer, part, index, bars, leftovers).write();
   });
-  writer.close("score-partwise");
-  return { xml: writer.taken(), bars, leftovers };
+  writer.close();
+  return { root: writer.taken(), bars, leftovers };
 }
 
 /**
@@ -220,7 +220,7 @@ function readSigns(bars, parts) {
 const titles = new Set(["work", "movement-title", "identification", "credit"]);
 
 /**
- * @param {XmlWriter} writer
+ * @param {XmlBuilder} writer
  * @param {XmlElement} root
  * @param {PartSource[]} sources
  */
@@ -232,7 +232,7 @@ function writeHead(writer, root, sources) {
   }
   writer.open("part-list");
   sources.forEach((source, index) => writeDescription(writer, source, `P${index}`));
-  writer.close("part-list");
+  writer.close();
 }
 
 class PartWriter {
@@ -250,7 +250,7 @@ class PartWriter {
   #notePlaces = new Map();
 
   /**
-   * @param {XmlWriter} writer
+   * @param {XmlBuilder} writer
    * @param {Part} part
    * @param {number} index
    * @param {Bar[]} bars
@@ -295,9 +295,9 @@ class PartWriter {
       });
       this.#writeSounds(measure.marks);
       this.#writeBarStyles(measure.barLines);
-      this.#writer.close("measure");
+      this.#writer.close();
     });
-    this.#writer.close("part");
+    this.#writer.close();
     for (const { from, to } of this.#crossTies) {
       const places = [this.#notePlaces.get(from), this.#notePlaces.get(to)];
       if (places[0] && places[1]) {
@@ -329,7 +329,7 @@ class PartWriter {
       this.#writer.open("time", { symbol: symbol || undefined });
       this.#writer.leaf("beats", beats);
       this.#writer.leaf("beat-type", beatType);
-      this.#writer.close("time");
+      this.#writer.close();
     }
     if (index === 0) {
       this.#writer.leaf("staves", staffCount);
@@ -337,7 +337,7 @@ class PartWriter {
     for (const element of elements.filter(({ name }) => name !== "key")) {
       writeAttribute(this.#writer, element, about);
     }
-    this.#writer.close("attributes");
+    this.#writer.close();
   }
 
   /**
@@ -357,7 +357,7 @@ class PartWriter {
         if (position > 0) {
           this.#writer.open("backup");
           this.#writer.leaf("duration", position);
-          this.#writer.close("backup");
+          this.#writer.close();
         }
         this.#directions.beginVoice(staff + 1, marks, voice === first, stretch);
         position = this.#writeVoice(index, staff, voice, events);
@@ -449,7 +449,7 @@ class PartWriter {
             this.#writer.copy(child);
           }
         }
-        this.#writer.close("sound");
+        this.#writer.close();
       }
     }
   }
@@ -461,7 +461,7 @@ class PartWriter {
       if (style) {
         this.#writer.open("barline", { location: barLine.attributes.get("location") });
         this.#writer.copy(style);
-        this.#writer.close("barline");
+        this.#writer.close();
       }
     }
   }
