@@ -80,6 +80,31 @@ test("a glissando slides as far as its second note", () => {
   assert.equal(last.tick, 2 * 960);
 });
 
+test("dashes behind P.M. and let ring hold for the notes up to their end", () => {
+  const dashes = (type, words, number = 1) =>
+    `<direction>${words ? `<direction-type><words>${words}</words></direction-type>` : ""}<direction-type><dashes type="${type}" number="${number}"/></direction-type></direction>`;
+  const second = note("C3", 4, { voice: 2 });
+  const bars = [
+    attributes() + scale("C4") + dashes("start", "P.M.") + scale("D4 E4 F4") + backup(4) + second,
+    scale("G4") +
+      dashes("stop", "P.M.") +
+      scale("A4") +
+      dashes("start", "let ring", 2) +
+      scale("B4 C5") +
+      dashes("stop", "", 2),
+    scale("C4 D4 E4 F4") + backup(4) + second,
+  ];
+  const { score } = read(document(bars));
+  const beats = score.tracks[0].staves[0].bars.flatMap(({ voices }) => voices.flatMap((voice) => voice.beats));
+  const sounding = beats.filter(({ notes }) => notes.length > 0);
+  const marks = sounding.map(({ isPalmMute, isLetRing }) => (isPalmMute ? "m" : isLetRing ? "r" : "-"));
+  assert.equal(marks.join(""), "-mmm-" + "m-rr" + "-----");
+  assert.deepEqual(
+    beats.map(({ text }) => text).filter((text) => text),
+    [],
+  );
+});
+
 test("a voice that only passes through a bar leaves the others where they are", () => {
   const bar = scale("C4 D4 E4 F4");
   const passing = `${forward(4)}${backup(4)}${["C3", "D3", "E3", "F3"].map((name) => note(name, 1, { voice: 2 })).join("")}`;

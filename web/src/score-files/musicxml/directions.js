@@ -17,12 +17,26 @@ const kinds = new Set(["rehearsal", "words", "wedge", "dynamics", "dashes", "ped
 
 const longestWords = 300;
 
+/** Those of them that go on until they stop. */
+const lasting = new Set(["octave-shift", "wedge", "dashes"]);
+
+/** What dashes behind such words hold for, under the words that alphaTab's reader knows. */
+const manners = /** @type {[RegExp, string][]} */ ([
+  [/^p\.?\s*m\.?$/i, "P.M."],
+  [/^let\s*ring$/i, "LetRing"],
+]);
+
 /** What goes on through a staff until it stops. */
 class Lines {
   /** @type {XmlElement | null} */
   octave = null;
   wedge = "stop";
+  /** The numbers of dashes, by what they hold for. @type {Map<string, string>} */
+  dashes = new Map();
 }
+
+/** @type {Map<string, string>} */
+const noDashes = new Map();
 
 /** Writes what stands in one part, bar by bar, staff by staff and voice by voice. */
 export class DirectionWriter {
@@ -36,6 +50,8 @@ export class DirectionWriter {
   #next = 0;
   #staff = 0;
   #isFirstVoice = true;
+  /** As they are in the music. @type {Map<string, string>} */
+  #dashes = noDashes;
   /** What a time in the bar is multiplied by to become what the reader divides by the metre. */
   #stretch = 1;
 
@@ -63,6 +79,8 @@ export class DirectionWriter {
     const lines = this.#staves[staff - 1];
     this.#setOctave(lines.octave);
     this.#setWedge(isFirstVoice ? lines.wedge : "stop");
+    this.#dashes = new Map(lines.dashes);
+    this.#setDashes(isFirstVoice ? this.#dashes : noDashes);
   }
 
   /**
@@ -86,8 +104,11 @@ export class DirectionWriter {
   endStaff(staff, marks) {
     const lines = this.#staves[staff - 1];
     for (const { element } of marks) {
-      for (const kind of kindsOf(element)) {
-        if (kind.name === "octave-shift") {
+      const found = kindsOf(element);
+      for (const [index, kind] of found.entries()) {
+        if (kind.name === "dashes") {
+          applyDashes(lines.dashes, found, index);
+        } else if (kind.name === "octave-shift") {
           lines.octave = kind.attributes.get("type") === "stop" ? null : kind;
         } else if (kind.name === "wedge") {
           lines.wedge = kind.attributes.get("type") ?? "stop";
@@ -107,12 +128,16 @@ export class DirectionWriter {
       }
       return;
     }
-    for (const kind of kindsOf(element)) {
-      if (kind.name === "octave-shift") {
+    const found = kindsOf(element);
+    for (const [index, kind] of found.entries()) {
+      if (kind.name === "dashes") {
+        applyDashes(this.#dashes, found, index);
+        this.#setDashes(this.#isFirstVoice ? this.#dashes : noDashes);
+      } else if (kind.name === "octave-shift") {
         this.#setOctave(kind.attributes.get("type") === "stop" ? null : kind);
       } else if (kind.name === "wedge") {
         this.#setWedge(this.#isFirstVoice ? (kind.attributes.get("type") ?? "stop") : "stop");
-      } else if (this.#isFirstVoice) {
+      } else if (this.#isFirstVoice && !mannerOf(found, index + 1)) {
         this.#writeDirection(kind, kind.name === "pedal" ? Math.round(onset * this.#stretch - position) : 0);
       }
     }
@@ -133,6 +158,21 @@ export class DirectionWriter {
       this.#current.wedge = wedge;
       this.#writeLine("wedge", wedge);
     }
+  }
+
+  /** @param {Map<string, string>} dashes */
+  #setDashes(dashes) {
+    for (const [, manner] of manners) {
+      if (this.#current.dashes.has(manner) !== dashes.has(manner)) {
+        this.#begin();
+        this.#writer.leaf("words", manner);
+        this.#writer.close();
+        this.#writer.open("direction-type");
+        this.#writer.leaf("dashes", "", { type: dashes.has(manner) ? "start" : "stop" });
+        this.#end(0);
+      }
+    }
+    this.#current.dashes = new Map(dashes);
   }
 
   /**
@@ -186,10 +226,42 @@ function kindsOf(element) {
   );
 }
 
+/**
+ * @param {XmlElement[]} found in a direction
+ * @param {number} index of dashes among them
+ * @returns {string} what they hold for; nothing if that is not known, and for what is no dashes
+ */
+function mannerOf(found, index) {
+  const words = found[index]?.name === "dashes" && found[index - 1]?.name === "words" ? found[index - 1].text : "";
+  return manners.find(([pattern]) => pattern.test(words))?.[1] ?? "";
+}
+
+/**
+ * @param {Map<string, string>} dashes are changed
+ * @param {XmlElement[]} found in a direction
+ * @param {number} index of dashes among them
+ */
+function applyDashes(dashes, found, index) {
+  const manner = mannerOf(found, index);
+  const number = found[index].getAttribute("number", "1");
+  if (found[index].attributes.get("type") !== "stop") {
+    if (manner) {
+      dashes.set(manner, number);
+    }
+    return;
+  }
+  for (const [held, heldNumber] of dashes) {
+    // Some programs repeat the words where their dashes stop.
+    if (manner ? held === manner : heldNumber === number) {
+      dashes.delete(held);
+    }
+  }
+}
+
 /** Directions that hold until they stop, and stop after the last note of a bar. @param {Mark} mark */
 function isLine({ element }) {
   const found = kindsOf(element);
-  return found.length > 0 && found.every(({ name }) => name === "octave-shift" || name === "wedge");
+  return found.length > 0 && found.every(({ name }, index) => lasting.has(name) || mannerOf(found, index + 1) !== "");
 }
 
 /**
