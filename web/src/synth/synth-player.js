@@ -3,6 +3,7 @@ import { alphaTab } from "../shared/alphatab.js";
 import { workerPlayerClass } from "../alphatab/internals/alphatab-internals.js";
 import { Emitter } from "../shared/emitter.js";
 import { WorkerWatch } from "../shared/worker-watch.js";
+import { inParts } from "./midi-parts.js";
 import { AudioOutput } from "./audio-output.js";
 
 /**
@@ -114,6 +115,7 @@ export class SynthPlayer {
       postMessage: watched(toPage.port1, watch),
     });
     this.player = new (workerPlayerClass())(new SynthOutput(audioOutput, toAudioThread.port1), settings, this.#worker);
+    this.player.loadMidiFile = (midi) => this.#loadMidi(midi);
     this.#worker.start();
     this.player.stateChanged.on(({ state }) => (this.#playing = state === alphaTab.synth.PlayerState.Playing));
   }
@@ -136,6 +138,13 @@ export class SynthPlayer {
       answerTimeoutMs,
     );
     return watch;
+  }
+
+  /** @param {import("../shared/alphatab.js").MidiFile} midi */
+  #loadMidi(midi) {
+    for (const part of inParts(midi)) {
+      this.#worker.postMessage({ cmd: "alphaSynth.loadMidiPart", part });
+    }
   }
 
   /**

@@ -1,6 +1,7 @@
 // @ts-check
 import "../../vendor/alphaTab.min.js";
 import { alphaTab } from "../shared/alphatab.js";
+import { MidiInParts } from "./midi-parts.js";
 import { PlaybackClock } from "./playback-clock.js";
 import { PracticeSynth } from "./practice-synth.js";
 import { SampleRing } from "../audio/sample-ring.js";
@@ -12,8 +13,6 @@ import { collectGarbage, collectThoroughly } from "../shared/garbage.js";
  *
  * @typedef {{ cmd: string } & Record<string, any>} Command
  */
-
-const { JsonConverter } = alphaTab.model;
 
 /** What the page's player sets by assigning a property, by the name of the command. */
 const properties = /** @type {const} */ ({
@@ -27,8 +26,10 @@ const properties = /** @type {const} */ ({
   setIsLooping: "isLooping",
 });
 
-/** What as many were handed over in takes a hundred megabytes. */
+/** What as many leave when they are handed over. */
 const manyEvents = 50_000;
+
+const midiInParts = new MidiInParts();
 
 /** @type {Record<string, (synth: PracticeSynth, command: Command) => void>} */
 const operations = {
@@ -39,11 +40,13 @@ const operations = {
   loadSoundFontBytes: (synth, { data, append }) => synth.loadSoundFont(data, append),
   loadBanks: (synth, { banks }) => synth.loadBanks(banks),
   resetSoundFonts: (synth) => synth.resetSoundFonts(),
-  loadMidi: (synth, { midi }) => {
-    const file = JsonConverter.jsObjectToMidiFile(midi);
-    synth.loadMidiFile(file);
-    if (file.events.length > manyEvents) {
-      collectGarbage();
+  loadMidiPart: (synth, { part }) => {
+    const midi = midiInParts.add(part);
+    if (midi) {
+      synth.loadMidiFile(midi);
+      if (midi.events.length > manyEvents) {
+        collectGarbage();
+      }
     }
   },
   setChannelMute: (synth, { channel, mute }) => synth.setChannelMute(channel, mute),

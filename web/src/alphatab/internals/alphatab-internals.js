@@ -113,17 +113,7 @@ const members = {
 
 /** Commands and reports between alphaTab's player and its synthesizer, each behind "alphaSynth.". */
 const messages = [
-  ...[
-    "initialize",
-    "destroy",
-    "play",
-    "pause",
-    "playPause",
-    "stop",
-    "loadMidi",
-    "loadSoundFontBytes",
-    "resetSoundFonts",
-  ],
+  ...["initialize", "destroy", "play", "pause", "playPause", "stop", "loadSoundFontBytes", "resetSoundFonts"],
   ...["setLogLevel", "setMasterVolume", "setMetronomeVolume", "setPlaybackSpeed", "setTickPosition", "setTimePosition"],
   ...["setPlaybackRange", "setIsLooping", "setChannelMute", "setChannelSolo", "setChannelVolume", "resetChannelStates"],
   ...["setChannelTranspositionPitch", "applyTranspositionPitches", "positionChanged", "playerStateChanged", "ready"],
