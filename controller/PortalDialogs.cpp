@@ -6,7 +6,6 @@
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusMetaType>
-#include <QDialog>
 #include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -84,15 +83,40 @@ QString parentName()
                                                                  : QString();
 }
 
-/// Takes keys and clicks from the application's windows while a panel of another program is open.
-class Blocker final : public QDialog {
+/// Takes keys, clicks and drops from the application's windows while a panel of another program is open. A modal window
+/// would do that, too. But on X11 the focus comes back before the panel's answer does, and Qt hands it on to the modal
+/// window, which nobody sees: the keys would be gone until the next click.
+class InputBlock final : public QObject {
 public:
-    Blocker()
-        : QDialog(KeyWindow::find())
+    InputBlock() { qApp->installEventFilter(this); }
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
     {
-        setAttribute(Qt::WA_DontShowOnScreen);
-        setWindowModality(Qt::ApplicationModal);
-        show();
+        switch (event->type()) {
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+        case QEvent::ShortcutOverride:
+        case QEvent::Shortcut:
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::ContextMenu:
+        case QEvent::Wheel:
+        case QEvent::TouchBegin:
+        case QEvent::TouchUpdate:
+        case QEvent::TouchEnd:
+        case QEvent::TabletPress:
+        case QEvent::TabletRelease:
+        case QEvent::DragEnter:
+        case QEvent::DragMove:
+        case QEvent::Drop:
+        case QEvent::Close:
+            event->ignore();
+            return true;
+        default:
+            return false;
+        }
     }
 };
 
@@ -152,7 +176,7 @@ PortalDialogs::Answer PortalDialogs::ask(const QString &method, const QString &t
         u"/org/freedesktop/portal/desktop"_s, u"org.freedesktop.portal.FileChooser"_s, method);
     call << parentName() << title << options;
     PortalRequest request(m_bus, token, m_timeouts);
-    const Blocker blocker;
+    const InputBlock block;
     const std::optional<QVariantMap> results = request.run(call);
     m_tookTooLong = request.tookTooLong();
     if (!results)

@@ -9,9 +9,11 @@
 #include <QDBusObjectPath>
 #include <QFile>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QWindow>
 
 #include <chrono>
 #include <functional>
@@ -249,20 +251,48 @@ private Q_SLOTS:
         QPushButton button(u"x"_s);
         int clicks = 0;
         connect(&button, &QPushButton::clicked, this, [&clicks] { ++clicks; });
+        QShortcut shortcut(Qt::CTRL | Qt::Key_O, &button);
+        int calls = 0;
+        connect(&shortcut, &QShortcut::activated, this, [&calls] { ++calls; });
+        button.show();
+        QVERIFY(QTest::qWaitForWindowActive(&button));
+        const auto use = [&button] {
+            QTest::mouseClick(button.windowHandle(), Qt::LeftButton, {}, button.rect().center());
+            QTest::keyClick(button.windowHandle(), Qt::Key_Space);
+            QTest::keyClick(button.windowHandle(), Qt::Key_O, Qt::ControlModifier);
+        };
+        Chooser chooser(connection());
+        bool closed = true;
+        chooser.open = [&] {
+            use();
+            closed = button.windowHandle()->close();
+        };
+        m_dialogs->chooseFileToOpen({ u"gp"_s });
+        QVERIFY(!closed);
+        QVERIFY(button.isVisible());
+        QCOMPARE(clicks, 0);
+        QCOMPARE(calls, 0);
+        use();
+        QCOMPARE(clicks, 2);
+        QCOMPARE(calls, 1);
+    }
+
+    /// Qt gives the focus that comes back from a panel to the window that is modal, and the keys with it.
+    void theWindowKeepsItsFocusMeanwhile()
+    {
+        QPushButton button(u"x"_s);
         button.show();
         QVERIFY(QTest::qWaitForWindowActive(&button));
         Chooser chooser(connection());
-        bool modal = false;
+        bool isActive = false;
+        const QWindow *modal = button.windowHandle();
         chooser.open = [&] {
-            modal = QApplication::activeModalWidget();
-            QTest::mouseClick(button.windowHandle(), Qt::LeftButton, {}, button.rect().center());
+            isActive = button.isActiveWindow();
+            modal = QGuiApplication::modalWindow();
         };
         m_dialogs->chooseFileToOpen({ u"gp"_s });
-        QVERIFY(modal);
-        QCOMPARE(clicks, 0);
-        QVERIFY(!QApplication::activeModalWidget());
-        QTest::mouseClick(button.windowHandle(), Qt::LeftButton, {}, button.rect().center());
-        QCOMPARE(clicks, 1);
+        QVERIFY(isActive);
+        QVERIFY(!modal);
     }
 
     void theUsersOwnChoiceOfPanelsStands()
