@@ -5,6 +5,7 @@
 #include "engine_host/WebEngineHost.h"
 #include "pdf/conversion/PDFDocument.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QJsonDocument>
 #include <QMainWindow>
@@ -25,6 +26,20 @@ QString healthOf(const AlphaTabController &controller)
         return u"ended"_s;
     }
     return {};
+}
+
+/// Which widget has the keys, such that no two of them say the same.
+QString nameOfFocus()
+{
+    const QWidget *widget = QApplication::focusWidget();
+    if (!widget)
+        return {};
+    const QPoint place = widget->mapTo(widget->window(), QPoint());
+    return u"%1 %2 at %3,%4 of %5"_s.arg(QString::fromLatin1(widget->metaObject()->className()))
+        .arg(widget->accessibleName())
+        .arg(place.x())
+        .arg(place.y())
+        .arg(QString::fromLatin1(widget->window()->metaObject()->className()));
 }
 
 } // namespace
@@ -55,6 +70,8 @@ void DrivenWindow::take(const QByteArray &line)
     QJsonObject answer{ { u"id"_s, id } };
     if (word == "state"_L1)
         answer.insert(u"state"_s, state());
+    else if (word == "items"_L1)
+        answer.insert(u"items"_s, items());
     else if (!act(word, words))
         answer.insert(u"unknown"_s, word);
     m_say(answer);
@@ -135,10 +152,35 @@ QJsonObject DrivenWindow::state() const
         { u"time"_s, c.currentTime.value() }, { u"end"_s, c.endTime.value() }, { u"tracks"_s, tracks },
         { u"health"_s, healthOf(c) }, { u"converting"_s, c.converting.value() },
         { u"pdf"_s, c.pdfURL.value() ? c.pdfURL.value()->toLocalFile() : QString() },
-        { u"pages"_s, c.pdfDocument.value() ? c.pdfDocument.value()->pageCount() : 0 },
+        { u"pages"_s, c.pdfDocument.value() ? c.pdfDocument.value()->pageCount() : 0 }, { u"focus"_s, nameOfFocus() },
         { u"error"_s, c.conversionError.value().value_or(QString()) }, { u"windowTitle"_s, m_window.windowTitle() },
         { u"scores"_s, m_scores }, { u"positions"_s, m_positions },
         { u"page"_s, m_host && m_host->page() ? m_host->page()->renderProcessPid() : 0 } };
+}
+
+QJsonArray DrivenWindow::items()
+{
+    QJsonArray items;
+    for (QAction *item : m_window.findChildren<QAction *>()) {
+        const QList<QKeySequence> keys = item->shortcuts();
+        if (keys.isEmpty())
+            continue;
+        watch(item);
+        QJsonArray names;
+        for (const QKeySequence &key : keys)
+            names << key.toString(QKeySequence::PortableText);
+        items << QJsonObject{ { u"title"_s, item->text() }, { u"keys"_s, names }, { u"enabled"_s, item->isEnabled() } };
+    }
+    return items;
+}
+
+void DrivenWindow::watch(QAction *item)
+{
+    if (m_watched.contains(item))
+        return;
+    m_watched.insert(item);
+    connect(item, &QAction::triggered, this,
+        [this, item] { m_say({ { u"chosen"_s, item->shortcut().toString(QKeySequence::PortableText) } }); });
 }
 
 void DrivenWindow::ask(int id, const QString &script)

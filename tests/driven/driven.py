@@ -59,6 +59,8 @@ class Window:
         self.process = subprocess.Popen([build / "quaverly_driven"], env=own, stdin=subprocess.PIPE,
                                         stdout=subprocess.PIPE, stderr=self.errors, text=True, bufsize=1)
         self.log = []
+        # The first keys of the menus' items that were chosen, once they were asked for.
+        self.chosen = []
         self.longest = 0.0
         self._answers, self._count = {}, 0
         self._arrived = threading.Condition()
@@ -74,6 +76,8 @@ class Window:
             with self._arrived:
                 if "log" in said:
                     self.log.append(said["log"])
+                elif "chosen" in said:
+                    self.chosen.append(said["chosen"])
                 else:
                     self._answers[said["id"]] = said
                 self._arrived.notify_all()
@@ -127,6 +131,11 @@ class Window:
             if time.monotonic() > end:
                 return None
             time.sleep(0.05)
+
+    def wait_for_choice(self, key, within):
+        """Whether the menus' item with that first key was chosen in that time."""
+        with self._arrived:
+            return self._arrived.wait_for(lambda: key in self.chosen, within * machine_is_busy())
 
     def processes(self):
         """The numbers of the program's processes with their command lines, itself first."""
