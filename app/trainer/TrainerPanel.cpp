@@ -64,6 +64,7 @@ TrainerPanel::TrainerPanel(AlphaTabController &controller, QWidget *parent)
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     layout->addWidget(buttons);
 
+    connect(m_countIn, &QCheckBox::toggled, this, [this](bool countIn) { m_session.setCountIn(countIn); });
     m_controller.canCountIn.observe(m_countIn, [this](bool can) { m_countIn->setEnabled(can); });
     m_session.passes.onChange(this, [this](int) { refresh(); });
     m_session.running.onChange(this, [this](bool) { refresh(); });

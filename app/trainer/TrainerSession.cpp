@@ -32,11 +32,7 @@ void TrainerSession::begin(const Plan &plan)
     m_trainer = SpeedTrainer(plan.steps);
     m_paused = false;
     m_ahead.reset();
-    m_controller.countsInPasses = plan.countIn;
-    if (plan.countIn && !m_controller.countIn) {
-        m_tookCountIn = true;
-        m_controller.countIn = true;
-    }
+    countInPasses(plan.countIn);
     m_controller.tempoPercent = m_trainer.begin();
     if (!m_controller.looping)
         m_controller.looping = true;
@@ -47,13 +43,30 @@ void TrainerSession::begin(const Plan &plan)
     passes = 0;
 }
 
+void TrainerSession::setCountIn(bool countIn)
+{
+    if (!running)
+        return;
+    m_plan.countIn = countIn;
+    countInPasses(countIn);
+}
+
+void TrainerSession::countInPasses(bool count)
+{
+    m_controller.countsInPasses = count;
+    if (count && !m_controller.countIn) {
+        m_tookCountIn = true;
+        m_controller.countIn = true;
+    } else if (!count && std::exchange(m_tookCountIn, false) && m_controller.countIn) {
+        m_controller.countIn = false;
+    }
+}
+
 void TrainerSession::end()
 {
     if (!running)
         return;
-    if (std::exchange(m_tookCountIn, false) && m_controller.countIn)
-        m_controller.countIn = false;
-    m_controller.countsInPasses = false;
+    countInPasses(false);
     running = false;
 }
 

@@ -44,10 +44,13 @@ public:
 
     /// Goes to the beginning of the loop and plays it, at the first speed.
     void begin(const Plan &plan);
+    /// Whether each pass is counted in, from now on.
+    void setCountIn(bool countIn);
     /// Leaves speed, loop and music as they are.
     void end();
 
 private:
+    void countInPasses(bool count);
     void positionChanged(double positionMs);
     void playingChanged(bool playing);
     void passEnded();

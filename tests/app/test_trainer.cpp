@@ -425,6 +425,21 @@ private Q_SLOTS:
         QVERIFY(says(u"Choose a passage, then begin."_s));
     }
 
+    void theCountInIsSwitchedWhileItTrains()
+    {
+        TrainerPanel panel(*m_controller);
+        auto *countIn = panel.findChildren<QCheckBox *>().constFirst();
+        // Without a training it is only what the next one begins with.
+        countIn->setChecked(true);
+        countIn->setChecked(false);
+        QVERIFY(!m_controller->countIn && !m_controller->countsInPasses);
+        panel.findChildren<QPushButton *>().constFirst()->click();
+        countIn->setChecked(true);
+        QVERIFY(m_controller->countIn && m_controller->countsInPasses);
+        countIn->setChecked(false);
+        QVERIFY(!m_controller->countIn && !m_controller->countsInPasses);
+    }
+
     void thePanelNeedsAScoreAndCountsInNoRecording()
     {
         reportRecording(*m_controller, true);
