@@ -29,7 +29,9 @@ function transport({
     actualPlayerMode: EnabledSynthesizer,
     isLooping: false,
     player: { playbackRange: null },
+    hasPrepared: true,
     synth: {
+      isLoading: false,
       setCountIn: (count) => calls.push(["countIn", count]),
       setPassCountIn: (count) => calls.push(["passCountIn", count]),
     },
@@ -96,6 +98,38 @@ test("a start before the player is ready waits for it; a second one takes it bac
   taken.api.playerReady.trigger();
   await new Promise((resolve) => setTimeout(resolve));
   assert.equal(taken.names("play").length, 0);
+});
+
+test("the sound of the score before, which comes late, is not taken for that of the next one", () => {
+  const { playback, api, names } = transport();
+  const loaded = () => api.notation.dispatchEvent(new Event("alphaTab.midiFileLoaded"));
+  const seek = (ms) => {
+    playback.seekToTime(ms);
+    return names("time").at(-1);
+  };
+  playback.leaveScore();
+  api.hasPrepared = false;
+  loaded();
+  assert.equal(seek(1000), undefined);
+  // It is on its way now, and the one before it still, too.
+  api.hasPrepared = true;
+  api.synth.isLoading = true;
+  loaded();
+  assert.equal(seek(2000), undefined);
+  api.synth.isLoading = false;
+  loaded();
+  assert.deepEqual(names("tick"), [4 * 960]);
+  assert.equal(seek(3000), 3000);
+});
+
+test("a backing track does not wait for the synthesizer that it replaced", () => {
+  const { playback, api, names } = transport();
+  playback.handOver();
+  api.actualPlayerMode = EnabledExternalMedia;
+  api.synth.isLoading = true;
+  api.notation.dispatchEvent(new Event("alphaTab.midiFileLoaded"));
+  playback.seekToTime(3000);
+  assert.deepEqual(names("time"), [3000]);
 });
 
 test("that the player is ready is posted once", () => {

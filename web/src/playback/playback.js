@@ -338,7 +338,19 @@ export class Playback {
     }
   }
 
+  /**
+   * Whether what has just been loaded is the score before: this one is not prepared yet, or is still on its way to the
+   * synthesizer, which answers for each.
+   */
+  get #isOfScoreBefore() {
+    const synthesized = this.#api.actualPlayerMode === alphaTab.PlayerMode.EnabledSynthesizer;
+    return !this.#api.hasPrepared || (synthesized && Boolean(this.#api.synth?.isLoading));
+  }
+
   #onLoaded() {
+    if (this.#isOfScoreBefore) {
+      return;
+    }
     this.#stale = false;
     const resume = this.#resume;
     if (resume) {

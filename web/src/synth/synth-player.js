@@ -88,6 +88,8 @@ export class SynthPlayer {
 
   #worker;
   #playing = false;
+  /** How many scores the worker has not answered for. */
+  #loading = 0;
 
   /** Gets the next synthesizer its worker: to be called while the page has time for that. */
   static prepare() {
@@ -116,6 +118,9 @@ export class SynthPlayer {
     });
     this.player = new (workerPlayerClass())(new SynthOutput(audioOutput, toAudioThread.port1), settings, this.#worker);
     this.player.loadMidiFile = (midi) => this.#loadMidi(midi);
+    const answered = () => this.#loading--;
+    this.player.midiLoaded.on(answered);
+    this.player.midiLoadFailed.on(answered);
     this.#worker.start();
     this.player.stateChanged.on(({ state }) => (this.#playing = state === alphaTab.synth.PlayerState.Playing));
   }
@@ -140,8 +145,14 @@ export class SynthPlayer {
     return watch;
   }
 
+  /** Whether a score is on its way to the worker: what it says of loading may be about the one before. */
+  get isLoading() {
+    return this.#loading > 0;
+  }
+
   /** @param {import("../shared/alphatab.js").MidiFile} midi */
   #loadMidi(midi) {
+    this.#loading++;
     for (const part of inParts(midi)) {
       this.#worker.postMessage({ cmd: "alphaSynth.loadMidiPart", part });
     }
