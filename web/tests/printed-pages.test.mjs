@@ -1,7 +1,14 @@
 // @ts-check
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { dividedIntoPages, shrinkage } from "../src/printing/pages.js";
+import { dividedIntoPages, printedPartials, shrinkage } from "../src/printing/pages.js";
+
+test("the chords' diagrams are printed above the systems, and alphaTab's last line is not", () => {
+  const [diagrams, first, second, last] = [-1, 0, 4, -1].map((firstMasterBarIndex) => ({ firstMasterBarIndex }));
+  assert.deepEqual(printedPartials([diagrams, first, second, last]), [diagrams, first, second]);
+  assert.deepEqual(printedPartials([first, second, last]), [first, second]);
+  assert.deepEqual(printedPartials([last]), []);
+});
 
 test("systems fill one page after the other, and none is cut", () => {
   assert.deepEqual(dividedIntoPages([100, 100, 100, 100, 100], 250, 0), [[0, 1], [2, 3], [4]]);

@@ -1,5 +1,18 @@
 // @ts-check
 /**
+ * What of a drawn score is printed: the staff systems, and the diagrams of its chords above the first one. Below the last
+ * one is a line of alphaTab's, and the page has a footer of its own.
+ *
+ * @template {{ firstMasterBarIndex: number }} Partial
+ * @param {readonly Partial[]} partials from top to bottom
+ * @returns {Partial[]}
+ */
+export function printedPartials(partials) {
+  const first = partials.findIndex(({ firstMasterBarIndex }) => firstMasterBarIndex >= 0);
+  return partials.filter(({ firstMasterBarIndex }, index) => firstMasterBarIndex >= 0 || index < first);
+}
+
+/**
  * Which staff systems stand on which printed page. Systems are never cut.
  *
  * @param {readonly number[]} heights of the systems, in their order

@@ -3,6 +3,7 @@ import { alphaTab } from "../shared/alphatab.js";
 import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
 import { notationColors } from "../rendering/notation-colors.js";
 import { startRenderWorker } from "../rendering/render-worker-start.js";
+import { printedPartials } from "./pages.js";
 import { chooseStrings } from "../score-files/strings/open-fingerings.js";
 
 /**
@@ -10,7 +11,9 @@ import { chooseStrings } from "../score-files/strings/open-fingerings.js";
  * what it does.
  *
  * @typedef {import("../shared/alphatab.js").Score} Score
- * @typedef {{ height: number, picture: string }} System a staff system, as SVG; heights in CSS pixels
+ * @typedef {import("../rendering/worker-renderer.js").Partial} Partial
+ * @typedef {{ height: number, picture: string }} System a staff system, or the diagrams of the chords, as SVG; heights in
+ *     CSS pixels
  */
 
 /** All of the score is in view. */
@@ -29,21 +32,18 @@ export function systemsFor(score, tracks, settings, { width, scale, staves }, si
   signal.addEventListener("abort", () => worker.terminate());
   /** @type {Promise<System[]>} */
   const drawn = new Promise((resolve, reject) => {
-    /** @type {System[]} */
-    let systems = [];
+    /** @type {Partial[]} */
+    let partials = [];
     worker.addEventListener("error", ({ message }) => reject(new Error(message)));
     worker.addEventListener("message", ({ data }) => {
       const answer = /** @type {import("../rendering/worker-renderer.js").Answer} */ (data);
       if (answer.kind === "failed") {
         reject(new Error(answer.message));
       } else if (answer.kind === "drawn") {
-        const { first, last, partials } = answer.batch;
-        const found = partials
-          .filter(({ firstMasterBarIndex }) => firstMasterBarIndex >= 0)
-          .map(({ height, renderResult }) => ({ height, picture: String(renderResult ?? "") }));
-        systems = first ? found : [...systems, ...found];
+        const { first, last } = answer.batch;
+        partials = first ? answer.batch.partials : [...partials, ...answer.batch.partials];
         if (last) {
-          resolve(systems);
+          resolve(printedPartials(partials).map(asSystem));
         }
       }
     });
@@ -69,6 +69,14 @@ export function systemsFor(score, tracks, settings, { width, scale, staves }, si
     });
   });
   return drawn.finally(() => worker.terminate());
+}
+
+/**
+ * @param {Partial} partial
+ * @returns {System}
+ */
+function asSystem({ height, renderResult }) {
+  return { height, picture: String(renderResult ?? "") };
 }
 
 /**
