@@ -676,7 +676,7 @@
     </message>
     <message>
         <source>Choose a passage, then begin.</source>
-        <translation>Wähle eine Stelle, dann beginne.</translation>
+        <translation>Wählen Sie eine Stelle, dann beginnen Sie.</translation>
     </message>
     <message>
         <source>%1 %: the last speed</source>

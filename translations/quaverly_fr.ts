@@ -147,7 +147,7 @@
     </message>
     <message>
         <source>Accent first beat of bar</source>
-        <translation>Accentuer le premier temps de la mesure</translation>
+        <translation>Accentuer le premier temps</translation>
     </message>
     <message>
         <source>Metronome volume</source>

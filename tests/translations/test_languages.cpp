@@ -2,6 +2,7 @@
 #include "controller/AlphaTabController.h"
 #include "tests/support/TestSurroundings.h"
 #include "translations/Translations.h"
+#include "views/MetronomeMenu.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -81,6 +82,28 @@ private Q_SLOTS:
                 QVERIFY2(app.window().rect().contains(place), qPrintable(widget->accessibleName()));
                 QVERIFY2(widget->width() >= widget->minimumSizeHint().width(), qPrintable(widget->accessibleName()));
             }
+        }
+    }
+
+    void theMetronomesTextsFit_data() { theWindowSpeaks_data(); }
+
+    void theMetronomesTextsFit()
+    {
+        QFETCH(QString, language);
+        Translations::install(*qApp, language);
+        TestSurroundings world;
+        AlphaTabController controller(world.make());
+        QWidget window;
+        MetronomeMenu menu(controller, {}, {}, &window);
+        window.resize(600, 600);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        const QList<QAbstractButton *> toggles = menu.findChildren<QAbstractButton *>();
+        QCOMPARE(toggles.size(), 3);
+        for (const auto *toggle : toggles) {
+            const QRect place(toggle->mapTo(&menu, QPoint()), toggle->size());
+            QVERIFY2(menu.rect().contains(place), qPrintable(toggle->text()));
+            QVERIFY2(toggle->width() >= toggle->sizeHint().width(), qPrintable(toggle->text()));
         }
     }
 };
