@@ -9,7 +9,11 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QWidget>
+
+#include <functional>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -85,16 +89,24 @@ QString parentName()
 
 /// Takes keys, clicks and drops from the application's windows while a panel of another program is open. A modal window
 /// would do that, too. But on X11 the focus comes back before the panel's answer does, and Qt hands it on to the modal
-/// window, which nobody sees: the keys would be gone until the next click.
+/// window, which nobody sees: the keys would be gone until the next click. The one key that works is Escape: a panel
+/// that hangs, or that never came while the user looked elsewhere, would take the window for ever.
 class InputBlock final : public QObject {
 public:
-    InputBlock() { qApp->installEventFilter(this); }
+    explicit InputBlock(std::function<void()> escaped)
+        : m_escaped(std::move(escaped))
+    {
+        qApp->installEventFilter(this);
+    }
 
 protected:
     bool eventFilter(QObject *, QEvent *event) override
     {
         switch (event->type()) {
         case QEvent::KeyPress:
+            if (static_cast<const QKeyEvent *>(event)->key() == Qt::Key_Escape)
+                m_escaped();
+            [[fallthrough]];
         case QEvent::KeyRelease:
         case QEvent::ShortcutOverride:
         case QEvent::Shortcut:
@@ -118,6 +130,9 @@ protected:
             return false;
         }
     }
+
+private:
+    const std::function<void()> m_escaped;
 };
 
 } // namespace
@@ -176,7 +191,7 @@ PortalDialogs::Answer PortalDialogs::ask(const QString &method, const QString &t
         u"/org/freedesktop/portal/desktop"_s, u"org.freedesktop.portal.FileChooser"_s, method);
     call << parentName() << title << options;
     PortalRequest request(m_bus, token, m_timeouts);
-    const InputBlock block;
+    const InputBlock block([&request] { request.cancel(); });
     const std::optional<QVariantMap> results = request.run(call);
     m_tookTooLong = request.tookTooLong();
     if (!results)

@@ -97,11 +97,22 @@ void PortalRequest::endWithoutAnswer()
     m_loop.quit();
 }
 
+void PortalRequest::cancel()
+{
+    closePanel();
+    m_loop.quit();
+}
+
+void PortalRequest::closePanel()
+{
+    m_bus.send(QDBusMessage::createMethodCall(portal(), m_path, requestInterface(), u"Close"_s));
+}
+
 void PortalRequest::giveUp()
 {
     if (m_seen)
         return;
-    m_bus.send(QDBusMessage::createMethodCall(portal(), m_path, requestInterface(), u"Close"_s));
+    closePanel();
     m_refused = true;
     m_tookTooLong = true;
     m_loop.quit();

@@ -32,6 +32,9 @@ public:
     /// user was shown nothing; what the portal gives, empty where the user gives nothing.
     std::optional<QVariantMap> run(const QDBusMessage &call);
 
+    /// Ends the waiting as if the user had closed the panel, which goes where it is there.
+    void cancel();
+
     /// Whether the user was made to wait for nothing.
     bool tookTooLong() const { return m_tookTooLong; }
 
@@ -43,6 +46,7 @@ private:
     void answered(const QDBusMessage &answer);
     void endWithoutAnswer();
     void giveUp();
+    void closePanel();
 
     const Timeouts m_timeouts;
     QDBusConnection m_bus;

@@ -22,6 +22,18 @@
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
+/// A panel that is open, as whoever has asked for it knows it.
+class OpenPanel final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Request")
+
+public:
+    bool closed = false;
+
+public Q_SLOTS:
+    void Close() { closed = true; } // NOLINT: the name is the bus's
+};
+
 /// The desktop's portal with one panel.
 class Chooser final : public QObject {
     Q_OBJECT
@@ -55,6 +67,7 @@ public:
     bool showsNothing = false;
     bool saysNothing = false;
     int asked = 0;
+    OpenPanel panel;
 
 public Q_SLOTS:
     // NOLINTBEGIN: the names are the bus's
@@ -83,6 +96,7 @@ private:
         const QString sender = call.service().mid(1).replace(u'.', u'_');
         const QString token = namesRequestsItself ? u"own"_s : wanted[u"handle_token"_s].toString();
         const QString path = u"/org/freedesktop/portal/desktop/request/"_s + sender + u'/' + token;
+        bus.registerObject(path, &panel, QDBusConnection::ExportAllSlots);
         QTimer::singleShot(20, this, [this, path] {
             open();
             if (showsNothing)
@@ -293,6 +307,23 @@ private Q_SLOTS:
         m_dialogs->chooseFileToOpen({ u"gp"_s });
         QVERIFY(isActive);
         QVERIFY(!modal);
+    }
+
+    void escapeGivesThePanelUp()
+    {
+        QPushButton button(u"x"_s);
+        button.show();
+        QVERIFY(QTest::qWaitForWindowActive(&button));
+        Chooser chooser(connection());
+        chooser.showsNothing = true;
+        chooser.open = [&] {
+            // The user has looked elsewhere meanwhile, which is taken for the panel.
+            Q_EMIT qGuiApp->applicationStateChanged(Qt::ApplicationInactive);
+            QTest::keyClick(button.windowHandle(), Qt::Key_Escape);
+        };
+        QVERIFY(!m_dialogs->chooseFileToOpen({ u"gp"_s }));
+        QCOMPARE(m_otherwise->opened, 0);
+        QTRY_VERIFY(chooser.panel.closed);
     }
 
     void theUsersOwnChoiceOfPanelsStands()
