@@ -1,5 +1,7 @@
 #include "engine_host/EngineView.h"
 
+#include "engine_host/PageAccessible.h"
+
 #include <QChildEvent>
 #include <QCloseEvent>
 #include <QContextMenuEvent>
@@ -41,6 +43,8 @@ EngineView::EngineView(QWidget *parent)
     : QWebEngineView(parent)
 {
     setAcceptDrops(false);
+    if (!PageAccessible::isLeftToChromium())
+        PageAccessible::install();
 }
 
 EngineView::~EngineView() { delete m_inspector; }
@@ -55,11 +59,14 @@ void EngineView::changeEvent(QEvent *event)
 void EngineView::childEvent(QChildEvent *event)
 {
     QWebEngineView::childEvent(event);
+    auto *surface = qobject_cast<QWidget *>(event->child());
+    if (!surface || surface->isWindow())
+        return;
     // Chromium's own surface lies over this view and would take the drops.
-    if (event->type() == QEvent::ChildPolished) {
-        if (auto *surface = qobject_cast<QWidget *>(event->child()))
-            surface->setAcceptDrops(false);
-    }
+    if (event->type() == QEvent::ChildPolished)
+        surface->setAcceptDrops(false);
+    else if (event->type() == QEvent::ChildAdded && !PageAccessible::isLeftToChromium())
+        PageAccessible::describe(*surface);
 }
 
 void EngineView::contextMenuEvent(QContextMenuEvent *event)

@@ -97,6 +97,10 @@
         <source>Inspector</source>
         <translation>Inspektor</translation>
     </message>
+    <message>
+        <source>Score</source>
+        <translation>Noten</translation>
+    </message>
 </context>
 <context>
     <name>FileDialogs</name>

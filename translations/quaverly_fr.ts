@@ -97,6 +97,10 @@
         <source>Inspector</source>
         <translation>Inspecteur</translation>
     </message>
+    <message>
+        <source>Score</source>
+        <translation>Partition</translation>
+    </message>
 </context>
 <context>
     <name>FileDialogs</name>

@@ -1,16 +1,19 @@
 #include "engine_host/AlphaTabWebView.h"
 #include "engine_host/EnginePage.h"
 #include "engine_host/EngineView.h"
+#include "engine_host/PageAccessible.h"
 #include "engine_host/WebEngineHost.h"
 #include "engine_host/bridge/MessageReceiver.h"
 #include "engine_host/bridge/ScriptHandler.h"
 #include "engine_host/serving/WebSchemeHandler.h"
 #include "tests/support/EngineTestMain.h"
 
+#include <QAccessible>
 #include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QMenu>
+#include <QPushButton>
 #include <QTcpServer>
 #include <QTemporaryDir>
 #include <QUdpSocket>
@@ -255,6 +258,28 @@ private Q_SLOTS:
         QVERIFY(!children.isEmpty());
         for (const QWidget *child : children)
             QVERIFY(!child->acceptDrops());
+    }
+
+    void assistiveToolsAreToldWhoHasTheFocus()
+    {
+        if (PageAccessible::isLeftToChromium())
+            QSKIP("Chromium describes the page itself");
+        const QAccessibleInterface *view = QAccessible::queryAccessibleInterface(m_host->view());
+        QVERIFY(view);
+        QCOMPARE(view->childCount(), 1);
+        const auto focused = [view] { return bool(view->child(0)->state().focused); };
+        QCOMPARE(view->child(0)->text(QAccessible::Name), u"Score"_s);
+        QCOMPARE(view->child(0)->childCount(), 0);
+        QPushButton elsewhere(u"elsewhere"_s);
+        elsewhere.show();
+        for (int turn = 0; turn < 2; ++turn) {
+            m_host->view()->activateWindow();
+            m_host->view()->setFocus();
+            QTRY_VERIFY(focused());
+            elsewhere.activateWindow();
+            elsewhere.setFocus();
+            QTRY_VERIFY(elsewhere.hasFocus() && !focused());
+        }
     }
 
     void theMenuOffersInspectOnly()

@@ -1,5 +1,21 @@
 // @ts-check
 /**
+ * An element without a size that assistive tools are not told of. Chromium tells them that the element with the page's
+ * focus has the focus, or else the page itself, also while a button of the window has it: only with such an element
+ * nobody else is named. It lies within the viewport because keys that reach the page meanwhile scroll what is around it.
+ *
+ * @param {HTMLElement} viewport
+ */
+function unknownElement(viewport) {
+  const element = document.createElement("div");
+  element.tabIndex = -1;
+  element.setAttribute("aria-hidden", "true");
+  element.style.outline = "none";
+  viewport.prepend(element);
+  return element;
+}
+
+/**
  * The viewport: it scrolls, with the notation in it.
  *
  * @typedef {import("../rendering/scroll-anchor.js").View} View
@@ -17,7 +33,19 @@ export class Viewport {
     this.#notation = notation;
     // Keys scroll what has the focus, and nothing else on the page takes any.
     viewport.tabIndex = -1;
-    viewport.focus({ preventScroll: true });
+    this.#followFocus(unknownElement(viewport));
+  }
+
+  /**
+   * Keeps the focus of the page in the viewport, and in `elsewhere` while the window has it outside the page.
+   *
+   * @param {HTMLElement} elsewhere
+   */
+  #followFocus(elsewhere) {
+    const follow = () => (document.hasFocus() ? this.#viewport : elsewhere).focus({ preventScroll: true });
+    addEventListener("focus", follow);
+    addEventListener("blur", follow);
+    follow();
   }
 
   /** What can be seen of the notation. */
