@@ -1,6 +1,25 @@
 // @ts-check
 import { XmlElement } from "./xml-scanner.js";
 
+/** An element whose content is made while it is read, which happens once: less of it has to be there at a time. */
+export class LateElement extends XmlElement {
+  #make;
+
+  /**
+   * @param {string} name
+   * @param {() => Iterable<XmlElement>} make
+   */
+  constructor(name, make) {
+    super(name);
+    this.#make = make;
+  }
+
+  /** @override */
+  childElements() {
+    return this.#make();
+  }
+}
+
 /** Builds a tree of elements, in the order in which a document has them. */
 export class XmlBuilder {
   #holder = new XmlElement("");
@@ -45,9 +64,12 @@ export class XmlBuilder {
     this.#parent.append(element);
   }
 
-  /** @returns {XmlElement} the outermost element */
+  /** @returns {XmlElement} the outermost element; the next one is built from nothing */
   taken() {
-    return this.#holder.children[0];
+    const [element] = this.#holder.children;
+    this.#holder = new XmlElement("");
+    this.#parent = this.#holder;
+    return element;
   }
 
   /**

@@ -83,6 +83,7 @@ export class XmlElement {
     return this.children.at(-1) ?? null;
   }
 
+  /** @returns {Iterable<XmlElement>} */
   childElements() {
     return this.children;
   }
@@ -191,6 +192,31 @@ function after(source, mark, from) {
   return at + mark.length;
 }
 
+/** Names that were met before. @type {Map<string, string>} */
+const names = new Map();
+
+/** More than any kind of score file has. */
+const mostNames = 2000;
+
+/**
+ * Names are compared far more often than they are read. Of those that are names of properties as well, the engine has one
+ * each, and compares where they are.
+ *
+ * @param {string} name
+ */
+function known(name) {
+  const same = names.get(name);
+  if (same !== undefined) {
+    return same;
+  }
+  if (names.size >= mostNames) {
+    names.clear();
+  }
+  const [property] = Object.keys({ [name]: 0 });
+  names.set(property, property);
+  return property;
+}
+
 /**
  * Reads an element's name and attributes.
  *
@@ -202,7 +228,7 @@ function after(source, mark, from) {
  */
 function readTag(source, start, element, ignored) {
   let at = nameEnd(source, start);
-  element.name = source.slice(start, at);
+  element.name = known(source.slice(start, at));
   /** @type {Map<string, string> | null} */
   let attributes = null;
   for (;;) {
@@ -217,7 +243,7 @@ function readTag(source, start, element, ignored) {
     }
     const nameStart = at;
     at = nameEnd(source, at);
-    const name = source.slice(nameStart, at);
+    const name = known(source.slice(nameStart, at));
     at = spaceEnd(source, at);
     if (source.charCodeAt(at) !== equalsSign) {
       throw malformed();

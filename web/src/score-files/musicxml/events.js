@@ -1,5 +1,6 @@
 // @ts-check
 import {
+  bounded,
   boundedInteger,
   boundedNumber,
   lengthOf,
@@ -118,13 +119,10 @@ class MeasureReader {
 
   /** Works out what takes all events to tell. */
   finish() {
-    /** @type {Map<string, number>} */
-    const counts = new Map();
-    for (const { staff, voice } of this.events) {
-      counts.set(`${staff} ${voice}`, (counts.get(`${staff} ${voice}`) ?? 0) + 1);
-    }
     for (const event of this.events) {
-      event.fillsBar &&= counts.get(`${event.staff} ${event.voice}`) === 1;
+      event.fillsBar &&= !this.events.some(
+        (other) => other !== event && other.staff === event.staff && other.voice === event.voice,
+      );
       event.end = event.fillsBar ? Math.min(event.end, this.#metre) : event.end;
       this.extent = Math.max(this.extent, event.end);
     }
@@ -220,7 +218,7 @@ class MeasureReader {
   /** @param {XmlElement} element @returns {number} its duration in quarters; 0 where it has none that makes sense */
   #quartersOf(element) {
     const duration = Number.parseFloat(element.textOf("duration"));
-    return boundedNumber(String(duration / this.#part.divisions), 0, longestNote, 0);
+    return bounded(duration / this.#part.divisions, 0, longestNote, 0);
   }
 
   /**
@@ -229,7 +227,7 @@ class MeasureReader {
    */
   #mark(element, staff) {
     const offset = Number.parseFloat(element.textOf("offset")) / this.#part.divisions;
-    const position = this.#position + boundedNumber(String(offset), -longestNote, longestNote, 0);
+    const position = this.#position + bounded(offset, -longestNote, longestNote, 0);
     this.marks.push({ element, onset: ticksOf(Math.max(0, position)), staff });
   }
 

@@ -1,6 +1,6 @@
 // @ts-check
 import { scanXml } from "../containers/xml-scanner.js";
-import { XmlBuilder } from "../containers/xml-builder.js";
+import { LateElement, XmlBuilder } from "../containers/xml-builder.js";
 import { attributesAtBars, countStaves, stringsOf, writeAttribute } from "./attributes.js";
 import { DirectionWriter, marksOfStaff } from "./directions.js";
 import { readMeasure } from "./events.js";
@@ -98,7 +98,9 @@ export function rewriteMusicXml(text) {
   /** @type {Leftovers} */
   const leftovers = { hiddenRests: [], longGraces: [], crossTies: [], hammers: [] };
   parts.forEach((part, index) => {
-    new PartWriter(writer, part, index, bars, leftovers).write();
+    const element = new LateElement("part", () => new PartWriter(part, index, bars, leftovers).measures());
+    element.attributes = new Map([["id", `P${index}`]]);
+    writer.copy(element);
   });
   writer.close();
   return { root: writer.taken(), bars, leftovers };
@@ -236,7 +238,7 @@ function writeHead(writer, root, sources) {
 }
 
 class PartWriter {
-  #writer;
+  #writer = new XmlBuilder();
   #part;
   #index;
   #bars;
@@ -250,19 +252,17 @@ class PartWriter {
   #notePlaces = new Map();
 
   /**
-   * @param {XmlBuilder} writer
    * @param {Part} part
    * @param {number} index
    * @param {Bar[]} bars
    * @param {Leftovers} leftovers takes those of the part
    */
-  constructor(writer, part, index, bars, leftovers) {
-    this.#writer = writer;
+  constructor(part, index, bars, leftovers) {
     this.#part = part;
     this.#index = index;
     this.#bars = bars;
     this.#leftovers = leftovers;
-    this.#directions = new DirectionWriter(writer, part.staffCount);
+    this.#directions = new DirectionWriter(this.#writer, part.staffCount);
     let time = 0;
     const starts = bars.map(({ length }) => (time += length) - length);
     const allTies = findTies(part.staves, starts);
@@ -281,9 +281,9 @@ class PartWriter {
     };
   }
 
-  write() {
-    this.#writer.open("part", { id: `P${this.#index}` });
-    this.#part.measures.forEach((measure, index) => {
+  /** One after the other: alphaTab's reader is done with each before it asks for the next. */
+  *measures() {
+    for (const [index, measure] of this.#part.measures.entries()) {
       this.#writer.open("measure", { implicit: measure.unnumbered ? "yes" : undefined });
       for (const print of measure.prints) {
         this.#writer.copy(print);
@@ -296,8 +296,8 @@ class PartWriter {
       this.#writeSounds(measure.marks);
       this.#writeBarStyles(measure.barLines);
       this.#writer.close();
-    });
-    this.#writer.close();
+      yield this.#writer.taken();
+    }
     for (const { from, to } of this.#crossTies) {
       const places = [this.#notePlaces.get(from), this.#notePlaces.get(to)];
       if (places[0] && places[1]) {

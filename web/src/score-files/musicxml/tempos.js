@@ -1,5 +1,5 @@
 // @ts-check
-import { boundedNumber, lengthOf, quarter } from "./values.js";
+import { bounded, boundedNumber, lengthOf, quarter } from "./values.js";
 
 /**
  * Reads tempos.
@@ -38,5 +38,5 @@ function tempoOfMetronome(metronome) {
   }
   const dots = metronome.children.filter(({ name }) => name === "beat-unit-dot").length;
   const unit = lengthOf({ type: units[0].text, dots: Math.min(dots, 4), actual: 1, normal: 1 });
-  return boundedNumber(String((Number(perMinute[0]) * unit) / quarter), slowest, fastest, 0);
+  return bounded((Number(perMinute[0]) * unit) / quarter, slowest, fastest, 0);
 }

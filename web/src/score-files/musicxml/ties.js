@@ -36,15 +36,16 @@ export function findTies(bars, starts) {
   /** @type {Map<number, Open[]>} by key */
   const open = new Map();
   bars.forEach((staves, bar) => {
+    dropPassed(open, starts[bar]);
     for (const { notes, onset, end, staff, voice } of inTime(staves, starts[bar + 1] - starts[bar])) {
       /** @type {[number, Open][]} */
       const started = [];
       for (const note of notes) {
-        const key = keyOf(note.child("pitch"));
+        const marks = tieMarks(note);
+        const key = marks.start || open.size > 0 ? keyOf(note.child("pitch")) : null;
         if (key === null) {
           continue;
         }
-        const marks = tieMarks(note);
         const candidates = open.get(key);
         const from = candidates ? take(candidates, starts[bar] + onset, staff, voice, marks.stop) : null;
         if (from) {
@@ -70,24 +71,36 @@ export function findTies(bars, starts) {
 }
 
 /**
+ * @param {Map<number, Open[]>} open loses those whose end has passed
+ * @param {number} time
+ */
+function dropPassed(open, time) {
+  for (const [key, starts] of open) {
+    const left = starts.filter(({ end }) => end >= time - tolerance);
+    if (left.length === 0) {
+      open.delete(key);
+    } else {
+      open.set(key, left);
+    }
+  }
+}
+
+/**
  * @param {Staves} staves of a bar
  * @param {number} length of the bar; what is last in its voice leads to the next one, also where the voice is too short
  */
 function inTime(staves, length) {
-  const all = staves.flatMap((voices, staff) =>
-    voices.flatMap((events, voice) =>
-      events
-        .map(({ notes, onset, end, rest }, i) => ({
-          notes,
-          onset,
-          end: i + 1 === events.length ? length : end,
-          staff,
-          voice,
-          rest,
-        }))
-        .filter(({ rest }) => !rest),
-    ),
-  );
+  /** @type {{ notes: XmlElement[], onset: number, end: number, staff: number, voice: number }[]} */
+  const all = [];
+  staves.forEach((voices, staff) => {
+    voices.forEach((events, voice) => {
+      events.forEach(({ notes, onset, end, rest }, i) => {
+        if (!rest) {
+          all.push({ notes, onset, end: i + 1 === events.length ? length : end, staff, voice });
+        }
+      });
+    });
+  });
   return all.sort((a, b) => a.onset - b.onset || a.end - b.end);
 }
 

@@ -33,7 +33,16 @@ export const tolerance = 12;
  * @param {number} otherwise what stands for a number that is missing, or beyond the bounds
  */
 export function boundedNumber(text, lowest, highest, otherwise) {
-  const value = Number.parseFloat(text);
+  return text === "" ? otherwise : bounded(Number.parseFloat(text), lowest, highest, otherwise);
+}
+
+/**
+ * @param {number} value
+ * @param {number} lowest
+ * @param {number} highest
+ * @param {number} otherwise what stands for a number beyond the bounds, or for none
+ */
+export function bounded(value, lowest, highest, otherwise) {
   return value >= lowest && value <= highest ? value : otherwise;
 }
 
