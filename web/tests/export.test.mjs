@@ -4,6 +4,7 @@ import { existsSync, readFileSync, readdirSync } from "node:fs";
 import { join } from "node:path";
 import { test } from "node:test";
 import { makeGuitarPro, song } from "./support/gp-maker.mjs";
+import { attributes, backup, bytesOf, document, note } from "./support/musicxml-maker.mjs";
 import { differences, factsOf } from "./support/score-facts.mjs";
 
 const { alphaTab } = globalThis;
@@ -118,6 +119,23 @@ test("a bar that is shorter than its metre in the midst of a score lasts as long
     written(score).masterBars.map((bar) => bar.calculateDuration()),
     [3840, 2880, 960, 3840],
   );
+});
+
+test("notes that are heard and not seen are written", () => {
+  const hidden = (name) => note(name, 1).replace("<note>", '<note print-object="no">');
+  const bars = [attributes() + note("C4", 4) + backup(4) + "C5 D5 E5 F5".split(" ").map(hidden).join("").replaceAll("<voice>1", "<voice>2")];
+  const score = read(bytesOf(document(bars)));
+  const { notes, playing } = lost(score);
+  assert.equal(notes, undefined);
+  assert.equal(playing, undefined);
+  assert.equal(factsOf(written(score)).notes.length, 5);
+});
+
+test("grace notes behind the last note of a bar are read where they were written", () => {
+  const grace = note("D5", 0, { before: "<grace/>", after: "<type>eighth</type>" }).replace("<duration>0</duration>", "");
+  const score = read(bytesOf(document([attributes() + note("C4", 4) + grace, note("C4", 4)])));
+  const { notes, playing, rhythm } = lost(score);
+  assert.deepEqual([notes, playing, rhythm], [undefined, undefined, undefined]);
 });
 
 test("voices are counted from one in each staff, and what is too much is written with the fourth", () => {

@@ -157,6 +157,13 @@ test("grace notes change no bar's length", () => {
   );
 });
 
+test("notes that take no room, written out for a sign, are left to the sign", () => {
+  const tremolo = note("C4", 4, { after: "<notations><ornaments><tremolo>1</tremolo></ornaments></notations>" });
+  const hidden = note("C4", 1, { voice: 2 }).replace("<note>", '<note print-object="no" print-spacing="no">');
+  const score = document([attributes() + tremolo + backup(4) + hidden.repeat(4)]);
+  assert.equal(played(score), played(document([attributes() + tremolo])));
+});
+
 test("grace notes behind the last note of a bar end before the next bar begins", () => {
   const grace = (name) => note(name, 0, { before: "<grace/>" }).replace("<duration>0</duration>", "");
   const score = document([attributes() + scale("C4 E4 G4 B4") + grace("C5") + grace("D5"), scale("C4")]);

@@ -4,6 +4,7 @@ import { existsSync, readFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { join } from "node:path";
 import { test } from "node:test";
+import { attributes, document, note, notesOf, read } from "./support/musicxml-maker.mjs";
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
@@ -179,5 +180,19 @@ test("repeats without end play straight through", () => {
     play(shape).bars,
     shape.masterBars.map(({ index }) => index + 1),
     name,
+  );
+});
+
+test("notes that are heard and not seen are played, and remain unseen", () => {
+  const hidden = (name) => note(name, 1).replace("<note>", '<note print-object="no">');
+  const { score } = read(document([attributes() + hidden("C4") + note("D4", 1) + hidden("E4") + note("F4", 1)]));
+  assert.deepEqual(
+    notesOf(score).map(({ time, key }) => `${time}:${key}`),
+    ["0:60", "1:62", "2:64", "3:65"],
+  );
+  const { beats } = score.tracks[0].staves[0].bars[0].voices[0];
+  assert.deepEqual(
+    beats.map(({ isEmpty }) => isEmpty),
+    [true, false, true, false],
   );
 });

@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { replaceScoreWalk } from "./internals/alphatab-internals.js";
+import { withHiddenNotes } from "./hidden-notes.js";
 import { ornamentInKey } from "./ornaments.js";
 
 /**
@@ -28,18 +29,20 @@ export function playInOrder(orderOf) {
   /** @type {ScoreWalk} */
   const walkInOrder = (score, syncPoints, createNew, barBegins, barPlays, finish) => {
     const walk = new Walk(score, syncPoints, createNew);
-    /** @type {MasterBar | null} */
-    let previous = null;
-    for (const index of orderOf(score)) {
-      const bar = score.masterBars[index];
-      const { tick, bpm } = walk;
-      const occurrence = walk.countOccurrence(bar);
-      barBegins(bar, previous, tick, bpm, occurrence);
-      ornamentInKey(score, index);
-      barPlays(index, tick, bar.tempoAutomations[0]?.value ?? bpm);
-      walk.pass(bar, occurrence);
-      previous = bar;
-    }
+    withHiddenNotes(score, () => {
+      /** @type {MasterBar | null} */
+      let previous = null;
+      for (const index of orderOf(score)) {
+        const bar = score.masterBars[index];
+        const { tick, bpm } = walk;
+        const occurrence = walk.countOccurrence(bar);
+        barBegins(bar, previous, tick, bpm, occurrence);
+        ornamentInKey(score, index);
+        barPlays(index, tick, bar.tempoAutomations[0]?.value ?? bpm);
+        walk.pass(bar, occurrence);
+        previous = bar;
+      }
+    });
     walk.finish();
     finish(walk.tick);
     return walk;

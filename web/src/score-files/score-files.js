@@ -7,6 +7,7 @@ import { detectFormat } from "./formats.js";
 import { boundScore } from "./score-bounds.js";
 import { repackGp } from "./gp-archive.js";
 import { repackGpx } from "./gpx-archive.js";
+import { endBeforeBarLines } from "./late-graces.js";
 import { readMusicXml } from "./musicxml/read.js";
 import { assignInstruments, isRecognised } from "./recognised-parts.js";
 import { chooseStrings } from "./strings/open-fingerings.js";
@@ -61,6 +62,7 @@ export function readForFirstScreen(bytes, settings) {
       return { problem: "The score has no music in it." };
     }
     boundScore(score);
+    endBeforeBarLines(score);
     placeAutomations(score);
     breakableSpaces(score);
     wholeTrackNames(score);

@@ -33,6 +33,7 @@ export function exportGuitarPro(score, settings) {
   for (const track of copy.tracks) {
     numberArticulations(track);
     for (const staff of track.staves) {
+      showHiddenNotes(staff);
       foldVoices(staff);
       for (const beat of beatsOf(staff)) {
         writeAsHeld(beat);
@@ -81,6 +82,28 @@ function metreOf(ticks, wanted) {
     denominator *= 2;
   }
   return { numerator: Math.max(Math.round((ticks * denominator) / 3840), 1), denominator };
+}
+
+/**
+ * The format hides no notes, and what is heard is not to be lost.
+ *
+ * @param {Staff} staff
+ */
+function showHiddenNotes({ bars }) {
+  for (const voice of bars.flatMap(({ voices }) => voices)) {
+    const { beats } = voice;
+    const hidden = beats.filter(({ isEmpty, notes }) => isEmpty && notes.length > 0);
+    if (hidden.length > 0) {
+      for (const beat of hidden) {
+        beat.isEmpty = false;
+      }
+      // Only while beats are added does a voice learn that it is not empty.
+      voice.beats = [];
+      for (const beat of beats) {
+        voice.addBeat(beat);
+      }
+    }
+  }
 }
 
 /** @param {Staff} staff */

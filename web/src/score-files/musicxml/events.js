@@ -126,6 +126,7 @@ class MeasureReader {
       event.end = event.fillsBar ? Math.min(event.end, this.#metre) : event.end;
       this.extent = Math.max(this.extent, event.end);
     }
+    this.events = this.events.filter(({ rest, notes }) => rest || !notes.every(standsForSign));
   }
 
   /** @param {XmlElement} note */
@@ -235,6 +236,15 @@ class MeasureReader {
   #move(quarters) {
     this.#position = Math.min(Math.max(0, this.#position + quarters), longestBar);
   }
+}
+
+/**
+ * Some programs write what a trill or a tremolo sounds like beside it, in notes that take no room. The sign is played.
+ *
+ * @param {XmlElement} note
+ */
+function standsForSign({ attributes }) {
+  return attributes.get("print-object") === "no" && attributes.get("print-spacing") === "no";
 }
 
 /** @param {number} quarters */

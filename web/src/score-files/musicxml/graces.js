@@ -1,5 +1,4 @@
 // @ts-check
-import { alphaTab } from "../../shared/alphatab.js";
 import { lengthOf, writingOf } from "./values.js";
 
 /**
@@ -27,33 +26,6 @@ export function graceLengths(graces, main) {
   }
   const most = isDotted(main) ? (main * 2) / 3 : main / 2;
   return lengths.map((length) => Math.round(length * Math.min(1, most / sum)));
-}
-
-/**
- * Grace notes behind the last note of a bar end with it, in that note's time. alphaTab would begin with them in the next
- * bar, together with what begins there.
- *
- * @param {import("@coderline/alphatab").model.Voice} voice of a bar
- */
-export function endBeforeBarLine({ beats }) {
-  let first = beats.length;
-  while (first > 0 && beats[first - 1].graceType !== alphaTab.model.GraceType.None) {
-    first--;
-  }
-  const main = beats[first - 1];
-  const graces = beats.slice(first);
-  if (!main || graces.length === 0) {
-    return;
-  }
-  const sum = graces.reduce((total, { playbackDuration }) => total + playbackDuration, 0);
-  const share = Math.min(1, main.playbackDuration / 2 / sum);
-  let start = main.playbackStart + main.playbackDuration - Math.round(sum * share);
-  main.playbackDuration = start - main.playbackStart;
-  for (const grace of graces) {
-    grace.playbackStart = start;
-    grace.playbackDuration = Math.max(Math.floor(grace.playbackDuration * share), 1);
-    start += grace.playbackDuration;
-  }
 }
 
 /** @param {number} ticks */

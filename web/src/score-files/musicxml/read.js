@@ -1,7 +1,6 @@
 // @ts-check
 import { alphaTab } from "../../shared/alphatab.js";
 import { readMusicXmlElements } from "../../alphatab/internals/alphatab-internals.js";
-import { endBeforeBarLine } from "./graces.js";
 import { joinLinkedStaves } from "./linked-staves.js";
 import { lookUpByString } from "../strings/by-string.js";
 import { rewriteMusicXml } from "./rewrite.js";
@@ -41,7 +40,6 @@ export function readMusicXml(text, settings) {
   applyHammers(leftovers, score, settings);
   score.tracks.forEach(giveDrumsHeads);
   for (const staff of score.tracks.flatMap(({ staves }) => staves)) {
-    staff.bars.forEach(({ voices }) => voices.forEach(endBeforeBarLine));
     if (staff.isStringed) {
       beatsOf(staff).forEach(spreadArpeggio);
     }
@@ -111,8 +109,8 @@ function applyLeftovers({ hiddenRests, longGraces, crossTies }, score) {
     applyGraces(voiceAt(score, first).beats.slice(first.beat, first.beat + ticks.length + 1), ticks);
   }
   for (const { from, to } of crossTies) {
-    const origin = voiceAt(score, from).beats[from.beat]?.notes[from.note];
-    const destination = voiceAt(score, to).beats[to.beat]?.notes[to.note];
+    const origin = noteAt(score, from);
+    const destination = noteAt(score, to);
     if (origin && destination && !origin.isTieOrigin) {
       destination.isTieDestination = true;
       destination.tieOrigin = origin;
@@ -135,7 +133,7 @@ function applyHammers({ hammers }, score, settings) {
     }
   }
   for (const place of hammers) {
-    const note = voiceAt(score, place).beats[place.beat]?.notes[place.note];
+    const note = noteAt(score, place);
     if (note?.isStringed) {
       note.isHammerPullOrigin = true;
       note.finish(settings);
@@ -195,6 +193,14 @@ function applyGraces(beats, ticks) {
   });
   main.playbackStart = start;
   main.playbackDuration = end - start;
+}
+
+/**
+ * @param {Score} score
+ * @param {import("./rewrite.js").NotePlace} place
+ */
+function noteAt(score, place) {
+  return voiceAt(score, place).beats[place.beat]?.notes[place.note];
 }
 
 /**
