@@ -123,7 +123,12 @@ test("a bar that is shorter than its metre in the midst of a score lasts as long
 
 test("notes that are heard and not seen are written", () => {
   const hidden = (name) => note(name, 1).replace("<note>", '<note print-object="no">');
-  const bars = [attributes() + note("C4", 4) + backup(4) + "C5 D5 E5 F5".split(" ").map(hidden).join("").replaceAll("<voice>1", "<voice>2")];
+  const bars = [
+    attributes() +
+      note("C4", 4) +
+      backup(4) +
+      "C5 D5 E5 F5".split(" ").map(hidden).join("").replaceAll("<voice>1", "<voice>2"),
+  ];
   const score = read(bytesOf(document(bars)));
   const { notes, playing } = lost(score);
   assert.equal(notes, undefined);
@@ -132,7 +137,10 @@ test("notes that are heard and not seen are written", () => {
 });
 
 test("grace notes behind the last note of a bar are read where they were written", () => {
-  const grace = note("D5", 0, { before: "<grace/>", after: "<type>eighth</type>" }).replace("<duration>0</duration>", "");
+  const grace = note("D5", 0, { before: "<grace/>", after: "<type>eighth</type>" }).replace(
+    "<duration>0</duration>",
+    "",
+  );
   const score = read(bytesOf(document([attributes() + note("C4", 4) + grace, note("C4", 4)])));
   const { notes, playing, rhythm } = lost(score);
   assert.deepEqual([notes, playing, rhythm], [undefined, undefined, undefined]);

@@ -151,3 +151,32 @@ test("notes that the tablature does not have keep their keys", () => {
   const [staff] = read(few).score.tracks[0].staves;
   assert.ok(staff.showTablature);
 });
+
+const flageolet = (kind) => `<harmonic>${kind}</harmonic>`;
+const natural = flageolet("<natural/>");
+
+test("harmonics on strings sound as such, and are exported", () => {
+  const notes = [
+    note("E5", 1, { after: at(1, 12, natural) }),
+    note("B4", 1, { after: at(1, 7, natural) }),
+    note("A4", 1, { after: at(1, 5, flageolet("<artificial/><base-pitch/>")) }),
+    note("E6", 1, { after: at(1, 5, flageolet("<artificial/><sounding-pitch/>")) }),
+  ];
+  const { score } = read(document([attributes(1, 4, tab()) + notes.join("")]));
+  const keys = (one) => notesOf(one).map(({ key }) => key);
+  assert.deepEqual(keys(score), [76, 83, 81, 88]);
+  const settings = new alphaTab.Settings();
+  assert.deepEqual(keys(readScore(exportGuitarPro(score, settings), settings).score), [76, 83, 81, 88]);
+});
+
+test("a harmonic's notation may have the key that sounds, or that of its fret", () => {
+  for (const name of ["B4", "B5"]) {
+    const harmonic = note("B4", 4, { voice: 5, ...onStaff(2, at(1, 7, natural)) });
+    const { score } = read(document([attributes(1, 4, bothStaves) + note(name, 4, onStaff(1)) + backup(4) + harmonic]));
+    assert.equal(score.tracks[0].staves.length, 1);
+    assert.deepEqual(
+      notesOf(score).map(({ key }) => key),
+      [83],
+    );
+  }
+});

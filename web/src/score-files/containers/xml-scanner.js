@@ -199,8 +199,8 @@ const names = new Map();
 const mostNames = 2000;
 
 /**
- * Names are compared far more often than they are read. Of those that are names of properties as well, the engine has one
- * each, and compares where they are.
+ * Names are compared far more often than they are read. JavaScript keeps each name of a property once, and compares such
+ * texts by where they are.
  *
  * @param {string} name
  */

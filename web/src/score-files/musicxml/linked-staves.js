@@ -92,17 +92,21 @@ function pairNotes(notation, tablature, wholly) {
   /** @type {Map<string, Note[]>} */
   const waiting = new Map();
   for (const note of notesOf(notation)) {
-    const known = waiting.get(placeOf(note));
+    const place = placeOf(note, note.realValue);
+    const known = waiting.get(place);
     if (known) {
       known.push(note);
     } else {
-      waiting.set(placeOf(note), [note]);
+      waiting.set(place, [note]);
     }
   }
   /** @type {Map<Note, Note>} */
   const pairs = new Map();
   for (const note of notesOf(tablature)) {
-    const partner = waiting.get(placeOf(note))?.shift();
+    // The notation of a harmonic has the key that sounds, or that of the fret.
+    const partner =
+      waiting.get(placeOf(note, note.realValue))?.shift() ??
+      waiting.get(placeOf(note, note.realValueWithoutHarmonic))?.shift();
     if (!partner) {
       return null;
     }
@@ -122,9 +126,12 @@ function* notesOf({ bars }) {
   }
 }
 
-/** @param {Note} note */
-function placeOf({ beat, realValue }) {
-  return `${beat.voice.bar.index} ${beat.displayStart} ${beat.graceType} ${beat.graceIndex} ${realValue}`;
+/**
+ * @param {Note} note
+ * @param {number} key
+ */
+function placeOf({ beat }, key) {
+  return `${beat.voice.bar.index} ${beat.displayStart} ${beat.graceType} ${beat.graceIndex} ${key}`;
 }
 
 /** What tablature says of how a note is played. */
@@ -136,6 +143,8 @@ const manners = /** @type {const} */ ([
   "isLetRing",
   "isDead",
   "vibrato",
+  "harmonicType",
+  "harmonicValue",
 ]);
 
 /**

@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "../../shared/alphatab.js";
 import { readMusicXmlElements } from "../../alphatab/internals/alphatab-internals.js";
+import { applyHarmonic } from "./harmonics.js";
 import { joinLinkedStaves } from "./linked-staves.js";
 import { lookUpByString } from "../strings/by-string.js";
 import { rewriteMusicXml } from "./rewrite.js";
@@ -38,6 +39,12 @@ export function readMusicXml(text, settings) {
   score.rebuildRepeatGroups();
   applyLeftovers(leftovers, score);
   applyHammers(leftovers, score, settings);
+  for (const { harmonic, ...place } of leftovers.harmonics) {
+    const note = noteAt(score, place);
+    if (note?.isStringed) {
+      applyHarmonic(note, harmonic);
+    }
+  }
   score.tracks.forEach(giveDrumsHeads);
   for (const staff of score.tracks.flatMap(({ staves }) => staves)) {
     if (staff.isStringed) {

@@ -5,6 +5,7 @@ import { attributesAtBars, countStaves, stringsOf, writeAttribute } from "./attr
 import { DirectionWriter, marksOfStaff } from "./directions.js";
 import { readMeasure } from "./events.js";
 import { graceLengths } from "./graces.js";
+import { harmonicOf } from "./harmonics.js";
 import { barLengthOf, commonMetre, readMetre } from "./metres.js";
 import { beginsHammer, writeNote, writeRest } from "./notes.js";
 import { drumOf, partsOf, writeDescription } from "./parts.js";
@@ -64,6 +65,7 @@ import { assignVoices } from "./voices.js";
  * @property {LongGrace[]} longGraces
  * @property {CrossTie[]} crossTies
  * @property {NotePlace[]} hammers notes that a hammer-on or a pull-off begins with
+ * @property {(NotePlace & { harmonic: import("./harmonics.js").Harmonic })[]} harmonics on strings
  *
  * @typedef {object} Part
  * @property {PartSource} source
@@ -96,7 +98,7 @@ export function rewriteMusicXml(text) {
   writer.open("score-partwise", { version: "4.0" });
   writeHead(writer, root, sources);
   /** @type {Leftovers} */
-  const leftovers = { hiddenRests: [], longGraces: [], crossTies: [], hammers: [] };
+  const leftovers = { hiddenRests: [], longGraces: [], crossTies: [], hammers: [], harmonics: [] };
   parts.forEach((part, index) => {
     const element = new LateElement("part", () => new PartWriter(part, index, bars, leftovers).measures());
     element.attributes = new Map([["id", `P${index}`]]);
@@ -416,8 +418,8 @@ class PartWriter {
         if (this.#crossTied.has(note)) {
           this.#notePlaces.set(note, notePlace);
         }
-        if (this.#facts.strings[staff] > 0 && beginsHammer(note)) {
-          this.#leftovers.hammers.push(notePlace);
+        if (this.#facts.strings[staff] > 0) {
+          this.#keepManners(note, notePlace);
         }
       });
       const ticks = event.grace ? null : graceLengths(graces, end - event.onset);
@@ -434,6 +436,20 @@ class PartWriter {
     }
     this.#directions.writeUpTo(position, Number.POSITIVE_INFINITY);
     return position;
+  }
+
+  /**
+   * @param {XmlElement} note on a string
+   * @param {NotePlace} place
+   */
+  #keepManners(note, place) {
+    if (beginsHammer(note)) {
+      this.#leftovers.hammers.push(place);
+    }
+    const harmonic = harmonicOf(note);
+    if (harmonic) {
+      this.#leftovers.harmonics.push({ ...place, harmonic });
+    }
   }
 
   /** @param {Mark[]} marks */
