@@ -5,6 +5,8 @@
 #include "app/trainer/TrainerPanel.h"
 #include "controller/AlphaTabController.h"
 
+#include <QShortcut>
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -34,7 +36,29 @@ void PracticeMenu::addRange(const MenuItems &items)
     items.pageKey(tr("Passage a Beat Longer"), u"Shift+Right"_s);
     items.pageKey(tr("Passage a Bar Shorter"), u"Ctrl+Shift+Left"_s);
     items.pageKey(tr("Passage a Bar Longer"), u"Ctrl+Shift+Right"_s);
-    items.pageKey(tr("Let Go of the Passage"), u"Esc"_s);
+    addLetGo(items);
+}
+
+void PracticeMenu::addLetGo(const MenuItems &items)
+{
+    QAction *letGo = items.pageKey(tr("Let Go of the Passage"), u"Esc"_s);
+    connect(letGo, &QAction::triggered, this, [this] {
+        const LoopSpan span = m_controller.loopSpan;
+        const bool isPassage = span.endMs > span.startMs && (span.startMs > 0 || span.endMs < m_controller.endTime);
+        if (!isPassage)
+            leaveFullScreen();
+    });
+    // Over a PDF and the start screen there is no passage either. Two that are enabled would be ambiguous.
+    auto *escape = new QShortcut(Qt::Key_Escape, parentWidget(), this, &PracticeMenu::leaveFullScreen);
+    const auto follow = [letGo, escape] { escape->setEnabled(!letGo->isEnabled()); };
+    connect(letGo, &QAction::enabledChanged, escape, follow);
+    follow();
+}
+
+void PracticeMenu::leaveFullScreen()
+{
+    QWidget *window = parentWidget();
+    window->setWindowState(window->windowState() & ~Qt::WindowStates(Qt::WindowFullScreen));
 }
 
 void PracticeMenu::addTracks()

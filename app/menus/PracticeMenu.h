@@ -18,6 +18,9 @@ public:
 
 private:
     void addRange(const MenuItems &items);
+    void addLetGo(const MenuItems &items);
+    /// What Escape does where it has nothing to let go of.
+    void leaveFullScreen();
     void showTrainer();
     void addTracks();
     void showAlone(int id);

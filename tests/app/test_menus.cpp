@@ -271,6 +271,31 @@ private Q_SLOTS:
         QCOMPARE(m_world->engine->keys, QStringList());
     }
 
+    void escapeLeavesFullScreenBehindThePassage()
+    {
+        QWidget &window = m_app->window();
+        const auto enter = [&window] {
+            window.showFullScreen();
+            return QTest::qWaitFor([&window] { return window.isFullScreen(); });
+        };
+        const auto escapes = [&] {
+            press(Qt::Key_Escape);
+            return QTest::qWaitFor([&window] { return !window.isFullScreen(); });
+        };
+        QVERIFY(enter() && escapes());
+        openScore();
+        report(m_controller->endTime, 60000.0);
+        m_world->engine->reports.reportLoopSpan(4000, 8000);
+        QVERIFY(enter());
+        press(Qt::Key_Escape);
+        QCOMPARE(m_world->engine->keys, QStringList{ u"Esc"_s });
+        QVERIFY(window.windowState().testFlag(Qt::WindowFullScreen));
+        m_world->engine->reports.reportLoopSpan(0, 60000);
+        QVERIFY(escapes());
+        openPdf();
+        QVERIFY(enter() && escapes());
+    }
+
     void theWheelZoomsWithCtrl()
     {
         openScore();
