@@ -9,14 +9,17 @@
 #include "tests/views/ShownWindow.h"
 
 #include <QAbstractItemView>
+#include <QCheckBox>
 #include <QDirIterator>
 #include <QIcon>
 #include <QMenu>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolTip>
+#include <QVBoxLayout>
 #include <QWheelEvent>
 
 using namespace Qt::StringLiterals;
@@ -29,6 +32,20 @@ QPalette darkSystem()
     for (const auto role : { QPalette::WindowText, QPalette::Text, QPalette::ButtonText })
         palette.setColor(role, Qt::white);
     return palette;
+}
+
+/// As the guidelines for the web define it (WCAG 2.1).
+double luminance(const QColor &color)
+{
+    const auto linear = [](double c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+double contrast(const QColor &a, const QColor &b)
+{
+    const double high = std::max(luminance(a), luminance(b));
+    const double low = std::min(luminance(a), luminance(b));
+    return (high + 0.05) / (low + 0.05);
 }
 
 /// A window with one button and a popover of 200 by 150 at it.
@@ -78,15 +95,6 @@ private Q_SLOTS:
         QFETCH(bool, dark);
         const QPalette palette = dark ? darkSystem() : QPalette(Qt::white);
         const Theme::Colors &colors = Theme::colors(palette);
-        const auto luminance = [](const QColor &color) {
-            const auto linear = [](double c) { return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
-            return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
-        };
-        const auto contrast = [&luminance](const QColor &a, const QColor &b) {
-            const double high = std::max(luminance(a), luminance(b));
-            const double low = std::min(luminance(a), luminance(b));
-            return (high + 0.05) / (low + 0.05);
-        };
         for (const QColor &ground : { colors.canvas, colors.bar, colors.sidebar, colors.popover }) {
             for (const QColor &ink : { colors.text, colors.secondary, colors.accent, colors.muted })
                 QVERIFY2(contrast(ink, ground) >= 4.5, qPrintable(ink.name() + u" on "_s + ground.name()));
@@ -104,6 +112,29 @@ private Q_SLOTS:
             const QColor body = QColor::fromRgbF(mixed(colors.sidebar.redF(), ink.redF()),
                 mixed(colors.sidebar.greenF(), ink.greenF()), mixed(colors.sidebar.blueF(), ink.blueF()));
             QVERIFY2(contrast(ink, body) >= 3, qPrintable(ink.name()));
+        }
+    }
+
+    void aBoxWithoutATickCanBeSeen_data() { textStandsOutEverywhere_data(); }
+
+    void aBoxWithoutATickCanBeSeen()
+    {
+        QFETCH(bool, dark);
+        QApplication::setPalette(dark ? darkSystem() : QPalette(Qt::white));
+        QWidget window;
+        auto *layout = new QVBoxLayout(&window);
+        const QList<QAbstractButton *> boxes{ new QCheckBox, new QRadioButton };
+        for (QAbstractButton *box : boxes)
+            layout->addWidget(box);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        for (QAbstractButton *box : boxes) {
+            const QImage picture = box->grab().toImage();
+            const QColor ground = Theme::colors(window.palette()).bar;
+            double most = 1;
+            for (int x = 0; x < picture.width(); ++x)
+                most = std::max(most, contrast(picture.pixelColor(x, picture.height() / 2), ground));
+            QVERIFY2(most >= 3, qPrintable(QString::number(most)));
         }
     }
 
