@@ -352,3 +352,34 @@ test("a string without a tuning says nothing about the key", () => {
   const technical = { after: "<notations><technical><string>1</string><fret>3</fret></technical></notations>" };
   assert.equal(played(document([attributes() + note("C4", 4, technical)])), "0:60");
 });
+
+test("drums without keys are told by the names of their instruments, else by where their notes stand", () => {
+  const drum = (place, instrument = "") =>
+    `<note><unpitched><display-step>${place[0]}</display-step><display-octave>${place[1]}</display-octave></unpitched><duration>1</duration>${instrument}</note>`;
+  const clef = attributes(1, 4, "<clef><sign>percussion</sign></clef>");
+  const byPlace = document([clef + ["F4", "C5", "G5", "A5"].map((place) => drum(place)).join("")]);
+  assert.equal(played(byPlace), "0:36 1:38 2:42 3:49");
+  assert.ok(read(byPlace).score.tracks[0].staves[0].isPercussion);
+  const instruments = [
+    ["I1", "Cowbell", ""],
+    ["I2", "", "drum.bass-drum"],
+  ];
+  const description = instruments
+    .map(
+      ([id, name, sound]) =>
+        `<score-instrument id="${id}"><instrument-name>${name}</instrument-name><instrument-sound>${sound}</instrument-sound></score-instrument>`,
+    )
+    .join("");
+  const byName = clef + drum("C5", '<instrument id="I1"/>').repeat(2) + drum("C5", '<instrument id="I2"/>').repeat(2);
+  assert.equal(played(document([byName], { description })), "0:56 1:56 2:36 3:36");
+});
+
+test("notes without pitch of another instrument are no drums", () => {
+  const strum =
+    "<note><unpitched><display-step>B</display-step><display-octave>4</display-octave></unpitched><duration>4</duration></note>";
+  const guitar =
+    '<midi-instrument id="I1"><midi-channel>2</midi-channel><midi-program>26</midi-program></midi-instrument>';
+  const clef = attributes(1, 4, "<clef><sign>percussion</sign></clef>");
+  const { score } = read(document([clef + strum], { description: guitar }));
+  assert.ok(!score.tracks[0].staves[0].isPercussion);
+});

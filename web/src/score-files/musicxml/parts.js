@@ -1,4 +1,5 @@
 // @ts-check
+import { idOf, unwrittenDrums, withDrums } from "./drum-keys.js";
 import { boundedInteger, boundedNumber } from "./values.js";
 import { XmlElement } from "../containers/xml-scanner.js";
 
@@ -11,6 +12,7 @@ import { XmlElement } from "../containers/xml-scanner.js";
  * @property {XmlElement} description the `score-part`
  * @property {XmlElement[]} measures
  * @property {Set<string>} drums the instruments that are keys of a drum kit
+ * @property {((note: XmlElement) => number) | null} drumKey of notes that name none of them
  */
 
 const mostParts = 256;
@@ -53,13 +55,13 @@ export function partsOf(root) {
   for (const description of descriptions) {
     const own = measures.get(description.attributes.get("id") ?? "");
     if (own && own.length > 0) {
-      parts.push({ description, measures: own, drums: drumsOf(description) });
+      parts.push(partOf(description, own));
       measures.delete(description.attributes.get("id") ?? "");
     }
   }
   for (const own of measures.values()) {
     if (own.length > 0) {
-      parts.push({ description: new XmlElement("score-part"), measures: own, drums: new Set() });
+      parts.push({ description: new XmlElement("score-part"), measures: own, drums: new Set(), drumKey: null });
     }
   }
   return parts;
@@ -79,6 +81,21 @@ function listOf(measures, part) {
   return list;
 }
 
+/**
+ * @param {XmlElement} description
+ * @param {XmlElement[]} measures
+ * @returns {PartSource}
+ */
+function partOf(description, measures) {
+  const drums = drumsOf(description);
+  const drumKey = drums.size === 0 ? unwrittenDrums(description, measures) : null;
+  if (!drumKey) {
+    return { description, measures, drums, drumKey };
+  }
+  const whole = withDrums(description);
+  return { description: whole, measures, drums: drumsOf(whole), drumKey };
+}
+
 /** @param {XmlElement} description */
 function drumsOf(description) {
   /** @type {Set<string>} */
@@ -96,7 +113,10 @@ function drumsOf(description) {
  * @param {XmlElement} note
  * @returns {string} the instrument that plays it, if that is a key of a drum kit
  */
-export function drumOf({ drums }, note) {
+export function drumOf({ drums, drumKey }, note) {
+  if (drumKey) {
+    return idOf(drumKey(note));
+  }
   if (drums.size === 0) {
     return "";
   }
