@@ -103,12 +103,12 @@ protected:
     bool eventFilter(QObject *, QEvent *event) override
     {
         switch (event->type()) {
+        case QEvent::ShortcutOverride: // comes first; what is a shortcut here is no press of a key afterwards
         case QEvent::KeyPress:
-            if (static_cast<const QKeyEvent *>(event)->key() == Qt::Key_Escape)
+            if (static_cast<const QKeyEvent *>(event)->key() == Qt::Key_Escape && !std::exchange(m_hasEscaped, true))
                 m_escaped();
             [[fallthrough]];
         case QEvent::KeyRelease:
-        case QEvent::ShortcutOverride:
         case QEvent::Shortcut:
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonRelease:
@@ -133,6 +133,7 @@ protected:
 
 private:
     const std::function<void()> m_escaped;
+    bool m_hasEscaped = false;
 };
 
 } // namespace

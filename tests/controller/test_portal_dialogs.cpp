@@ -312,6 +312,8 @@ private Q_SLOTS:
     void escapeGivesThePanelUp()
     {
         QPushButton button(u"x"_s);
+        // As in a menu of the real window.
+        const QShortcut shortcut(Qt::Key_Escape, &button);
         button.show();
         QVERIFY(QTest::qWaitForWindowActive(&button));
         Chooser chooser(connection());
