@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-# bench: playing [RUNS] FILE   processor time and memory while a score plays, beside TuxGuitar
+# bench: playing [RUNS] FILE   processor time and memory while a score plays, with the fretboard too, beside TuxGuitar
 """Measures what playing takes: processor time and memory (PSS) of all processes of each program together.
 
 usage: playing.py [RUNS] FILE, with the program to start in QUAVERLY_PROGRAM
@@ -22,6 +22,8 @@ from speedlab.programs import quaverly, tuxguitar
 from startup import Screen
 
 LOADING = 12.0
+# Until the fretboard has taken its place, and what opening and that have left is collected.
+SETTLING = 8.0
 STARTING = 4.0
 MEASURED = 15.0
 
@@ -33,7 +35,7 @@ def sounds(system):
     return "Corked: no" in listing
 
 
-def play(program, file, folder):
+def play(program, file, folder, fretboard):
     """Cores, and megabytes at the end."""
     place = tempfile.mkdtemp(dir=folder)
     screen = Screen(place)
@@ -44,7 +46,11 @@ def play(program, file, folder):
             time.sleep(LOADING)
             # A window takes keys only with the focus, which nobody gives it where no window manager runs.
             keys = dict(os.environ, DISPLAY=screen.display)
-            subprocess.run(["xdotool", "mousemove", "700", "40", "key", "space"], env=keys, check=True)
+            subprocess.run(["xdotool", "mousemove", "700", "40"], env=keys, check=True)
+            if fretboard:
+                subprocess.run(["xdotool", "key", "b"], env=keys, check=True)
+            time.sleep(SETTLING)
+            subprocess.run(["xdotool", "key", "space"], env=keys, check=True)
             time.sleep(STARTING)
             if not sounds(system):
                 sys.exit(f"playing: {program.name} does not sound")
@@ -66,15 +72,16 @@ def main():
     folder = tempfile.mkdtemp(prefix="quaverly-bench-")
     try:
         print(f"Playing {os.path.basename(file)}, medians of {runs} runs")
-        print(f"{'':20}{'cores':>10}{'MB':>10}")
+        print(f"{'':34}{'cores':>10}{'MB':>10}")
         results = {}
-        programs = [program for program in (quaverly(), tuxguitar()) if program.present]
+        rows = [(program.name, program, False) for program in (quaverly(), tuxguitar()) if program.present]
+        rows.insert(1, (f"{quaverly().name} with the fretboard", quaverly(), True))
         for _ in range(runs):
-            for program in programs:
-                results.setdefault(program.name, []).append(play(program, file, folder))
+            for name, program, fretboard in rows:
+                results.setdefault(name, []).append(play(program, file, folder, fretboard))
         for name, figures in results.items():
             cores, megabytes = (statistics.median(column) for column in zip(*figures))
-            print(f"{name:20}{cores:10.3f}{megabytes:10.0f}", flush=True)
+            print(f"{name:34}{cores:10.3f}{megabytes:10.0f}", flush=True)
     finally:
         shutil.rmtree(folder, ignore_errors=True)
 

@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-# bench: sound [ROW...] [--quick]   what is heard: clicks, loops, drop-outs, mutes, the mark on the score
+# bench: sound [ROW...] [--quick] [--fretboard]   what is heard: clicks, loops, drop-outs, mutes, the mark on the score
 """Measures what Quaverly sounds like, from a recording of the loudspeaker, and prints each figure beside its bound.
 
-usage: sound.py [ROW...] [--quick] [--score FILE] [--keep FOLDER], with the program in QUAVERLY_PROGRAM
+usage: sound.py [ROW...] [--quick] [--fretboard] [--score FILE] [--keep FOLDER], with the program in QUAVERLY_PROGRAM
 
 Without a ROW every one is measured; "drift" takes five minutes, "dropouts" and "recordingdropouts" ten each. --quick
 makes these a minute long. The worst case counts: a row fails by its worst figure, and with a failed row the script ends
@@ -386,6 +386,8 @@ def in_a_room(row):
     def measure(build, table, options):
         with (tempfile.TemporaryDirectory(prefix="quaverly-sound-", ignore_cleanup_errors=True) as folder,
               contextlib.closing(Room(build, folder, options.keep)) as room):
+            if options.fretboard:
+                room.window.tell("choose Fretboard")
             row(room, table, options)
     return measure
 
@@ -400,6 +402,7 @@ def main():
     parser = argparse.ArgumentParser(description="Measures what is heard.")
     parser.add_argument("rows", nargs="*", metavar="ROW", help=", ".join(ROWS))
     parser.add_argument("--quick", action="store_true", help="a minute for the rows that take longer")
+    parser.add_argument("--fretboard", action="store_true", help="shows the fretboard in all rows but ready")
     parser.add_argument("--score", default=os.path.join(TOP, "..", "shared", "samples", "canon.gp5"),
                         help="the score of the rows dropouts and ready")
     parser.add_argument("--keep", metavar="FOLDER", help="keeps the recordings: 32-bit floats, stereo")
