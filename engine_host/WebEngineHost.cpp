@@ -13,6 +13,7 @@
 #include "engine_host/process/ChromiumSwitches.h"
 #include "engine_host/process/DrawingBackend.h"
 #include "engine_host/process/HeapLimits.h"
+#include "engine_host/process/LaunchCode.h"
 #include "engine_host/process/PageWatch.h"
 #include "engine_host/process/RootSandbox.h"
 #include "engine_host/process/SystemLog.h"
@@ -23,6 +24,8 @@
 #include <QImage>
 #include <QPixmap>
 #include <QProcessEnvironment>
+#include <QThreadPool>
+#include <QTimer>
 #include <QWebChannel>
 #include <QWebEngineDownloadRequest>
 #include <QWebEngineHistory>
@@ -33,8 +36,12 @@
 #include <csignal>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
+
+/// So long after the page is there, nothing of the launch is under way any more.
+constexpr auto launchIsOver = 1s;
 
 AudioRecovery::Dependencies audioDependencies()
 {
@@ -149,6 +156,7 @@ void WebEngineHost::watchPage()
         if (!loaded || !m_watch)
             return;
         m_watch->start();
+        QTimer::singleShot(launchIsOver, qApp, [] { QThreadPool::globalInstance()->start(&LaunchCode::giveBack); });
         // A new process of the page begins with white, and is not told of a colour that is set already.
         const QColor color = m_view->palette().color(QPalette::Window);
         m_page->setBackgroundColor(Qt::transparent);
