@@ -135,12 +135,11 @@ private Q_SLOTS:
     {
         QVERIFY(m_session->open(threeParts()));
         const double normal = systemHeight();
+        // The cursor, by which the height is known, follows a frame later.
         redraw(BridgeCalls::setZoom(2.0));
-        const double large = systemHeight();
+        QVERIFY(m_session->waitFor([&] { return systemHeight() > 1.7 * normal; }));
         redraw(BridgeCalls::setZoom(0.5));
-        const double small = systemHeight();
-        QVERIFY2(
-            large > 1.7 * normal && small < 0.6 * normal, qPrintable(u"%1 %2 %3"_s.arg(normal).arg(large).arg(small)));
+        QVERIFY(m_session->waitFor([&] { return systemHeight() < 0.6 * normal; }));
     }
 
     void theHorizontalLayoutIsOneLine()
