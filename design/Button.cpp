@@ -4,6 +4,7 @@
 
 #include <QKeyEvent>
 #include <QPainter>
+#include <QStyle>
 
 namespace {
 
@@ -48,6 +49,8 @@ void Button::setTint(Theme::Role tint)
     m_tint = tint;
     update();
 }
+
+QRect Button::body() const { return QStyle::visualRect(layoutDirection(), rect(), rect().marginsRemoved(m_reach)); }
 
 void Button::setReach(const QMargins &reach)
 {
@@ -133,14 +136,17 @@ void Button::paintEvent(QPaintEvent *)
     QRect content = body();
     if (!m_iconName.isEmpty() && !text().isEmpty()) {
         content.adjust(sidePadding(m_look, true), 0, -sidePadding(m_look, true), 0);
-        Icons::paint(painter, m_iconName, QRect(content.left(), content.top(), Theme::iconSize, content.height()),
-            Theme::iconSize, color);
-        content.adjust(Theme::iconSize + iconTextGap, 0, 0, 0);
+        const auto visual
+            = [this, content](const QRect &place) { return QStyle::visualRect(layoutDirection(), content, place); };
+        const QRect icon(content.left(), content.top(), Theme::iconSize, content.height());
+        Icons::paint(painter, m_iconName, visual(icon), Theme::iconSize, color);
+        content = visual(content.adjusted(Theme::iconSize + iconTextGap, 0, 0, 0));
     } else if (!m_iconName.isEmpty()) {
         Icons::paint(painter, m_iconName, content, Theme::iconSize, color);
     }
     if (!text().isEmpty()) {
         painter.setPen(color);
+        painter.setLayoutDirection(text().isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
         painter.drawText(content, Qt::AlignCenter | Qt::TextSingleLine, text());
     }
     if (hasFocus())

@@ -47,7 +47,7 @@ private:
     void paintBody(QPainter &painter) const;
     QColor contentColor() const;
     bool showsChecked() const;
-    QRect body() const { return rect().marginsRemoved(m_reach); }
+    QRect body() const;
 
     const Look m_look;
     QMargins m_reach;

@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QSignalBlocker>
+#include <QStyle>
 
 using namespace Qt::StringLiterals;
 
@@ -88,9 +89,11 @@ void Picker::paintEvent(QPaintEvent *)
         painter.drawRoundedRect(rect(), Theme::radius, Theme::radius);
     }
     painter.setPen(Theme::paintsEnabled(*this) ? colors.text : colors.disabled);
-    painter.drawText(rect().adjusted(11, 0, -28, 0), Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
+    const QRect place = QStyle::visualRect(layoutDirection(), rect(), rect().adjusted(11, 0, -28, 0));
+    const Qt::Alignment side = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter);
+    painter.drawText(place, int(side | Qt::AlignAbsolute) | Qt::TextSingleLine,
         fontMetrics().elidedText(currentText(), Qt::ElideRight, width() - 39));
-    const QPointF tip(width() - 16, height() / 2.0 + 2.2);
+    const QPointF tip(isRightToLeft() ? 16 : width() - 16, height() / 2.0 + 2.2);
     QPainterPath chevron(tip + QPointF(-4, -4));
     chevron.lineTo(tip);
     chevron.lineTo(tip + QPointF(4, -4));

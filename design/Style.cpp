@@ -63,6 +63,23 @@ void paintMenuBarItem(const QStyleOptionMenuItem &item, QPainter &painter)
     painter.restore();
 }
 
+/// A text that keeps the order of its own letters and signs where lines run from the right: "Open…", "Ctrl++", "[".
+QString inItsOwnOrder(const QString &text)
+{
+    constexpr QChar embedding(0x202a);
+    constexpr QChar end(0x202c);
+    return text.isEmpty() || text.isRightToLeft() ? text : embedding + text + end;
+}
+
+/// Of a menu's item: its title, and its keys behind a tabulator.
+QString itemInItsOwnOrder(const QString &text)
+{
+    QStringList parts = text.split(u'\t');
+    for (QString &part : parts)
+        part = inItsOwnOrder(part);
+    return parts.join(u'\t');
+}
+
 /// The edge of a frame inside of a window.
 void paintFrame(const QStyleOption &option, QPainter &painter)
 {
@@ -279,6 +296,8 @@ void Style::drawMenuItem(const QStyleOption &option, QPainter &painter, const QW
         for (const auto role : { QPalette::WindowText, QPalette::Text, QPalette::ButtonText })
             copy.palette.setColor(role, colors.onAccent);
     }
+    if (copy.direction == Qt::RightToLeft)
+        copy.text = itemInItsOwnOrder(copy.text);
     QProxyStyle::drawControl(CE_MenuItem, &copy, &painter, widget);
 }
 

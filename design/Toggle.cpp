@@ -5,12 +5,20 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QStyle>
 
 namespace {
 
 constexpr QSizeF switchSize(36, 20);
 constexpr qreal boxSize = 16;
 constexpr int gap = 8;
+
+/// A place counted from where lines begin.
+QRectF visual(const QWidget &widget, const QRectF &place)
+{
+    return widget.isRightToLeft() ? QRectF(QPointF(widget.width() - place.right(), place.top()), place.size()) : place;
+}
+
 } // namespace
 
 Toggle::Toggle(Look look, const QString &text, QWidget *parent)
@@ -46,13 +54,15 @@ void Toggle::keyPressEvent(QKeyEvent *event)
 void Toggle::paintSwitch(QPainter &painter) const
 {
     const Theme::Colors &colors = Theme::colors(palette());
-    const QRectF body(QPointF(width() - outset - switchSize.width(), (height() - switchSize.height()) / 2), switchSize);
+    const QPointF corner(width() - outset - switchSize.width(), (height() - switchSize.height()) / 2);
+    const QRectF body = visual(*this, QRectF(corner, switchSize));
     painter.setPen(Qt::NoPen);
     painter.setBrush(isChecked() ? colors.positive : colors.separator);
     painter.setOpacity(Theme::paintsEnabled(*this) ? 1 : 0.5);
     painter.drawRoundedRect(body, body.height() / 2, body.height() / 2);
     const qreal radius = body.height() / 2;
-    const QPointF knob(isChecked() ? body.right() - radius : body.left() + radius, body.center().y());
+    const bool onTheRight = isChecked() != isRightToLeft();
+    const QPointF knob(onTheRight ? body.right() - radius : body.left() + radius, body.center().y());
     painter.setBrush(colors.knob);
     painter.setPen(QPen(colors.knobRim, 1));
     painter.drawEllipse(knob, radius - 2, radius - 2);
@@ -62,7 +72,7 @@ void Toggle::paintSwitch(QPainter &painter) const
 void Toggle::paintCheckBox(QPainter &painter) const
 {
     const Theme::Colors &colors = Theme::colors(palette());
-    const QRectF box(outset, (height() - boxSize) / 2, boxSize, boxSize);
+    const QRectF box = visual(*this, QRectF(outset, (height() - boxSize) / 2, boxSize, boxSize));
     painter.setPen(isChecked() ? QPen(Qt::NoPen) : QPen(colors.secondary, 1.2));
     painter.setBrush(
         isChecked() ? QBrush(Theme::paintsEnabled(*this) ? colors.accent : colors.disabled) : QBrush(Qt::NoBrush));
@@ -90,7 +100,9 @@ void Toggle::paintEvent(QPaintEvent *)
         label.adjust(int(boxSize) + gap, 0, 0, 0);
     }
     painter.setPen(Theme::paintsEnabled(*this) ? colors.text : colors.disabled);
-    painter.drawText(label, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine, text());
+    label = QStyle::visualRect(layoutDirection(), rect(), label);
+    const Qt::Alignment side = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter);
+    painter.drawText(label, int(side | Qt::AlignAbsolute) | Qt::TextSingleLine, text());
     if (hasFocus())
         Theme::paintFocusRing(painter, rect(), Theme::radius - 2, palette());
 }

@@ -103,6 +103,8 @@ QWidget *MetronomeMenu::makeSettings(const Choices &sounds, const Choices &modes
 QWidget *MetronomeMenu::makeVolume()
 {
     auto *row = new QWidget;
+    // The louder loudspeaker stays on the slider's louder side.
+    row->setLayoutDirection(Qt::LeftToRight);
     auto *layout = new QHBoxLayout(row);
     layout->setContentsMargins({});
     layout->setSpacing(8);

@@ -56,8 +56,9 @@ TrackRow::TrackRow(AlphaTabController &controller, int id, QWidget *parent)
     line->addWidget(m_solo);
     layout->addLayout(line);
     auto *volumeLine = new QHBoxLayout;
-    volumeLine->setContentsMargins(0, 0, reachRight, 0);
+    volumeLine->setSpacing(0);
     volumeLine->addWidget(m_volume);
+    volumeLine->addSpacing(reachRight);
     layout->addLayout(volumeLine);
 
     for (Button *button : { m_visible, m_mute, m_solo })

@@ -49,7 +49,11 @@ QWidget *TrackSidebar::makeList()
     scroll->setFocusPolicy(Qt::NoFocus);
     auto *list = new Surface(&Theme::Colors::sidebar);
     auto *layout = new QVBoxLayout(list);
-    layout->setContentsMargins(sidePadding, 0, sidePadding - TrackRow::reachRight, 10);
+    // Margins stay on their sides where lines run from the right.
+    QMargins margins(sidePadding, 0, sidePadding - TrackRow::reachRight, 10);
+    if (isRightToLeft())
+        margins = QMargins(margins.right(), margins.top(), margins.left(), margins.bottom());
+    layout->setContentsMargins(margins);
     layout->setSpacing(0);
     layout->addWidget(m_placeholder);
     m_rowLayout->setSpacing(6);

@@ -10,6 +10,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QStyle>
 
 #include <algorithm>
 #include <cmath>
@@ -247,13 +248,16 @@ void PageList::paintRow(QPainter &painter, int page) const
         painter.drawRoundedRect(row, Theme::radius, Theme::radius);
     }
     const PDFPageCell cell = m_cells->cell(page);
-    QRectF place(row.left() + inside, 0, thumbnailWidth, thumbnailWidth / cell.aspect());
+    const double left = isRightToLeft() ? row.right() + 1 - inside - thumbnailWidth : row.left() + inside;
+    QRectF place(left, 0, thumbnailWidth, thumbnailWidth / cell.aspect());
     place.moveTop(std::round(row.top() + (row.height() - place.height()) / 2));
     painter.setRenderHint(QPainter::Antialiasing, false);
     cell.paint(painter, place);
     painter.setPen(colors.text);
-    const QRect text = row.adjusted(inside + int(thumbnailWidth) + gap, 0, -inside, 0);
-    painter.drawText(text, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+    const QRect beside = row.adjusted(inside + int(thumbnailWidth) + gap, 0, -inside, 0);
+    const QRect text = QStyle::visualRect(layoutDirection(), row, beside);
+    const Qt::Alignment side = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft | Qt::AlignVCenter);
+    painter.drawText(text, int(side | Qt::AlignAbsolute) | Qt::TextSingleLine,
         fontMetrics().elidedText(nameOf(page), Qt::ElideRight, text.width()));
     if (hasFocus() && page == m_current)
         Theme::paintFocusRing(painter, row, Theme::radius - 1, palette());

@@ -1,3 +1,4 @@
+#include "design/IconLabel.h"
 #include "design/Picker.h"
 #include "design/Popover.h"
 #include "design/Slider.h"
@@ -7,6 +8,7 @@
 #include "views/MetronomeMenu.h"
 
 #include <QGraphicsOpacityEffect>
+#include <QScopeGuard>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -117,6 +119,20 @@ private Q_SLOTS:
         };
         for (const QString &name : { u"Plays on"_s, u"Sound"_s, u"Accent first beat of bar"_s, u"Count-in"_s })
             QCOMPARE(left(name), left(u"Metronome"_s));
+    }
+
+    void theLouderLoudspeakerStaysOnTheRight()
+    {
+        const auto restore = qScopeGuard([] { QGuiApplication::setLayoutDirection(Qt::LeftToRight); });
+        for (const auto direction : { Qt::LeftToRight, Qt::RightToLeft }) {
+            QGuiApplication::setLayoutDirection(direction);
+            ShownWindow w;
+            open(w);
+            const QWidget *slider = w.control(u"Metronome volume"_s);
+            const QList<IconLabel *> icons = slider->parentWidget()->findChildren<IconLabel *>();
+            QCOMPARE(icons.size(), 2);
+            QVERIFY(icons[0]->x() < slider->x() && slider->x() < icons[1]->x());
+        }
     }
 
     void theChoicesComeInOrder()
