@@ -43,6 +43,8 @@ AboutPanel::AboutPanel(QWidget *parent)
     layout->addWidget(summary);
     auto *versions = new QFormLayout;
     versions->setLabelAlignment(Qt::AlignLeading);
+    // Beside the names also where lines run from the right.
+    versions->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);
     for (const Versions::Part &part : Versions::parts()) {
         QLabel *version = selectable(part.version);
         version->setAccessibleName(part.name + u' ' + part.version);
@@ -54,6 +56,9 @@ AboutPanel::AboutPanel(QWidget *parent)
     licences->setAccessibleName(tr("Licences"));
     licences->setMarkdown(
         u"# Quaverly\n\n"_s + resource(u"LICENSE"_s) + u"\n\n"_s + resource(u"THIRD_PARTY_NOTICES.md"_s));
+    // Long paths would be wider than the panel, and Qt's tables are by a pixel.
+    licences->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    licences->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     // The addresses are there to be read: nothing is opened from here.
     licences->setOpenLinks(false);
     layout->addWidget(licences, 1);
