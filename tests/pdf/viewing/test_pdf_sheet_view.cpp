@@ -338,7 +338,7 @@ private Q_SLOTS:
         w.openPDF(mixed());
         for (const int across : { 1, 2, 6 }) {
             w.controller.pdfPagesAcross = across;
-            QTRY_VERIFY(!pageGrid(w)->cells().cell(0).image().isNull());
+            QTRY_VERIFY_WITH_TIMEOUT(!pageGrid(w)->cells().cell(0).image().isNull(), 30'000);
             QCOMPARE(pageGrid(w)->horizontalScrollBar()->maximum(), 0);
         }
         for (const QString &name : { u"Open"_s, u"1"_s, u"6"_s, u"Convert to Guitar Pro"_s }) {
