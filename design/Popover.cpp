@@ -105,12 +105,16 @@ bool Popover::eventFilter(QObject *watched, QEvent *event)
         if (!holds(widget) && !(m_anchor && (widget == m_anchor || m_anchor->isAncestorOf(widget))))
             dismiss();
         return false;
+    case QEvent::ShortcutOverride:
     case QEvent::KeyPress:
-        if (static_cast<QKeyEvent *>(event)->key() == Qt::Key_Escape && widget->window() == window()) {
+        if (static_cast<QKeyEvent *>(event)->key() != Qt::Key_Escape || widget->window() != window())
+            return false;
+        // A menu may have the key, too: it is asked for first, and then comes as a press.
+        if (event->type() == QEvent::ShortcutOverride)
+            event->accept();
+        else
             dismiss();
-            return true;
-        }
-        return false;
+        return true;
     case QEvent::Resize:
         if (widget == parentWidget())
             QMetaObject::invokeMethod(this, &Popover::place, Qt::QueuedConnection);

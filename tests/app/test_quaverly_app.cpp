@@ -5,6 +5,7 @@
 #include "app/WindowMemory.h"
 #include "app/menus/ShortcutsWindow.h"
 #include "controller/AlphaTabController.h"
+#include "design/Popover.h"
 #include "desktop/Launch.h"
 #include "engine_host/process/SystemLog.h"
 #include "pdf/conversion/PDFDocument.h"
@@ -14,7 +15,9 @@
 #include "views/Toolbar.h"
 #include "views/TrackSidebar.h"
 
+#include <QAbstractButton>
 #include <QAction>
+#include <QApplication>
 #include <QClipboard>
 #include <QDebug>
 #include <QDir>
@@ -210,6 +213,25 @@ private Q_SLOTS:
         QVERIFY2(sideways->maximum() <= 2, qPrintable(QString::number(sideways->maximum())));
         panel->reject();
         QTRY_VERIFY(!panel);
+    }
+
+    /// And not the passage, which a menu lets go of with the same key.
+    void escapeClosesTheMetronomesPanel()
+    {
+        report(m_controller->hasScore, true);
+        report(m_controller->endTime, 60000.0);
+        m_world->engine->reports.reportLoopSpan(4000, 8000);
+        for (auto *button : m_app->window().findChildren<QAbstractButton *>()) {
+            if (button->accessibleName() == "Metronome & count-in"_L1)
+                button->click();
+        }
+        const QPointer<Popover> panel = m_app->window().findChild<Popover *>();
+        QVERIFY(panel && panel->isVisible());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        QTRY_VERIFY(!panel);
+        QCOMPARE(m_world->engine->keys, QStringList());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        QCOMPARE(m_world->engine->keys, QStringList{ u"Esc"_s });
     }
 
     void aProblemIsReportedWithVersionsAndLog()
