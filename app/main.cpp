@@ -37,8 +37,9 @@ int main(int argc, char *argv[])
         return 0;
     }
 
-    // Chromium reports its graphics set-up at every start; QT_LOGGING_RULES brings the report back.
-    QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false"_s);
+    // Chromium reports its graphics set-up at every start, and Qt 6.8 warns on Wayland whenever a menu closes, of a
+    // window that is gone; QT_LOGGING_RULES brings both back.
+    QLoggingCategory::setFilterRules(u"qt.webenginecontext.info=false\nqt.qpa.wayland.textinput.warning=false"_s);
     WebEngineHost::prepare();
     Launch launch{ .activationToken = Launch::environmentToken() };
     QApplication application(argc, argv);
