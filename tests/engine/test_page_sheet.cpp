@@ -131,17 +131,6 @@ private Q_SLOTS:
         QCOMPARE(m_session->count(u"rendered"_s), 3);
     }
 
-    void zoomMakesTheNotationLarger()
-    {
-        QVERIFY(m_session->open(threeParts()));
-        const double normal = systemHeight();
-        // The cursor, by which the height is known, follows a frame later.
-        redraw(BridgeCalls::setZoom(2.0));
-        QVERIFY(m_session->waitFor([&] { return systemHeight() > 1.7 * normal; }));
-        redraw(BridgeCalls::setZoom(0.5));
-        QVERIFY(m_session->waitFor([&] { return systemHeight() < 0.6 * normal; }));
-    }
-
     void theHorizontalLayoutIsOneLine()
     {
         QVERIFY(m_session->open(EngineScores::musicXml({ .bars = 40 })));
@@ -447,12 +436,6 @@ private:
                 u"(() => { const viewport = document.getElementById('viewport'); return viewport.scroll%1 - viewport.client%1; })()"_s
                     .arg(direction))
             .toInt();
-    }
-
-    double systemHeight()
-    {
-        return m_session->valueOf(u"document.querySelector('.at-cursor-bar').getBoundingClientRect().height"_s)
-            .toDouble();
     }
 
     /// Where the number of a bar is drawn; far away if it is not.

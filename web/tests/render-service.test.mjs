@@ -2,6 +2,7 @@
 import assert from "node:assert/strict";
 import { createRequire } from "node:module";
 import { test } from "node:test";
+import { watchCollections } from "./support/collections.mjs";
 import { standIn } from "./support/stand-in.mjs";
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
@@ -10,6 +11,8 @@ const { RenderService } = await import("../src/rendering/render-service.js");
 const { makeSystemsReleasable } = await import("../src/rendering/released-systems.js");
 
 makeSystemsReleasable();
+let thoroughly = 0;
+watchCollections(() => thoroughly++);
 
 const settings = new alphaTab.Settings();
 settings.core.engine = "svg";
@@ -115,6 +118,22 @@ test("another zoom is laid out anew after that, with pictures of its own", async
   assert.ok(partials().length > before.length && !before.includes(id));
   service.answer({ cmd: "paint", id });
   await until(() => answers.some((answer) => answer.kind === "painted" && answer.renderId === 2));
+});
+
+test("garbage is collected thoroughly after the first layout of a score, not between two zooms", async () => {
+  const { service, draw } = serving();
+  const before = thoroughly;
+  draw(1);
+  // Such as another width, before all is there.
+  draw(2, { width: 800 });
+  await until(() => !service.hasLayout);
+  assert.equal(thoroughly - before, 1);
+  draw(3, { width: 500 });
+  draw(4, { width: 600 });
+  await until(() => !service.hasLayout);
+  assert.equal(thoroughly - before, 1);
+  service.answer({ cmd: "collect" });
+  assert.equal(thoroughly - before, 2);
 });
 
 test("pictures ahead wait, as the rest of the layout does, until the sound is ready", async () => {

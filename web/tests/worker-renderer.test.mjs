@@ -440,6 +440,36 @@ test("a new notation knows nothing of the places of the one before", () => {
   assert.notEqual(renderer.boundsLookup.findBeat(current).beat, old);
 });
 
+test("the places of a whole notation are moved for another zoom, and the worker knows of which it is whole", () => {
+  const { worker, renderer } = viewport();
+  const score = scoreOf("c4.4 d4 e4 f4 |".repeat(120));
+  renderer.renderScore(score, [0]);
+  const all = batches(score);
+  const draw = () => worker.asked.filter(({ cmd }) => cmd === "draw").at(-1);
+  assert.equal(draw().whole, null);
+  const { renderId } = draw();
+  worker.answer({ kind: "drawn", renderId, batch: all[0] });
+  renderer.render();
+  assert.equal(draw().whole, null, "the rest of the first render pass will not come");
+  all.forEach((batch) => worker.answer({ kind: "drawn", renderId: draw().renderId, batch }));
+  renderer.render();
+  assert.equal(draw().whole, renderId + 1);
+  const beats = score.tracks[0].staves[0].bars.flatMap((bar) => bar.voices[0].beats);
+  const places = () => beats.map((beat) => ({ ...renderer.boundsLookup.findBeat(beat).visualBounds }));
+  const before = places();
+  const rescaling = { ratio: 2, left: 12, top: 8 };
+  const { partials, width, height } = all[0];
+  const answer = { first: true, last: true, partials, bounds: null, rescaling, width, height };
+  worker.answer({ kind: "drawn", renderId: draw().renderId, batch: answer });
+  places().forEach(({ x, y, w, h }, index) => {
+    const { x: left, y: top, w: across, h: down } = before[index];
+    assert.deepEqual([x, y, w, h], [2 * left - 12, 2 * top - 8, 2 * across, 2 * down]);
+    assert.equal(renderer.boundsLookup.getBeatAtPos(x + w / 2, y + h / 2), beats[index]);
+  });
+  renderer.render();
+  assert.equal(draw().whole, renderId + 2);
+});
+
 /** A renderer whose workers are silent when the test says so, and whose time passes when it does. */
 function atWorkers(t) {
   const timers = [];

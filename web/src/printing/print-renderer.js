@@ -66,6 +66,7 @@ export function systemsFor(score, tracks, settings, { width, scale, staves }, si
       remainderTimeoutMs: 0,
       atOnce: false,
       staves,
+      whole: null,
     });
   });
   return drawn.finally(() => worker.terminate());

@@ -19,7 +19,9 @@ import { viewAt } from "./scroll-anchor.js";
  * @property {boolean} first whether what came before is of another render pass
  * @property {boolean} last
  * @property {Partial[]} partials those in view with their picture
- * @property {Map<string, unknown>} bounds of the staff systems that the partials show
+ * @property {Map<string, unknown> | null} bounds of the staff systems that the partials show; null for those that the
+ *     page has, rescaled
+ * @property {import("./rescaling.js").Rescaling} [rescaling] of what the page has
  * @property {number} width of everything laid out until now, in CSS pixels
  * @property {number} height
  */
@@ -142,7 +144,11 @@ export class LayoutRun {
           renderer.boundsLookup.isFinished = true;
         }
       }),
-      renderer.renderFinished.on(({ totalWidth, totalHeight }) => (size = { width: totalWidth, height: totalHeight })),
+      renderer.renderFinished.on(({ totalWidth, totalHeight }) => {
+        // alphaTab forgets the zoom in the width of the endless system.
+        const { scale } = this.#settings.display;
+        size = { width: this.#sideways ? totalWidth * scale : totalWidth, height: totalHeight };
+      }),
     ];
     this.#settings.display.barCount = this.finished ? -1 : this.#bars;
     if (before === 0) {
@@ -188,7 +194,7 @@ export class LayoutRun {
     for (const partial of partials) {
       // What the page has in its place is of another render pass.
       partial.reuseViewport = false;
-      if (this.#inView(partial)) {
+      if (isIn(partial, this.#view)) {
         this.#renderer.renderResult(partial.id);
       }
     }
@@ -230,13 +236,6 @@ export class LayoutRun {
     return !anchor || view !== null;
   }
 
-  /** @param {Partial} partial */
-  #inView(partial) {
-    const view = this.#view;
-    const across = partial.x < view.right && partial.x + partial.width > view.left;
-    return across && partial.y < view.bottom && partial.y + partial.height > view.top;
-  }
-
   #newBounds() {
     const all = this.#renderer.boundsLookup?.staffSystems ?? [];
     const systems = this.finished || this.#sideways ? all.length : Math.max(all.length - 1, 0);
@@ -246,6 +245,15 @@ export class LayoutRun {
     this.#renderer.boundsLookup = this.finished ? null : new alphaTab.rendering.BoundsLookup();
     return bounds.toJson();
   }
+}
+
+/**
+ * @param {Partial} partial
+ * @param {View} view
+ */
+export function isIn(partial, view) {
+  const across = partial.x < view.right && partial.x + partial.width > view.left;
+  return across && partial.y < view.bottom && partial.y + partial.height > view.top;
 }
 
 /**

@@ -44,6 +44,11 @@ export class PictureStore {
     return this.#entries.has(id) && !this.#missing.has(id);
   }
 
+  /** @returns {Partial[]} as they were laid out, without their pictures */
+  get partials() {
+    return [...this.#entries.values()].map(({ partial }) => partial);
+  }
+
   /** @returns {string | undefined} the id of a partial that is still to be painted */
   get nextMissing() {
     const [id] = this.#missing;

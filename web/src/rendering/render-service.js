@@ -1,9 +1,10 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
-import { LayoutRun, firstStep } from "./layout-run.js";
+import { LayoutRun, firstStep, isIn } from "./layout-run.js";
 import { PictureStore } from "./picture-store.js";
 import { releaseSystems } from "./released-systems.js";
+import { rescaled, rescaledSize, rescaledView } from "./rescaling.js";
 import { showStaves } from "./shown-staves.js";
 import { arrangeStaffNames } from "./staff-names.js";
 import { foldLongRests } from "../score-files/guitar-pro/long-rests.js";
@@ -26,6 +27,13 @@ import { collectGarbage, collectThoroughly } from "../shared/garbage.js";
  * @typedef {import("../shared/alphatab.js").Score} Score
  *
  * @typedef {{ file: number, score: Score }} ReadFile
+ *
+ * @typedef {object} EndlessSystem what is painted as a whole, and may be shown at another zoom
+ * @property {string} look all that it was drawn with but the zoom
+ * @property {number} scale that it was painted with
+ * @property {number} width in CSS pixels
+ * @property {number} height
+ * @property {Map<number, number>} scales that render passes have shown it with, by their number
  */
 
 /** For how long partials are painted that nobody waits for, before somebody may ask for one, in milliseconds. */
@@ -38,6 +46,12 @@ export class RenderService {
   #post;
   /** The page's settings; a render pass under way keeps those it began with. */
   #settings = new alphaTab.Settings();
+  /** @type {Map<string, unknown> | null} as they came */
+  #settingsSent = null;
+  /** @type {EndlessSystem | null} what is being painted or is */
+  #endless = null;
+  /** @type {import("./rescaling.js").Rescaling | null} from how the pictures were painted to how they are shown */
+  #rescaling = null;
   /** @type {ScoreRenderer | null} null when its layout is not needed any more */
   #renderer = null;
   #pictures = new PictureStore();
@@ -45,6 +59,8 @@ export class RenderService {
   #paintsAhead = false;
   /** @type {ReadFile | null} what is drawn */
   #held = null;
+  /** Whether all of it has been drawn before, with another zoom or other tracks. */
+  #drawsAgain = false;
   /** @type {ReadFile | null} what may be drawn next */
   #read = null;
   /** @type {LayoutRun | null} */
@@ -72,6 +88,7 @@ export class RenderService {
     switch (request.cmd) {
       case "settings":
         this.#settings = alphaTab.model.JsonConverter.jsObjectToSettings(request.settings);
+        this.#settingsSent = request.settings;
         break;
       case "read": {
         const reading = readForFirstScreen(request.bytes, this.#settings);
@@ -118,6 +135,7 @@ export class RenderService {
       const score = alphaTab.model.JsonConverter.jsObjectToScore(request.score, settings);
       this.#read = { file: request.file, score };
     }
+    this.#drawsAgain = this.#held?.file === request.file && (this.#drawsAgain || this.#renderer === null);
     if (this.#read?.file === request.file) {
       this.#held = this.#read;
       this.#read = null;
@@ -130,6 +148,16 @@ export class RenderService {
       return;
     }
     const { score } = this.#held;
+    const endless = this.#endless;
+    const look = lookOf(request, this.#settingsSent);
+    const { layoutMode, scale } = settings.display;
+    if (endless?.look === look && !this.#renderer && endless.scales.has(request.whole ?? NaN)) {
+      this.#rescale(request, endless).catch((reason) => this.fail(reason));
+      return;
+    }
+    const sideways = layoutMode === alphaTab.LayoutMode.Horizontal;
+    this.#endless = sideways ? { look, scale, width: 0, height: 0, scales: new Map() } : null;
+    this.#rescaling = null;
     setTextWidths(request.textWidths);
     const renderer = (this.#renderer ??= this.#newRenderer());
     renderer.updateSettings(settings);
@@ -144,6 +172,33 @@ export class RenderService {
       this.#later(() => this.#proceed());
     } else {
       this.#proceed();
+    }
+  }
+
+  /**
+   * Shows the endless system at another zoom.
+   *
+   * @param {Extract<Request, { cmd: "draw" }>} request
+   * @param {EndlessSystem} endless
+   */
+  async #rescale({ renderId, whole, view, anchor }, endless) {
+    const { scale, padding } = this.#settings.display;
+    const [left, top] = padding;
+    const from = endless.scales.get(whole ?? NaN) ?? scale;
+    const rescaling = { ratio: scale / from, left, top };
+    const pictures = this.#pictures;
+    const painted = { ratio: scale / endless.scale, left, top };
+    const size = rescaledSize(endless, painted);
+    const seen = rescaledView(view, anchor, rescaling, size.width);
+    const partials = pictures.partials.map(async (partial) => {
+      const there = rescaled(partial, painted);
+      return isIn(there, seen) ? rescaled((await pictures.painted(partial.id)) ?? partial, painted) : there;
+    });
+    const batch = { first: true, last: true, partials: await Promise.all(partials), bounds: null, rescaling, ...size };
+    if (renderId === this.#renderId) {
+      this.#rescaling = painted;
+      endless.scales.set(renderId, scale);
+      this.#post({ kind: "drawn", renderId, batch });
     }
   }
 
@@ -176,6 +231,10 @@ export class RenderService {
         }
         this.#pictures.add(batch.partials);
         run.delivered(batch);
+        if (this.#endless) {
+          Object.assign(this.#endless, { width: batch.width, height: batch.height });
+          this.#endless.scales = new Map(batch.last ? [[this.#renderId, this.#endless.scale]] : []);
+        }
         wait = batch.first ? this.#remainderTimeoutMs : 0;
       }
       this.#run = run.finished ? null : run;
@@ -220,7 +279,9 @@ export class RenderService {
     } else if (progress === "all painted") {
       renderer.destroy();
       this.#renderer = null;
-      collectThoroughly();
+      // After a thorough collection the next layout takes half as long again, or twice. One zoom follows another: the
+      // page asks for it when none has for a while.
+      (this.#drawsAgain ? collectGarbage : collectThoroughly)();
     }
   }
 
@@ -251,9 +312,10 @@ export class RenderService {
   /** @param {string} id of a partial that was laid out */
   async #paint(id) {
     const renderId = this.#renderId;
+    const rescaling = this.#rescaling;
     const partial = (await this.#pictures.painted(id)) ?? (this.#renderer && this.#renderPartial(this.#renderer, id));
     if (partial) {
-      this.#post({ kind: "painted", renderId, partial });
+      this.#post({ kind: "painted", renderId, partial: rescaling ? rescaled(partial, rescaling) : partial });
     }
   }
 
@@ -274,6 +336,21 @@ export class RenderService {
     unsubscribe();
     return painted;
   }
+}
+
+/**
+ * @param {Extract<Request, { cmd: "draw" }>} request
+ * @param {Map<string, unknown> | null} settings
+ */
+function lookOf({ file, tracks, staves }, settings) {
+  const display = settings?.get("display");
+  const plain = (/** @type {string} */ _, /** @type {unknown} */ value) =>
+    value === display && display instanceof Map
+      ? [...display].filter(([name]) => name !== "scale")
+      : value instanceof Map
+        ? [...value]
+        : value;
+  return JSON.stringify([file, tracks, staves, settings], plain);
 }
 
 /** @param {Map<string, unknown>} widths */

@@ -4,6 +4,7 @@ import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
 import { chooseStrings } from "../score-files/strings/open-fingerings.js";
 import { Emitter } from "../shared/emitter.js";
 import { WorkerWatch } from "../shared/worker-watch.js";
+import { rescaleBounds } from "./rescaling.js";
 import { anchorIn, viewAt } from "./scroll-anchor.js";
 
 /**
@@ -22,13 +23,14 @@ import { anchorIn, viewAt } from "./scroll-anchor.js";
  * @typedef {{ anchor: ScrollAnchor, left: number, top: number, cursorBar: number | null }} Return how far the viewport was
  *   scrolled, and where the cursor was
  *
- * Requests are told apart by "cmd", as alphaTab's own workers, which live in the same script, look for it.
+ * Requests are told apart by "cmd", as alphaTab's own workers, which live in the same script, look for it. Their "whole"
+ * is the render pass that is on the score page, if all of it is.
  *
  * @typedef {{ cmd: "settings", settings: Map<string, unknown> | null }
  *   | { cmd: "read", file: number, bytes: Uint8Array }
  *   | { cmd: "draw", renderId: number, file: number, score: Map<string, unknown> | null, tracks: number[], width: number,
  *       view: View, anchor: ScrollAnchor | null, textWidths: Map<string, unknown>, remainderTimeoutMs: number, atOnce:
- *       boolean, staves: ShownStaves }
+ *       boolean, staves: ShownStaves, whole: number | null }
  *   | { cmd: "resume" }
  *   | { cmd: "stop" }
  *   | { cmd: "paint", id: string }
@@ -107,6 +109,10 @@ export class WorkerRenderer {
   /** @type {WeakMap<Score, number>} the number of each score's file with the worker */
   #fileOf = new WeakMap();
   #renderId = 0;
+  /** @type {number | null} the render pass that is on the score page as a whole */
+  #whole = null;
+  /** @type {import("@coderline/alphatab").rendering.BeatBounds[]} the beats of folded rests */
+  #folded = [];
   /** How long a render pass waits with its remainder, in milliseconds. */
   #remainderTimeoutMs = 0;
   /** @type {Score | null} */
@@ -295,6 +301,7 @@ export class WorkerRenderer {
         staves: this.staves,
         // A reader far on in the system would be lost with its beginning alone.
         atOnce: this.#sideways && this.#shown.sideways && this.#shown.score === score,
+        whole: this.#whole,
       });
     }
   }
@@ -357,9 +364,13 @@ export class WorkerRenderer {
 
   /** @param {LayoutBatch} batch */
   #show(batch) {
+    this.#whole = batch.last ? this.#renderId : null;
     if (batch.first) {
       this.awaited = false;
-      this.boundsLookup = new alphaTab.rendering.BoundsLookup();
+      if (!batch.rescaling) {
+        this.boundsLookup = new alphaTab.rendering.BoundsLookup();
+        this.#folded = [];
+      }
       this.preRender.trigger(false);
     }
     for (const partial of batch.partials) {
@@ -368,8 +379,12 @@ export class WorkerRenderer {
         this.partialRenderFinished.trigger(partial);
       }
     }
-    this.#addBounds(batch.bounds);
-    this.#addFolded(batch.last);
+    if (batch.bounds) {
+      this.#addBounds(batch.bounds);
+      this.#addFolded(batch.last);
+    } else if (batch.rescaling && this.boundsLookup) {
+      rescaleBounds(this.boundsLookup, this.#folded, batch.rescaling);
+    }
     this.#inRenderPass = !batch.last;
     if (!batch.first) {
       this.remainderShown.trigger();
@@ -458,6 +473,7 @@ export class WorkerRenderer {
         }),
       );
       boxes.forEach((beat) => all.addBeat(beat));
+      this.#folded.push(...boxes);
       // For the pointer.
       box.beats.push(boxes[0]);
     });
