@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { createRequire } from "node:module";
 import { test } from "node:test";
-import { standIn } from "./support/stand-in.mjs";
+import { drawRequest, until } from "./support/render-requests.mjs";
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
@@ -135,19 +135,11 @@ function serving() {
   const draw = (/** @type {number} */ renderId, /** @type {number} */ scale, /** @type {object} */ changes = {}) => {
     service.answer({ cmd: "settings", settings: settingsToJsObject(settingsAt(scale)) });
     service.answer(
-      standIn({
-        cmd: "draw",
+      drawRequest({
         renderId,
-        file: 1,
         score: renderId === 1 ? scoreToJsObject(score) : null,
         tracks: [0, 1],
-        width: 900,
-        view: { left: 0, top: 0, right: 900, bottom: 600 },
-        anchor: null,
-        textWidths: new Map(),
-        remainderTimeoutMs: 0,
         atOnce: renderId > 1,
-        staves: "both",
         whole: renderId > 1 ? renderId - 1 : null,
         ...changes,
       }),
@@ -156,13 +148,6 @@ function serving() {
   const batch = (/** @type {number} */ renderId) =>
     answers.find((answer) => answer.kind === "drawn" && answer.renderId === renderId && answer.batch.last)?.batch;
   return { service, answers, draw, batch };
-}
-
-/** @param {() => any} isTrue */
-async function until(isTrue) {
-  while (!isTrue()) {
-    await new Promise((resolve) => setImmediate(resolve));
-  }
 }
 
 test("another zoom of the endless system is neither laid out nor painted", async (context) => {
@@ -221,4 +206,30 @@ test("of two zooms the first of which nobody saw, the second starts from what is
   await until(() => batch(3));
   assert.equal(batch(2), undefined);
   assert.equal(batch(3).rescaling.ratio, 3);
+});
+
+test("a picture that comes meanwhile has the size in which the score is shown", async () => {
+  const { service, answers, draw, batch } = serving();
+  draw(1, 1);
+  await until(() => batch(1) && !service.hasLayout);
+  const ids = batch(1).partials.map((/** @type {{ id: string }} */ { id }) => id);
+  const paint = async () => {
+    answers.length = 0;
+    ids.forEach((/** @type {string} */ id) => service.answer({ cmd: "paint", id }));
+    await until(() => answers.filter(({ kind }) => kind === "painted").length === ids.length);
+  };
+  draw(2, 2);
+  await paint();
+  const shown = answers.findIndex(({ kind }) => kind === "drawn");
+  assert.ok(shown >= 0 && shown < answers.length - 1, "some come behind it");
+  answers.forEach(({ kind, partial }, index) => {
+    if (kind === "painted") {
+      assert.equal(/scale\(2\)/.test(partial.renderResult), index > shown, `${index} of ${answers.length}`);
+    }
+  });
+  // Until something else is shown.
+  draw(3, 2, { tracks: [0] });
+  service.answer({ cmd: "stop" });
+  await paint();
+  assert.ok(answers.every(({ partial }) => /scale\(2\)/.test(partial.renderResult)));
 });

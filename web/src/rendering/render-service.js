@@ -157,7 +157,6 @@ export class RenderService {
     }
     const sideways = layoutMode === alphaTab.LayoutMode.Horizontal;
     this.#endless = sideways ? { look, scale, width: 0, height: 0, scales: new Map() } : null;
-    this.#rescaling = null;
     setTextWidths(request.textWidths);
     const renderer = (this.#renderer ??= this.#newRenderer());
     renderer.updateSettings(settings);
@@ -228,6 +227,7 @@ export class RenderService {
         this.#post({ kind: "drawn", renderId: this.#renderId, batch });
         if (batch.first) {
           this.#pictures = new PictureStore();
+          this.#rescaling = null;
         }
         this.#pictures.add(batch.partials);
         run.delivered(batch);
@@ -312,8 +312,9 @@ export class RenderService {
   /** @param {string} id of a partial that was laid out */
   async #paint(id) {
     const renderId = this.#renderId;
-    const rescaling = this.#rescaling;
     const partial = (await this.#pictures.painted(id)) ?? (this.#renderer && this.#renderPartial(this.#renderer, id));
+    // As it is shown by now.
+    const rescaling = this.#rescaling;
     if (partial) {
       this.#post({ kind: "painted", renderId, partial: rescaling ? rescaled(partial, rescaling) : partial });
     }
