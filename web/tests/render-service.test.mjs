@@ -3,6 +3,7 @@ import assert from "node:assert/strict";
 import { createRequire } from "node:module";
 import { test } from "node:test";
 import { watchCollections } from "./support/collections.mjs";
+import { drawRequest, until } from "./support/render-requests.mjs";
 import { standIn } from "./support/stand-in.mjs";
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
@@ -29,21 +30,7 @@ function serving() {
   const draw = (/** @type {number} */ renderId, /** @type {object} */ changes = {}) => {
     const score = alphaTab.importer.ScoreLoader.loadAlphaTex("c4.4 d4 e4 f4 |".repeat(120), settings);
     service.answer(
-      standIn({
-        cmd: "draw",
-        renderId,
-        file: 1,
-        score: renderId === 1 ? scoreToJsObject(score) : null,
-        tracks: [0],
-        width: 900,
-        view: { left: 0, top: 0, right: 900, bottom: 600 },
-        anchor: null,
-        textWidths: new Map(),
-        remainderTimeoutMs: 0,
-        atOnce: false,
-        staves: "both",
-        ...changes,
-      }),
+      drawRequest({ renderId, score: renderId === 1 ? scoreToJsObject(score) : null, tracks: [0], ...changes }),
     );
   };
   return {
@@ -53,13 +40,6 @@ function serving() {
     batches: () => answers.filter(({ kind }) => kind === "drawn").map(({ batch }) => batch),
     partials: () => answers.filter(({ kind }) => kind === "drawn").flatMap(({ batch }) => batch.partials),
   };
-}
-
-/** @param {() => boolean | undefined} isTrue */
-async function until(isTrue) {
-  while (!isTrue()) {
-    await new Promise((resolve) => setImmediate(resolve));
-  }
 }
 
 test("a score that is laid out is let go of, and its pictures are there whenever they are asked for", async () => {
