@@ -179,6 +179,19 @@ test("of a long score what is laid out is painted and let go of before the end i
   assert.ok(painted().every(({ partial }) => /^<svg[^]+<\/svg>$/.test(partial.renderResult)));
 });
 
+test("nothing is collected while readers wait for a place far on in a long score", async (context) => {
+  const collected = context.mock.fn();
+  globalThis.gc = standIn(collected);
+  context.after(() => delete globalThis.gc);
+  const { draw, batches } = serving();
+  const score = alphaTab.importer.ScoreLoader.loadAlphaTex("c4.4 d4 e4 f4 |".repeat(1000), settings);
+  const anchor = { bar: 900, x: 0, y: 0, left: 0, top: 0 };
+  draw(1, { score: scoreToJsObject(score), anchor });
+  await until(() => batches().length > 0);
+  assert.equal(collected.mock.callCount(), 0);
+  await until(() => batches().at(-1).last);
+});
+
 test("what reading and the first lines have left is collected when the sound is ready", async (context) => {
   const collected = context.mock.fn();
   globalThis.gc = standIn(collected);

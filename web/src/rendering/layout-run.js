@@ -60,9 +60,9 @@ export class LayoutRun {
 
   finished = false;
 
-  /** How much is laid out, in bars of one track. */
+  /** How much is laid out and delivered, in bars of one track. */
   get size() {
-    return this.#bars * this.#tracks.length;
+    return this.#deliveredAny ? this.#bars * this.#tracks.length : 0;
   }
 
   /**

@@ -5,6 +5,7 @@ import { LayoutRun, firstStep, isIn } from "./layout-run.js";
 import { PictureStore } from "./picture-store.js";
 import { releaseSystems } from "./released-systems.js";
 import { rescaled, rescaledSize, rescaledView } from "./rescaling.js";
+import { layOutSample } from "./sample-layout.js";
 import { showStaves } from "./shown-staves.js";
 import { arrangeStaffNames } from "./staff-names.js";
 import { foldLongRests } from "../score-files/guitar-pro/long-rests.js";
@@ -54,6 +55,8 @@ export class RenderService {
   #rescaling = null;
   /** @type {ScoreRenderer | null} null when its layout is not needed any more */
   #renderer = null;
+  /** @type {ScoreRenderer | null} keeps a bar when all else is let go of, so that the next layout is quick */
+  #sample = null;
   #pictures = new PictureStore();
   /** Whether what is painted is for nobody yet: a partial that cannot be painted is told of when it is asked for. */
   #paintsAhead = false;
@@ -139,6 +142,7 @@ export class RenderService {
     if (this.#read?.file === request.file) {
       this.#held = this.#read;
       this.#read = null;
+      this.#sample = null;
     }
     this.#run = null;
     this.#renderId = request.renderId;
@@ -277,10 +281,11 @@ export class RenderService {
       this.#released = run.size;
       this.#proceed();
     } else if (progress === "all painted") {
+      this.#sample = layOutSample(renderer);
       renderer.destroy();
       this.#renderer = null;
-      // After a thorough collection the next layout takes half as long again, or twice. One zoom follows another: the
-      // page asks for it when none has for a while.
+      // One zoom follows another, and would wait for a thorough collection: the page asks for it when none has for a
+      // while.
       (this.#drawsAgain ? collectGarbage : collectThoroughly)();
     }
   }
