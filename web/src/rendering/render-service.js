@@ -142,6 +142,7 @@ export class RenderService {
     if (this.#read?.file === request.file) {
       this.#held = this.#read;
       this.#read = null;
+      this.#sample?.destroy();
       this.#sample = null;
     }
     this.#run = null;
