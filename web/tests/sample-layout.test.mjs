@@ -14,7 +14,7 @@ changePageLayouts((layout, renderer) => {
   const bars = [];
   laidOut.set(renderer, bars);
   const { registerBarRenderer } = layout;
-  layout.registerBarRenderer = (staff, bar) => {
+  layout.registerBarRenderer = (staff, /** @type {any} */ bar) => {
     bars.push(bar.bar.index);
     registerBarRenderer.call(layout, staff, bar);
   };
