@@ -21,9 +21,25 @@ namespace {
 constexpr int slowest = int(SpeedRange::slowest);
 constexpr int fastest = int(SpeedRange::fastest);
 
+/// Takes digits of every script, since a keyboard may have no others, and shows those of all texts beside it.
+class NumberBox final : public QSpinBox {
+public:
+    NumberBox() { setLocale(QLocale::c()); }
+
+protected:
+    QValidator::State validate(QString &text, int &place) const override
+    {
+        for (QChar &c : text) {
+            if (c.isDigit())
+                c = QChar(u'0' + c.digitValue());
+        }
+        return QSpinBox::validate(text, place);
+    }
+};
+
 QSpinBox *number(int least, int most, int value, const QString &suffix)
 {
-    auto *box = new QSpinBox;
+    auto *box = new NumberBox;
     box->setRange(least, most);
     box->setSuffix(suffix);
     box->setValue(value);

@@ -8,8 +8,10 @@
 
 #include <QCheckBox>
 #include <QLabel>
+#include <QLocale>
 #include <QPushButton>
 #include <QRandomGenerator>
+#include <QScopeGuard>
 #include <QSpinBox>
 #include <QTest>
 
@@ -423,6 +425,26 @@ private Q_SLOTS:
         begin->click();
         QCOMPARE(begin->text(), u"Begin Training"_s);
         QVERIFY(says(u"Choose a passage, then begin."_s));
+    }
+
+    void digitsAreThoseOfTheTextsAndTypedInAnyScript()
+    {
+        const auto restore = qScopeGuard([before = QLocale()] { QLocale::setDefault(before); });
+        for (const QLocale locale : { QLocale::Arabic, QLocale::Persian, QLocale::Nepali, QLocale::German }) {
+            QLocale::setDefault(locale);
+            TrainerPanel panel(*m_controller);
+            for (auto *box : panel.findChildren<QSpinBox *>()) {
+                QCOMPARE(box->text(), QString::number(box->value()) + box->suffix());
+                for (const int value : { 41, 40 }) {
+                    box->selectAll();
+                    const QString typed = value == 41 ? u"41"_s : locale.toString(value);
+                    for (const QChar digit : typed)
+                        QTest::sendKeyEvent(QTest::Click, box, Qt::Key_unknown, digit, Qt::NoModifier);
+                    QCOMPARE(box->value(), value);
+                    QCOMPARE(box->text(), QString::number(value) + box->suffix());
+                }
+            }
+        }
     }
 
     void theCountInIsSwitchedWhileItTrains()
