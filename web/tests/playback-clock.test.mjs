@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { PlaybackClock } from "../src/synth/playback-clock.js";
-import { pass } from "./support/clock.mjs";
+import { pass, standStill } from "./support/clock.mjs";
 
 /** A synthesizer with notes at some frames, at a thousand frames a second. */
 function synth(...notes) {
@@ -10,6 +10,7 @@ function synth(...notes) {
   return {
     told,
     sampleRate: 1000,
+    rendered: 1000,
     get nextNote() {
       return notes[0];
     },
@@ -73,4 +74,20 @@ test("a stream that was broken off is told of no more", () => {
   assert.deepEqual(one.told, [10]);
   clock.set(0.5, Date.now());
   assert.deepEqual(one.told, [10, 0.5]);
+});
+
+test("after a standstill nothing is told that was never rendered", () => {
+  const one = synth(35);
+  one.rendered = 60;
+  const clock = new PlaybackClock(one);
+  clock.set(10, Date.now());
+  // The timer for the note comes late, as does a report that was on its way.
+  const at = Date.now();
+  standStill(20_000);
+  assert.deepEqual(one.told, [10, 60]);
+  clock.set(15, at);
+  assert.deepEqual(one.told, [10, 60, 60]);
+  one.rendered = 120;
+  clock.set(70, Date.now());
+  assert.deepEqual(one.told, [10, 60, 60, 70]);
 });

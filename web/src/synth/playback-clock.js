@@ -16,7 +16,7 @@ export class PlaybackClock {
   /** @type {ReturnType<typeof setTimeout> | undefined} */
   #timer;
 
-  /** @param {Pick<import("./practice-synth.js").PracticeSynth, "sampleRate" | "nextNote" | "presented">} synth */
+  /** @param {Pick<import("./practice-synth.js").PracticeSynth, "sampleRate" | "rendered" | "nextNote" | "presented">} synth */
   constructor(synth) {
     this.#synth = synth;
   }
@@ -44,7 +44,9 @@ export class PlaybackClock {
   #report(least) {
     clearTimeout(this.#timer);
     const perMillisecond = this.#synth.sampleRate / 1000;
-    const now = this.#frame + (Date.now() - this.#at) * perMillisecond;
+    const passed = this.#frame + (Date.now() - this.#at) * perMillisecond;
+    // After a standstill, of the machine or of this process, more time has passed than there was sound for.
+    const now = Math.min(passed, Math.max(this.#synth.rendered, this.#frame));
     const presented = Math.max(now, least);
     if (presented >= 0) {
       this.#reported = Math.max(presented, this.#reported);

@@ -273,6 +273,11 @@ export class PracticeSynth extends alphaTab.synth.AlphaSynth {
     return this.#samples.fill(0, 0, length);
   }
 
+  /** How many frames of the stream were rendered; no later one can be heard. */
+  get rendered() {
+    return this.#rendered;
+  }
+
   /**
    * The frame of the stream with which the next note begins; undefined when none was rendered that was not presented.
    */

@@ -29,3 +29,9 @@ export function pass(milliseconds) {
     action();
   }
 }
+
+/** @param {number} milliseconds for which nothing was done, although it was due */
+export function standStill(milliseconds) {
+  now += milliseconds;
+  pass(0);
+}
