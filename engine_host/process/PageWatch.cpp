@@ -2,6 +2,15 @@
 
 #include <utility>
 
+using namespace std::chrono_literals;
+
+namespace {
+
+/// How late a timer may be before it says that the process, or the machine, stood still.
+constexpr auto standstill = 1s;
+
+} // namespace
+
 PageWatch::PageWatch(std::chrono::milliseconds answerTimeout, std::chrono::milliseconds questionDelay, QObject *parent)
     : QObject(parent)
 {
@@ -9,10 +18,7 @@ PageWatch::PageWatch(std::chrono::milliseconds answerTimeout, std::chrono::milli
     m_answerTimer.setInterval(answerTimeout);
     m_questionTimer.setSingleShot(true);
     m_questionTimer.setInterval(questionDelay);
-    connect(&m_answerTimer, &QTimer::timeout, this, [this] {
-        m_late = true;
-        Q_EMIT notAnswering();
-    });
+    connect(&m_answerTimer, &QTimer::timeout, this, &PageWatch::giveUp);
     connect(&m_questionTimer, &QTimer::timeout, this, &PageWatch::questionDue);
 }
 
@@ -40,7 +46,7 @@ void PageWatch::asked()
         return;
     m_questionTimer.stop();
     if (++m_owed == 1)
-        m_answerTimer.start();
+        wait();
 }
 
 void PageWatch::answered()
@@ -50,11 +56,27 @@ void PageWatch::answered()
         return;
     if (--m_owed > 0) {
         // It works its way through what it was asked.
-        m_answerTimer.start();
+        wait();
     } else {
         m_answerTimer.stop();
         m_questionTimer.start();
     }
     if (std::exchange(m_late, false))
         Q_EMIT answersAgain();
+}
+
+void PageWatch::wait()
+{
+    m_sinceWait.start();
+    m_answerTimer.start();
+}
+
+void PageWatch::giveUp()
+{
+    if (m_sinceWait.hasExpired((m_answerTimer.intervalAsDuration() + standstill).count())) {
+        wait();
+        return;
+    }
+    m_late = true;
+    Q_EMIT notAnswering();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
@@ -8,7 +9,8 @@
 /// Notices when the page stops to answer.
 ///
 /// Whoever evaluates a script in the page reports it here, and its answer. While nobody asks anything, the watch asks
-/// by itself, so that a page which is busy with its own work is noticed too.
+/// by itself, so that a page which is busy with its own work is noticed too. Time in which this process stood still
+/// itself says nothing about the page, as it may have stood still with it.
 class PageWatch final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(PageWatch)
@@ -42,7 +44,11 @@ Q_SIGNALS:
     void questionDue();
 
 private:
+    void wait();
+    void giveUp();
+
     QTimer m_answerTimer;
+    QElapsedTimer m_sinceWait;
     QTimer m_questionTimer;
     int m_owed = 0;
     bool m_watching = false;

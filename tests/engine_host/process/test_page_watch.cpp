@@ -2,6 +2,7 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QThread>
 
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
@@ -94,6 +95,18 @@ private Q_SLOTS:
         QTest::qWait(60);
         watch.answered();
         QTRY_COMPARE(late, (QStringList{ u"the other"_s, u"the one that answers"_s }));
+    }
+
+    void aWindowThatStoodStillItselfSaysNothingAboutThePage()
+    {
+        PageWatch watch(300ms, 1h);
+        QSignalSpy late(&watch, &PageWatch::notAnswering);
+        watch.start();
+        watch.asked();
+        QThread::msleep(1500);
+        QCoreApplication::processEvents();
+        QCOMPARE(late.size(), 0);
+        QTRY_COMPARE(late.size(), 1);
     }
 
     void nothingIsWatchedBeforeThereIsAPage()
