@@ -45,8 +45,11 @@ constexpr auto launchIsOver = 1s;
 
 AudioRecovery::Dependencies audioDependencies()
 {
-    const QStringList sockets = AudioServer::socketPaths(QProcessEnvironment::systemEnvironment());
-    return { [sockets] { return AudioServer::isReachable(sockets); },
+    AudioServer::Sockets sockets = AudioServer::sockets(QProcessEnvironment::systemEnvironment());
+    // A PipeWire that does not play now may have left its socket long ago.
+    if (AudioServer::presence(sockets) != AudioServer::Presence::WithPipeWire)
+        sockets.pipeWire.clear();
+    return { [sockets] { return AudioServer::presence(sockets); },
         [] { AudioService::end(QCoreApplication::applicationPid()); } };
 }
 

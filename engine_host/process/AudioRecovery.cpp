@@ -16,8 +16,7 @@ void AudioRecovery::setLost(bool lost)
 {
     if (lost == m_timer.isActive())
         return;
-    m_sinceEnd.invalidate();
-    m_retryDelay = m_times.firstRetryDelay;
+    m_server = AudioServer::Presence::Away;
     if (!lost) {
         m_timer.stop();
         return;
@@ -28,12 +27,14 @@ void AudioRecovery::setLost(bool lost)
 
 void AudioRecovery::look()
 {
-    if (!m_dependencies.isServerReachable()) {
-        // The next one is another one.
+    const AudioServer::Presence server = m_dependencies.server();
+    if (std::exchange(m_server, server) < server) {
+        // This is another one.
         m_sinceEnd.invalidate();
         m_retryDelay = m_times.firstRetryDelay;
-        return;
     }
+    if (server == AudioServer::Presence::Away)
+        return;
     if (m_sinceEnd.isValid()) {
         if (!m_sinceEnd.hasExpired(m_retryDelay.count()))
             return;

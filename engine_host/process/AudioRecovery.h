@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine_host/process/AudioServer.h"
+
 #include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
@@ -10,7 +12,8 @@
 /// Gives Chromium a new connection to the sound system when the page has no audio output any more.
 ///
 /// Chromium's audio service connects to the sound server once in its life. When the server ends and comes back, or
-/// another takes its place, the service has to be started anew. This object ends it as soon as a server is there again.
+/// another takes its place, the service has to be started anew. This object ends it as soon as a server is there again,
+/// and once more when PipeWire comes up behind one that was first.
 class AudioRecovery final : public QObject {
     Q_OBJECT
     Q_DISABLE_COPY_MOVE(AudioRecovery)
@@ -18,7 +21,7 @@ class AudioRecovery final : public QObject {
 public:
     struct Dependencies {
         /// Whether a sound server is there; asked often.
-        std::function<bool()> isServerReachable;
+        std::function<AudioServer::Presence()> server;
         std::function<void()> endService;
     };
     struct Times {
@@ -41,6 +44,7 @@ private:
     const Dependencies m_dependencies;
     const Times m_times;
     QTimer m_timer;
+    AudioServer::Presence m_server = AudioServer::Presence::Away;
     QElapsedTimer m_sinceEnd;
     std::chrono::milliseconds m_retryDelay;
 };

@@ -29,11 +29,7 @@ bool listens(const QString &path)
     return isThere;
 }
 
-} // namespace
-
-namespace AudioServer {
-
-QStringList socketPaths(const QProcessEnvironment &environment)
+QStringList serverPaths(const QProcessEnvironment &environment)
 {
     const QString servers = environment.value(u"PULSE_SERVER"_s);
     if (!servers.isEmpty()) {
@@ -56,9 +52,32 @@ QStringList socketPaths(const QProcessEnvironment &environment)
     return paths << u"/run/user/%1/pulse/native"_s.arg(::getuid()) << u"/var/run/pulse/native"_s;
 }
 
-bool isReachable(const QStringList &socketPaths)
+QString pipeWirePath(const QProcessEnvironment &environment)
 {
-    return socketPaths.isEmpty() || std::any_of(socketPaths.begin(), socketPaths.end(), &listens);
+    const QString name = environment.value(u"PIPEWIRE_REMOTE"_s, u"pipewire-0"_s);
+    if (name.startsWith(u'/'))
+        return name;
+    const QString folder = environment.value(u"PIPEWIRE_RUNTIME_DIR"_s, environment.value(u"XDG_RUNTIME_DIR"_s));
+    return folder.isEmpty() ? QString() : folder + u'/' + name;
+}
+
+} // namespace
+
+namespace AudioServer {
+
+Sockets sockets(const QProcessEnvironment &environment)
+{
+    return { serverPaths(environment), pipeWirePath(environment) };
+}
+
+Presence presence(const Sockets &sockets)
+{
+    const QStringList &server = sockets.server;
+    if (!server.isEmpty() && std::none_of(server.begin(), server.end(), &listens))
+        return Presence::Away;
+    if (sockets.pipeWire.isEmpty() || !QFile::exists(sockets.pipeWire))
+        return Presence::Listening;
+    return listens(sockets.pipeWire) ? Presence::WithPipeWire : Presence::Away;
 }
 
 } // namespace AudioServer

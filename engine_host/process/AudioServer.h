@@ -6,10 +6,22 @@
 /// The sound server of the user's session, PulseAudio's or PipeWire's.
 namespace AudioServer {
 
-/// Where its clients look for it, as paths of sockets in the file system. Empty where it is on another machine.
-QStringList socketPaths(const QProcessEnvironment &environment);
+/// How much of it is there. PipeWire's server for PulseAudio's clients outlives PipeWire: it listens, and plays
+/// nothing. A client that comes meanwhile may make it useless for all, so it counts as away while PipeWire's socket is
+/// left.
+enum class Presence { Away, Listening, WithPipeWire };
 
-/// Whether somebody listens at one of the sockets; never waits. True where there is no socket to look at.
-bool isReachable(const QStringList &socketPaths);
+/// Paths in the file system.
+struct Sockets {
+    /// Where its clients look for it. Empty where it is on another machine.
+    QStringList server;
+    /// Where PipeWire itself would be.
+    QString pipeWire;
+};
+
+Sockets sockets(const QProcessEnvironment &environment);
+
+/// Who listens at the sockets; never waits. A server on another machine counts as listening.
+Presence presence(const Sockets &sockets);
 
 } // namespace AudioServer

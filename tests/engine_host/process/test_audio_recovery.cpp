@@ -11,13 +11,15 @@
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
+using AudioServer::Presence;
+
 class TestAudioRecovery final : public QObject {
     Q_OBJECT
 
 private:
     /// A sound system that is looked at every millisecond.
     struct System {
-        bool reachable = false;
+        Presence server = Presence::Away;
         int looks = 0;
         int ends = 0;
         AudioRecovery recovery;
@@ -25,7 +27,7 @@ private:
         explicit System(std::chrono::milliseconds retryDelay = 1h)
             : recovery({ [this] {
                             ++looks;
-                            return reachable;
+                            return server;
                         },
                            [this] { ++ends; } },
                   { .interval = 1ms, .firstRetryDelay = retryDelay, .lastRetryDelay = 1h })
@@ -57,7 +59,7 @@ private Q_SLOTS:
         s.recovery.setLost(true);
         s.look();
         QCOMPARE(s.ends, 0);
-        s.reachable = true;
+        s.server = Presence::Listening;
         QTRY_COMPARE(s.ends, 1);
         s.look();
         QCOMPARE(s.ends, 1);
@@ -66,19 +68,35 @@ private Q_SLOTS:
     void eachServerGetsANewService()
     {
         System s;
-        s.reachable = true;
+        s.server = Presence::Listening;
         s.recovery.setLost(true);
         QCOMPARE(s.ends, 1);
-        s.reachable = false;
+        s.server = Presence::Away;
         s.look();
-        s.reachable = true;
+        s.server = Presence::Listening;
         QTRY_COMPARE(s.ends, 2);
+    }
+
+    void pipeWireBehindAServerThatOutlivedItGetsANewServiceAtOnce()
+    {
+        System s;
+        s.server = Presence::Listening;
+        s.recovery.setLost(true);
+        QCOMPARE(s.ends, 1);
+        s.look();
+        QCOMPARE(s.ends, 1);
+        s.server = Presence::WithPipeWire;
+        QTRY_COMPARE(s.ends, 2);
+        s.look();
+        s.server = Presence::Listening;
+        s.look();
+        QCOMPARE(s.ends, 2);
     }
 
     void aServiceThatFindsNothingIsTriedAgainMoreAndMoreSeldom()
     {
         System s(10ms);
-        s.reachable = true;
+        s.server = Presence::Listening;
         QElapsedTimer timer;
         timer.start();
         s.recovery.setLost(true);
@@ -89,7 +107,7 @@ private Q_SLOTS:
     void theNextLossIsLookedAtAtOnce()
     {
         System s;
-        s.reachable = true;
+        s.server = Presence::Listening;
         s.recovery.setLost(true);
         s.recovery.setLost(true);
         QCOMPARE(s.ends, 1);
@@ -117,29 +135,61 @@ private Q_SLOTS:
         environment.insert(u"PULSE_SERVER"_s, server);
         environment.insert(u"PULSE_RUNTIME_PATH"_s, u"/own"_s);
         environment.insert(u"XDG_RUNTIME_DIR"_s, u"/session"_s);
-        const QStringList paths = AudioServer::socketPaths(environment);
-        QCOMPARE(paths.first(first.size()), first);
-        QCOMPARE(paths.size() > first.size(), server.isEmpty());
+        const AudioServer::Sockets sockets = AudioServer::sockets(environment);
+        QCOMPARE(sockets.server.first(first.size()), first);
+        QCOMPARE(sockets.server.size() > first.size(), server.isEmpty());
+    }
+
+    void wherePipeWireIsLookedFor()
+    {
+        QProcessEnvironment environment;
+        QCOMPARE(AudioServer::sockets(environment).pipeWire, QString());
+        environment.insert(u"XDG_RUNTIME_DIR"_s, u"/session"_s);
+        QCOMPARE(AudioServer::sockets(environment).pipeWire, u"/session/pipewire-0"_s);
+        environment.insert(u"PIPEWIRE_RUNTIME_DIR"_s, u"/own"_s);
+        environment.insert(u"PIPEWIRE_REMOTE"_s, u"other"_s);
+        QCOMPARE(AudioServer::sockets(environment).pipeWire, u"/own/other"_s);
+        environment.insert(u"PIPEWIRE_REMOTE"_s, u"/a/b"_s);
+        QCOMPARE(AudioServer::sockets(environment).pipeWire, u"/a/b"_s);
     }
 
     void aServerIsThereWhileItListens()
     {
         const QTemporaryDir folder;
         const QString path = folder.filePath(u"native"_s);
-        QVERIFY(!AudioServer::isReachable({ path }));
+        const auto presence = [](const QStringList &server) { return AudioServer::presence({ server, {} }); };
+        QCOMPARE(presence({ path }), Presence::Away);
         {
             QLocalServer server;
             QVERIFY(server.listen(path));
-            QVERIFY(AudioServer::isReachable({ folder.filePath(u"other"_s), path }));
+            QCOMPARE(presence({ folder.filePath(u"other"_s), path }), Presence::Listening);
         }
-        QVERIFY(!AudioServer::isReachable({ path }));
+        QCOMPARE(presence({ path }), Presence::Away);
         // One that was killed leaves its socket behind.
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
-        QVERIFY(!AudioServer::isReachable({ path }));
-        QVERIFY(!AudioServer::isReachable({ QString(200, u'x') }));
+        QCOMPARE(presence({ path }), Presence::Away);
+        QCOMPARE(presence({ QString(200, u'x') }), Presence::Away);
         // Of a server elsewhere nothing is known.
-        QVERIFY(AudioServer::isReachable({}));
+        QCOMPARE(presence({}), Presence::Listening);
+    }
+
+    void pipeWireAloneIsNoServer()
+    {
+        const QTemporaryDir folder;
+        const AudioServer::Sockets sockets{ { folder.filePath(u"native"_s) }, folder.filePath(u"pipewire-0"_s) };
+        QLocalServer pipeWire;
+        QVERIFY(pipeWire.listen(sockets.pipeWire));
+        QCOMPARE(AudioServer::presence(sockets), Presence::Away);
+        QLocalServer server;
+        QVERIFY(server.listen(sockets.server.first()));
+        QCOMPARE(AudioServer::presence(sockets), Presence::WithPipeWire);
+        pipeWire.close();
+        QCOMPARE(AudioServer::presence(sockets), Presence::Listening);
+        // Killed: its socket is left.
+        QFile file(sockets.pipeWire);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(AudioServer::presence(sockets), Presence::Away);
     }
 
     void theServiceIsFoundAndEnded()
