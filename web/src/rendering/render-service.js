@@ -55,7 +55,7 @@ export class RenderService {
   #rescaling = null;
   /** @type {ScoreRenderer | null} null when its layout is not needed any more */
   #renderer = null;
-  /** @type {ScoreRenderer | null} keeps a bar when all else is let go of, so that the next layout is quick */
+  /** @type {ScoreRenderer | null} keeps two bars when all else is let go of, so that the next layout is quick */
   #sample = null;
   #pictures = new PictureStore();
   /** Whether what is painted is for nobody yet: a partial that cannot be painted is told of when it is asked for. */

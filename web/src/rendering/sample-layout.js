@@ -4,7 +4,7 @@ import { alphaTab } from "../shared/alphatab.js";
 /**
  * V8 forgets what it knows of objects when a collection finds none of their kind, and with that the code it has
  * compiled for them. Where a whole layout is let go of, the next one takes twice as long, until the code is compiled
- * anew. The layout of one bar, less than a megabyte, keeps it.
+ * anew. The layout of two bars, about half a megabyte, keeps it.
  *
  * @typedef {import("./layout-run.js").ScoreRenderer} ScoreRenderer
  * @typedef {import("../shared/alphatab.js").Score} Score
@@ -19,7 +19,7 @@ const sampleWidth = 1000;
 
 /**
  * @param {ScoreRenderer} renderer with a score
- * @returns {ScoreRenderer} another one that has laid out the fullest bar of it; to be kept, and used for nothing else
+ * @returns {ScoreRenderer} another one that has laid out its fullest bar and the next; to be kept, and used for nothing else
  */
 export function layOutSample({ score, tracks, settings }) {
   const { jsObjectToSettings, settingsToJsObject } = alphaTab.model.JsonConverter;
@@ -46,7 +46,7 @@ export function layOutSample({ score, tracks, settings }) {
  */
 export function fullestBar({ masterBars }, tracks) {
   const counts = masterBars.map(({ index }) => {
-    const voices = tracks.flatMap(({ staves }) => staves.flatMap(({ bars }) => bars[index].voices));
+    const voices = tracks.flatMap(({ staves }) => staves.flatMap(({ bars }) => bars[index]?.voices ?? []));
     return voices.reduce((sum, { beats }) => beats.reduce((notes, beat) => notes + beat.notes.length, sum), 0);
   });
   return counts.reduce((best, count, index) => (count > counts[best] ? index : best), 0);
