@@ -24,6 +24,7 @@ from soundlab.ears import errors, last_sound, onsets, silences
 from soundlab.practice import ranges, trainer
 from soundlab.room import RATE, SoundSystem, Tape, Window
 from soundlab.scores import BEAT, ON_EACH_BEAT, Desk
+from soundlab.standstills import Standstills, explains
 from startup import Screen
 
 TOP = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
@@ -239,11 +240,15 @@ def holes_in_motion(room, table, options, name):
                 room.window.tell(f"resize {1000 + turn * 37 % 390} {640 + turn * 23 % 250}")
             turn += 1
         room.window.stop()
-    sound, _, _ = room.listen(name, music)
+    machine = Standstills()
+    sound, began, _ = room.listen(name, music)
+    standstills = machine.close()
     holes = silences(numpy.abs(sound).max(axis=1), 0.0015)
+    own = [(at, hole) for at, hole in holes if not explains(standstills, began + at, began + at + hole)]
     length = len(sound) / RATE
-    table.row(f"{name} in {length / 60:.1f} minutes", len(holes), 0, unit="",
-              note=", ".join(f"{1000 * hole:.0f} ms at {at:.1f} s" for at, hole in holes[:6]))
+    listed = ", ".join(f"{1000 * hole:.0f} ms at {at:.1f} s" for at, hole in own[:6])
+    table.row(f"{name} in {length / 60:.1f} minutes", len(own), 0, unit="",
+              note=f"{listed}{listed and '; '}{len(holes) - len(own)} more of {len(standstills)} standstills of the machine")
     room.window.call("setLooping", False)
 
 
