@@ -70,6 +70,7 @@ QuaverlyApp::QuaverlyApp(AlphaTabController &controller, QString memoryFile)
     , m_appDelegate(controller)
     , m_memoryFile(std::move(memoryFile))
     , m_content(new ContentView(controller))
+    , m_printing(controller, m_window)
 {
     // Not the application's display name: Qt would add that to every title the window gets later.
     m_window.setWindowTitle(u"Quaverly"_s);

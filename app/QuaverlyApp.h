@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/AppDelegate.h"
+#include "app/PrintingAfterClose.h"
 
 #include <QMainWindow>
 #include <QObject>
@@ -39,4 +40,5 @@ private:
     const QString m_memoryFile;
     QMainWindow m_window;
     ContentView *m_content = nullptr;
+    PrintingAfterClose m_printing;
 };

@@ -19,14 +19,13 @@ void AlphaTabController::print()
 
 void AlphaTabController::printed(const QString &path, const PrintResult &result)
 {
-    printing = false;
-    if (!result.succeeded) {
+    if (!result.succeeded)
         conversionError = tr("The score could not be printed.");
-        return;
+    else if (!path.isEmpty()) {
+        WholeFile::sweep(QFileInfo(path).path());
+        if (const std::optional<QString> reason = WholeFile::write(path, result.pdf, WholeFile::Durability::OnDisk))
+            conversionError = tr("Could not save: %1").arg(*reason);
     }
-    if (path.isEmpty())
-        return;
-    WholeFile::sweep(QFileInfo(path).path());
-    if (const std::optional<QString> reason = WholeFile::write(path, result.pdf, WholeFile::Durability::OnDisk))
-        conversionError = tr("Could not save: %1").arg(*reason);
+    // At last: the program may end with it.
+    printing = false;
 }
