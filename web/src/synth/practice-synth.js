@@ -4,6 +4,7 @@ import { reportTime, sequencerOf, synthesizerOf } from "../alphatab/internals/al
 import { fullScale } from "../audio/full-scale.js";
 import { PresentationTimeMap } from "../timing/presentation-time-map.js";
 import { Instruments } from "./instruments.js";
+import { silentOutput } from "./silent-output.js";
 
 /**
  * alphaTab's synthesizer, as a musician who practises needs it. Runs in a worker. What is different:
@@ -26,11 +27,7 @@ import { Instruments } from "./instruments.js";
  * @property {number} velocity 0 to 1
  * @property {{ number: number, program: number }} bank where the click is found
  *
- * @typedef {object} SampleOutput where the samples go
- * @property {() => void} start
- * @property {() => void} stop
- * @property {() => void} clear what was sent and not presented yet is not wanted any more
- *
+ * @typedef {import("./silent-output.js").SampleOutput} SampleOutput
  * @typedef {import("../alphatab/internals/alphatab-internals.js").SynthEvent} SynthEvent
  */
 
@@ -45,28 +42,6 @@ const fadeLength = 480;
 
 /** How long the last notes of a score may ring on, in seconds. */
 const longestEnd = 1.5;
-
-/** An output as alphaTab's base class wants it. Samples are requested from this synthesizer by other means. */
-function silentOutput(/** @type {number} */ sampleRate, /** @type {SampleOutput} */ output) {
-  const never = { on: () => () => {}, off: () => {} };
-  /** @type {(() => void)[]} */
-  const waiting = [];
-  return /** @type {import("@coderline/alphatab").synth.ISynthOutput} */ (
-    /** @type {unknown} */ ({
-      sampleRate,
-      ready: { on: (/** @type {() => void} */ ready) => waiting.push(ready) },
-      samplesPlayed: never,
-      sampleRequest: never,
-      open: () => waiting.forEach((ready) => ready()),
-      destroy: () => output.stop(),
-      play: () => output.start(),
-      pause: () => output.stop(),
-      addSamples: () => {},
-      resetSamples: () => output.clear(),
-      activate: () => {},
-    })
-  );
-}
 
 export class PracticeSynth extends alphaTab.synth.AlphaSynth {
   #sampleRate;
