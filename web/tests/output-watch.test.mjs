@@ -152,6 +152,46 @@ test("a context that stands still on a device that is there gets it anew, more a
   assert.deepEqual(system.told, []);
 });
 
+test("where it stands on a connection that is dead, its output is gone until there is another one", async () => {
+  const system = await playing();
+  system.plays = false;
+  system.answers = false;
+  system.context.resume = async () => {
+    system.context.state = "running";
+    system.plays = system.answers;
+  };
+  await system.pass(1700);
+  assert.deepEqual(system.told, [], "its device is given anew first");
+  await system.pass(4000);
+  assert.deepEqual(system.told, [false]);
+  assert.equal(system.context.state, "suspended", "nothing plays to nobody");
+  const { currentTime } = system.context;
+  system.answers = true;
+  await system.pass(2000);
+  assert.deepEqual(system.told, [false, true]);
+  assert.equal(system.context.state, "running");
+  assert.ok(system.context.currentTime - currentTime > 0.5);
+});
+
+test("another dead connection is given up sooner, and each further one later", async () => {
+  const system = await playing();
+  system.context.resume = async () => {
+    system.context.state = "running";
+    system.answers = false;
+  };
+  system.plays = false;
+  system.answers = false;
+  system.status.changed.on((working) => (system.answers = !working));
+  /** @type {number[]} */
+  const given = [];
+  system.status.changed.on((working) => working || given.push(system.time));
+  await system.pass(120000);
+  const apart = given.slice(1).map((time, index) => time - given[index]);
+  assert.ok(apart[0] < 3000, `${apart[0]} ms`);
+  assert.ok(apart.length < 20, `${apart.length + 1} in two minutes`);
+  assert.ok(apart.at(-1) > 8000);
+});
+
 test("a page that stood still itself says nothing about its sound", async () => {
   const system = await playing();
   system.plays = false;

@@ -8,6 +8,9 @@ import { Emitter } from "../shared/emitter.js";
  * Resumed while there is none, it plays to nobody, or never again by that alone. So it stays suspended until there is
  * one, and what it plays goes on where it was. As a device may go in just that moment, the context is made to open it
  * anew, too.
+ *
+ * Where it stands all the same, and the browser does not even answer which devices there are, the connection to the sound
+ * system is dead. The host of the page makes another one when the page says that its output is gone.
  */
 
 /** How often the time of a running context is looked at. */
@@ -77,6 +80,8 @@ export class OutputWatch {
   #lost = false;
   /** Whether it runs to nobody. */
   #absent = false;
+  /** How often in a row it was given a device, and stood still on a dead connection. */
+  #deadConnections = 0;
   /** Counts the waits: the last one alone counts. */
   #waits = 0;
   #tickedAt = 0;
@@ -169,7 +174,7 @@ export class OutputWatch {
       this.#lost = false;
       this.#absent = false;
       this.#dependencies.status.working = true;
-      this.#moved(stallTimeoutMs);
+      this.#moved(Math.min(stallTimeoutMs * 2 ** Math.max(0, this.#deadConnections - 1), longestStallTimeoutMs));
       this.#restart();
     }
   }
@@ -177,7 +182,12 @@ export class OutputWatch {
   /** The context stands still. */
   async #setGoing() {
     const has = await this.#hasDevice();
-    if (has === false && this.#dependencies.status.hadDevice) {
+    const { hadDevice } = this.#dependencies.status;
+    const wasGivenAnew = this.#deadConnections > 0 || this.#stallTimeoutMs > stallTimeoutMs;
+    if (has === false && hadDevice) {
+      this.#lose();
+    } else if (has === undefined && hadDevice && wasGivenAnew) {
+      this.#deadConnections += 1;
       this.#lose();
     } else {
       // It may take its time.
@@ -209,6 +219,7 @@ export class OutputWatch {
     const { currentTime } = this.#context;
     if (currentTime !== this.#seconds) {
       this.#seconds = currentTime;
+      this.#deadConnections = 0;
       this.#moved(stallTimeoutMs);
     } else if (now - this.#tickedAt > lateTickMs) {
       this.#moved(this.#stallTimeoutMs);
