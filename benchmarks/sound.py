@@ -241,8 +241,10 @@ def holes_in_motion(room, table, options, name):
             turn += 1
         room.window.stop()
     machine = Standstills()
-    sound, began, _ = room.listen(name, music)
-    standstills = machine.close()
+    try:
+        sound, began, _ = room.listen(name, music)
+    finally:
+        standstills = machine.close()
     holes = silences(numpy.abs(sound).max(axis=1), 0.0015)
     own = [(at, hole) for at, hole in holes if not explains(standstills, began + at, began + at + hole)]
     length = len(sound) / RATE
