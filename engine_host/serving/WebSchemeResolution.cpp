@@ -42,7 +42,8 @@ QByteArray mimeType(const QString &filePath)
         if (lowered == extension)
             return type;
     }
-    if (suffix.isEmpty())
+    // Qt reads outside of the system's cache of types where a name has a NUL in the place of a type's own letter.
+    if (suffix.isEmpty() || suffix.contains(QChar::Null))
         return "application/octet-stream";
     return QMimeDatabase().mimeTypeForFile(u"x."_s + suffix, QMimeDatabase::MatchExtension).name().toLatin1();
 }

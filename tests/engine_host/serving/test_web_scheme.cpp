@@ -160,6 +160,13 @@ private Q_SLOTS:
         QTEST(mimeType(u"/x/"_s + name), "type");
     }
 
+    /// Found by the fuzzer: Qt 6.4 crashes over it where the system has types of files.
+    void aNameWithNullsHasAType()
+    {
+        const QString name = u".$sr"_s + QString(57, QChar::Null) + u",V"_s;
+        QCOMPARE(mimeType(name), "application/octet-stream"_ba);
+    }
+
     void theRootIsStandardized()
     {
         const WebSchemeHandler handler(m_root + u"/js/../."_s);
