@@ -1,12 +1,12 @@
 #!/usr/bin/python3
-# bench: running [RUNS] FILE...   in the running program: opening, zoom, a hidden track, layouts, until redrawn
+# bench: running [RUNS] FILE...   in the running program: opening, zoom and a hidden track, new and back, layouts, until redrawn
 """Times what a user asks of the running program until the screen shows it, complete and still.
 
 usage: running.py [RUNS] FILE..., with the program's build folder beside QUAVERLY_PROGRAM
 
 Each file is opened several times, each time after another score; then, with the last one open, the zoom is changed and
-a track is hidden, at the beginning, at the end, and in the horizontal layout. The time counts from the order until the
-screen shows what it shows in the end.
+a track is hidden, each time in a way that was not shown before, and back, at the beginning, at the end, and in the
+horizontal layout. The time counts from the order until the screen shows what it shows in the end.
 """
 
 import json
@@ -24,6 +24,7 @@ from startup import Screen
 
 SETTLING = 3.0
 WATCHED = 1.5
+ZOOM_STEP = 0.07
 
 
 class Desk:
@@ -80,16 +81,18 @@ def measure(desk, files, runs):
 
 
 def redraw(desk, tracks, runs, where):
-    zooms = [1.15 if turn % 2 == 0 else 1.0 for turn in range(runs)]
-    show(f"zoom{where}, {tracks} tracks", [desk.until_still(f"js window.qv.setZoom({zoom})") for zoom in zooms])
-    desk.window.call("setZoom", 1.0)
-    desk.window.rest(SETTLING)
+    # Each zoom and each choice of tracks is one that was not there before, and then it is there once more.
+    zooms = [1.02 + ZOOM_STEP * turn for turn in range(runs)]
+    times = [(desk.until_still(f"js window.qv.setZoom({zoom})"), desk.until_still("js window.qv.setZoom(1)"))
+             for zoom in zooms]
+    show(f"zoom{where}, {tracks} tracks", [time for time, _ in times])
+    show(f"zoom{where}, back", [time for _, time in times])
     every = list(range(tracks))
-    some = [every if turn % 2 else every[1:] or [0] for turn in range(runs)]
-    show(f"a track hidden{where}",
-         [desk.until_still(f"js window.qv.renderTracks({json.dumps(ids)})") for ids in some])
-    desk.window.call("renderTracks", every)
-    desk.window.rest(SETTLING)
+    hidden = [[track for track in every if track != turn % tracks] or [0] for turn in range(min(runs, tracks))]
+    times = [(desk.until_still(f"js window.qv.renderTracks({json.dumps(ids)})"),
+              desk.until_still(f"js window.qv.renderTracks({json.dumps(every)})")) for ids in hidden]
+    show(f"a track hidden{where}", [time for time, _ in times])
+    show(f"a track hidden{where}, back", [time for _, time in times])
 
 
 def main():

@@ -5,7 +5,10 @@ import { test } from "node:test";
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
+const { boundsOf } = await import("../src/rendering/bounds-text.js");
 const { LayoutRun, nextStep } = await import("../src/rendering/layout-run.js");
+
+const systemsOf = (batch, score) => batch.bounds.flatMap((text) => boundsOf(text, score).staffSystems);
 
 const width = 900;
 const view = { left: 0, top: 0, right: width, bottom: 600 };
@@ -84,7 +87,7 @@ test("the layout batches say which is the first and which the last, and their pl
     all.map((batch) => batch.last),
     all.map((_, index) => index === all.length - 1),
   );
-  const places = all.map((batch) => alphaTab.rendering.BoundsLookup.fromJson(batch.bounds, score).staffSystems.length);
+  const places = all.map((batch) => systemsOf(batch, score).length);
   assert.equal(
     places.reduce((sum, count) => sum + count),
     all.flatMap((batch) => systems(batch.partials)).length,
@@ -97,7 +100,7 @@ test("a layout batch has the places of its own staff systems, not of one that is
   const all = batches(new LayoutRun(renderer, score, [0], view));
   assert.ok(all.length > 1);
   for (const batch of all) {
-    const places = alphaTab.rendering.BoundsLookup.fromJson(batch.bounds, score).staffSystems;
+    const places = systemsOf(batch, score);
     assert.deepEqual(
       places.map(({ bars }) => [bars[0].index, bars.at(-1).index]),
       systems(batch.partials),
@@ -174,7 +177,7 @@ function lineOf(context, look, atOnce, anchor = null) {
   const all = batches(new LayoutRun(renderer, score, [0], view, anchor, atOnce));
   return all.map((batch) => ({
     ...batch,
-    systems: alphaTab.rendering.BoundsLookup.fromJson(batch.bounds, score).staffSystems.map(({ bars }) => bars.length),
+    systems: systemsOf(batch, score).map(({ bars }) => bars.length),
     ends: systems(batch.partials).at(-1)[1],
   }));
 }

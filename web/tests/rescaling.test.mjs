@@ -6,6 +6,7 @@ import { drawRequest, until } from "./support/render-requests.mjs";
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
+const { boundsOf } = await import("../src/rendering/bounds-text.js");
 const { LayoutRun } = await import("../src/rendering/layout-run.js");
 const { RenderService } = await import("../src/rendering/render-service.js");
 const { rescaleBounds, rescaled, rescaledSize } = await import("../src/rendering/rescaling.js");
@@ -37,7 +38,7 @@ function laidOut(scale) {
   const run = new LayoutRun(renderer, score, [0, 1], { left: 0, top: 0, right: 1e6, bottom: 1e6 }, null, true);
   const batch = run.step();
   assert.ok(batch?.last && batch.bounds);
-  return { ...batch, bounds: alphaTab.rendering.BoundsLookup.fromJson(batch.bounds, score) };
+  return { ...batch, bounds: boundsOf(batch.bounds[0], score) };
 }
 
 /** All boxes, in one order. */

@@ -10,6 +10,7 @@ globalThis.setTimeout = standIn((work, ms) => systemTimeout(work, ms).unref());
 
 globalThis.alphaTab ??= createRequire(import.meta.url)(process.env.QUAVERLY_ALPHATAB);
 const { alphaTab } = globalThis;
+const { boundsText } = await import("../src/rendering/bounds-text.js");
 const { WorkerRenderer } = await import("../src/rendering/worker-renderer.js");
 const { FakeWorker, batch, scoreOf, view, viewport } = await import("./support/fake-render-worker.mjs");
 
@@ -200,7 +201,7 @@ function reading() {
         Object.assign(one, { index: bar, visualBounds: box(), realBounds: box(), lineAlignedBounds: box() }),
       );
     }
-    return bounds.toJson();
+    return bounds.staffSystems.map(boundsText);
   };
   const answer = (height) => {
     const { renderId, anchor } = worker.last;
@@ -210,8 +211,55 @@ function reading() {
   };
   renderer.renderScore(score, [0]);
   assert.equal(answer(200), null);
-  return { scrolled, renderer, answer };
+  return { worker, scrolled, renderer, answer, linesOf };
 }
+
+test("what is shown again has its size at once, so that readers who are led there have not moved", () => {
+  const { worker, scrolled, renderer, linesOf } = reading();
+  let end = 1000;
+  renderer.renderFinished.on(({ totalHeight }) => {
+    end = totalHeight - 600;
+    scrolled.top = Math.min(scrolled.top, end);
+  });
+  Object.assign(scrolled, { moveTo: (/** @type {any} */ { top }) => (scrolled.top = Math.min(top, end)) });
+  scrolled.top = 400;
+  const again = (/** @type {number} */ height) => {
+    renderer.render();
+    const { renderId, anchor } = worker.last;
+    const lines = linesOf(height);
+    const first = batch(["A"], { first: true, height: 5 * height });
+    worker.answer({
+      kind: "drawn",
+      renderId,
+      batch: { ...first, bounds: lines.slice(2, 4), allPartials: true },
+    });
+    const rest = batch([], { last: true, height: 5 * height });
+    worker.answer({ kind: "drawn", renderId, batch: { ...rest, bounds: lines, allBounds: true } });
+    return anchor;
+  };
+  const anchor = again(140);
+  assert.equal(scrolled.top, 100);
+  assert.deepEqual(again(200), anchor);
+  assert.equal(scrolled.top, 400);
+});
+
+test("of what is shown again the bounds in view come first, and then take their place among all", () => {
+  const { worker, scrolled, renderer, linesOf } = reading();
+  scrolled.top = 390;
+  renderer.render();
+  const { renderId } = worker.last;
+  const bars = () => renderer.boundsLookup.staffSystems.flatMap((system) => system.bars.map(({ index }) => index));
+  const lines = linesOf(400);
+  const near = { ...batch(["A"], { first: true, height: 2000 }), bounds: lines.slice(2, 3) };
+  worker.answer({ kind: "drawn", renderId, batch: near });
+  assert.deepEqual(bars(), [4, 5]);
+  assert.equal(scrolled.top, 790);
+  const rest = { ...batch([], { last: true, height: 2000 }), bounds: lines, allBounds: true };
+  worker.answer({ kind: "drawn", renderId, batch: rest });
+  assert.deepEqual(bars(), [0, 1, 2, 3, 4, 5, 6, 7, 8, 9]);
+  assert.equal(renderer.boundsLookup.findMasterBarByIndex(9).visualBounds.y, 1600);
+  assert.equal(scrolled.top, 790);
+});
 
 test("readers find themselves again when the score is drawn anew, until they move", () => {
   const { scrolled, renderer, answer } = reading();

@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { chooseStrings } from "../score-files/strings/open-fingerings.js";
+import { boundsText } from "./bounds-text.js";
 import { viewAt } from "./scroll-anchor.js";
 
 /**
@@ -19,9 +20,11 @@ import { viewAt } from "./scroll-anchor.js";
  * @property {boolean} first whether what came before is of another render pass
  * @property {boolean} last
  * @property {Partial[]} partials those in view with their picture
- * @property {Map<string, unknown> | null} bounds of the staff systems that the partials show; null for those that the
- *     page has, rescaled
+ * @property {string[] | null} bounds of the staff systems that the partials show, each in a text that boundsOf() reads;
+ *     null for those that the page has, rescaled
+ * @property {boolean} [allBounds] whether these are all, and take the place of what came before
  * @property {import("./rescaling.js").Rescaling} [rescaling] of what the page has
+ * @property {boolean} [allPartials] whether these are all, though not all bounds: the size will not change
  * @property {number} width of everything laid out until now, in CSS pixels
  * @property {number} height
  */
@@ -239,11 +242,9 @@ export class LayoutRun {
   #newBounds() {
     const all = this.#renderer.boundsLookup?.staffSystems ?? [];
     const systems = this.finished || this.#sideways ? all.length : Math.max(all.length - 1, 0);
-    const bounds = new alphaTab.rendering.BoundsLookup();
-    bounds.staffSystems = all.slice(0, systems);
     // The page has them now; here they would only take room, and alphaTab would go through all of them at each step.
     this.#renderer.boundsLookup = this.finished ? null : new alphaTab.rendering.BoundsLookup();
-    return bounds.toJson();
+    return all.slice(0, systems).map(boundsText);
   }
 }
 

@@ -1,6 +1,7 @@
 // @ts-check
 import { alphaTab } from "../shared/alphatab.js";
 import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
+import { KeptLooks } from "./kept-looks.js";
 import { LayoutRun, firstStep, isIn } from "./layout-run.js";
 import { PictureStore } from "./picture-store.js";
 import { releaseSystems } from "./released-systems.js";
@@ -19,12 +20,13 @@ import { collectGarbage, collectThoroughly } from "../shared/garbage.js";
  *
  * When all is laid out it paints what nobody has asked for yet. Then it has all pictures, and lets go of the layout:
  * another zoom, other tracks and another score begin anew anyway. Of a long score it lets go bit by bit, before all is
- * laid out.
+ * laid out. What the score looked like before is shown again from its pictures.
  *
  * @typedef {import("./worker-renderer.js").Request} Request
  * @typedef {import("./worker-renderer.js").Answer} Answer
  * @typedef {import("./layout-run.js").ScoreRenderer} ScoreRenderer
  * @typedef {import("./layout-run.js").Partial} Partial
+ * @typedef {import("./scroll-anchor.js").View} View
  * @typedef {import("../shared/alphatab.js").Score} Score
  *
  * @typedef {{ file: number, score: Score }} ReadFile
@@ -39,6 +41,9 @@ import { collectGarbage, collectThoroughly } from "../shared/garbage.js";
 
 /** For how long partials are painted that nobody waits for, before somebody may ask for one, in milliseconds. */
 const paintStepMs = 20;
+
+/** How long the page has for showing what is in view before all bounds keep it busy, in milliseconds. */
+const firstFramesMs = 100;
 
 /** How much is laid out before what is done is let go of, in bars of one track: 15 to 20 MB. */
 const longLayout = 600;
@@ -58,6 +63,11 @@ export class RenderService {
   /** @type {ScoreRenderer | null} keeps two bars when all else is let go of, so that the next layout is quick */
   #sample = null;
   #pictures = new PictureStore();
+  /** All that these are drawn with. */
+  #look = "";
+  #size = { width: 0, height: 0 };
+  /** Of the score that is held. */
+  #looks = new KeptLooks();
   /** Whether what is painted is for nobody yet: a partial that cannot be painted is told of when it is asked for. */
   #paintsAhead = false;
   /** @type {ReadFile | null} what is drawn */
@@ -144,6 +154,7 @@ export class RenderService {
       this.#read = null;
       this.#sample?.destroy();
       this.#sample = null;
+      this.#looks.clear();
     }
     this.#run = null;
     this.#renderId = request.renderId;
@@ -162,6 +173,12 @@ export class RenderService {
     }
     const sideways = layoutMode === alphaTab.LayoutMode.Horizontal;
     this.#endless = sideways ? { look, scale, width: 0, height: 0, scales: new Map() } : null;
+    this.#look = JSON.stringify([look, scale, sideways || request.width, [...request.textWidths.keys()]]);
+    const before = this.#looks.find(this.#look);
+    if (before) {
+      this.#showAgain(request, before).catch((reason) => this.fail(reason));
+      return;
+    }
     setTextWidths(request.textWidths);
     const renderer = (this.#renderer ??= this.#newRenderer());
     renderer.updateSettings(settings);
@@ -206,6 +223,60 @@ export class RenderService {
     }
   }
 
+  /**
+   * Shows the score as it was shown before.
+   *
+   * @param {Extract<Request, { cmd: "draw" }>} request
+   * @param {import("./kept-looks.js").Look} look
+   */
+  async #showAgain({ renderId, view, anchor }, { pictures, width, height }) {
+    this.#later(null);
+    this.#pictures = pictures;
+    this.#size = { width, height };
+    this.#rescaling = null;
+    const endless = this.#endless;
+    const seen = viewNear(anchor, pictures.partials, view, height);
+    const partials = pictures.partials.map(async (partial) =>
+      isIn(partial, seen) ? ((await pictures.painted(partial.id)) ?? partial) : partial,
+    );
+    // What is in view comes first, and can be clicked at once: bounds take most of the time.
+    const systems = pictures.partials.filter(({ firstMasterBarIndex }) => firstMasterBarIndex >= 0);
+    const isNear = (/** @type {number} */ index) => systems.length !== pictures.systems || isIn(systems[index], seen);
+    const near = await pictures.bounds(isNear);
+    const last = near.length === pictures.systems;
+    const all = await Promise.all(partials);
+    const batch = { first: true, last, partials: all, allPartials: true, bounds: near, width, height };
+    if (renderId !== this.#renderId) {
+      return;
+    }
+    this.#post({ kind: "drawn", renderId, batch });
+    if (endless) {
+      Object.assign(endless, { width, height });
+      endless.scales.set(renderId, endless.scale);
+    }
+    this.#later(
+      () => this.#endShowingAgain(renderId, last).catch((reason) => this.fail(reason)),
+      last ? 0 : firstFramesMs,
+    );
+  }
+
+  /**
+   * @param {number} renderId
+   * @param {boolean} hasAllBounds whether the page has
+   */
+  async #endShowingAgain(renderId, hasAllBounds) {
+    this.#later(null);
+    const bounds = hasAllBounds ? [] : await this.#pictures.bounds();
+    if (renderId !== this.#renderId) {
+      return;
+    }
+    if (!hasAllBounds) {
+      const batch = { first: false, last: true, partials: [], bounds, allBounds: true, ...this.#size };
+      this.#post({ kind: "drawn", renderId, batch });
+    }
+    this.#letGoOfLayout();
+  }
+
   #newRenderer() {
     const renderer = new alphaTab.rendering.ScoreRenderer(this.#settings);
     renderer.error.on((reason) => {
@@ -234,7 +305,8 @@ export class RenderService {
           this.#pictures = new PictureStore();
           this.#rescaling = null;
         }
-        this.#pictures.add(batch.partials);
+        this.#pictures.add(batch.partials, batch.bounds ?? []);
+        this.#size = { width: batch.width, height: batch.height };
         run.delivered(batch);
         if (this.#endless) {
           Object.assign(this.#endless, { width: batch.width, height: batch.height });
@@ -269,9 +341,10 @@ export class RenderService {
     if (!renderer) {
       return;
     }
+    const look = this.#look;
     const progress = this.#paintSome(renderer);
     await pictures.pack();
-    if (pictures !== this.#pictures || run !== this.#run) {
+    if (pictures !== this.#pictures || run !== this.#run || look !== this.#look) {
       return;
     }
     if (progress === "more to paint") {
@@ -282,8 +355,16 @@ export class RenderService {
       this.#released = run.size;
       this.#proceed();
     } else if (progress === "all painted") {
-      this.#sample = layOutSample(renderer);
-      renderer.destroy();
+      this.#looks.keep(look, { pictures, ...this.#size });
+      this.#letGoOfLayout();
+    }
+  }
+
+  #letGoOfLayout() {
+    this.#later(null);
+    if (this.#renderer) {
+      this.#sample = layOutSample(this.#renderer);
+      this.#renderer.destroy();
       this.#renderer = null;
       // One zoom follows another, and would wait for a thorough collection: the page asks for it when none has for a
       // while.
@@ -343,6 +424,29 @@ export class RenderService {
     unsubscribe();
     return painted;
   }
+}
+
+/**
+ * @param {import("./scroll-anchor.js").ScrollAnchor | null} anchor
+ * @param {Partial[]} partials
+ * @param {View} view
+ * @param {number} height of all
+ * @returns {View} where the anchor will be seen, and half as much on each side: its place is known only roughly
+ */
+function viewNear(anchor, partials, view, height) {
+  const shown = anchor && partials.filter(({ firstMasterBarIndex: bar }) => bar >= 0 && bar <= anchor.bar).at(-1);
+  if (!anchor || !shown) {
+    return view;
+  }
+  const across = view.right - view.left;
+  const down = view.bottom - view.top;
+  const top = Math.min(shown.y + anchor.y * shown.height - anchor.top, height - down);
+  return {
+    left: shown.x - across,
+    top: top - down / 2,
+    right: shown.x + shown.width + across,
+    bottom: top + down * 1.5,
+  };
 }
 
 /**

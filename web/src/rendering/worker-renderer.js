@@ -4,6 +4,7 @@ import { letterWidths } from "../alphatab/internals/alphatab-internals.js";
 import { chooseStrings } from "../score-files/strings/open-fingerings.js";
 import { Emitter } from "../shared/emitter.js";
 import { WorkerWatch } from "../shared/worker-watch.js";
+import { boundsOf } from "./bounds-text.js";
 import { rescaleBounds } from "./rescaling.js";
 import { anchorIn, viewAt } from "./scroll-anchor.js";
 
@@ -367,11 +368,11 @@ export class WorkerRenderer {
     this.#whole = batch.last ? this.#renderId : null;
     if (batch.first) {
       this.awaited = false;
-      if (!batch.rescaling) {
-        this.boundsLookup = new alphaTab.rendering.BoundsLookup();
-        this.#folded = [];
-      }
       this.preRender.trigger(false);
+    }
+    if ((batch.first && !batch.rescaling) || batch.allBounds) {
+      this.boundsLookup = new alphaTab.rendering.BoundsLookup();
+      this.#folded = [];
     }
     for (const partial of batch.partials) {
       this.partialLayoutFinished.trigger(partial);
@@ -380,7 +381,7 @@ export class WorkerRenderer {
       }
     }
     if (batch.bounds) {
-      this.#addBounds(batch.bounds);
+      batch.bounds.forEach((text) => this.#addBounds(text));
       this.#addFolded(batch.last);
     } else if (batch.rescaling && this.boundsLookup) {
       rescaleBounds(this.boundsLookup, this.#folded, batch.rescaling);
@@ -413,9 +414,9 @@ export class WorkerRenderer {
   }
 
   /** @param {LayoutBatch} batch */
-  #sizeOf({ last, width, height }) {
+  #sizeOf({ last, allPartials, width, height }) {
     // A score drawn anew keeps its length until the new one is known: the reader stays where they are.
-    const atLeast = !last && this.#shown.score === this.#score ? this.#shown.height : 0;
+    const atLeast = !last && !allPartials && this.#shown.score === this.#score ? this.#shown.height : 0;
     const size = new alphaTab.rendering.RenderFinishedEventArgs();
     size.totalWidth = width;
     size.totalHeight = Math.max(height, atLeast);
@@ -423,10 +424,10 @@ export class WorkerRenderer {
     return size;
   }
 
-  /** @param {Map<string, unknown>} bounds of further staff systems */
-  #addBounds(bounds) {
+  /** @param {string} text the bounds of further staff systems */
+  #addBounds(text) {
     const all = this.boundsLookup;
-    const more = this.#score && alphaTab.rendering.BoundsLookup.fromJson(bounds, this.#score);
+    const more = this.#score && boundsOf(text, this.#score);
     if (!all || !more) {
       return;
     }

@@ -70,7 +70,7 @@ export function scoreOf(text) {
   return alphaTab.importer.ScoreLoader.loadAlphaTex(text, new alphaTab.Settings());
 }
 
-const noBounds = new alphaTab.rendering.BoundsLookup().toJson();
+const noBounds = [JSON.stringify({ staffSystems: [] })];
 
 /** A layout batch of a render pass, by the names of its partials; those in capitals are painted. */
 export function batch(names, { first = false, last = false, height = 100 } = {}) {
