@@ -15,7 +15,7 @@ import { alphaTab } from "../shared/alphatab.js";
 export function boundsText(system) {
   const bounds = new alphaTab.rendering.BoundsLookup();
   bounds.staffSystems = [system];
-  return JSON.stringify(bounds.toJson(), (_, value) => (value instanceof Map ? Object.fromEntries(value) : value));
+  return json(bounds.toJson());
 }
 
 /**
@@ -24,26 +24,55 @@ export function boundsText(system) {
  * @returns {BoundsLookup}
  */
 export function boundsOf(text, score) {
-  const bounds = alphaTab.rendering.BoundsLookup.fromJson(asMaps(JSON.parse(text)), score);
-  return bounds ?? new alphaTab.rendering.BoundsLookup();
+  const read = /** @type {any} */ (new Fields(JSON.parse(text)));
+  return alphaTab.rendering.BoundsLookup.fromJson(read, score) ?? new alphaTab.rendering.BoundsLookup();
 }
 
 /**
- * alphaTab reads maps only. A reviver would be called for each number, too.
+ * alphaTab writes maps, and a copy of each as an object would be as large as all of them.
  *
  * @param {unknown} value
- * @returns {any}
+ * @returns {string}
  */
-function asMaps(value) {
+function json(value) {
+  if (value instanceof Map) {
+    return `{${[...value].map(([name, part]) => `"${name}":${json(part)}`).join(",")}}`;
+  }
+  return Array.isArray(value) ? `[${value.map(json).join(",")}]` : JSON.stringify(value ?? null);
+}
+
+/** alphaTab reads maps. A map takes several times the room of an object, and these are read once. */
+class Fields {
+  #fields;
+
+  /** @param {Record<string, unknown>} fields */
+  constructor(fields) {
+    this.#fields = fields;
+  }
+
+  /**
+   * @param {string} name
+   * @returns {unknown}
+   */
+  get(name) {
+    return wrapped(this.#fields[name]);
+  }
+
+  /** @param {string} name */
+  has(name) {
+    return Object.hasOwn(this.#fields, name);
+  }
+}
+
+/**
+ * @param {unknown} value
+ * @returns {unknown}
+ */
+function wrapped(value) {
   if (Array.isArray(value)) {
-    return value.map(asMaps);
+    return value.map(wrapped);
   }
-  if (typeof value !== "object" || value === null) {
-    return value;
-  }
-  const map = new Map();
-  for (const [name, part] of Object.entries(value)) {
-    map.set(name, asMaps(part));
-  }
-  return map;
+  return typeof value === "object" && value !== null
+    ? new Fields(/** @type {Record<string, unknown>} */ (value))
+    : value;
 }
