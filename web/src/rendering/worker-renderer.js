@@ -382,6 +382,7 @@ export class WorkerRenderer {
     }
     if (batch.bounds) {
       batch.bounds.forEach((text) => this.#addBounds(text));
+      this.boundsLookup?.finish();
       this.#addFolded(batch.last);
     } else if (batch.rescaling && this.boundsLookup) {
       rescaleBounds(this.boundsLookup, this.#folded, batch.rescaling);
@@ -440,7 +441,6 @@ export class WorkerRenderer {
         }
       }
     }
-    all.finish();
   }
 
   /**
