@@ -42,6 +42,7 @@ QByteArray flagsFor(const QByteArray &flags)
 {
     QByteArrayList list = flags.isEmpty() ? QByteArrayList() : flags.split(' ');
     enlist(list, "--enable-features=", "SharedArrayBuffer");
+    enlist(list, "--enable-features=", "RunVideoCaptureServiceInBrowserProcess");
     enlist(list, "--js-flags=", "--expose-gc");
     enlist(list, "--js-flags=", "--no-memory-reducer");
     choose(list, "--force-webrtc-ip-handling-policy=", "disable_non_proxied_udp");

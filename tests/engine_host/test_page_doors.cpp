@@ -50,7 +50,7 @@ private Q_SLOTS:
 
     void theEngineIsStartedWithWhatThePageNeeds()
     {
-        const QByteArray features = "--enable-features=SharedArrayBuffer";
+        const QByteArray features = "--enable-features=SharedArrayBuffer,RunVideoCaptureServiceInBrowserProcess";
         const QByteArray script = "--js-flags=--expose-gc,--no-memory-reducer";
         const QByteArray walls
             = " --force-webrtc-ip-handling-policy=disable_non_proxied_udp --proxy-server=127.0.0.1:9 "
@@ -62,11 +62,12 @@ private Q_SLOTS:
             ChromiumSwitches::flagsFor("--proxy-server=proxy:8080 " + features + ' ' + script).count("--proxy-server"),
             1);
         QCOMPARE(ChromiumSwitches::flagsFor("--enable-features=A,B --js-flags=--trace-gc --mute-audio"),
-            QByteArray("--enable-features=A,B,SharedArrayBuffer --js-flags=--trace-gc,--expose-gc,--no-memory-reducer "
-                       "--mute-audio")
+            QByteArray("--enable-features=A,B,SharedArrayBuffer,RunVideoCaptureServiceInBrowserProcess "
+                       "--js-flags=--trace-gc,--expose-gc,--no-memory-reducer --mute-audio")
                 + walls);
         QCOMPARE(ChromiumSwitches::flagsFor("--enable-features=A --enable-features=B " + script),
-            "--enable-features=A --enable-features=B,SharedArrayBuffer " + script + walls);
+            "--enable-features=A --enable-features=B,SharedArrayBuffer,RunVideoCaptureServiceInBrowserProcess " + script
+                + walls);
     }
 
     void theEnginesProcessesGiveBackWhatTheyFree()

@@ -5,6 +5,7 @@
 #include "engine_host/WebEngineHost.h"
 #include "engine_host/bridge/MessageReceiver.h"
 #include "engine_host/bridge/ScriptHandler.h"
+#include "engine_host/process/RunningProcess.h"
 #include "engine_host/serving/WebSchemeHandler.h"
 #include "tests/support/EngineTestMain.h"
 
@@ -165,6 +166,18 @@ private Q_SLOTS:
         QCOMPARE(settled(u"isSecureContext && typeof AudioWorkletNode"_s), u"function"_s);
         QCOMPARE(settled(u"(async () => { const c = new AudioContext(); await c.resume(); return c.state })()"_s),
             u"running"_s);
+    }
+
+    void noProcessLooksForCamerasWhenOutputsAreAskedFor()
+    {
+        // Chromium answers for cameras and audio outputs together. Its process for them would stay for seconds.
+        QCOMPARE(settled(u"navigator.mediaDevices.enumerateDevices().then(Array.isArray)"_s), QVariant(true));
+        QStringList commands;
+        for (const qint64 child : RunningProcess::children(QCoreApplication::applicationPid()))
+            commands << QString::fromUtf8(RunningProcess::read(child, u"cmdline"_s));
+        QVERIFY(!commands.isEmpty());
+        for (const QString &command : std::as_const(commands))
+            QVERIFY2(!command.contains("--utility-sub-type=video_capture"_L1), qPrintable(command));
     }
 
     void headersReachThePage()
