@@ -48,6 +48,10 @@ const firstFramesMs = 100;
 /** How much is laid out before what is done is let go of, in bars of one track: 15 to 20 MB. */
 const longLayout = 600;
 
+/** The same while a score is opened, until `openingSize` are laid out: much else takes memory just then. */
+const longLayoutWhileOpening = 300;
+const openingSize = 3000;
+
 export class RenderService {
   #post;
   /** The page's settings; a render pass under way keeps those it began with. */
@@ -315,7 +319,8 @@ export class RenderService {
         wait = batch.first ? this.#remainderTimeoutMs : 0;
       }
       this.#run = run.finished ? null : run;
-      const paints = run.finished || run.size - this.#released >= longLayout;
+      const opens = !this.#drawsAgain && this.#released < openingSize;
+      const paints = run.finished || run.size - this.#released >= (opens ? longLayoutWhileOpening : longLayout);
       this.#later(paints ? () => this.#paintAhead() : () => this.#proceed(), wait);
     } catch (reason) {
       this.#run = null;

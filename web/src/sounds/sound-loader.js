@@ -1,4 +1,5 @@
 // @ts-check
+import { collectGarbage } from "../shared/garbage.js";
 import { fetchBytes } from "../shared/resources.js";
 import { readSoundFile, to16BitSamples, zonesFor } from "../soundfont/sound-file.js";
 
@@ -59,6 +60,8 @@ async function load(notes) {
   for (const index of used) {
     const { rate, root, correction } = description.samples[index];
     samples.push({ samples: await decode(streamOf(index), description.samples[index]), rate, root, correction });
+    // V8 hardly counts what buffers take: those of decoded streams, up to 33 MB, would wait for the worker's end.
+    collectGarbage();
     await new Promise((resolve) => setTimeout(resolve, nextStreamDelayMs));
   }
   return { ...description, zones: zones.map((zone) => ({ ...zone, sample: used.indexOf(zone.sample) })), samples };
